@@ -1,0 +1,137 @@
+#include <fstream>
+
+#include "veq/formats/keyed_archiver.hpp"
+#include "veq_tasks.hpp"
+
+namespace bench {
+namespace {
+
+using veq::Owned;
+using veq::VEQKeyedArchiver;
+using veq::VEQKeyedUnarchiver;
+using veq::VEQNetwork;
+using veq::VEQNumberArray;
+
+std::uint64_t sizeOf(const VEQNetwork& network) {
+  return network.countVertices() + network.countEdges();
+}
+
+template <class Read>
+bool measureReading(const Arguments& arguments, Measurement& measurement, Read read) {
+  const std::string path = arguments.text("file");
+  measurement.time([&] { return read(path); },
+                   [](const auto& network) { return network ? sizeOf(*network) : 0; });
+  measurement.addMegabytesPerSecond(bytesOfFile(path));
+  return true;
+}
+
+/// In place, as the peers write; the network has names and weights.
+template <class Write>
+bool measureWriting(const Arguments& arguments, Measurement& measurement, Write write) {
+  const auto network = namedNetworkOf(edgesOf(arguments, true));
+  const std::string path = arguments.text("out");
+  measurement.time([&] { return write(*network, path); }, [](bool written) { return written; });
+  measurement.addMegabytesPerSecond(bytesOfFile(path));
+  return true;
+}
+
+std::string contentsOf(const std::string& path) {
+  std::string text(static_cast<std::size_t>(bytesOfFile(path)), '\0');
+  std::ifstream(path, std::ios::binary)
+      .read(text.data(), static_cast<std::streamsize>(text.size()));
+  return text;
+}
+
+bool readPajek(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, VEQNetwork::initWithContentsOfPajekFile);
+}
+bool writePajek(const Arguments& arguments, Measurement& measurement) {
+  return measureWriting(arguments, measurement, [](const VEQNetwork& network, const auto& path) {
+    return network.writeToPajekFile_atomically(path, false);
+  });
+}
+
+bool readXnet(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, VEQNetwork::initWithContentsOfFile);
+}
+bool writeXnet(const Arguments& arguments, Measurement& measurement) {
+  return measureWriting(arguments, measurement, [](const VEQNetwork& network, const auto& path) {
+    return network.writeToFile_atomically(path, false);
+  });
+}
+
+/// The interface takes the text, so reading the file is part of the work.
+bool readEdgeList(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](const std::string& path) {
+    return VEQNetwork::initWithEdgesListString_directed(contentsOf(path), false);
+  });
+}
+bool writeEdgeList(const Arguments& arguments, Measurement& measurement) {
+  return measureWriting(arguments, measurement, [](const VEQNetwork& network, const auto& path) {
+    return network.writeToEdgesFile_atomically(path, false);
+  });
+}
+
+Owned<VEQNumberArray> numbersOf(const Arguments& arguments) {
+  return numberArrayOf(std::vector<std::uint64_t>(arguments.count("n", 10'000'000), 5));
+}
+
+bool encodeNumbers(const Arguments& arguments, Measurement& measurement) {
+  const auto numbers = numbersOf(arguments);
+  measurement.time(
+      [&] {
+        auto archiver = std::make_unique<VEQKeyedArchiver>();
+        archiver->encodeNumberArray(*numbers, "numbers");
+        return archiver;
+      },
+      [](const auto& archiver) { return archiver->bytes().size(); });
+  measurement.addMegabytesPerSecond(8 * static_cast<double>(numbers->count()));
+  return true;
+}
+
+bool decodeNumbers(const Arguments& arguments, Measurement& measurement) {
+  const auto numbers = numbersOf(arguments);
+  VEQKeyedArchiver archiver;
+  archiver.encodeNumberArray(*numbers, "numbers");
+  measurement.time(
+      [&] { return VEQKeyedUnarchiver(archiver.bytes()).decodeNumberArray("numbers"); },
+      [](const auto& decoded) { return decoded->count(); });
+  measurement.addMegabytesPerSecond(8 * static_cast<double>(numbers->count()));
+  return true;
+}
+
+bool writeArchive(const Arguments& arguments, Measurement& measurement) {
+  const auto network = networkOf(edgesOf(arguments));
+  measurement.time(
+      [&] {
+        auto archiver = std::make_unique<VEQKeyedArchiver>();
+        network->encodeWithCoder(*archiver);
+        return archiver;
+      },
+      [](const auto& archiver) { return archiver->bytes().size(); });
+  return true;
+}
+
+bool readArchive(const Arguments& arguments, Measurement& measurement) {
+  VEQKeyedArchiver archiver;
+  networkOf(edgesOf(arguments))->encodeWithCoder(archiver);
+  measurement.time(
+      [&] {
+        VEQKeyedUnarchiver unarchiver(archiver.bytes());
+        return VEQNetwork::initWithCoder(unarchiver);
+      },
+      [](const auto& network) { return network->countEdges(); });
+  return true;
+}
+
+}  // namespace
+
+std::vector<Task> formatTasks() {
+  return {{"read_pajek", readPajek},         {"write_pajek", writePajek},
+          {"read_xnet", readXnet},           {"write_xnet", writeXnet},
+          {"read_edges", readEdgeList},      {"write_edges", writeEdgeList},
+          {"encode_numbers", encodeNumbers}, {"decode_numbers", decodeNumbers},
+          {"write_archive", writeArchive},   {"read_archive", readArchive}};
+}
+
+}  // namespace bench

@@ -1,0 +1,52 @@
+# What `cmake --install` puts where: the components `runtime` (the shared library), `development`
+# (headers and what a build needs to find the library) and `tools` (the program).
+include(CMakePackageConfigHelpers)
+
+set(VEQ_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/veq")
+set(VEQ_PKGCONFIG_DIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+
+install(TARGETS veq EXPORT veqTargets
+        LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime
+                NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
+
+# The headers are those that veq/veq.hpp reaches, as they are when somebody installs.
+install(CODE "set(VEQ_SOURCE_DIR \"${PROJECT_SOURCE_DIR}\")
+  set(VEQ_INCLUDE_DIR \"${CMAKE_INSTALL_INCLUDEDIR}\")" COMPONENT development)
+install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/VeqInstallHeaders.cmake" COMPONENT development)
+
+install(EXPORT veqTargets NAMESPACE veq:: DESTINATION "${VEQ_CMAKE_DIR}" COMPONENT development)
+configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/veqConfig.cmake.in" veqConfig.cmake
+                              INSTALL_DESTINATION "${VEQ_CMAKE_DIR}")
+write_basic_package_version_file(veqConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veqConfig.cmake"
+              "${CMAKE_CURRENT_BINARY_DIR}/veqConfigVersion.cmake"
+        DESTINATION "${VEQ_CMAKE_DIR}" COMPONENT development)
+
+# The pkg-config file finds everything from where it lies, so that an installed tree can be moved.
+# What a static library needs besides is asked for with --static where there is a choice.
+file(RELATIVE_PATH VEQ_PC_PREFIX "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig" "${CMAKE_INSTALL_PREFIX}")
+string(REGEX REPLACE "/$" "" VEQ_PC_PREFIX "${VEQ_PC_PREFIX}")
+file(RELATIVE_PATH VEQ_PC_LIBDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+file(RELATIVE_PATH VEQ_PC_INCLUDEDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+set(VEQ_PC_LIBS "-lveq")
+set(VEQ_PC_LIBS_PRIVATE "-pthread")
+if(NOT BUILD_SHARED_LIBS)
+  string(APPEND VEQ_PC_LIBS " ${VEQ_PC_LIBS_PRIVATE}")
+endif()
+configure_file("${CMAKE_CURRENT_LIST_DIR}/veq.pc.in" veq.pc @ONLY)
+install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veq.pc" DESTINATION "${VEQ_PKGCONFIG_DIR}"
+        COMPONENT development)
+
+if(VEQ_BUILD_TOOLS)
+  # The program finds the library beside itself wherever the tree is moved.
+  file(RELATIVE_PATH to_libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(veq_program PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  install(TARGETS veq_program DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/veq.1"
+          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools OPTIONAL)
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/completion.bash" RENAME veq
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools
+          OPTIONAL)
+endif()

@@ -1,0 +1,34 @@
+# The library, and one function for each kind of program that the project builds around it.
+include(GoogleTest OPTIONAL)
+
+# veq_library(NAME [STATIC] [EXCLUDE_FROM_ALL]): the library from VEQ_SOURCES, static or shared as
+# BUILD_SHARED_LIBS says. What is PRIVATE here reaches no project that uses the library.
+function(veq_library name)
+  add_library(${name} ${ARGN} ${VEQ_SOURCES})
+  target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
+                                            "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_link_libraries(${name} PUBLIC Threads::Threads)
+  set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
+                                           VISIBILITY_INLINES_HIDDEN ON VERSION ${PROJECT_VERSION}
+                                           SOVERSION ${PROJECT_VERSION_MAJOR})
+  veq_developer_options(${name})
+  # A fused multiply-add would change the last bit of a walk or a strength between machines.
+  target_compile_options(${name} PRIVATE -ffp-contract=off)
+endfunction()
+
+# veq_test(NAME SOURCE...): a GoogleTest program, each of its tests known to ctest by name.
+function(veq_test name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE veq_internals veq_test_support GTest::gmock GTest::gtest_main)
+  target_precompile_headers(${name} REUSE_FROM veq_test_support)
+  veq_developer_options(${name})
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+endfunction()
+
+# veq_benchmark(NAME SOURCE...): a Google Benchmark program.
+function(veq_benchmark name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE veq_internals benchmark::benchmark_main)
+  veq_developer_options(${name})
+endfunction()

@@ -1,0 +1,13 @@
+# Warnings and developer settings. They stay PRIVATE: a project that uses the library sees none. A
+# warning that only a later compiler knows must not stop somebody who just wants to install, so
+# warnings are errors in the presets alone.
+option(VEQ_WERROR "Treat warnings as errors" OFF)
+
+function(veq_developer_options target)
+  if(PROJECT_IS_TOP_LEVEL)
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+                                             -Wnon-virtual-dtor -Woverloaded-virtual
+                                             $<$<BOOL:${VEQ_WERROR}>:-Werror>)
+  endif()
+  veq_sanitize(${target})
+endfunction()

@@ -1,0 +1,257 @@
+// Every allocation of an operation is made to fail once: the object is as it was, and usable.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <vector>
+
+#include "tests/support/failing_allocation.hpp"
+#include "tests/support/network_comparison.hpp"
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq::test {
+namespace {
+
+// A network with what an operation could spoil: weights, edge columns of three kinds, handles.
+struct Fixture {
+  Owned<VEQNetwork> network;
+  SlowNetwork slow;
+  Shared<VEQVertex> first;
+  Shared<VEQVertex> last;
+
+  void expectUnchanged() const {
+    expectSame(*network, slow);
+    EXPECT_EQ(texts(*columnOf(*network->propertiesOfEdges(), "Kind")),
+              (std::vector<std::string>{"x", "<null>", "<null>"}));
+    EXPECT_EQ(texts(*columnOf(*network->propertiesOfEdges(), "Length")),
+              (std::vector<std::string>{"1.5", "1.5", "1.5"}));
+    EXPECT_EQ(columnOf(*network->propertiesOfEdges(), "Place")->count(), 3U);
+    EXPECT_EQ(network->keysForPropertiesOfEdges().size(), 3U);
+    EXPECT_EQ(network->keysForPropertiesOfVertices().size(), 1U);
+    EXPECT_EQ(texts(*columnOf(*network->propertiesOfVertices(), "Name")),
+              (std::vector<std::string>{"<null>", kLongName, "<null>"}));
+    EXPECT_EQ(internal::CoreAccess::of(*network).edgesCapacity, 3U);
+  }
+
+  static constexpr const char* kLongName = "a name that does not fit into the string itself";
+};
+
+Fixture makeFixture(bool directed, bool weighted) {
+  Fixture f;
+  f.network = draw("0-1 1-2 2-2", directed);
+  f.slow.vertexCount = 3;
+  f.slow.directed = directed;
+  f.slow.edges = {{0, 1}, {1, 2}, {2, 2}};
+  if (weighted) {
+    f.network->setEdgesWeightValues(VEQNumberArray::ofFloats({2, 3, 4}));
+    f.slow.edgesWeights = {2, 3, 4};
+  }
+  f.network->setPropertyValue_forKey_atEdgeIndex("x", "Kind", 0);
+  f.network->setPropertiesOfEdges_forKey(VEQNumberArray::initWithDoubleScalar_count(1.5, 3),
+                                         "Length");
+  f.network->setPropertiesOfEdges_forKey(VEQVector3dArray::initWithSize_precision(3, 1), "Place");
+  f.network->setPropertyValue_forKey_atVertexIndex(Fixture::kLongName, "Name", 1);
+  f.first = f.network->vertexAtIndex(0);
+  f.last = f.network->vertexAtIndex(2);
+  return f;
+}
+
+// For all four kinds of networks; `succeeded` sees what the operation did when it did not fail.
+template <class Operate, class Succeeded>
+void expectStrongGuarantee(Operate operate, Succeeded succeeded) {
+  for (const bool directed : {false, true}) {
+    for (const bool weighted : {false, true}) {
+      const std::uint64_t failures =
+          forEachFailingAllocation([&] { return makeFixture(directed, weighted); }, operate,
+                                   [&](Fixture& f, bool failed) {
+                                     if (failed) {
+                                       f.expectUnchanged();
+                                       operate(f);
+                                     }
+                                     succeeded(f);
+                                   });
+      EXPECT_GT(failures, 0U);
+    }
+  }
+}
+
+TEST(FailingAllocations, OfASingleInsertionLeaveTheNetworkAsItWas) {
+  expectStrongGuarantee([](Fixture& f) { insert(*f.network, "0-2"); },
+                        [](Fixture& f) {
+                          EXPECT_EQ(f.network->countEdges(), 4U);
+                          for (const char* key : {"Kind", "Length", "Place"}) {
+                            EXPECT_EQ(columnOf(*f.network->propertiesOfEdges(), key)->count(), 4U);
+                          }
+                        });
+}
+
+TEST(FailingAllocations, OfABulkInsertionLeaveTheNetworkAsItWas) {
+  const std::vector<std::uint64_t> from(100, 1);
+  const std::vector<std::uint64_t> to(100, 2);
+  expectStrongGuarantee(
+      [&](Fixture& f) {
+        f.network->addEdgesFromVerticesIndices_toVerticesIndices_count(from.data(), to.data(), 100);
+      },
+      [](Fixture& f) { EXPECT_EQ(f.network->countEdges(), 103U); });
+}
+
+TEST(FailingAllocations, OfLinkingLeaveTheNetworkAsItWas) {
+  expectStrongGuarantee(
+      [](Fixture& f) { static_cast<void>(f.network->linkVertex_to(*f.first, *f.last)); },
+      [](Fixture& f) { EXPECT_EQ(f.network->countEdges(), 4U); });
+}
+
+TEST(FailingAllocations, OfLinkingWithAWeightLeaveTheNetworkAsItWas) {
+  expectStrongGuarantee(
+      [](Fixture& f) {
+        static_cast<void>(f.network->linkVertex_to_weight(*f.first, *f.last, 8.0f));
+      },
+      [](Fixture& f) {
+        EXPECT_EQ(f.network->countEdges(), 4U);
+        EXPECT_EQ(f.network->edgeAtIndex(3)->weight(), 8.0f);
+      });
+}
+
+TEST(FailingAllocations, OfSettingAValueLeaveTheNetworkAsItWas) {
+  expectStrongGuarantee(
+      [](Fixture& f) {
+        f.network->setPropertyValue_forKey_atVertexIndex(std::string(50, 'n'), "Name", 1);
+      },
+      [](Fixture& f) { EXPECT_EQ(f.network->vertexAtIndex(1)->description().size(), 50U); });
+}
+
+TEST(FailingAllocations, OfSettingANewKeyLeaveTheNetworkAsItWas) {
+  const std::string key(40, 'k');
+  for (const PropertyValue& value :
+       {PropertyValue(1.0), PropertyValue(Fixture::kLongName), PropertyValue(VEQVector2d(1, 2)),
+        PropertyValue(VEQVector3d(1, 2, 3))}) {
+    expectStrongGuarantee(
+        [&](Fixture& f) { f.network->setPropertyValue_forKey_atVertexIndex(value, key, 2); },
+        [&](Fixture& f) {
+          EXPECT_EQ(columnOf(*f.network->propertiesOfVertices(), key)->objectAtIndex(2), value);
+        });
+    expectStrongGuarantee(
+        [&](Fixture& f) { f.network->setPropertyValue_forKey_atEdgeIndex(value, key, 2); },
+        [&](Fixture& f) {
+          EXPECT_EQ(columnOf(*f.network->propertiesOfEdges(), key)->objectAtIndex(2), value);
+        });
+  }
+}
+
+TEST(FailingAllocations, OfSettingAFixedColumnLeaveTheNetworkAsItWas) {
+  const Shared<PropertyColumn> fixed =
+      VEQNumberArray::initWithDoubleScalar_count(1.5, 3)->fixedCopy();
+  expectStrongGuarantee(
+      [&](Fixture& f) { f.network->setPropertiesOfVertices_forKey(fixed, "fixed"); },
+      [](Fixture& f) { EXPECT_TRUE(f.network->propertiesOfVertices()->contains("fixed")); });
+}
+
+TEST(FailingAllocations, OfWeightSettersLeaveTheNetworkAsItWas) {
+  const auto weights = VEQNumberArray::ofFloats({5, 6, 7});
+  expectStrongGuarantee([&](Fixture& f) { f.network->setVerticesWeightValues(weights); },
+                        [](Fixture& f) { EXPECT_EQ(f.first->weight(), 5.0f); });
+  expectStrongGuarantee([](Fixture& f) { f.network->setWeightValue_atVertexIndex(5, 2); },
+                        [](Fixture& f) { EXPECT_EQ(f.last->weight(), 5.0f); });
+  for (const bool all : {false, true}) {
+    const std::uint64_t failures =
+        forEachFailingAllocation([] { return makeFixture(true, false); },
+                                 [&](Fixture& f) {
+                                   if (all) {
+                                     f.network->setEdgesWeightValues(weights);
+                                   } else {
+                                     f.network->setWeightValue_atEdgeIndex(7, 2);
+                                   }
+                                 },
+                                 [](Fixture& f, bool failed) {
+                                   if (failed) {
+                                     f.expectUnchanged();
+                                   } else {
+                                     EXPECT_EQ(f.network->edgeAtIndex(2)->weight(), 7.0f);
+                                   }
+                                 });
+    EXPECT_GT(failures, 0U);
+  }
+}
+
+TEST(FailingAllocations, OfQuestionsLeaveTheNetworkAsItWas) {
+  const auto where = VEQNumberArray::ofIndices({0, 2});
+  expectStrongGuarantee(
+      [&](Fixture& f) {
+        const VEQNetwork& n = *f.network;
+        static_cast<void>(n.calcDegrees());
+        static_cast<void>(n.calcInStrengths());
+        static_cast<void>(n.edgesLinkedFromVertexAtIndex(2)[0]);
+        static_cast<void>(n.indicesOfVerticesLinkedToVertexAtIndex(2));
+        static_cast<void>(n.vertexWithName("x"));
+        static_cast<void>(n.verticesWithName(Fixture::kLongName));
+        static_cast<void>(n.edgesWeightValues());
+        static_cast<void>(n.propertiesOfVertexAtIndex(1));
+        static_cast<void>(n.propertiesOfInEdgesAtIndexArray(where));
+        static_cast<void>(n.namesOfVerticesAtIndexArray(where));
+        static_cast<void>(n.namesOfEdgesAtIndexArray(where));
+        static_cast<void>(n.areEditableEdgesAtIndexArray(where));
+        static_cast<void>(n.keysForPropertiesOfEdges());
+        static_cast<void>(n.edgeAtIndex(1)->description());
+        static_cast<void>(VEQEdge::initAtNetwork_identification(n, 1)->fromVertex());
+      },
+      [](Fixture& f) { f.expectUnchanged(); });
+}
+
+TEST(FailingAllocations, OfTheMatrixLeaveTheNetworkAsItWas) {
+  // Freed where it was allocated, so that the count of blocks tells.
+  expectStrongGuarantee(
+      [](Fixture& f) { std::free(f.network->buildAdjacencyMatrixInPointer(nullptr)); },
+      [](Fixture& f) { f.expectUnchanged(); });
+}
+
+// A constructor and a factory give no network instead of throwing.
+TEST(FailingAllocations, OfConstructorsGiveNoNetwork) {
+  const auto from = VEQNumberArray::ofIndices({0, 1, 2, 2});
+  const auto to = VEQNumberArray::ofDoubles({1, 2, 2, 0});
+  const auto three = VEQNumberArray::ofFloats({1, 2, 3});
+  const auto four = VEQNumberArray::ofFloats({1, 2, 3, 4});
+  for (const bool directed : {false, true}) {
+    for (const bool factory : {false, true}) {
+      Shared<VEQNetwork> shared;
+      Owned<VEQNetwork> owned;
+      const std::uint64_t failures = forEachFailingAllocation(
+          [&] {
+            if (factory) {
+              shared = VEQNetwork::
+                  networkWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
+                      from, to, directed, &three, &four);
+            } else {
+              owned = VEQNetwork::
+                  initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
+                      from, to, directed, &three, &four);
+            }
+          },
+          [&](bool failed) {
+            EXPECT_FALSE(failed) << "It must not throw.";
+            const VEQNetwork* network = factory ? shared.get() : owned.get();
+            EXPECT_EQ(network == nullptr, FailingAllocation::happened());
+            EXPECT_TRUE(!network || network->countEdges() == 4);
+            shared.reset();
+            owned.reset();
+          });
+      EXPECT_GT(failures, 8U);
+    }
+  }
+}
+
+TEST(FailingAllocations, OfTheCapacityConstructorGiveNoNetwork) {
+  Shared<VEQNetwork> network;
+  const std::uint64_t failures = forEachFailingAllocation(
+      [&] { network = VEQNetwork::networkWithVertexCapacity_edgeCapacity(5, 5); },
+      [&](bool failed) {
+        EXPECT_FALSE(failed) << "It must not throw.";
+        EXPECT_EQ(!network, FailingAllocation::happened());
+        network.reset();
+      });
+  EXPECT_GT(failures, 3U);
+}
+
+}  // namespace
+}  // namespace veq::test

@@ -1,0 +1,131 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+#include "veq/numeric/number_array.hpp"
+#include "veq/numeric/property_column.hpp"
+
+namespace veq::test {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+using Texts = std::vector<std::string>;
+
+/// The edges in index order, as "0>1 1>2".
+inline std::string edgesOf(const VEQNetwork& network) {
+  const auto& store = internal::CoreAccess::of(network).store;
+  std::string text;
+  for (std::uint64_t edge = 0; edge < store.edgeCount(); ++edge) {
+    if (edge > 0) text += ' ';
+    text += std::to_string(store.from(edge)) + '>' + std::to_string(store.to(edge));
+  }
+  return text;
+}
+
+inline std::vector<float> floatsOf(const VEQNumberArray& array) {
+  std::vector<float> values(array.count());
+  array.getFloatValues(values.data());
+  return values;
+}
+inline std::vector<float> edgeWeightsOf(const VEQNetwork& network) {
+  return floatsOf(*network.edgesWeightValues());
+}
+inline std::vector<float> vertexWeightsOf(const VEQNetwork& network) {
+  return floatsOf(*network.verticesWeightValues());
+}
+
+/// The elements' texts; no element and no column are told apart by their callers.
+inline Texts textsOf(const PropertyColumn& column) {
+  Texts texts;
+  for (std::uint64_t i = 0; i < column.count(); ++i) {
+    texts.push_back(column.objectAtIndex(i).text());
+  }
+  return texts;
+}
+inline Texts vertexTexts(const VEQNetwork& network, std::string_view key) {
+  const auto* column = network.propertiesOfVertices()->find(key);
+  return column ? textsOf(**column) : Texts{"no column"};
+}
+inline Texts edgeTexts(const VEQNetwork& network, std::string_view key) {
+  const auto* column = network.propertiesOfEdges()->find(key);
+  return column ? textsOf(**column) : Texts{"no column"};
+}
+inline PropertyColumn::Kind vertexKind(const VEQNetwork& network, std::string_view key) {
+  return (*network.propertiesOfVertices()->find(key))->kind();
+}
+
+/// A folder that vanishes with this.
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "veq-test-XXXXXX").string();
+    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
+    folder_ = name;
+  }
+  ~TemporaryFolder() { std::filesystem::remove_all(folder_); }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  [[nodiscard]] std::string path(std::string_view name) const { return (folder_ / name).string(); }
+  /// Writes a file and gives its path.
+  [[nodiscard]] std::string write(std::string_view name, std::string_view bytes) const {
+    std::ofstream(path(name), std::ios::binary)
+        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    return path(name);
+  }
+  [[nodiscard]] std::size_t countFiles() const {
+    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_),
+                                                  std::filesystem::directory_iterator()));
+  }
+
+ private:
+  std::filesystem::path folder_;
+};
+
+inline std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Calls f with many damaged forms of a text: cut anywhere, with pieces removed, doubled and
+/// exchanged for what readers look for. The same ones every time.
+template <class F>
+void forMutationsOf(const std::string& text, const Texts& pieces, F f) {
+  for (std::size_t length = 0; length <= text.size(); ++length) f(text.substr(0, length));
+  std::minstd_rand random(1);
+  for (int round = 0; round < 2000; ++round) {
+    std::string mutated = text;
+    for (auto edits = 1 + random() % 4; edits > 0; --edits) {
+      const std::size_t at = random() % (mutated.size() + 1);
+      const std::size_t length = random() % 12;
+      switch (random() % 4) {
+        case 0:
+          mutated.erase(at, length);
+          break;
+        case 1:
+          mutated.insert(at, mutated.substr(at, length));
+          break;
+        case 2:
+          mutated.insert(at, pieces[random() % pieces.size()]);
+          break;
+        default:
+          if (at < mutated.size()) mutated[at] = static_cast<char>(random() % 256);
+      }
+    }
+    f(mutated);
+  }
+}
+
+}  // namespace veq::test

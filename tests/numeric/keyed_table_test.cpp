@@ -1,0 +1,108 @@
+#include "veq/numeric/keyed_table.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace veq {
+namespace {
+
+using testing::ElementsAre;
+using testing::Pair;
+
+KeyedTable<int> threeKeys() {
+  KeyedTable<int> table;
+  table.set("Name", 1);
+  table.set("Age", 2);
+  table.set("City", 3);
+  return table;
+}
+
+std::vector<std::pair<std::string, int>> entriesOf(const KeyedTable<int>& table) {
+  return {table.begin(), table.end()};
+}
+
+TEST(KeyedTable, StartsEmpty) {
+  const KeyedTable<int> table;
+  EXPECT_TRUE(table.empty());
+  EXPECT_EQ(table.size(), 0U);
+  EXPECT_EQ(table.find(""), nullptr);
+  EXPECT_FALSE(table.contains("Name"));
+  EXPECT_THAT(table.keys(), ElementsAre());
+}
+
+TEST(KeyedTable, KeepsTheOrderInWhichKeysWereFirstSet) {
+  const KeyedTable<int> table = threeKeys();
+  EXPECT_THAT(table.keys(), ElementsAre("Name", "Age", "City"));
+  EXPECT_THAT(entriesOf(table), ElementsAre(Pair("Name", 1), Pair("Age", 2), Pair("City", 3)));
+}
+
+TEST(KeyedTable, ReplacingAValueKeepsTheKeysPlace) {
+  KeyedTable<int> table = threeKeys();
+  table.set("Name", 9);
+  EXPECT_THAT(entriesOf(table), ElementsAre(Pair("Name", 9), Pair("Age", 2), Pair("City", 3)));
+}
+
+TEST(KeyedTable, FindsEveryKeyAfterARemoval) {
+  KeyedTable<int> table = threeKeys();
+  table.remove("Age");
+  EXPECT_THAT(entriesOf(table), ElementsAre(Pair("Name", 1), Pair("City", 3)));
+  EXPECT_EQ(table.find("Age"), nullptr);
+  ASSERT_NE(table.find("Name"), nullptr);
+  EXPECT_EQ(*table.find("Name"), 1);
+  ASSERT_NE(table.find("City"), nullptr);
+  EXPECT_EQ(*table.find("City"), 3);
+}
+
+TEST(KeyedTable, ARemovedKeyComesBackAtTheEnd) {
+  KeyedTable<int> table = threeKeys();
+  table.remove("Name");
+  table.set("Name", 4);
+  EXPECT_THAT(entriesOf(table), ElementsAre(Pair("Age", 2), Pair("City", 3), Pair("Name", 4)));
+}
+
+TEST(KeyedTable, RemovingAKeyThatIsNotThereChangesNothing) {
+  KeyedTable<int> table = threeKeys();
+  table.remove("Street");
+  EXPECT_THAT(table.keys(), ElementsAre("Name", "Age", "City"));
+}
+
+TEST(KeyedTable, CanRemoveAndSetAKeyThroughItsOwnEntry) {
+  KeyedTable<int> table = threeKeys();
+  table.set(table.begin()->first, 5);
+  EXPECT_EQ(*table.find("Name"), 5);
+  table.remove(table.begin()->first);
+  EXPECT_THAT(table.keys(), ElementsAre("Age", "City"));
+}
+
+TEST(KeyedTable, KeysMayBeEmptyOrHoldNulCharacters) {
+  KeyedTable<int> table;
+  table.set("", 1);
+  table.set(std::string_view("a\0b", 3), 2);
+  table.set("a", 3);
+  EXPECT_EQ(table.size(), 3U);
+  EXPECT_EQ(*table.find(""), 1);
+  EXPECT_EQ(*table.find(std::string_view("a\0b", 3)), 2);
+}
+
+TEST(KeyedTable, ACopyIsIndependent) {
+  const KeyedTable<int> table = threeKeys();
+  KeyedTable<int> copy = table;
+  copy.remove("Name");
+  copy.set("City", 8);
+  EXPECT_EQ(*table.find("Name"), 1);
+  EXPECT_EQ(*table.find("City"), 3);
+}
+
+TEST(KeyedTable, AMapOfPropertiesHoldsTheNullMarkerAsAValue) {
+  PropertyMap map;
+  map.set("Name", PropertyValue());
+  ASSERT_NE(map.find("Name"), nullptr);
+  EXPECT_TRUE(map.find("Name")->isNull());
+}
+
+}  // namespace
+}  // namespace veq

@@ -1,0 +1,123 @@
+#include "tests/support/failing_allocation.hpp"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+// The linker sends every call of these functions in the program's own objects and in the library to
+// __wrap_..., and calls of __real_... to the functions themselves.
+extern "C" {
+void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
+void* __real_realloc(void* block, std::size_t size);
+void __real_free(void* block);
+}
+
+namespace veq::test {
+namespace {
+
+struct State {
+  bool armed = false;
+  bool all = false;
+  bool happened = false;
+  std::uint64_t countdown = 0;
+  std::int64_t live = 0;
+  std::uint64_t bytes = 0;
+};
+
+thread_local State state;
+
+bool mustFail() {
+  if (!state.armed) return false;
+  if (state.countdown > 0) {
+    --state.countdown;
+    return false;
+  }
+  state.happened = true;
+  if (!state.all) state.armed = false;
+  return true;
+}
+
+void* counted(void* block, std::size_t size) {
+  state.bytes += size;
+  if (block) ++state.live;
+  return block;
+}
+
+void uncounted(void* block) {
+  if (block) --state.live;
+}
+
+}  // namespace
+
+FailingAllocation::FailingAllocation(std::uint64_t n, Mode mode) {
+  state.all = mode == Mode::kAllFrom;
+  state.happened = false;
+  state.countdown = n;
+  state.armed = true;
+}
+
+FailingAllocation::~FailingAllocation() { state.armed = false; }
+
+bool FailingAllocation::happened() { return state.happened; }
+
+std::int64_t FailingAllocation::liveBlocks() { return state.live; }
+
+std::uint64_t FailingAllocation::allocatedBytes() { return state.bytes; }
+
+}  // namespace veq::test
+
+using veq::test::counted;
+using veq::test::mustFail;
+using veq::test::uncounted;
+
+extern "C" {
+
+void* __wrap_malloc(std::size_t size);
+void* __wrap_calloc(std::size_t count, std::size_t size);
+void* __wrap_realloc(void* block, std::size_t size);
+void __wrap_free(void* block);
+
+void* __wrap_malloc(std::size_t size) {
+  return mustFail() ? nullptr : counted(__real_malloc(size), size);
+}
+
+void* __wrap_calloc(std::size_t count, std::size_t size) {
+  return mustFail() ? nullptr : counted(__real_calloc(count, size), count * size);
+}
+
+void* __wrap_realloc(void* block, std::size_t size) {
+  if (mustFail()) return nullptr;
+  void* moved = __real_realloc(block, size);
+  if (moved) uncounted(block);
+  return counted(moved, size);
+}
+
+void __wrap_free(void* block) {
+  uncounted(block);
+  __real_free(block);
+}
+}
+
+// The other forms of new and delete rest on these.
+void* operator new(std::size_t size) {
+  void* block = mustFail() ? nullptr : __real_malloc(size == 0 ? 1 : size);
+  if (!block) throw std::bad_alloc();
+  return counted(block, size);
+}
+
+// Said here, too: a sanitizer's own form would not belong with the delete below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return operator new(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+void operator delete(void* block) noexcept {
+  uncounted(block);
+  __real_free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept { operator delete(block); }

@@ -1,0 +1,1 @@
+// Gives the helper library, whose other parts may all be headers, something to compile.

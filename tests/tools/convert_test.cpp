@@ -1,0 +1,212 @@
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/tools/program.hpp"
+
+namespace veq::test {
+namespace {
+
+const std::string kLesMis = VEQ_DATA "/lesmis.xnet";
+
+/// What converting makes of a file: the notes, each without "veq: FILE: ", and the result.
+struct Conversion {
+  int exitCode;
+  std::string notes;
+  std::string result;
+};
+
+/// Converts in the directory, where the files have the given names.
+Conversion convert(const TemporaryDirectory& directory, const std::string& from,
+                   const std::string& to, const std::vector<std::string>& more = {}) {
+  std::vector<std::string> arguments{"convert", directory.path(from), directory.path(to)};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  const ProgramRun run = runVeq(arguments);
+  EXPECT_EQ(run.output, "");
+  std::string notes = run.errors;
+  const std::string folder = directory.path("");
+  for (std::size_t at = notes.find(folder); at != std::string::npos; at = notes.find(folder)) {
+    notes.erase(at, folder.size());
+  }
+  return {run.exitCode, notes, contentsOf(directory.path(to))};
+}
+
+void expectRefused(const Conversion& conversion, const TemporaryDirectory& directory,
+                   const std::string& output, const std::string& notes) {
+  EXPECT_EQ(conversion.exitCode, 1);
+  EXPECT_EQ(conversion.notes, notes);
+  for (const std::string& name : directory.names()) EXPECT_NE(name, output);
+}
+
+TEST(ConvertCommand, PajekKeepsNamesAndWeights) {
+  const TemporaryDirectory directory;
+  directory.write("l.xnet", contentsOf(kLesMis));
+  Conversion conversion = convert(directory, "l.xnet", "l.NET");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes, "");
+  EXPECT_EQ(conversion.result.substr(0, 33), "*Vertices 77\r\n1 \"Napoleon\"\r\n2 \"My");
+  conversion = convert(directory, "l.NET", "back.xnet");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes, "");
+  EXPECT_EQ(conversion.result, contentsOf(kLesMis));
+}
+
+TEST(ConvertCommand, AnArchiveWithBothKindsOfWeightsKeepsEverything) {
+  const TemporaryDirectory directory;
+  const std::string text =
+      "#vertices 2 weighted\n\"a\" 1.500000\n\"b\" 2.500000\n#edges weighted directed\n"
+      "1 0 0.250000\n#v \"age\" n\n7\n8\n";
+  directory.write("n.xnet", text);
+  Conversion conversion = convert(directory, "n.xnet", "n.veqa");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes, "");
+  conversion = convert(directory, "n.veqa", "back.xnet");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes, "");
+  EXPECT_EQ(conversion.result, text);
+}
+
+TEST(ConvertCommand, AnArchiveCrossesWeightsAndLosesTheLastVertices) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet", "#vertices 4 weighted\n2\n3\n4\n5\n#edges\n0 1\n");
+  const Conversion conversion = convert(directory, "n.xnet", "n.veqa");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: n.veqa: the last 2 vertices are lost, as they have no edges\n"
+            "veq: n.veqa: the weights of vertices are lost\n"
+            "veq: n.veqa: edges come back with weights\n");
+}
+
+TEST(ConvertCommand, AnArchiveThatCouldNotBeReadBackIsNotWritten) {
+  const TemporaryDirectory directory;
+  // Both kinds of weights survive, but those of the vertices are one too many for what is left.
+  directory.write("n.xnet", "#vertices 3 weighted\n2\n3\n4\n#edges weighted\n0 1 5\n");
+  expectRefused(convert(directory, "n.xnet", "n.veqa"), directory, "n.veqa",
+                "veq: n.veqa: not written, because it could not be read back: an archive loses the "
+                "vertices after the last one with an edge, and takes weights of edges for weights "
+                "of vertices\n");
+}
+
+TEST(ConvertCommand, EdgeColumnsComeBackFromXnetAsVertexColumns) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n#e \"since\" n\n1999\n");
+  const Conversion conversion = convert(directory, "n.xnet", "m.xnet");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: m.xnet: the edge property \"since\" comes back as a vertex property\n");
+  EXPECT_EQ(conversion.result,
+            "#vertices 2 nonweighted\n#edges nonweighted undirected\n0 1\n#v \"since\" n\n1999\n");
+}
+
+TEST(ConvertCommand, PajekLosesWeightsOfVerticesAndOtherProperties) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet",
+                  "#vertices 2 weighted\n\"a\" 2\n\"b\" 3\n#edges weighted\n0 1 1\n"
+                  "#v \"age\" n\n7\n8\n#e \"since\" n\n1999\n");
+  const Conversion conversion = convert(directory, "n.xnet", "n.net");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: n.net: the weights of vertices are lost\n"
+            "veq: n.net: edges come back without weights, since all are 1\n"
+            "veq: n.net: the vertex property \"age\" is lost\n"
+            "veq: n.net: the edge property \"since\" is lost\n");
+  EXPECT_EQ(conversion.result, "*Vertices 2\r\n1 \"a\"\r\n2 \"b\"\r\n*Edges\r\n1 2 1.000000\r\n");
+}
+
+TEST(ConvertCommand, PajekCannotHoldNamesOutsideLatin1AndLeavesTheOldFile) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet", "#vertices 1\n\"\xe2\x82\xac\"\n");  // the euro sign
+  directory.write("n.net", "old");
+  const Conversion conversion = convert(directory, "n.xnet", "n.net");
+  EXPECT_EQ(conversion.exitCode, 1);
+  EXPECT_EQ(conversion.notes,
+            "veq: n.net: not written, because a name has characters outside ISO-8859-1\n");
+  EXPECT_EQ(conversion.result, "old");
+}
+
+TEST(ConvertCommand, PajekNamesThatLookLikeUtf8AreNotLostInSilence) {
+  const TemporaryDirectory directory;
+  // In ISO-8859-1 the two letters are the bytes C3 A9, which is how UTF-8 writes another one.
+  directory.write("n.xnet", "#vertices 2\n\"\xc3\x83\xc2\xa9\"\n\"b\"\n#edges\n0 1\n");
+  Conversion conversion = convert(directory, "n.xnet", "n.net");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: n.net: the vertex property \"Name\" changes in 1 of 2 values\n");
+  conversion = convert(directory, "n.net", "back.xnet");
+  EXPECT_EQ(conversion.result,
+            "#vertices 2 nonweighted\n\"\xc3\xa9\"\n\"b\"\n#edges nonweighted undirected\n0 1\n");
+}
+
+TEST(ConvertCommand, AnEmptyNameFitsPajekButNotXnet) {
+  const TemporaryDirectory directory;
+  directory.write("n.net", "*Vertices 2\n1 \"a\"\n2\n*Edges\n1 2\n");
+  expectRefused(convert(directory, "n.net", "n.xnet"), directory, "n.xnet",
+                "veq: n.xnet: not written, because it could not be read back: it has an empty name "
+                "or property key\n");
+}
+
+TEST(ConvertCommand, TextsThatTheFormatSpellsOtherwiseAreNotLostInSilence) {
+  const TemporaryDirectory directory;
+  directory.write("n.net", "*Vertices 2\n1 \"a<quote>b\"\n2 \"c<<newline>quote>d\"\n*Edges\n1 2\n");
+  // The first name holds a quote, which survives; the second one a line feed inside "<quote>".
+  EXPECT_EQ(convert(directory, "n.net", "n.xnet").notes, "");
+  directory.write("w.edges", "a\xe2\x80\xa8z b\n");  // a line separator inside a name
+  const Conversion conversion = convert(directory, "w.edges", "w.xnet");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: w.xnet: the vertex property \"Name\" changes in 1 of 2 values\n");
+}
+
+TEST(ConvertCommand, EdgeListsHoldIndicesAndWeightsAlone) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet",
+                  "#vertices 5 weighted\n\"a\" 1\n\"b\" 1\n\"c\" 1\n\"d\" 1\n\"e\" 2\n"
+                  "#edges weighted directed\n2 1 0.5\n1 3 1e-7\n#e \"since\" n\n1\n2\n");
+  const Conversion conversion = convert(directory, "n.xnet", "n.edges");
+  EXPECT_EQ(conversion.exitCode, 0);
+  EXPECT_EQ(conversion.notes,
+            "veq: n.edges: 2 vertices without edges are lost\n"
+            "veq: n.edges: vertices come back in the order of their first edges\n"
+            "veq: n.edges: the direction of edges is lost without --directed\n"
+            "veq: n.edges: the weights of vertices are lost\n"
+            "veq: n.edges: the weights of edges change for 1 of 2\n"
+            "veq: n.edges: the vertex property \"Name\" is lost\n"
+            "veq: n.edges: the edge property \"since\" is lost\n");
+  EXPECT_EQ(conversion.result, "2 1 0.500000\r\n1 3 0.000000\r\n");
+}
+
+TEST(ConvertCommand, AnEdgeListWithoutEdgesIsNotWritten) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet", "#vertices 3\n");
+  expectRefused(convert(directory, "n.xnet", "n.txt"), directory, "n.txt",
+                "veq: n.txt: not written, because a list without edges could not be read back\n");
+}
+
+TEST(ConvertCommand, DirectionIsOnlyForEdgeLists) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet", "");
+  const ProgramRun run =
+      runVeq({"convert", "--directed", directory.path("n.xnet"), directory.path("m.xnet")});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.errors, "veq: --directed: is for edge lists, and " + directory.path("n.xnet") +
+                            " is none (see veq convert --help)\n");
+}
+
+TEST(ConvertCommand, EachFormatSaysWhatTheFileIsNot) {
+  const TemporaryDirectory directory;
+  for (const auto& [name, kind] :
+       {std::pair("x.veqa", "archive"), std::pair("x.net", "Pajek network"),
+        std::pair("x.xnet", "xnet network")}) {
+    directory.write(name, "#vertices x\n*Vertices x\n");
+    const Conversion conversion = convert(directory, name, "y.xnet");
+    EXPECT_EQ(conversion.exitCode, 1);
+    EXPECT_EQ(conversion.notes, std::string("veq: ") + name + ": not a valid " + kind + "\n");
+    EXPECT_EQ(convert(directory, std::string("no-") + name, "y.xnet").notes,
+              std::string("veq: no-") + name + ": cannot be opened\n");
+  }
+}
+
+}  // namespace
+}  // namespace veq::test

@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <fstream>
+#include <numeric>
+#include <sstream>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "tests/support/literal_walk.hpp"
+#include "tests/tools/program.hpp"
+
+namespace veq::test {
+namespace {
+
+const std::string kKarate = VEQ_DATA "/karate.xnet";
+const std::string kLesMis = VEQ_DATA "/lesmis.xnet";
+
+/// A file of data/, read by other means than the library's.
+struct NamedNetwork {
+  LiteralNetwork edges;
+  std::vector<std::string> names;
+
+  explicit NamedNetwork(const std::string& path) {
+    std::ifstream stream(path);
+    std::string line;
+    std::getline(stream, line);
+    while (std::getline(stream, line) && line[0] == '"') {
+      names.push_back(line.substr(1, line.size() - 2));
+    }
+    edges.n = names.size();
+    while (std::getline(stream, line) && line[0] != '#') {
+      std::istringstream numbers(line);
+      numbers >> edges.from.emplace_back() >> edges.to.emplace_back();
+    }
+  }
+};
+
+/// A walk of a literal group, its starts included in the paths.
+struct NamedWalk {
+  std::vector<std::vector<std::uint64_t>> paths;
+  std::vector<std::int64_t> visits;
+
+  NamedWalk(const NamedNetwork& network, const std::vector<std::uint64_t>& starts,
+            std::uint64_t steps, std::uint32_t seed, float untilReach = -1) {
+    LiteralGroup group(network.edges, starts);
+    LiteralRandom random(seed);
+    paths = group.walk(random, steps, untilReach);
+    for (std::size_t a = 0; a < starts.size(); ++a) {
+      paths[a].insert(paths[a].begin(), starts[a]);
+    }
+    visits = group.totals;
+  }
+};
+
+std::vector<std::uint64_t> inOrder(std::uint64_t agents, std::uint64_t vertices) {
+  std::vector<std::uint64_t> places(agents);
+  for (std::uint64_t i = 0; i < agents; ++i) places[i] = i % vertices;
+  return places;
+}
+
+std::string csvOf(const NamedNetwork& network, const NamedWalk& walk) {
+  std::string text = "agent,step,index,name\n";
+  for (std::size_t a = 0; a < walk.paths.size(); ++a) {
+    for (std::size_t s = 0; s < walk.paths[a].size(); ++s) {
+      const std::uint64_t vertex = walk.paths[a][s];
+      text += std::to_string(a) + "," + std::to_string(s) + "," + std::to_string(vertex) + "," +
+              network.names[vertex] + "\n";
+    }
+  }
+  return text;
+}
+
+/// The rows of the table, each without its padding: "name degree visits share degree/2m".
+std::string rowsOf(const NamedNetwork& network, const NamedWalk& walk, std::size_t top) {
+  const auto lists = network.edges.lists();
+  std::vector<std::size_t> order(walk.visits.size());
+  std::iota(order.begin(), order.end(), std::size_t{0});
+  std::stable_sort(order.begin(), order.end(), [&walk](std::size_t a, std::size_t b) {
+    return walk.visits[a] > walk.visits[b];
+  });
+  const double all = std::accumulate(walk.visits.begin(), walk.visits.end(), 0.0);
+  const double ends = 2 * static_cast<double>(network.edges.from.size());
+  std::string rows;
+  for (std::size_t i = 0; i < top; ++i) {
+    const std::size_t vertex = order[i];
+    char row[200];
+    std::snprintf(row, sizeof row, "%s %zu %lld %.2f %% %.2f %%\n", network.names[vertex].c_str(),
+                  lists[vertex].size(), static_cast<long long>(walk.visits[vertex]),
+                  100 * static_cast<double>(walk.visits[vertex]) / all,
+                  100 * static_cast<double>(lists[vertex].size()) / ends);
+    rows += row;
+  }
+  return rows;
+}
+
+std::string withoutPadding(const std::string& text) {
+  std::string result;
+  for (const char character : text) {
+    if (character != ' ' || (!result.empty() && result.back() != ' ')) result += character;
+  }
+  return result;
+}
+
+TEST(WalkCommand, ListsTheVisitsOfTheWalkThatTheSeedStandsFor) {
+  const NamedNetwork network(kLesMis);
+  ASSERT_EQ(network.names.size(), 77u);
+  ASSERT_EQ(network.edges.from.size(), 254u);
+  const NamedWalk walk(network, inOrder(100, 77), 50, 7);
+  const auto reached = std::count_if(walk.visits.begin(), walk.visits.end(),
+                                     [](std::int64_t count) { return count > 0; });
+  ASSERT_EQ(reached, 77);
+
+  const ProgramRun run =
+      runVeq({"walk", kLesMis, "--agents", "100", "--steps", "50", "--seed", "7", "--top", "77"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.errors, "");  // no progress where standard error is no terminal
+  EXPECT_EQ(withoutPadding(run.output),
+            "77 vertices, 254 edges, undirected\n"
+            "100 agents, 50 steps each, seed 7\n"
+            "77 of 77 vertices reached (100.00 %)\n"
+            "\n"
+            "vertex degree visits share degree/2m\n" +
+                rowsOf(network, walk, 77));
+}
+
+TEST(WalkCommand, StopsWithTheStepInWhichTheTargetIsMet) {
+  const NamedNetwork network(kKarate);
+  // 33 / 34 is below 0.98, and 32 / 34 below 0.95: all but one vertex are needed for the latter.
+  for (const auto& [target, value, reached] :
+       {std::tuple("0.98", 0.98f, "34 of 34 vertices reached (100.00 %)\n"),
+        std::tuple("0.95", 0.95f, "33 of 34 vertices reached (97.06 %)\n")}) {
+    const NamedWalk walk(network, {33, 0, 33}, 5000, 1, value);
+    const std::string steps = std::to_string(walk.paths[0].size() - 1);
+    ASSERT_LT(walk.paths[0].size(), 5000u);
+    const ProgramRun run = runVeq({"walk", kKarate, "--agents", "3", "--steps", "5000", "--seed",
+                                   "0", "--start", "34,1", "--until-reach", target, "--top", "0"});
+    EXPECT_EQ(run.exitCode, 0);
+    EXPECT_EQ(run.output, "34 vertices, 78 edges, undirected\n3 agents, " + steps +
+                              " steps each, seed 0\n" + reached);
+  }
+}
+
+TEST(WalkCommand, SaysWhenTheTargetWasNotMet) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("pair.xnet", "#vertices 3\n#edges\n0 1\n");
+  const ProgramRun run = runVeq(
+      {"walk", file, "--agents", "1", "--steps", "4", "--until-reach", "0.9", "--seed", "5"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output,
+            "3 vertices, 1 edge, undirected\n"
+            "1 agent, 4 steps each, seed 5\n"
+            "2 of 3 vertices reached (66.67 %), less than the 90.00 % asked for\n"
+            "\n"
+            "vertex  degree  visits    share  degree/2m\n"
+            "0            1       2  50.00 %    50.00 %\n"
+            "1            1       2  50.00 %    50.00 %\n"
+            "2            0       0   0.00 %     0.00 %\n");
+}
+
+TEST(WalkCommand, DirectedNetworksListBothDegreesAndNoLongRunShare) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write(
+      "d.xnet", "#vertices 3\n\"\xc3\xa9t\xc3\xa9\"\n\"b\"\n\"c\"\n#edges directed\n0 1\n1 2\n");
+  const ProgramRun run =
+      runVeq({"walk", file, "--agents", "1", "--steps", "9", "--seed", "1", "--top", "2"});
+  EXPECT_EQ(run.output,
+            "3 vertices, 2 edges, directed\n"
+            "1 agent, 9 steps each, seed 1\n"
+            "2 of 3 vertices reached (66.67 %)\n"
+            "\n"
+            "vertex  out-degree  in-degree  visits    share\n"
+            "b                1          1       1  50.00 %\n"
+            "c                0          1       1  50.00 %\n");
+}
+
+TEST(WalkCommand, WithoutEdgesNobodyMovesAndThereAreNoShares) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("one.xnet", "");
+  const ProgramRun run = runVeq({"walk", file, "--agents", "2", "--steps", "3", "--seed", "1"});
+  EXPECT_EQ(run.output,
+            "1 vertex, 0 edges, undirected\n"
+            "2 agents, 3 steps each, seed 1\n"
+            "0 of 1 vertex reached (0.00 %)\n"
+            "\n"
+            "vertex  degree  visits  share  degree/2m\n"
+            "0            0       0      -          -\n");
+}
+
+TEST(WalkCommand, StartsByNameThenByIndexCyclically) {
+  const NamedNetwork network(kLesMis);
+  const TemporaryDirectory directory;
+  const std::string paths = directory.path("paths.csv");
+  // Valjean is vertex 10 and Javert 27; 76 is no name, so it is an index.
+  const ProgramRun run = runVeq({"walk", kLesMis, "--agents", "5", "--steps", "20", "--seed", "3",
+                                 "--start", "Valjean,76,Javert", "--paths", paths});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(contentsOf(paths), csvOf(network, NamedWalk(network, {10, 76, 27, 10, 76}, 20, 3)));
+}
+
+TEST(WalkCommand, NumbersThatAreNamesAreNames) {
+  const NamedNetwork network(kKarate);
+  const TemporaryDirectory directory;
+  const std::string paths = directory.path("paths.csv");
+  // The member called 1 is vertex 0; nobody is called 0, so that 0 is an index.
+  runVeq({"walk", kKarate, "--agents", "2", "--steps", "10", "--seed", "3", "--start", "1,0",
+          "--paths", paths});
+  EXPECT_EQ(contentsOf(paths), csvOf(network, NamedWalk(network, {0, 0}, 10, 3)));
+}
+
+TEST(WalkCommand, PathsShowWhereAStuckAgentStands) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write(
+      "d.xnet",
+      "#vertices 3\n\"a,b\"\n\"say <quote>x<quote>\"\n\"c\"\n#edges directed\n0 1\n1 2\n");
+  const std::string paths = directory.path("paths.csv");
+  const ProgramRun run = runVeq({"walk", file, "--agents", "1", "--steps", "4", "--paths", paths});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(contentsOf(paths),
+            "agent,step,index,name\n"
+            "0,0,0,\"a,b\"\n"
+            "0,1,1,\"say \"\"x\"\"\"\n"
+            "0,2,2,c\n"
+            "0,3,2,c\n"
+            "0,4,2,c\n");
+}
+
+TEST(WalkCommand, OutputIsTheNetworkWithItsVisits) {
+  const NamedNetwork network(kKarate);
+  const NamedWalk walk(network, inOrder(40, 34), 25, 11);
+  const TemporaryDirectory directory;
+  const std::string output = directory.path("walked.xnet");
+  const ProgramRun run = runVeq(
+      {"walk", kKarate, "--agents", "40", "--steps", "25", "--seed", "11", "--output", output});
+  EXPECT_EQ(run.exitCode, 0);
+  std::string expected = contentsOf(kKarate) + "#v \"Visits\" n\n";
+  for (const std::int64_t count : walk.visits) expected += std::to_string(count) + "\n";
+  EXPECT_EQ(contentsOf(output), expected);
+}
+
+TEST(WalkCommand, TellsTheSeedThatItChoseSoThatTheWalkCanBeRepeated) {
+  const ProgramRun first = runVeq({"walk", kKarate, "--agents", "2", "--steps", "30"});
+  const std::string before = "seed ";
+  const std::size_t at = first.output.find(before) + before.size();
+  const std::string seed = first.output.substr(at, first.output.find('\n', at) - at);
+  const ProgramRun second =
+      runVeq({"walk", kKarate, "--agents", "2", "--steps", "30", "--seed", seed});
+  EXPECT_EQ(second.exitCode, 0);
+  EXPECT_EQ(first.output, second.output);
+}
+
+}  // namespace
+}  // namespace veq::test

@@ -1,0 +1,78 @@
+/// \file
+/// The command line. Only command_line.cpp sees CLI11, which takes long to compile.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace CLI {
+class App;
+}  // namespace CLI
+
+namespace veq::tool {
+
+/// Adds options to one subcommand. What an option gives is stored in its target, which must live as
+/// long as the command line. Wrong values are wrong usage.
+class Command {
+ public:
+  explicit Command(CLI::App& app) : app_(&app) {}
+
+  /// A required argument, or one of several, without a dash.
+  void addPositional(const std::string& name, std::string& target, const std::string& description);
+  void addFlag(const std::string& option, bool& target, const std::string& description);
+  /// The target stays empty where the option is not given.
+  void addText(const std::string& option, const std::string& valueName, std::string& target,
+               const std::string& description);
+  /// A whole number in decimal digits; required.
+  void addWholeNumber(const std::string& option, std::uint64_t& target, std::uint64_t least,
+                      std::uint64_t most, const std::string& description);
+  void addWholeNumber(const std::string& option, std::optional<std::uint64_t>& target,
+                      std::uint64_t least, std::uint64_t most, const std::string& description);
+  /// A number in decimal digits from 0 on; required.
+  void addNumber(const std::string& option, double& target, const std::string& description);
+  /// A number from 0 to 1.
+  void addFraction(const std::string& option, std::optional<float>& target,
+                   const std::string& description);
+  /// A command below this one. One of them must be chosen.
+  Command addCommand(const std::string& name, const std::string& summary,
+                     const std::string& examples);
+  /// What the command does once its arguments are read.
+  void onRun(std::function<void()> action);
+
+ private:
+  CLI::App* app_;
+};
+
+class CommandLine {
+ public:
+  CommandLine();
+  ~CommandLine();
+  CommandLine(const CommandLine&) = delete;
+  CommandLine& operator=(const CommandLine&) = delete;
+
+  /// The examples end the command's help.
+  Command addCommand(const std::string& name, const std::string& summary,
+                     const std::string& examples);
+
+  /// Runs the command that the arguments name, or prints help or what is wrong with them. The
+  /// result is the exit code, 0 or 2; Failure and other exceptions pass through.
+  int run(int argc, char** argv);
+
+ private:
+  std::unique_ptr<CLI::App> app_;
+};
+
+/// \name The subcommands
+/// @{
+void addInfo(CommandLine& commandLine);
+void addWalk(CommandLine& commandLine);
+void addConvert(CommandLine& commandLine);
+void addGenerate(CommandLine& commandLine);
+void addComponents(CommandLine& commandLine);
+/// @}
+
+}  // namespace veq::tool

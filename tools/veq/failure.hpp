@@ -1,0 +1,26 @@
+/// \file
+/// What ends a command early.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace veq::tool {
+
+/// Input or output fails: the program prints "veq: FILE: cause" and ends with exit code 1.
+class Failure : public std::runtime_error {
+ public:
+  Failure(std::string_view file, std::string_view cause)
+      : std::runtime_error(std::string(file) + ": " + std::string(cause)) {}
+};
+
+/// Wrong usage: the program prints "veq: OPTION: reason (see veq COMMAND --help)" and ends with
+/// exit code 2.
+class WrongUsage : public std::runtime_error {
+ public:
+  WrongUsage(std::string_view option, std::string_view reason)
+      : std::runtime_error(std::string(option) + ": " + std::string(reason)) {}
+};
+
+}  // namespace veq::tool

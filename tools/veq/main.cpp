@@ -1,0 +1,39 @@
+/// \file
+/// The veq program. Exit codes: 0, 1 where input or output fails, 2 for wrong usage.
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string_view>
+
+#include <veq/veq.hpp>
+
+#include "command_line.hpp"
+#include "text.hpp"
+
+namespace {
+
+int fail(std::string_view reason) {
+  std::cerr << "veq: " << veq::tool::printable(reason) << '\n';
+  return 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  veq::setDiagnosticSink({});
+  try {
+    veq::tool::CommandLine commandLine;
+    veq::tool::addInfo(commandLine);
+    veq::tool::addWalk(commandLine);
+    veq::tool::addConvert(commandLine);
+    veq::tool::addGenerate(commandLine);
+    veq::tool::addComponents(commandLine);
+    const int code = commandLine.run(argc, argv);
+    if (!std::cout.flush()) return fail("standard output: cannot be written");
+    return code;
+  } catch (const std::bad_alloc&) {
+    return fail("not enough memory");
+  } catch (const std::exception& error) {
+    return fail(error.what());
+  }
+}

@@ -1,0 +1,55 @@
+#include "terminal.hpp"
+
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
+#if __has_include(<sys/ioctl.h>) && __has_include(<unistd.h>)
+#include <sys/ioctl.h>
+#include <unistd.h>
+#define VEQ_HAS_TERMINAL 1
+#endif
+
+namespace veq::tool {
+namespace {
+
+volatile std::sig_atomic_t interruptNoted = 0;
+
+void noteInterrupt(int) { interruptNoted = 1; }
+
+}  // namespace
+
+std::size_t terminalWidth() {
+#ifdef VEQ_HAS_TERMINAL
+  if (isatty(STDERR_FILENO) == 0) return 0;
+  winsize size{};
+  if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
+  return 80;
+#else
+  return 0;
+#endif
+}
+
+void writeToTerminal(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stderr);
+  std::fflush(stderr);
+}
+
+InterruptWatch::InterruptWatch() {
+  interruptNoted = 0;
+  previous_ = std::signal(SIGINT, noteInterrupt);
+  // A program that was started with interrupts ignored goes on ignoring them.
+  if (previous_ == SIG_IGN) std::signal(SIGINT, SIG_IGN);
+}
+
+InterruptWatch::~InterruptWatch() { std::signal(SIGINT, previous_); }
+
+bool InterruptWatch::interrupted() const { return interruptNoted != 0; }
+
+void InterruptWatch::endProgram() {
+  std::signal(SIGINT, SIG_DFL);
+  std::raise(SIGINT);
+  std::_Exit(130);
+}
+
+}  // namespace veq::tool

@@ -1,0 +1,79 @@
+#include <mutex>
+#include <new>
+#include <optional>
+#include <stdexcept>
+
+#include "veq/agents/agents_group.hpp"
+#include "veq/agents/internal/group_state.hpp"
+#include "veq/agents/internal/plain_mover.hpp"
+#include "veq/agents/internal/walk_frame.hpp"
+
+namespace veq {
+namespace internal {
+
+void requireAgentsWithin(const GroupState& group) {
+  const std::uint64_t vertices = group.network->countVertices();
+  for (std::uint64_t a = 0; a < group.agents; ++a) {
+    if (group.positions[a] >= vertices) {
+      throw std::out_of_range("An agent stands on a vertex that the network does not have.");
+    }
+  }
+}
+
+void GroupState::relieveLog(std::uint64_t moves) noexcept {
+  for (std::uint64_t treated = 0; treated < moves;) {
+    const std::lock_guard guard(work.lock());
+    if (!history.shouldFold()) return;
+    try {
+      const std::uint64_t some = history.foldSome();
+      if (some == 0) return;
+      treated += some;
+    } catch (const std::bad_alloc&) {
+      return;
+    }
+  }
+}
+
+}  // namespace internal
+
+std::optional<VEQVertexPaths> VEQNetworkAgentsGroup::walkForSteps_returnPath_untilReach(
+    std::uint64_t steps, bool returnPath, float untilReach) {
+  return internal::runWalk(*state_, {steps, returnPath, untilReach},
+                           [&]<class Index>(const internal::Topology<Index>& t) {
+                             return internal::PlainMover<Index>(t.out, state_->agents, steps);
+                           });
+}
+
+std::optional<VEQVertexPaths> VEQNetworkAgentsGroup::walkForSteps_returnPath(std::uint64_t steps,
+                                                                             bool returnPath) {
+  return walkForSteps_returnPath_untilReach(steps, returnPath, -1.0F);
+}
+
+VEQVertexPaths VEQNetworkAgentsGroup::walkForSteps(std::uint64_t steps) {
+  return *walkForSteps_returnPath(steps, true);
+}
+
+VEQVertexPaths VEQNetworkAgentsGroup::tellAgentsToWalkToNextVertices() { return walkForSteps(1); }
+
+Shared<VEQVertex> VEQNetworkAgentsGroup::walkNextVertexForAgent(std::uint64_t) { return nullptr; }
+
+bool VEQNetworkAgentsGroup::reachedWalkPercentage() const { return state_->reached.finished(); }
+std::uint64_t VEQNetworkAgentsGroup::walkCount() const { return state_->reached.walkCount(); }
+
+std::int64_t VEQNetworkAgentsGroup::currentProgress() const {
+  return state_->work.currentProgress();
+}
+std::int64_t VEQNetworkAgentsGroup::currentWork() const { return state_->work.currentWork(); }
+bool VEQNetworkAgentsGroup::isWorking() const { return state_->work.isWorking(); }
+bool VEQNetworkAgentsGroup::isWaiting() const { return state_->work.isWaiting(); }
+void VEQNetworkAgentsGroup::pauseWork() { state_->work.pause(); }
+void VEQNetworkAgentsGroup::resumeWork() { state_->work.resume(); }
+void VEQNetworkAgentsGroup::cancelWork() { state_->work.cancel(); }
+void VEQNetworkAgentsGroup::setSynchronizationSteps(std::uint64_t steps) {
+  state_->work.setSynchronizationSteps(steps);
+}
+std::uint64_t VEQNetworkAgentsGroup::synchronizationSteps() const {
+  return state_->work.synchronizationSteps();
+}
+
+}  // namespace veq

@@ -1,0 +1,176 @@
+#include "veq/base/internal/decimal_text.hpp"
+
+#include <array>
+#include <cfloat>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace veq::internal {
+namespace {
+
+constexpr std::int64_t kLeadingDigits = 19;  // 10^19 - 1 fits into 64 bits.
+// Far beyond every range, and far enough from the ends of 64 bits for any number of digits.
+constexpr std::int64_t kExponentLimit = 100'000'000'000'000'000;
+// A double lies half-way between two others in at most 767 digits; the rest only breaks the tie.
+constexpr std::size_t kDecidingDigits = 770;
+
+bool isDigit(char character) { return character >= '0' && character <= '9'; }
+
+/// The digits around the point, gathered in one pass.
+class DigitReader {
+ public:
+  explicit DigitReader(DecimalText& decimal) : decimal_(decimal) {}
+
+  /// Takes digits, each of which moves the exponent by `omitted` if it is left out of the leading
+  /// ones and by `taken` if it is not.
+  const char* take(const char* at, const char* end, std::int64_t taken, std::int64_t omitted) {
+    for (; at != end && isDigit(*at); ++at) {
+      if (count_ == 0 && *at == '0') {
+        decimal_.exponent += taken;
+        continue;
+      }
+      if (count_ == 0) decimal_.significant = at;
+      if (count_ < kLeadingDigits) {
+        decimal_.leading = decimal_.leading * 10 + static_cast<std::uint64_t>(*at - '0');
+        decimal_.exponent += taken;
+        ++count_;
+      } else {
+        decimal_.isComplete &= *at == '0';
+        decimal_.exponent += omitted;
+      }
+    }
+    return at;
+  }
+
+ private:
+  DecimalText& decimal_;
+  std::int64_t count_ = 0;
+};
+
+/// Reads "e", sign and digits; 0 with `at` unmoved where there are no digits.
+std::int64_t takeExponent(const char*& at, const char* end) {
+  if (at == end || (*at != 'e' && *at != 'E')) return 0;
+  const char* digit = at + 1;
+  const bool negative = digit != end && *digit == '-';
+  if (digit != end && (*digit == '-' || *digit == '+')) ++digit;
+  if (digit == end || !isDigit(*digit)) return 0;
+  std::int64_t exponent = 0;
+  for (; digit != end && isDigit(*digit); ++digit) {
+    if (exponent < kExponentLimit) exponent = exponent * 10 + (*digit - '0');
+  }
+  at = digit;
+  return negative ? -exponent : exponent;
+}
+
+constexpr std::array<double, 23> kExactPowers = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                 1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                                                 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+/// Numerator and power of ten are both exact in a double, so that one rounding gives the answer.
+bool isOneRoundingAway(const DecimalText& decimal) {
+  return FLT_EVAL_METHOD == 0 && decimal.isComplete && decimal.leading <= std::uint64_t{1} << 53 &&
+         decimal.exponent >= -22 && decimal.exponent <= 22;
+}
+
+double roundedOnce(const DecimalText& decimal) {
+  const auto leading = static_cast<double>(decimal.leading);
+  return decimal.exponent < 0 ? leading / kExactPowers[static_cast<std::size_t>(-decimal.exponent)]
+                              : leading * kExactPowers[static_cast<std::size_t>(decimal.exponent)];
+}
+
+/// The number written as digits and one exponent, which is short however long the text is. The
+/// standard library reads it; what it leaves open (signs, ranges) is decided here.
+template <class Number>
+Number roundedByLibrary(const DecimalText& decimal) {
+  char text[kDecidingDigits + 32];
+  char* out = text;
+  std::int64_t exponent = decimal.exponent;
+  if (decimal.isComplete) {
+    out = std::to_chars(out, text + sizeof text, decimal.leading).ptr;
+  } else {
+    // `exponent` belongs to the first 19 digits.
+    std::size_t count = 0;
+    bool more = false;
+    for (const char* at = decimal.significant; at != decimal.digitsEnd; ++at) {
+      if (*at == '.') continue;
+      if (count < kDecidingDigits) {
+        *out++ = *at;
+        ++count;
+      } else if (*at != '0') {
+        more = true;
+        break;
+      }
+    }
+    exponent -= static_cast<std::int64_t>(count) - kLeadingDigits;
+    if (more) {
+      *out++ = '1';
+      --exponent;
+    }
+  }
+  const std::int64_t magnitude = exponent + (out - text);
+  if (magnitude > 400) return std::numeric_limits<Number>::infinity();
+  if (magnitude < -400) return 0;
+  *out++ = 'e';
+  out = std::to_chars(out, text + sizeof text, exponent).ptr;
+  Number value = 0;
+  if (std::from_chars(text, out, value).ec == std::errc::result_out_of_range) {
+    return magnitude > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
+  }
+  return value;
+}
+
+/// Rounding to a double and then to a float goes wrong only where the double lies half-way between
+/// two floats: every other double is on the same side of all half-way points as the number itself.
+bool isHalfWayBetweenFloats(double value) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof bits);
+  return (bits & 0x1FFF'FFFF) == 0x1000'0000;
+}
+
+}  // namespace
+
+std::optional<DecimalText> scanDecimal(const char* at, const char* end) {
+  DecimalText decimal;
+  decimal.negative = at != end && *at == '-';
+  if (at != end && (*at == '-' || *at == '+')) ++at;
+  DigitReader reader(decimal);
+  const char* const whole = at;
+  at = reader.take(at, end, 0, 1);
+  std::ptrdiff_t digits = at - whole;
+  if (at != end && *at == '.') {
+    const char* const fraction = at + 1;
+    at = reader.take(fraction, end, -1, 0);
+    digits += at - fraction;
+  }
+  if (digits == 0) return std::nullopt;
+  decimal.digitsEnd = at;
+  decimal.exponent += takeExponent(at, end);
+  decimal.end = at;
+  return decimal;
+}
+
+double doubleFrom(const DecimalText& decimal) {
+  double value = 0;
+  if (isOneRoundingAway(decimal)) {
+    value = roundedOnce(decimal);
+  } else if (decimal.leading != 0) {
+    value = roundedByLibrary<double>(decimal);
+  }
+  return decimal.negative ? -value : value;
+}
+
+float floatFrom(const DecimalText& decimal) {
+  float value = 0;
+  // 2^53 x 10^22 and 10^-22 are far inside the range of normal floats.
+  if (const double wide = isOneRoundingAway(decimal) ? roundedOnce(decimal) : 0;
+      wide != 0 && !isHalfWayBetweenFloats(wide)) {
+    value = static_cast<float>(wide);
+  } else if (decimal.leading != 0) {
+    value = roundedByLibrary<float>(decimal);
+  }
+  return decimal.negative ? -value : value;
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,75 @@
+#include "veq/base/memory.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#include <unistd.h>
+#endif
+
+namespace veq::internal {
+namespace {
+
+// From here on a block holds a huge page wherever it lies, and asking for them pays.
+constexpr std::uint64_t kLarge = std::uint64_t{4} << 20;
+
+// No object is larger, whatever the allocator would say.
+constexpr std::uint64_t kLargest = PTRDIFF_MAX;
+
+/// Of this machine in bytes; the largest of all objects where the system does not say.
+std::uint64_t physicalMemory() {
+#if defined(_SC_PHYS_PAGES) && defined(_SC_PAGESIZE)
+  const long pages = sysconf(_SC_PHYS_PAGES);
+  const long pageSize = sysconf(_SC_PAGESIZE);
+  if (pages > 0 && pageSize > 0) {
+    return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+  }
+#endif
+  return kLargest;
+}
+
+}  // namespace
+
+void askForHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
+#if defined(__linux__) && defined(MADV_HUGEPAGE)
+  if (bytes < kLarge) return;
+  static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) / page * page;
+  const auto end = (reinterpret_cast<std::uintptr_t>(block) + bytes) / page * page;
+  // A refusal costs speed only.
+  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+#endif
+}
+
+void requireMemory(std::uint64_t count, std::uint64_t elementSize) {
+  static const std::uint64_t available = physicalMemory();
+  if (count > available / elementSize) throw std::bad_alloc();
+}
+
+void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize) {
+  if (count == 0) return nullptr;
+  if (count > kLargest / elementSize) throw std::bad_alloc();
+  void* block = std::calloc(count, elementSize);
+  if (!block) throw std::bad_alloc();
+  askForHugePages(block, count * elementSize);
+  return block;
+}
+
+void* reallocate(void* block, std::uint64_t count, std::uint64_t elementSize) {
+  if (count > kLargest / elementSize) throw std::bad_alloc();
+  const std::uint64_t bytes = count * elementSize;
+  if (bytes == 0) {
+    release(block);
+    return nullptr;
+  }
+  void* moved = std::realloc(block, bytes);
+  if (!moved) throw std::bad_alloc();
+  askForHugePages(moved, bytes);
+  return moved;
+}
+
+void release(void* block) noexcept { std::free(block); }
+
+}  // namespace veq::internal

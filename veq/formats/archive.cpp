@@ -1,0 +1,114 @@
+// Networks to and from keyed archives.
+
+#include <optional>
+#include <utility>
+
+#include "veq/formats/coder.hpp"
+#include "veq/formats/internal/property_cbor.hpp"
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq {
+
+using internal::CoreAccess;
+using internal::IndexList;
+using internal::NetworkDraft;
+using internal::RawVector;
+using internal::Weights;
+
+namespace {
+
+constexpr std::string_view kDirected = "VEQ.xnet.directed";
+constexpr std::string_view kEdgeWeighted = "VEQ.xnet.edgeWeighted";
+constexpr std::string_view kVertexWeighted = "VEQ.xnet.vertexWeighted";
+constexpr std::string_view kEdgesProperties = "VEQ.xnet.edgesProperties";
+constexpr std::string_view kVerticesProperties = "VEQ.xnet.verticesProperties";
+constexpr std::string_view kFromList = "VEQ.xnet.fromList";
+constexpr std::string_view kToList = "VEQ.xnet.toList";
+constexpr std::string_view kVerticesWeights = "VEQ.xnet.verticesWeights";
+constexpr std::string_view kEdgesWeights = "VEQ.xnet.edgesWeights";
+
+// Without weights there are as many zeros.
+VEQNumberArray weightsOf(const std::optional<Weights>& weights, std::uint64_t count) {
+  if (!weights) return VEQNumberArray(Weights(count, 0.0F));
+  return VEQNumberArray(
+      Weights(weights->begin(), weights->begin() + static_cast<std::ptrdiff_t>(count)));
+}
+
+template <class Index>
+VEQNumberArray indicesOf(const Index* indices, std::uint64_t count) {
+  return VEQNumberArray(RawVector<std::uint64_t>(indices, indices + count));
+}
+
+// The arrays that a draft borrows.
+struct Ends {
+  Owned<VEQNumberArray> from;
+  Owned<VEQNumberArray> to;
+};
+
+bool decodeWeights(VEQCoder& coder, std::string_view key, std::optional<Weights>& weights) {
+  const Owned<VEQNumberArray> decoded = coder.decodeNumberArray(key);
+  weights = internal::weightsOf(decoded.get());
+  return weights.has_value();
+}
+
+std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, Ends& ends) {
+  const std::optional<bool> directed = coder.decodeBool(kDirected);
+  const std::optional<bool> edgeWeighted = coder.decodeBool(kEdgeWeighted);
+  const std::optional<bool> vertexWeighted = coder.decodeBool(kVertexWeighted);
+  if (!directed || !edgeWeighted || !vertexWeighted) return std::nullopt;
+  std::optional<PropertyTable> edges = coder.decodePropertyTable(kEdgesProperties);
+  std::optional<PropertyTable> vertices = coder.decodePropertyTable(kVerticesProperties);
+  if (!edges || !vertices) return std::nullopt;
+  ends.from = coder.decodeNumberArray(kFromList);
+  ends.to = coder.decodeNumberArray(kToList);
+  if (!ends.from || !ends.to || ends.from->count() != ends.to->count()) return std::nullopt;
+
+  NetworkDraft draft;
+  draft.directed = *directed;
+  // Each flag decides about the other kind of weights. Every archive is read in this way, so that
+  // weights of both kinds or of neither survive, and those of one kind change sides.
+  if (*edgeWeighted && !decodeWeights(coder, kVerticesWeights, draft.verticesWeights)) {
+    return std::nullopt;
+  }
+  if (*vertexWeighted && !decodeWeights(coder, kEdgesWeights, draft.edgesWeights)) {
+    return std::nullopt;
+  }
+  draft.from = IndexList(*ends.from);
+  draft.to = IndexList(*ends.to);
+  const auto count = internal::countVertices(0, draft.from.all(), draft.to.all());
+  if (!count) return std::nullopt;
+  draft.vertexCount = *count;
+  draft.edgesProperties = std::move(*edges);
+  draft.verticesProperties = std::move(*vertices);
+  return draft;
+}
+
+}  // namespace
+
+void VEQNetwork::encodeWithCoder(VEQCoder& coder) const {
+  internal::requireArchivable(*core_->edgesProperties);
+  internal::requireArchivable(*core_->verticesProperties);
+  coder.encodeBool(isDirected(), kDirected);
+  coder.encodeBool(isEdgeWeighted(), kEdgeWeighted);
+  coder.encodeBool(isVertexWeighted(), kVertexWeighted);
+  coder.encodePropertyTable(*core_->edgesProperties, kEdgesProperties);
+  coder.encodePropertyTable(*core_->verticesProperties, kVerticesProperties);
+  core_->store.visit([&](const auto& topology) {
+    coder.encodeNumberArray(indicesOf(topology.from.data(), countEdges()), kFromList);
+    coder.encodeNumberArray(indicesOf(topology.to.data(), countEdges()), kToList);
+  });
+  coder.encodeNumberArray(weightsOf(core_->verticesWeights, countVertices()), kVerticesWeights);
+  coder.encodeNumberArray(weightsOf(core_->edgesWeights, countEdges()), kEdgesWeights);
+}
+
+Owned<VEQNetwork> VEQNetwork::initWithCoder(VEQCoder& coder) {
+  Ends ends;
+  return CoreAccess::make([&] { return decodeDraft(coder, ends); });
+}
+
+Shared<VEQNetwork> VEQNetwork::networkWithCoder(VEQCoder& coder) {
+  return internal::sharedOrNull(initWithCoder(coder));
+}
+
+}  // namespace veq

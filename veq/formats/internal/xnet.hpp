@@ -1,0 +1,20 @@
+/// \file
+/// The xnet text format, as docs/formats/xnet.md describes it.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/network_draft.hpp"
+
+namespace veq::internal {
+
+/// What the text describes; nothing where it describes no network. O(length).
+[[nodiscard]] std::optional<NetworkDraft> readXnet(std::string_view text);
+
+/// The whole text of a network. Names and values are written as they are, whether UTF-8 or not.
+[[nodiscard]] std::string writeXnet(const NetworkCore& core);
+
+}  // namespace veq::internal

@@ -1,0 +1,287 @@
+#include <array>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "veq/base/diagnostic_log.hpp"
+#include "veq/base/number_text.hpp"
+#include "veq/base/text_escapes.hpp"
+#include "veq/base/text_scanner.hpp"
+#include "veq/formats/internal/six_decimals.hpp"
+#include "veq/formats/internal/xnet.hpp"
+#include "veq/numeric/generic_array.hpp"
+#include "veq/numeric/vector_arrays.hpp"
+
+namespace veq::internal {
+namespace {
+
+enum class Section { kNone, kVertices, kEdges, kVertexProperty, kEdgeProperty };
+enum class ValueType { kNumber, kVector2d, kVector3d, kString };
+
+/// A negative index names nothing that can be.
+std::uint64_t asIndex(std::int64_t value) {
+  return value < 0 ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(value);
+}
+
+/// The lines of one property section on their way to a column.
+class ColumnDraft {
+ public:
+  ColumnDraft() = default;
+  ColumnDraft(std::string_view key, ValueType type, bool ofEdges)
+      : key_(key), type_(type), ofEdges_(ofEdges) {}
+
+  [[nodiscard]] const std::string& key() const { return key_; }
+
+  /// Reads one line, from behind its blanks.
+  void readLine(TextScanner& scanner) {
+    switch (type_) {
+      case ValueType::kNumber:
+        numbers_.push_back(readComponent(scanner));
+        return;
+      case ValueType::kVector2d:
+        return ofEdges_ ? readEdgeVector2d(scanner) : readVector(scanner, 2);
+      case ValueType::kVector3d:
+        return readVector(scanner, 3);
+      case ValueType::kString:
+        return readString(scanner);
+    }
+  }
+
+  [[nodiscard]] Shared<PropertyColumn> finish() {
+    switch (type_) {
+      case ValueType::kNumber:
+        return std::make_shared<VEQNumberArray>(std::move(numbers_));
+      case ValueType::kVector2d:
+        if (ofEdges_) return finishEdgeVectors();
+        [[fallthrough]];
+      case ValueType::kVector3d:
+        return VEQVector3dArray::initWithXd_Yd_Zd_count(
+            components_[0].data(), components_[1].data(), components_[2].data(),
+            components_[0].size());
+      case ValueType::kString:
+        break;
+    }
+    return std::make_shared<GenericArray>(std::move(strings_));
+  }
+
+ private:
+  /// A number that cannot be read is 0.
+  static double readComponent(TextScanner& scanner) {
+    scanner.skipBlanks();
+    return throughSixDecimals(scanner.readDouble().value_or(0.0));
+  }
+
+  void readVector(TextScanner& scanner, std::size_t dimensions) {
+    for (std::size_t axis = 0; axis < components_.size(); ++axis) {
+      components_[axis].push_back(axis < dimensions ? readComponent(scanner) : 0.0);
+    }
+  }
+
+  /// Behind the first vector the zero that stands for z is glued to the x of the next line: "0" and
+  /// "3.5" read as 3.5, "0" and "-3.5" as 0. Such columns have always come back like this, and
+  /// going through the same text keeps it so.
+  void readEdgeVector2d(TextScanner& scanner) {
+    for (const char* const end : {" ", "; 0"}) {
+      scanner.skipBlanks();
+      appendSixDecimals(text_, scanner.readDouble().value_or(0.0));
+      text_ += end;
+    }
+  }
+
+  [[nodiscard]] Shared<PropertyColumn> finishEdgeVectors() {
+    if (text_.empty()) return std::make_shared<VEQVector3dArray>();
+    text_.resize(text_.size() - 2);
+    return VEQVector3dArray::initWithString(text_);
+  }
+
+  void readString(TextScanner& scanner) {
+    const bool quoted = scanner.match('"');
+    const std::string_view text =
+        quoted ? scanner.takeUntilQuoteOrNewline() : scanner.takeUntilBlankOrNewline();
+    if (quoted) scanner.match('"');
+    strings_.emplace_back(unescaped(text));
+    // An empty value of an edge counts twice.
+    if (ofEdges_ && text.empty()) strings_.emplace_back(std::string());
+  }
+
+  std::string key_;
+  ValueType type_ = ValueType::kString;
+  bool ofEdges_ = false;
+  RawVector<double> numbers_;
+  std::array<std::vector<double>, 3> components_;
+  std::string text_;
+  std::vector<PropertyValue> strings_;
+};
+
+/// Each step answers false where the whole read fails.
+class XnetReader {
+ public:
+  explicit XnetReader(std::string_view text) : scanner_(text) {}
+
+  std::optional<NetworkDraft> read() {
+    while (!scanner_.atEnd()) {
+      if (!readLine()) return std::nullopt;
+      scanner_.finishLine();
+    }
+    closeSection();
+    return finish();
+  }
+
+ private:
+  bool readLine() {
+    if (scanner_.match('#')) return readHeader();
+    scanner_.skipBlanks();
+    switch (section_) {
+      case Section::kNone:
+        return true;
+      case Section::kVertices:
+        return readVertex();
+      case Section::kEdges:
+        readEdge();
+        return true;
+      case Section::kVertexProperty:
+      case Section::kEdgeProperty:
+        column_.readLine(scanner_);
+        return true;
+    }
+    return true;
+  }
+
+  bool readHeader() {
+    closeSection();
+    section_ = Section::kNone;
+    // The longer word first: each matches whatever begins with it. Anything else is a comment.
+    if (scanner_.matchPrefix("vertices")) return readVerticesHeader();
+    if (scanner_.matchPrefix("edges")) return readEdgesHeader();
+    if (scanner_.matchPrefix("v")) return readPropertyHeader(Section::kVertexProperty);
+    if (scanner_.matchPrefix("e")) return readPropertyHeader(Section::kEdgeProperty);
+    return true;
+  }
+
+  bool readVerticesHeader() {
+    scanner_.skipBlanks();
+    const std::optional<std::int64_t> count = scanner_.readInteger();
+    if (!count) return false;
+    vertexCount_ = *count;
+    scanner_.skipBlanks();
+    renewWeights(verticesWeights_);
+    names_.clear();
+    section_ = Section::kVertices;
+    return true;
+  }
+
+  bool readEdgesHeader() {
+    scanner_.skipBlanks();
+    renewWeights(edgesWeights_);
+    scanner_.skipBlanks();
+    if (scanner_.matchPrefix("directed")) directed_ = true;
+    if (scanner_.matchPrefix("undirected")) directed_ = false;
+    section_ = Section::kEdges;
+    return true;
+  }
+
+  /// An earlier "weighted" stays in force until "nonweighted" is read, but the list starts afresh.
+  void renewWeights(std::optional<Weights>& weights) {
+    const bool weighted = scanner_.matchPrefix("weighted") || weights.has_value();
+    weights.reset();
+    if (!scanner_.matchPrefix("nonweighted") && weighted) weights.emplace();
+  }
+
+  bool readPropertyHeader(Section section) {
+    scanner_.skipBlanks();
+    const bool quoted = scanner_.match('"');
+    const std::string_view key =
+        quoted ? scanner_.takeUntilQuoteOrNewline() : scanner_.takeUntilBlankOrNewline();
+    if (key.empty()) return false;
+    if (quoted) scanner_.match('"');
+    scanner_.skipBlanks();
+    const ValueType type = readType();
+    if (type == ValueType::kVector3d && section == Section::kVertexProperty) {
+      logDiagnostic("vector 3D data");
+    }
+    column_ = ColumnDraft(key, type, section == Section::kEdgeProperty);
+    section_ = section;
+    return true;
+  }
+
+  ValueType readType() {
+    if (scanner_.matchPrefix("n")) return ValueType::kNumber;
+    if (scanner_.matchPrefix("v2")) return ValueType::kVector2d;
+    if (scanner_.matchPrefix("v3")) return ValueType::kVector3d;
+    return ValueType::kString;
+  }
+
+  bool readVertex() {
+    if (scanner_.match('"')) {
+      const std::string_view name = scanner_.takeUntilQuoteOrNewline();
+      if (name.empty()) return false;
+      scanner_.match('"');
+      scanner_.skipBlanks();
+      names_.emplace_back(unescaped(name));
+    }
+    if (verticesWeights_) verticesWeights_->push_back(scanner_.readFloat().value_or(1.0F));
+    return true;
+  }
+
+  /// Ends that cannot be read are those of the line before.
+  void readEdge() {
+    source_ = scanner_.readInteger().value_or(source_);
+    scanner_.skipBlanks();
+    target_ = scanner_.readInteger().value_or(target_);
+    from_.push_back(asIndex(source_));
+    to_.push_back(asIndex(target_));
+    if (!edgesWeights_) return;
+    scanner_.skipBlanks();
+    edgesWeights_->push_back(scanner_.readFloat().value_or(1.0F));
+  }
+
+  void closeSection() {
+    if (section_ == Section::kVertices && !names_.empty()) {
+      verticesProperties_.set("Name", std::make_shared<GenericArray>(std::move(names_)));
+      names_ = {};
+    }
+    if (section_ == Section::kVertexProperty) {
+      verticesProperties_.set(column_.key(), column_.finish());
+    }
+    if (section_ == Section::kEdgeProperty) edgesProperties_.set(column_.key(), column_.finish());
+  }
+
+  std::optional<NetworkDraft> finish() {
+    if (vertexCount_ < 0) return std::nullopt;
+    const std::optional<std::uint64_t> count =
+        countVertices(static_cast<std::uint64_t>(vertexCount_), from_, to_);
+    if (!count) return std::nullopt;
+    NetworkDraft draft;
+    draft.vertexCount = *count;
+    draft.from = std::move(from_);
+    draft.to = std::move(to_);
+    draft.directed = directed_;
+    draft.verticesWeights = std::move(verticesWeights_);
+    draft.edgesWeights = std::move(edgesWeights_);
+    draft.verticesProperties = std::move(verticesProperties_);
+    draft.edgesProperties = std::move(edgesProperties_);
+    return draft;
+  }
+
+  TextScanner scanner_;
+  Section section_ = Section::kNone;
+  ColumnDraft column_;
+  std::int64_t vertexCount_ = 0;
+  std::vector<PropertyValue> names_;
+  std::optional<Weights> verticesWeights_;
+  /// The ends of the last edge line, kept over sections.
+  std::int64_t source_ = 0;
+  std::int64_t target_ = 0;
+  RawVector<std::uint64_t> from_;
+  RawVector<std::uint64_t> to_;
+  bool directed_ = false;
+  std::optional<Weights> edgesWeights_;
+  PropertyTable verticesProperties_;
+  PropertyTable edgesProperties_;
+};
+
+}  // namespace
+
+std::optional<NetworkDraft> readXnet(std::string_view text) { return XnetReader(text).read(); }
+
+}  // namespace veq::internal

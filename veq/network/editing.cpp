@@ -1,0 +1,112 @@
+// Inserting edges.
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq {
+
+using internal::EdgeEnds;
+using internal::NetworkCore;
+
+namespace {
+
+void requireVertices(EdgeEnds edges, std::uint64_t n) {
+  for (std::uint64_t i = 0; i < edges.count(); ++i) {
+    if (edges.from[i] < n && edges.to[i] < n) continue;
+    throw std::invalid_argument(
+        "Edge lists contains indices out of bounds:from " + std::to_string(edges.from[i]) + " to " +
+        std::to_string(edges.to[i]) + " (max vertex inddex:" + std::to_string(n) + ")");
+  }
+}
+
+void requireOwn(const NetworkCore& core, const VEQVertex& source, const VEQVertex& target,
+                const char* message) {
+  if (&source.life() == core.life.get() && &target.life() == core.life.get()) return;
+  throw std::invalid_argument(message);
+}
+
+// Makes room in every edge column, so that appending cannot fail. A column that stands under
+// several keys grows once for each.
+void reserveInColumns(const PropertyTable& table, std::uint64_t count) {
+  std::vector<PropertyColumn*> columns;
+  columns.reserve(table.size());
+  for (const auto& entry : table) columns.push_back(entry.second.get());
+  std::sort(columns.begin(), columns.end());
+  for (auto at = columns.begin(); at != columns.end();) {
+    const auto next = std::upper_bound(at, columns.end(), *at);
+    (*at)->reserve(count * static_cast<std::uint64_t>(next - at));
+    at = next;
+  }
+}
+
+// Makes room as appending would, so that many single insertions stay cheap.
+void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
+  if (count > weights.capacity()) {
+    weights.reserve(std::max<std::size_t>(count, weights.capacity() + weights.capacity() / 2));
+  }
+}
+
+}  // namespace
+
+void VEQNetwork::addEdgesFromVerticesIndices_toVerticesIndices_count(const std::uint64_t* from,
+                                                                     const std::uint64_t* to,
+                                                                     std::uint64_t count) {
+  const EdgeEnds edges{{from, count}, {to, count}};
+  requireVertices(edges, countVertices());
+
+  const std::uint64_t edgesAfter = countEdges() + count;
+  if (core_->edgesWeights) reserveInWeights(*core_->edgesWeights, edgesAfter);
+  reserveInColumns(*core_->edgesProperties, count);
+  core_->store.insert(edges);
+
+  // From here on nothing fails. Handles come into being when somebody asks for them.
+  if (edgesAfter > core_->edgesCapacity) core_->edgesCapacity = 2 * edgesAfter;
+  if (core_->edgesWeights) core_->edgesWeights->resize(edgesAfter, 1.0f);
+  for (const auto& entry : *core_->edgesProperties) entry.second->appendUnset(count);
+}
+
+Shared<VEQEdge> VEQNetwork::linkVertex_to(const VEQVertex& source, const VEQVertex& target) {
+  requireOwn(*core_, source, target, "Both vertices must be in this network.");
+  const std::uint64_t from = source.identification();
+  const std::uint64_t to = target.identification();
+  // The handle first: once the edge is there, nothing may fail.
+  Shared<VEQEdge> edge = core_->edges->sharedAt(countEdges());
+  addEdgesFromVerticesIndices_toVerticesIndices_count(&from, &to, 1);
+  return edge;
+}
+
+Shared<VEQEdge> VEQNetwork::linkVertex_to_weight(const VEQVertex& source, const VEQVertex& target,
+                                                 float weight) {
+  requireOwn(*core_, source, target, "Both vertices must be in this network.");
+  const std::uint64_t n = countVertices();
+  // What the weight needs, before the edge is there.
+  std::optional<internal::Weights> firstWeights;
+  if (core_->editable && !core_->edgesWeights && source.identification() < n &&
+      target.identification() < n) {
+    firstWeights.emplace(countEdges() + 1, 0.0f);
+  }
+  Shared<VEQEdge> edge = linkVertex_to(source, target);
+  if (firstWeights) core_->edgesWeights = std::move(firstWeights);
+  setWeightValue_atEdgeIndex(weight, edge->identification());
+  return edge;
+}
+
+Shared<VEQEdge> VEQNetwork::reLinkVertex_to_atIndex(const VEQVertex& source,
+                                                    const VEQVertex& target, std::uint64_t) {
+  requireOwn(*core_, source, target, "Both links must be in this network.");
+  return nullptr;
+}
+
+Shared<VEQEdge> VEQNetwork::reLinkVertex_to_weight_atIndex(const VEQVertex& source,
+                                                           const VEQVertex& target, float,
+                                                           std::uint64_t) {
+  requireOwn(*core_, source, target, "Both links must be in this network.");
+  return nullptr;
+}
+
+}  // namespace veq

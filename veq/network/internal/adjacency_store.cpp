@@ -1,0 +1,218 @@
+#include "veq/network/internal/adjacency_store.hpp"
+
+#include <algorithm>
+#include <array>
+#include <type_traits>
+
+namespace veq::internal {
+namespace {
+
+// Beyond these sizes the rows and lists leave the processor's caches, and entries are first sorted
+// into ranges of vertices whose rows and lists stay within them.
+constexpr std::uint64_t kPartitionVertices = std::uint64_t{1} << 15;
+constexpr std::uint64_t kPartitionEntries = std::uint64_t{1} << 16;
+constexpr unsigned kPartitions = 512;
+
+// From this many edges on, an insertion that is large against what is there builds all lists anew.
+constexpr std::uint64_t kBulkInsertion = 64;
+
+// The entries of one direction, in edge order: calls f(vertex, neighbour, edge).
+template <class Index, class F>
+void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::uint64_t edges,
+                  bool bothWays, F f) {
+  for (std::uint64_t e = 0; e < edges; ++e) {
+    f(at[e], neighbour[e], static_cast<Index>(e));
+    if (bothWays) f(neighbour[e], at[e], static_cast<Index>(e));
+  }
+}
+
+template <class Index>
+struct Item {
+  Index vertex;
+  Entry<Index> entry;
+};
+
+// Entries sorted by ranges of vertices; within a range they keep their order.
+template <class Index>
+class Partition {
+ public:
+  template <class ForEach>
+  Partition(std::uint64_t vertices, std::uint64_t entries, ForEach forEach) {
+    while (vertices >> shift_ >= kPartitions) ++shift_;
+    items_.resize(entries);
+    forEach([this](Index vertex, Index, Index) { ++ends_[(vertex >> shift_) + 1]; });
+    for (unsigned p = 1; p <= kPartitions; ++p) ends_[p] += ends_[p - 1];
+    // Filling a range moves its start up to its end, which is where the next one starts.
+    forEach([this](Index vertex, Index neighbour, Index edge) {
+      items_[ends_[vertex >> shift_]++] = {vertex, {neighbour, edge}};
+    });
+  }
+
+  template <class F>
+  void forEachRange(F f) const {
+    std::uint64_t start = 0;
+    for (unsigned p = 0; p < kPartitions; ++p) {
+      f(std::span(items_.data() + start, ends_[p] - start));
+      start = ends_[p];
+    }
+  }
+
+ private:
+  unsigned shift_ = 0;
+  std::array<std::uint64_t, kPartitions + 1> ends_{};
+  Block<Item<Index>> items_;
+};
+
+template <class Index>
+AdjacencyLists<Index> buildLists(std::uint64_t vertices, const Block<Index>& at,
+                                 const Block<Index>& neighbour, std::uint64_t edges,
+                                 bool bothWays) {
+  const std::uint64_t entries = bothWays ? 2 * edges : edges;
+  // A list's room is at most twice its length; where vertices are few, adding up is cheap.
+  const std::uint64_t mostRoom = 2 * entries;
+  AdjacencyLists<Index> lists(vertices);
+  const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, f); };
+  if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
+    const Partition<Index> partition(vertices, entries, forEach);
+    lists.openZone(mostRoom);
+    partition.forEachRange([&lists](std::span<const Item<Index>> items) {
+      for (const Item<Index>& item : items) lists.announce(item.vertex);
+      for (const Item<Index>& item : items) lists.place(item.vertex, item.entry);
+    });
+  } else {
+    forEach([&lists](Index vertex, Index, Index) { lists.announce(vertex); });
+    lists.openZone(vertices <= mostRoom ? lists.announcedRoom() : mostRoom);
+    forEach([&lists](Index vertex, Index to, Index edge) { lists.place(vertex, {to, edge}); });
+  }
+  lists.finish();
+  return lists;
+}
+
+template <class Index>
+void buildAllLists(Topology<Index>& topology, std::uint64_t vertices, std::uint64_t edges,
+                   bool directed) {
+  topology.out = buildLists(vertices, topology.from, topology.to, edges, !directed);
+  if (directed) topology.in = buildLists(vertices, topology.to, topology.from, edges, false);
+}
+
+// Whether vertices and zones of such a network can be told by indices up to the limit.
+bool fitsNarrow(std::uint64_t vertices, std::uint64_t edges, std::uint64_t limit) {
+  return vertices <= limit && edges < limit / 4;
+}
+
+template <class Index>
+void copyEnds(std::span<const std::uint64_t> ends, Index* out) {
+  std::transform(ends.begin(), ends.end(), out,
+                 [](std::uint64_t end) { return static_cast<Index>(end); });
+}
+
+}  // namespace
+
+AdjacencyStore::AdjacencyStore(std::uint64_t vertices, EdgeEnds edges, bool directed,
+                               std::uint64_t narrowLimit)
+    : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
+  rebuildWith(edges);
+}
+
+std::uint64_t AdjacencyStore::count(std::uint64_t vertex, Side side) const {
+  return visit([&](const auto& topology) { return lists(topology, side).count(vertex); });
+}
+
+std::vector<std::uint64_t> AdjacencyStore::neighbours(std::uint64_t vertex, Side side) const {
+  return visit([&](const auto& topology) {
+    const auto list = lists(topology, side).list(vertex);
+    std::vector<std::uint64_t> result(list.size());
+    std::transform(list.begin(), list.end(), result.begin(),
+                   [](const auto& entry) { return entry.neighbour; });
+    return result;
+  });
+}
+
+std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side) const {
+  return visit([&](const auto& topology) {
+    const auto list = lists(topology, side).list(vertex);
+    std::vector<std::uint64_t> result(list.size());
+    std::transform(list.begin(), list.end(), result.begin(),
+                   [](const auto& entry) { return entry.edge; });
+    return result;
+  });
+}
+
+void AdjacencyStore::insert(EdgeEnds more) {
+  const bool bulk = more.count() >= kBulkInsertion && more.count() > edges_ / 2;
+  const bool inPlace =
+      !bulk && std::visit([&](auto& topology) { return appendInPlace(topology, more); }, topology_);
+  if (!inPlace) rebuildWith(more);
+}
+
+template <class Index>
+bool AdjacencyStore::appendInPlace(Topology<Index>& topology, EdgeEnds more) {
+  AdjacencyLists<Index>& in = directed_ ? topology.in : topology.out;
+  const std::uint64_t count = more.count();
+
+  // How much room the lists will want is known only once all entries have been counted in.
+  std::uint64_t outEntries = 0;
+  std::uint64_t inEntries = 0;
+  for (std::uint64_t i = 0; i < count; ++i) {
+    outEntries += topology.out.announceMore(more.from[i]);
+    inEntries += in.announceMore(more.to[i]);
+  }
+  for (std::uint64_t i = 0; i < count; ++i) {
+    topology.out.takeBack(more.from[i]);
+    in.takeBack(more.to[i]);
+  }
+  if (!directed_) outEntries += inEntries;
+
+  if constexpr (std::is_same_v<Index, std::uint32_t>) {
+    const std::uint64_t zone =
+        std::max(topology.out.zoneSizeWith(outEntries), in.zoneSizeWith(inEntries));
+    if (zone > narrowLimit_ || edges_ + count > narrowLimit_) return false;
+  }
+  topology.from.reserve(edges_ + count);
+  topology.to.reserve(edges_ + count);
+  topology.out.reserve(outEntries);
+  if (directed_) in.reserve(inEntries);
+
+  // From here on nothing fails.
+  for (std::uint64_t i = 0; i < count; ++i) {
+    const auto a = static_cast<Index>(more.from[i]);
+    const auto b = static_cast<Index>(more.to[i]);
+    const auto e = static_cast<Index>(edges_ + i);
+    topology.from[e] = a;
+    topology.to[e] = b;
+    topology.out.append(a, {b, e});
+    in.append(b, {a, e});
+  }
+  edges_ += count;
+  return true;
+}
+
+void AdjacencyStore::rebuildWith(EdgeEnds more) {
+  const std::uint64_t edges = edges_ + more.count();
+  const auto build = [&](auto wanted) {
+    using Index = decltype(wanted);
+    Topology<Index> next;
+    next.from.resize(edges);
+    next.to.resize(edges);
+    visit([&](const auto& present) {
+      std::transform(present.from.data(), present.from.data() + edges_, next.from.data(),
+                     [](auto end) { return static_cast<Index>(end); });
+      std::transform(present.to.data(), present.to.data() + edges_, next.to.data(),
+                     [](auto end) { return static_cast<Index>(end); });
+    });
+    copyEnds(more.from, next.from.data() + edges_);
+    copyEnds(more.to, next.to.data() + edges_);
+    buildAllLists(next, vertices_, edges, directed_);
+    topology_ = std::move(next);
+  };
+  // Lists that have outgrown their zone stay narrow only with room for many more insertions, lest
+  // each of them had to build everything anew.
+  if (fitsNarrow(vertices_, edges + edges_ / 2, narrowLimit_)) {
+    build(std::uint32_t{});
+  } else {
+    build(std::uint64_t{});
+  }
+  edges_ = edges;
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <utility>
+#include <variant>
+#include <vector>
+
+#include "veq/base/memory.hpp"
+#include "veq/network/internal/adjacency_lists.hpp"
+
+namespace veq::internal {
+
+/// The ends of edges, as two lists of equal length.
+struct EdgeEnds {
+  std::span<const std::uint64_t> from;
+  std::span<const std::uint64_t> to;
+
+  [[nodiscard]] std::uint64_t count() const { return from.size(); }
+};
+
+/// Edges and lists with indices of one width.
+template <class Index>
+struct Topology {
+  Block<Index> from;
+  Block<Index> to;
+  AdjacencyLists<Index> out;
+  AdjacencyLists<Index> in;  // directed only
+};
+
+/// All that a network knows of its topology, and the only code that knows how it lies in memory.
+/// The interface speaks of 64-bit indices; they lie in 32 bits while the sizes allow it.
+class AdjacencyStore {
+ public:
+  enum class Side { kOut, kIn };
+
+  /// Up to this size, in list entries and vertices, indices lie in 32 bits; all bits set stay free
+  /// for whoever needs a mark that is no index.
+  static constexpr std::uint64_t kNarrowLimit = UINT32_MAX;
+
+  AdjacencyStore() = default;
+  /// All ends must be below the number of vertices. O(n + m) at most, and without work or memory
+  /// for vertices that have no edge. std::bad_alloc where memory cannot hold it.
+  AdjacencyStore(std::uint64_t vertices, EdgeEnds edges, bool directed,
+                 std::uint64_t narrowLimit = kNarrowLimit);
+
+  [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
+  [[nodiscard]] std::uint64_t edgeCount() const { return edges_; }
+  [[nodiscard]] bool directed() const { return directed_; }
+  [[nodiscard]] bool isNarrow() const {
+    return std::holds_alternative<Topology<std::uint32_t>>(topology_);
+  }
+
+  /// Calls f with the topology in the width it has: a Topology<std::uint32_t> or <std::uint64_t>.
+  template <class F>
+  decltype(auto) visit(F&& f) const {
+    return std::visit(std::forward<F>(f), topology_);
+  }
+
+  [[nodiscard]] std::uint64_t from(std::uint64_t edge) const {
+    return visit([edge](const auto& t) -> std::uint64_t { return t.from[edge]; });
+  }
+  [[nodiscard]] std::uint64_t to(std::uint64_t edge) const {
+    return visit([edge](const auto& t) -> std::uint64_t { return t.to[edge]; });
+  }
+
+  /// Both sides of an undirected network are its out-lists.
+  [[nodiscard]] std::uint64_t count(std::uint64_t vertex, Side side) const;
+  /// The two columns of one list.
+  [[nodiscard]] std::vector<std::uint64_t> neighbours(std::uint64_t vertex, Side side) const;
+  [[nodiscard]] std::vector<std::uint64_t> edges(std::uint64_t vertex, Side side) const;
+
+  /// The lists of a side; in an undirected network always the out-lists.
+  template <class Index>
+  [[nodiscard]] const AdjacencyLists<Index>& lists(const Topology<Index>& topology,
+                                                   Side side) const {
+    return side == Side::kIn && directed_ ? topology.in : topology.out;
+  }
+
+  /// Appends edges whose ends are below the number of vertices. Amortised O(count). std::bad_alloc
+  /// leaves the store as it was.
+  void insert(EdgeEnds more);
+
+ private:
+  template <class Index>
+  [[nodiscard]] bool appendInPlace(Topology<Index>& topology, EdgeEnds more);
+  void rebuildWith(EdgeEnds more);
+
+  std::uint64_t vertices_ = 0;
+  std::uint64_t edges_ = 0;
+  std::uint64_t narrowLimit_ = kNarrowLimit;
+  bool directed_ = false;
+  std::variant<Topology<std::uint32_t>, Topology<std::uint64_t>> topology_;
+};
+
+}  // namespace veq::internal

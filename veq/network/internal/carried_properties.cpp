@@ -1,0 +1,169 @@
+#include "veq/network/internal/carried_properties.hpp"
+
+#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+namespace veq::internal {
+namespace {
+
+// Which of a network's two tables the runs speak of, and how many elements it has.
+struct Vertices {
+  static const PropertyTable& table(const NetworkCore& core) { return *core.verticesProperties; }
+  static std::uint64_t count(const NetworkCore& core) { return core.store.vertexCount(); }
+};
+struct Edges {
+  static const PropertyTable& table(const NetworkCore& core) { return *core.edgesProperties; }
+  static std::uint64_t count(const NetworkCore& core) { return core.store.edgeCount(); }
+};
+
+// The part of a column that a run takes over: elements of `column` that go to `first` and after.
+struct Part {
+  HandleRun run;
+  std::uint64_t first;
+  const PropertyColumn* column;
+  std::uint64_t sourceCount;
+
+  // As the handle would answer: not set beyond the end of a short column, while an index beyond the
+  // network's own end is at the column's mercy.
+  [[nodiscard]] PropertyValue value(std::uint64_t i) const {
+    return run[i] < sourceCount ? valueOrNull(*column, run[i]) : column->objectAtIndex(run[i]);
+  }
+
+  // Calls f(position, index) for all elements that the column has.
+  template <class F>
+  void forEachPresent(F f) const {
+    const std::uint64_t present = column->count();
+    for (std::uint64_t i = 0; i < run.count; ++i) {
+      if (const std::uint64_t index = run[i]; index < present) f(first + i, index);
+    }
+  }
+};
+
+template <class Side>
+std::vector<Part> partsOf(std::span<const HandleRun> runs, std::string_view key) {
+  std::vector<Part> parts;
+  std::uint64_t first = 0;
+  for (const HandleRun& run : runs) {
+    const NetworkCore& core = run.core();
+    if (const auto* column = Side::table(core).find(key)) {
+      parts.push_back({run, first, column->get(), Side::count(core)});
+    }
+    first += run.count;
+  }
+  return parts;
+}
+
+void fillNumbers(VEQNumberArray& to, const Part& part) {
+  const std::span<double> values = to.values<double>();
+  static_cast<const VEQNumberArray&>(*part.column).visit([&](auto elements) {
+    part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+      values[position] = static_cast<double>(elements[index]);
+    });
+  });
+}
+
+void fillVectors(VEQVector2dArray& to, const Part& part) {
+  const auto& from = static_cast<const VEQVector2dArray&>(*part.column);
+  part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+    to.setVector_atIndex(from.vectorAtIndex(index), position);
+  });
+}
+
+void fillVectors(VEQVector3dArray& to, const Part& part) {
+  const auto& from = static_cast<const VEQVector3dArray&>(*part.column);
+  part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+    to.setVector_atIndex(from.vectorAtIndex(index), position);
+  });
+}
+
+bool canHold(PropertyColumn::Kind kind, const PropertyValue& value) {
+  switch (kind) {
+    case PropertyColumn::Kind::kGeneric:
+      return true;
+    case PropertyColumn::Kind::kNumber:
+      return value.isNull() || value.number();
+    case PropertyColumn::Kind::kVector2d:
+      return value.isNull() || value.vector2d();
+    case PropertyColumn::Kind::kVector3d:
+      return value.isNull() || value.vector3d();
+  }
+  return false;
+}
+
+// False, and the column of no use, where it cannot hold a value.
+bool fillTyped(PropertyColumn& to, const Part& part) {
+  if (to.kind() == part.column->kind()) {
+    switch (to.kind()) {
+      case PropertyColumn::Kind::kNumber:
+        fillNumbers(static_cast<VEQNumberArray&>(to), part);
+        return true;
+      case PropertyColumn::Kind::kVector2d:
+        fillVectors(static_cast<VEQVector2dArray&>(to), part);
+        return true;
+      case PropertyColumn::Kind::kVector3d:
+        fillVectors(static_cast<VEQVector3dArray&>(to), part);
+        return true;
+      case PropertyColumn::Kind::kGeneric:
+        break;
+    }
+  }
+  for (std::uint64_t i = 0; i < part.run.count; ++i) {
+    const PropertyValue value = part.value(i);
+    if (!canHold(to.kind(), value)) return false;
+    to.replaceObjectAtIndex_withObject(part.first + i, value);
+  }
+  return true;
+}
+
+Shared<PropertyColumn> genericColumn(const std::vector<Part>& parts, std::uint64_t count) {
+  std::vector<PropertyValue> values(count);
+  for (const Part& part : parts) {
+    for (std::uint64_t i = 0; i < part.run.count; ++i) values[part.first + i] = part.value(i);
+  }
+  return std::make_shared<GenericArray>(std::move(values));
+}
+
+Shared<PropertyColumn> vertexColumn(const std::vector<Part>& parts, std::uint64_t count) {
+  const Shared<PropertyColumn> typed = newVertexColumn(parts.front().value(0), count);
+  const bool holdsAll = typed->kind() != PropertyColumn::Kind::kGeneric &&
+                        std::all_of(parts.begin(), parts.end(),
+                                    [&typed](const Part& part) { return fillTyped(*typed, part); });
+  return holdsAll ? typed : genericColumn(parts, count);
+}
+
+template <class Side, class NewColumn>
+PropertyTable carried(std::span<const HandleRun> runs, NewColumn newColumn) {
+  std::uint64_t count = 0;
+  for (const HandleRun& run : runs) count += run.count;
+  PropertyTable result;
+  std::unordered_set<const LifeRecord*> seen;
+  for (const HandleRun& run : runs) {
+    const PropertyTable& table = Side::table(run.core());
+    if (table.empty() || !seen.insert(run.life).second) continue;
+    for (const auto& [key, column] : table) {
+      if (!result.contains(key)) result.set(key, newColumn(partsOf<Side>(runs, key), count));
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+PropertyTable carriedVertexProperties(std::span<const HandleRun> runs) {
+  return carried<Vertices>(runs, vertexColumn);
+}
+
+PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs) {
+  return carried<Edges>(runs, genericColumn);
+}
+
+void install(CarriedProperties properties, const VEQNetwork& network) {
+  const NetworkCore& core = CoreAccess::of(network);
+  *core.verticesProperties = std::move(properties.ofVertices);
+  *core.edgesProperties = std::move(properties.ofEdges);
+}
+
+}  // namespace veq::internal

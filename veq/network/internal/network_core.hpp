@@ -1,0 +1,71 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <utility>
+
+#include "veq/base/ownership.hpp"
+#include "veq/handles/internal/handle_table.hpp"
+#include "veq/network/internal/adjacency_store.hpp"
+#include "veq/network/internal/network_draft.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq::internal {
+
+/// What a network consists of.
+struct NetworkCore {
+  AdjacencyStore store;
+  std::optional<Weights> verticesWeights;
+  std::optional<Weights> edgesWeights;
+  Shared<PropertyTable> verticesProperties = std::make_shared<PropertyTable>();
+  Shared<PropertyTable> edgesProperties = std::make_shared<PropertyTable>();
+  /// The sizes that per-vertex and per-edge storage reports: fixed at construction, and for edges
+  /// twice the number of edges whenever an insertion exceeds it. Memory follows by its own rules.
+  std::uint64_t vertexCapacity = 0;
+  std::uint64_t edgesCapacity = 0;
+  bool editable = true;
+  Shared<LifeRecord> life;
+  Shared<HandleTable<VEQVertex>> vertices;
+  Shared<HandleTable<VEQEdge>> edges;
+};
+
+/// The library's own way into a network.
+struct CoreAccess {
+  [[nodiscard]] static NetworkCore& of(const VEQNetwork& network) { return *network.core_; }
+
+  /// The network that the draft describes; null where weights are not one for each vertex or edge.
+  [[nodiscard]] static Owned<VEQNetwork> build(NetworkDraft draft);
+
+  /// The network of whatever draft `produce()` returns, an optional one. This is the one place that
+  /// turns memory which cannot be had, for the draft or the network, into "no network".
+  template <class Produce>
+  [[nodiscard]] static Owned<VEQNetwork> make(Produce produce) {
+    try {
+      std::optional<NetworkDraft> draft = produce();
+      return draft ? build(std::move(*draft)) : nullptr;
+    } catch (const std::bad_alloc&) {
+      return nullptr;
+    } catch (const std::length_error&) {
+      return nullptr;
+    }
+  }
+};
+
+/// Whether the key names the weights or the ends of edges, which are no columns.
+[[nodiscard]] bool isReservedKey(std::string_view key);
+
+/// Stores a column as the whole-column setters do: reserved keys are ignored, null removes the key,
+/// and a column that is not editable is copied.
+void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyColumn> column);
+
+/// A vertex column of which nothing is set. Its first value fixes its kind.
+[[nodiscard]] Shared<PropertyColumn> newVertexColumn(const PropertyValue& first,
+                                                     std::uint64_t count);
+
+/// The element, or the null marker where the column ends before it.
+[[nodiscard]] PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index);
+
+}  // namespace veq::internal

@@ -1,0 +1,144 @@
+// Named properties of vertices and edges.
+
+#include <stdexcept>
+
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq {
+
+Shared<PropertyColumn> internal::newVertexColumn(const PropertyValue& first, std::uint64_t count) {
+  if (const VEQVector2d* vector = first.vector2d()) {
+    return VEQVector2dArray::initWithSize_precision(count, vector->precision());
+  }
+  if (const VEQVector3d* vector = first.vector3d()) {
+    return VEQVector3dArray::initWithSize_precision(count, vector->precision());
+  }
+  if (first.number()) return VEQNumberArray::initWithDoubleScalar_count(0.0, count);
+  return GenericArray::nullFilled(count);
+}
+
+namespace {
+
+// Stores a value under a key, in the column that is there or in one that `newColumn()` makes. A
+// value that is refused leaves no new column behind.
+template <class NewColumn>
+void setValue(PropertyTable& table, const PropertyValue& value, std::string_view key,
+              std::uint64_t index, NewColumn newColumn) {
+  if (const auto* column = table.find(key)) {
+    (*column)->replaceObjectAtIndex_withObject(index, value);
+    return;
+  }
+  Shared<PropertyColumn> column = newColumn();
+  column->replaceObjectAtIndex_withObject(index, value);
+  table.set(key, std::move(column));
+}
+
+PropertyMap valuesAt(const PropertyTable& table, std::uint64_t index, std::uint64_t count) {
+  PropertyMap result;
+  for (const auto& [key, column] : table) {
+    // A column that is shorter than the network reads as not set beyond its end.
+    result.set(
+        key, index < count ? internal::valueOrNull(*column, index) : column->objectAtIndex(index));
+  }
+  return result;
+}
+
+PropertyTable columnsAt(const PropertyTable& table, const VEQNumberArray& indices) {
+  PropertyTable result;
+  for (const auto& [key, column] : table) result.set(key, column->subarrayWithIndices(indices));
+  return result;
+}
+
+Shared<PropertyColumn> columnAt(const PropertyTable& table, const VEQNumberArray& indices,
+                                std::string_view key) {
+  const auto* column = table.find(key);
+  return column ? (*column)->subarrayWithIndices(indices) : nullptr;
+}
+
+Shared<PropertyColumn> namesAt(const PropertyTable& table, const VEQNumberArray& indices) {
+  Shared<PropertyColumn> names = columnAt(table, indices, "Name");
+  return names ? names : indices.stringArray();
+}
+
+}  // namespace
+
+void VEQNetwork::setPropertyValue_forKey_atVertexIndex(const PropertyValue& value,
+                                                       std::string_view key, std::uint64_t index) {
+  setValue(*core_->verticesProperties, value, key, index,
+           [&] { return internal::newVertexColumn(value, countVertices()); });
+}
+
+void VEQNetwork::setPropertyValue_forKey_atEdgeIndex(const PropertyValue& value,
+                                                     std::string_view key, std::uint64_t index) {
+  setValue(*core_->edgesProperties, value, key, index,
+           [&]() -> Shared<PropertyColumn> { return GenericArray::nullFilled(countEdges()); });
+}
+
+void VEQNetwork::setPropertiesOfVertices_forKey(Shared<PropertyColumn> column,
+                                                std::string_view key) {
+  internal::installColumn(*core_->verticesProperties, key, std::move(column));
+}
+
+void VEQNetwork::setPropertiesOfEdges_forKey(Shared<PropertyColumn> column, std::string_view key) {
+  internal::installColumn(*core_->edgesProperties, key, std::move(column));
+}
+
+PropertyMap VEQNetwork::propertiesOfVertexAtIndex(std::uint64_t index) const {
+  return valuesAt(*core_->verticesProperties, index, countVertices());
+}
+
+PropertyMap VEQNetwork::propertiesOfEdgeAtIndex(std::uint64_t index) const {
+  return valuesAt(*core_->edgesProperties, index, countEdges());
+}
+
+PropertyTable VEQNetwork::propertiesOfVerticesAtIndexArray(const VEQNumberArray& indices) const {
+  return columnsAt(*core_->verticesProperties, indices);
+}
+
+PropertyTable VEQNetwork::propertiesOfInEdgesAtIndexArray(const VEQNumberArray& indices) const {
+  return columnsAt(*core_->edgesProperties, indices);
+}
+
+Shared<PropertyColumn> VEQNetwork::propertiesOfVerticesAtIndexArray_forKey(
+    const VEQNumberArray& indices, std::string_view key) const {
+  return columnAt(*core_->verticesProperties, indices, key);
+}
+
+Shared<PropertyColumn> VEQNetwork::propertiesOfEdgesAtIndexArray_forKey(
+    const VEQNumberArray& indices, std::string_view key) const {
+  return columnAt(*core_->edgesProperties, indices, key);
+}
+
+Shared<PropertyColumn> VEQNetwork::namesOfVerticesAtIndexArray(
+    const VEQNumberArray& indices) const {
+  return namesAt(*core_->verticesProperties, indices);
+}
+
+Shared<PropertyColumn> VEQNetwork::namesOfEdgesAtIndexArray(const VEQNumberArray& indices) const {
+  return namesAt(*core_->edgesProperties, indices);
+}
+
+Shared<VEQNumberArray> VEQNetwork::areEditableVerticesAtIndexArray(const VEQNumberArray&) const {
+  return VEQNumberArray::numberArrayWithNumber_count(core_->editable, countVertices());
+}
+
+Shared<VEQNumberArray> VEQNetwork::areEditableEdgesAtIndexArray(const VEQNumberArray&) const {
+  return VEQNumberArray::numberArrayWithNumber_count(core_->editable, countEdges());
+}
+
+Shared<const PropertyTable> VEQNetwork::propertiesOfVertices() const {
+  return core_->verticesProperties;
+}
+
+Shared<const PropertyTable> VEQNetwork::propertiesOfEdges() const { return core_->edgesProperties; }
+
+std::vector<std::string> VEQNetwork::keysForPropertiesOfVertices() const {
+  return core_->verticesProperties->keys();
+}
+
+std::vector<std::string> VEQNetwork::keysForPropertiesOfEdges() const {
+  return core_->edgesProperties->keys();
+}
+
+}  // namespace veq

@@ -1,0 +1,289 @@
+// Questions about the topology.
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <span>
+#include <stdexcept>
+
+#include "veq/network/internal/network_core.hpp"
+#include "veq/network/network.hpp"
+
+namespace veq {
+
+using internal::AdjacencyStore;
+using internal::NetworkCore;
+using internal::Weights;
+using Side = AdjacencyStore::Side;
+
+namespace {
+
+void requireVertex(const NetworkCore& core, std::uint64_t index) {
+  if (index >= core.store.vertexCount()) {
+    throw std::invalid_argument("VertexIndex must be less than count.");
+  }
+}
+
+std::uint64_t countOf(const NetworkCore& core, std::uint64_t index, Side side) {
+  requireVertex(core, index);
+  return core.store.count(index, side);
+}
+
+// The sum of the weights of a list's edges, in list order; an edge without a weight counts 1.0.
+template <class List>
+double sumOfWeights(const List& list, const std::optional<Weights>& weights) {
+  if (!weights) return static_cast<double>(list.size());
+  double sum = 0.0;
+  for (const auto& entry : list) sum += static_cast<double>((*weights)[entry.edge]);
+  return sum;
+}
+
+double strengthOf(const NetworkCore& core, std::uint64_t index, Side side) {
+  requireVertex(core, index);
+  // It is the vertices' flag that decides whether the edges' weights are summed.
+  if (!core.verticesWeights) return static_cast<double>(core.store.count(index, Side::kOut));
+  return core.store.visit([&](const auto& topology) {
+    return sumOfWeights(core.store.lists(topology, side).list(index), core.edgesWeights);
+  });
+}
+
+VEQEdgeArray edgesOf(const NetworkCore& core, std::uint64_t index, Side side) {
+  requireVertex(core, index);
+  return VEQEdgeArray(core.edges, core.store.edges(index, side));
+}
+
+VEQVertexArray verticesOf(const NetworkCore& core, std::uint64_t index, Side side) {
+  requireVertex(core, index);
+  return VEQVertexArray(core.vertices, core.store.neighbours(index, side));
+}
+
+using Column = std::vector<std::uint64_t> (AdjacencyStore::*)(std::uint64_t, Side) const;
+
+Shared<VEQNumberArray> indicesOf(const NetworkCore& core, std::uint64_t index, Side side,
+                                 Column column) {
+  std::vector<std::uint64_t> indices;
+  if (index < core.store.vertexCount()) indices = (core.store.*column)(index, side);
+  return VEQNumberArray::numberArrayWithUnsignedIntegerArray_count(indices.data(), indices.size());
+}
+
+// One double for each vertex, computed from its list.
+template <class F>
+Shared<VEQNumberArray> forEachVertex(const NetworkCore& core, Side side, F f) {
+  internal::RawVector<double> values(core.store.vertexCount());
+  core.store.visit([&](const auto& topology) {
+    const auto& lists = core.store.lists(topology, side);
+    for (std::uint64_t v = 0; v < values.size(); ++v) values[v] = f(lists, v);
+  });
+  return std::make_shared<VEQNumberArray>(std::move(values));
+}
+
+Shared<VEQNumberArray> degrees(const NetworkCore& core, Side side) {
+  return forEachVertex(core, side, [](const auto& lists, std::uint64_t v) {
+    return static_cast<double>(lists.count(v));
+  });
+}
+
+// Lists are in edge order, so one pass over the edges adds to every vertex what its list holds, in
+// list order, and reads the weights in a row instead of fetching them one by one.
+Shared<VEQNumberArray> strengths(const NetworkCore& core, Side side) {
+  if (!core.edgesWeights) return degrees(core, side);
+  const Weights& weights = *core.edgesWeights;
+  Shared<VEQNumberArray> sums =
+      VEQNumberArray::initWithDoubleScalar_count(0.0, core.store.vertexCount());
+  const std::span<double> sumOf = sums->values<double>();
+  core.store.visit([&](const auto& topology) {
+    const bool bothEnds = !core.store.directed();
+    const auto& ends = side == Side::kOut || bothEnds ? topology.from : topology.to;
+    for (std::uint64_t e = 0; e < weights.size(); ++e) {
+      sumOf[ends[e]] += static_cast<double>(weights[e]);
+      if (bothEnds) sumOf[topology.to[e]] += static_cast<double>(weights[e]);
+    }
+  });
+  return sums;
+}
+
+// The answer of an index form for the handle's vertex, if that is one of this network.
+template <class Result>
+Result forHandle(const VEQNetwork& network, const NetworkCore& core, const VEQVertex& vertex,
+                 Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
+  if (&vertex.life() != core.life.get()) return Result();
+  return (network.*indexForm)(vertex.identification());
+}
+
+template <class Result>
+std::optional<Result> arrayForHandle(const VEQNetwork& network, const NetworkCore& core,
+                                     const VEQVertex& vertex,
+                                     Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
+  if (&vertex.life() != core.life.get()) return std::nullopt;
+  return (network.*indexForm)(vertex.identification());
+}
+
+}  // namespace
+
+std::uint64_t VEQNetwork::countEdgesOfVertexAtIndex(std::uint64_t index) const {
+  return countOf(*core_, index, Side::kOut);
+}
+
+std::uint64_t VEQNetwork::countInEdgesOfVertexAtIndex(std::uint64_t index) const {
+  return countOf(*core_, index, Side::kIn);
+}
+
+std::uint64_t VEQNetwork::countToVerticesOfVertexAtIndex(std::uint64_t index) const {
+  return countEdgesOfVertexAtIndex(index);
+}
+
+std::uint64_t VEQNetwork::countFromVerticesOfVertexAtIndex(std::uint64_t index) const {
+  return countInEdgesOfVertexAtIndex(index);
+}
+
+double VEQNetwork::calcDegreeOfVertexAtIndex(std::uint64_t index) const {
+  return static_cast<double>(countOf(*core_, index, Side::kOut));
+}
+
+double VEQNetwork::calcInDegreeOfVertexAtIndex(std::uint64_t index) const {
+  return static_cast<double>(countOf(*core_, index, Side::kOut));
+}
+
+double VEQNetwork::calcStrengthOfVertexAtIndex(std::uint64_t index) const {
+  return strengthOf(*core_, index, Side::kOut);
+}
+
+double VEQNetwork::calcInStrengthOfVertexAtIndex(std::uint64_t index) const {
+  return strengthOf(*core_, index, Side::kIn);
+}
+
+VEQEdgeArray VEQNetwork::edgesLinkedFromVertexAtIndex(std::uint64_t index) const {
+  return edgesOf(*core_, index, Side::kOut);
+}
+
+VEQEdgeArray VEQNetwork::edgesLinkedToVertexAtIndex(std::uint64_t index) const {
+  return edgesOf(*core_, index, Side::kIn);
+}
+
+VEQVertexArray VEQNetwork::verticesLinkedFromVertexAtIndex(std::uint64_t index) const {
+  return verticesOf(*core_, index, Side::kOut);
+}
+
+VEQVertexArray VEQNetwork::verticesLinkedToVertexAtIndex(std::uint64_t index) const {
+  return verticesOf(*core_, index, Side::kIn);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedFromVertexAtIndex(
+    std::uint64_t index) const {
+  return indicesOf(*core_, index, Side::kOut, &AdjacencyStore::edges);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedToVertexAtIndex(std::uint64_t index) const {
+  return indicesOf(*core_, index, Side::kIn, &AdjacencyStore::edges);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedFromVertexAtIndex(
+    std::uint64_t index) const {
+  return indicesOf(*core_, index, Side::kOut, &AdjacencyStore::neighbours);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedToVertexAtIndex(
+    std::uint64_t index) const {
+  return indicesOf(*core_, index, Side::kIn, &AdjacencyStore::neighbours);
+}
+
+std::uint64_t VEQNetwork::countEdgesOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::countEdgesOfVertexAtIndex);
+}
+
+std::uint64_t VEQNetwork::countInEdgesOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::countInEdgesOfVertexAtIndex);
+}
+
+std::uint64_t VEQNetwork::countToVerticesOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::countEdgesOfVertexAtIndex);
+}
+
+std::uint64_t VEQNetwork::countFromVerticesOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::countEdgesOfVertexAtIndex);
+}
+
+double VEQNetwork::calcDegreeOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::calcDegreeOfVertexAtIndex);
+}
+
+double VEQNetwork::calcInDegreeOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::calcInDegreeOfVertexAtIndex);
+}
+
+double VEQNetwork::calcStrengthOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::calcStrengthOfVertexAtIndex);
+}
+
+double VEQNetwork::calcInStrengthOfVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::calcInStrengthOfVertexAtIndex);
+}
+
+std::optional<VEQEdgeArray> VEQNetwork::edgesLinkedToVertex(const VEQVertex& vertex) const {
+  return arrayForHandle(*this, *core_, vertex, &VEQNetwork::edgesLinkedToVertexAtIndex);
+}
+
+std::optional<VEQEdgeArray> VEQNetwork::edgesLinkedFromVertex(const VEQVertex& vertex) const {
+  return arrayForHandle(*this, *core_, vertex, &VEQNetwork::edgesLinkedFromVertexAtIndex);
+}
+
+std::optional<VEQVertexArray> VEQNetwork::verticesLinkedToVertex(const VEQVertex& vertex) const {
+  return arrayForHandle(*this, *core_, vertex, &VEQNetwork::verticesLinkedToVertexAtIndex);
+}
+
+std::optional<VEQVertexArray> VEQNetwork::verticesLinkedFromVertex(const VEQVertex& vertex) const {
+  return arrayForHandle(*this, *core_, vertex, &VEQNetwork::verticesLinkedFromVertexAtIndex);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedTo(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::indicesOfVerticesLinkedToVertexAtIndex);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedFrom(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::indicesOfVerticesLinkedFromVertexAtIndex);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedToVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::indicesOfEdgesLinkedToVertexAtIndex);
+}
+
+Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedFromVertex(const VEQVertex& vertex) const {
+  return forHandle(*this, *core_, vertex, &VEQNetwork::indicesOfEdgesLinkedFromVertexAtIndex);
+}
+
+Shared<VEQNumberArray> VEQNetwork::calcDegrees() const { return degrees(*core_, Side::kOut); }
+
+Shared<VEQNumberArray> VEQNetwork::calcInDegrees() const { return degrees(*core_, Side::kIn); }
+
+Shared<VEQNumberArray> VEQNetwork::calcStrengths() const { return strengths(*core_, Side::kOut); }
+
+Shared<VEQNumberArray> VEQNetwork::calcInStrengths() const {
+  // Undirected, it is the vertices' flag that decides.
+  if (!isDirected() && !isVertexWeighted()) return degrees(*core_, Side::kOut);
+  return strengths(*core_, Side::kIn);
+}
+
+float* VEQNetwork::buildAdjacencyMatrixInPointer(float* buffer) const {
+  const std::uint64_t n = countVertices();
+  const std::uint64_t m = countEdges();
+  if (n != 0 && n > SIZE_MAX / sizeof(float) / n) throw std::bad_alloc();
+  if (buffer) {
+    std::memset(buffer, 0, n * n * sizeof(float));
+  } else {
+    // One cell where there is none, so that null never stands for an empty matrix.
+    buffer = static_cast<float*>(std::calloc(n == 0 ? 1 : n * n, sizeof(float)));
+    if (!buffer) throw std::bad_alloc();
+  }
+  core_->store.visit([&](const auto& topology) {
+    for (std::uint64_t e = 0; e < m; ++e) {
+      const std::uint64_t from = topology.from[e];
+      const std::uint64_t to = topology.to[e];
+      const float weight = core_->edgesWeights ? (*core_->edgesWeights)[e] : 1.0f;
+      buffer[n * from + to] += weight;
+      if (!isDirected()) buffer[n * to + from] += weight;
+    }
+  });
+  return buffer;
+}
+
+}  // namespace veq

@@ -1,0 +1,26 @@
+/// \file
+/// Everything that VEQ publishes.
+#pragma once
+
+#include "veq/agents/agent_information.hpp"
+#include "veq/agents/agents_group.hpp"
+#include "veq/agents/dynamic_agents_group.hpp"
+#include "veq/agents/vertex_paths.hpp"
+#include "veq/base/diagnostic_log.hpp"
+#include "veq/base/ownership.hpp"
+#include "veq/formats/archive_file.hpp"
+#include "veq/formats/coder.hpp"
+#include "veq/formats/keyed_archiver.hpp"
+#include "veq/handles/edge.hpp"
+#include "veq/handles/handle_array.hpp"
+#include "veq/handles/vertex.hpp"
+#include "veq/models/random_generator.hpp"
+#include "veq/network/network.hpp"
+#include "veq/numeric/generic_array.hpp"
+#include "veq/numeric/keyed_table.hpp"
+#include "veq/numeric/number.hpp"
+#include "veq/numeric/number_array.hpp"
+#include "veq/numeric/property_column.hpp"
+#include "veq/numeric/property_value.hpp"
+#include "veq/numeric/vector_arrays.hpp"
+#include "veq/numeric/vectors.hpp"
