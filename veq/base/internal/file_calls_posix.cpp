@@ -135,6 +135,18 @@ bool createInPlace(const std::filesystem::path& target, std::string_view bytes) 
   return false;
 }
 
+/// Whether `target` is the file that opening `path` leads to: a link such as /dev/stdout may lead to
+/// a file that no path names. Somebody else may replace the file between the two looks, so that a
+/// difference counts only if it stays.
+bool isWhereLinksLead(const std::string& path, const std::filesystem::path& target) {
+  for (int look = 0; look < 100; ++look) {
+    struct stat opened {}, named {};
+    if (::stat(path.c_str(), &opened) != 0 || ::stat(target.c_str(), &named) != 0) return false;
+    if (isSameFile(opened, named)) return true;
+  }
+  return false;
+}
+
 bool overwriteInPlace(const std::string& path, std::string_view bytes) {
   Descriptor file(openAt(AT_FDCWD, path.c_str(), O_WRONLY | O_TRUNC));
   return file.isOpen() && writeAll(file.number(), bytes) && file.close();
@@ -180,10 +192,9 @@ bool writeFile(const std::string& path, std::string_view bytes, bool atomically)
   if (!exists) {
     return atomically ? replaceFile(*target, bytes, nullptr) : createInPlace(*target, bytes);
   }
-  // A link such as /dev/stdout may lead to a file that no path names.
-  struct stat found {};
-  const bool isFound = ::stat(target->c_str(), &found) == 0 && isSameFile(found, old);
-  return isFound ? replaceFile(*target, bytes, &old) : overwriteInPlace(path, bytes);
+  const bool isLink = *target != std::filesystem::path(path);
+  if (isLink && !isWhereLinksLead(path, *target)) return overwriteInPlace(path, bytes);
+  return replaceFile(*target, bytes, &old);
 }
 
 }  // namespace veq::internal
