@@ -1,6 +1,10 @@
 #include "tests/support/failing_allocation.hpp"
 
+#include <malloc.h>
+
+#include <atomic>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -21,11 +25,22 @@ struct State {
   bool all = false;
   bool happened = false;
   std::uint64_t countdown = 0;
-  std::int64_t live = 0;
+  LiveMemory live;
   std::uint64_t bytes = 0;
 };
 
 thread_local State state;
+std::atomic<std::uint64_t> failedInAll{0};
+
+/// Tells at the program's end how much these tests have tried.
+class Report final : public testing::Environment {
+  void TearDown() override {
+    std::printf("%llu allocations were made to fail.\n",
+                static_cast<unsigned long long>(failedInAll.load()));
+  }
+};
+[[maybe_unused]] const testing::Environment* const report =
+    testing::AddGlobalTestEnvironment(new Report);
 
 bool mustFail() {
   if (!state.armed) return false;
@@ -34,18 +49,24 @@ bool mustFail() {
     return false;
   }
   state.happened = true;
+  failedInAll.fetch_add(1, std::memory_order_relaxed);
   if (!state.all) state.armed = false;
   return true;
 }
 
 void* counted(void* block, std::size_t size) {
   state.bytes += size;
-  if (block) ++state.live;
+  if (block) {
+    ++state.live.blocks;
+    state.live.bytes += static_cast<std::int64_t>(malloc_usable_size(block));
+  }
   return block;
 }
 
 void uncounted(void* block) {
-  if (block) --state.live;
+  if (!block) return;
+  --state.live.blocks;
+  state.live.bytes -= static_cast<std::int64_t>(malloc_usable_size(block));
 }
 
 }  // namespace
@@ -61,7 +82,7 @@ FailingAllocation::~FailingAllocation() { state.armed = false; }
 
 bool FailingAllocation::happened() { return state.happened; }
 
-std::int64_t FailingAllocation::liveBlocks() { return state.live; }
+LiveMemory FailingAllocation::liveMemory() { return state.live; }
 
 std::uint64_t FailingAllocation::allocatedBytes() { return state.bytes; }
 
@@ -88,8 +109,11 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
 
 void* __wrap_realloc(void* block, std::size_t size) {
   if (mustFail()) return nullptr;
+  // Counted off first, for its size cannot be asked for once it has moved.
+  const veq::test::LiveMemory before = veq::test::FailingAllocation::liveMemory();
+  uncounted(block);
   void* moved = __real_realloc(block, size);
-  if (moved) uncounted(block);
+  if (!moved) veq::test::state.live = before;
   return counted(moved, size);
 }
 

@@ -8,6 +8,12 @@
 
 namespace veq::test {
 
+/// What this thread has allocated, less what it has freed.
+struct LiveMemory {
+  std::int64_t blocks = 0;
+  std::int64_t bytes = 0;
+};
+
 /// Makes allocations of this thread fail: those of operator new, malloc, calloc and realloc in the
 /// test program and the library. Linked only into the program of these tests, see
 /// tests/CMakeLists.txt.
@@ -24,8 +30,7 @@ class FailingAllocation {
   /// Whether an allocation was made to fail.
   static bool happened();
 
-  /// Blocks that this thread has allocated, less those that it has freed.
-  static std::int64_t liveBlocks();
+  static LiveMemory liveMemory();
 
   /// Bytes that this thread has asked for so far, whether or not it has freed them.
   static std::uint64_t allocatedBytes();
@@ -43,7 +48,7 @@ std::uint64_t forEachFailingAllocation(Make make, Operate operate, Check check) 
     bool happened = true;
     for (std::uint64_t n = 0; happened && n < 100000; ++n) {
       SCOPED_TRACE("allocation " + std::to_string(n));
-      const std::int64_t before = FailingAllocation::liveBlocks();
+      const LiveMemory before = FailingAllocation::liveMemory();
       {
         auto fixture = make();
         bool failed = false;
@@ -59,7 +64,9 @@ std::uint64_t forEachFailingAllocation(Make make, Operate operate, Check check) 
         EXPECT_TRUE(happened || !failed) << "It failed although all allocations succeeded.";
         check(fixture, failed);
       }
-      EXPECT_EQ(FailingAllocation::liveBlocks(), before) << "Memory leaks.";
+      const LiveMemory after = FailingAllocation::liveMemory();
+      EXPECT_EQ(after.blocks, before.blocks) << "Memory leaks.";
+      EXPECT_EQ(after.bytes, before.bytes) << "Memory leaks.";
       if (testing::Test::HasFailure()) return failures;
       if (happened && mode == FailingAllocation::Mode::kOne) ++failures;
     }
