@@ -8,18 +8,19 @@
 namespace veq {
 namespace {
 
+// Takes no memory, so that a line is no reason for an operation to fail.
 void writeToStandardError(std::string_view line) {
-  std::string text(line);
-  text += '\n';
-  std::fwrite(text.data(), 1, text.size(), stderr);
+  static constinit std::mutex lock;
+  const std::lock_guard guard(lock);
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fputc('\n', stderr);
 }
 
 // The sink is shared with the calls that are using it, so that it can be replaced meanwhile and a
-// sink may itself write to the log.
+// sink may itself write to the log. None has been set while the pointer is null.
 struct Log {
   std::mutex lock;
-  std::shared_ptr<const DiagnosticSink> sink =
-      std::make_shared<const DiagnosticSink>(writeToStandardError);
+  std::shared_ptr<const DiagnosticSink> sink;
 };
 
 Log& sharedLog() {
@@ -39,13 +40,20 @@ DiagnosticSink setDiagnosticSink(DiagnosticSink sink) {
   auto next = std::make_shared<const DiagnosticSink>(std::move(sink));
   Log& log = sharedLog();
   const std::lock_guard guard(log.lock);
-  return *std::exchange(log.sink, std::move(next));
+  DiagnosticSink previous = log.sink ? *log.sink : DiagnosticSink(writeToStandardError);
+  log.sink = std::move(next);
+  return previous;
 }
 
-bool diagnosticLogListens() { return static_cast<bool>(*currentSink()); }
+bool diagnosticLogListens() {
+  const auto sink = currentSink();
+  return !sink || *sink;
+}
 
 void logDiagnostic(std::string_view line) {
-  if (const auto sink = currentSink(); *sink) (*sink)(line);
+  const auto sink = currentSink();
+  if (!sink) return writeToStandardError(line);
+  if (*sink) (*sink)(line);
 }
 
 }  // namespace veq
