@@ -140,6 +140,22 @@ TEST(FailingAllocations, OfSettingANewKeyLeaveTheNetworkAsItWas) {
   }
 }
 
+TEST(FailingAllocations, OfSettingSeveralValuesLeaveTheNetworkAsItWas) {
+  PropertyMap values;
+  values.set("Name", std::string(50, 'n'));
+  values.set(std::string(40, 'k'), 1.0);
+  values.set("Length", 2.5);
+  values.set("Kind", std::string(50, 'v'));
+  values.set("Position", VEQVector3d(1, 2, 3));
+  expectStrongGuarantee(
+      [&](Fixture& f) { f.network->vertexAtIndex(1)->setProperties(values); },
+      [](Fixture& f) { EXPECT_EQ(f.network->vertexAtIndex(1)->properties().size(), 5U); });
+  values.set("Place", VEQVector3d(1, 2, 3));
+  expectStrongGuarantee(
+      [&](Fixture& f) { f.network->edgeAtIndex(1)->setProperties(values); },
+      [](Fixture& f) { EXPECT_EQ(f.network->edgeAtIndex(1)->properties().size(), 6U); });
+}
+
 TEST(FailingAllocations, OfSettingAFixedColumnLeaveTheNetworkAsItWas) {
   const Shared<PropertyColumn> fixed =
       VEQNumberArray::initWithDoubleScalar_count(1.5, 3)->fixedCopy();

@@ -69,6 +69,21 @@ TEST(Edge, PropertyForKeyGivesTheWholeMap) {
   EXPECT_TRUE(network->propertiesOfVertices()->empty());
 }
 
+TEST(Edge, SeveralPropertiesAreSetTogetherOrNotAtAll) {
+  const auto network = drawUndirected("0-1 1-2");
+  const auto edge = network->edgeAtIndex(1);
+  network->setPropertiesOfEdges_forKey(VEQNumberArray::initWithDoubleScalar_count(1.5, 2),
+                                       "Length");
+  edge->setName("old");
+  PropertyMap values;
+  values.set("Name", "new");
+  values.set("Town", "T");
+  values.set("Length", VEQVector2d(1, 2));
+  EXPECT_THROW(edge->setProperties(values), std::invalid_argument);
+  EXPECT_THAT(network->keysForPropertiesOfEdges(), ElementsAre("Length", "Name"));
+  EXPECT_EQ(edge->name(), PropertyValue("old"));
+}
+
 TEST(Edge, ForwardsTheNetworksFlagsAndBlocksNothing) {
   const auto network = drawDirected("0-1");
   const auto edge = network->edgeAtIndex(0);

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -70,6 +71,35 @@ TEST(Vertex, PropertyForKeyGivesTheWholeMap) {
   EXPECT_THAT(vertex->propertyForKey("Town").keys(), ElementsAre("Age", "Town"));
   EXPECT_THAT(vertex->propertyForKey("unknown").keys(), ElementsAre("Age", "Town"));
   EXPECT_THAT(vertex->keysForProperties(), ElementsAre("Age", "Town"));
+}
+
+TEST(Vertex, SeveralPropertiesAreSetTogetherOrNotAtAll) {
+  const auto network = drawUndirected("0-1");
+  const auto vertex = network->vertexAtIndex(1);
+  // The same column twice: it gets its oldest value back.
+  const auto ages = std::make_shared<VEQNumberArray>(VEQNumberArray::ofDoubles({1, 2}));
+  network->setPropertiesOfVertices_forKey(ages, "Age");
+  network->setPropertiesOfVertices_forKey(ages, "Years");
+  vertex->setName("old");
+  PropertyMap values;
+  values.set("Name", "new");
+  values.set("Town", "T");
+  values.set("Years", 6);
+  values.set("Land", "L");
+  values.set("Age", "no number");
+  EXPECT_THROW(vertex->setProperties(values), std::invalid_argument);
+  EXPECT_THAT(network->keysForPropertiesOfVertices(), ElementsAre("Age", "Years", "Name"));
+  EXPECT_EQ(vertex->name(), PropertyValue("old"));
+  EXPECT_THAT(ages->values<double>(), ElementsAre(1, 2));
+
+  values.set("Age", 5);
+  EXPECT_THROW(VEQVertex::initAtNetwork_identification(*network, 2)->setProperties(values),
+               std::out_of_range);
+  EXPECT_THAT(network->keysForPropertiesOfVertices(), ElementsAre("Age", "Years", "Name"));
+  vertex->setProperties(values);
+  EXPECT_THAT(network->keysForPropertiesOfVertices(),
+              ElementsAre("Age", "Years", "Name", "Town", "Land"));
+  EXPECT_THAT(ages->values<double>(), ElementsAre(1, 5));
 }
 
 TEST(Vertex, BlockEditingDoesNothing) {

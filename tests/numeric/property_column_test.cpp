@@ -264,7 +264,7 @@ class EndlessColumn final : public PropertyColumn {
  private:
   std::uint64_t doCount() const override { return UINT64_MAX - 1; }
   PropertyValue doGet(std::uint64_t) const override { return {}; }
-  void doSet(std::uint64_t, const PropertyValue&) override {}
+  void doSet(std::uint64_t, PropertyValue&&) override {}
   void doReserve(std::uint64_t) override {}
   void doAppendUnset(std::uint64_t) override {}
   void doTruncate(std::uint64_t) override {}

@@ -103,7 +103,7 @@ class VEQ_EXPORT VEQNetworkAgentsGroup {
   /// the table frozen; what the column throws passes through. Nothing is changed then.
   void setPropertyValue_forKey_forAgent(const PropertyValue& value, std::string_view key,
                                         std::uint64_t agent);
-  /// The same for each key in turn.
+  /// The same for each key in turn; where one throws, those before it stay set.
   void setProperties_forAgent(const PropertyMap& values, std::uint64_t agent);
   /// What stands under the key, if anything does.
   [[nodiscard]] std::optional<AgentsProperty> propertyValuesForKey(std::string_view key) const;

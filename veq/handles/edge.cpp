@@ -67,10 +67,7 @@ void VEQEdge::setProperty_forKey(const PropertyValue& value, std::string_view ke
 }
 
 void VEQEdge::setProperties(const PropertyMap& properties) const {
-  VEQNetwork& owner = networkOfEdge();
-  for (const auto& [key, value] : properties) {
-    owner.setPropertyValue_forKey_atEdgeIndex(value, key, identification());
-  }
+  internal::setEdgeValues(internal::CoreAccess::of(networkOfEdge()), properties, identification());
 }
 
 std::vector<std::string> VEQEdge::keysForProperties() const {

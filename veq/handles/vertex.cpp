@@ -54,10 +54,7 @@ void VEQVertex::setProperty_forKey(const PropertyValue& value, std::string_view 
 }
 
 void VEQVertex::setProperties(const PropertyMap& properties) const {
-  VEQNetwork& owner = network();
-  for (const auto& [key, value] : properties) {
-    owner.setPropertyValue_forKey_atVertexIndex(value, key, identification());
-  }
+  internal::setVertexValues(internal::CoreAccess::of(network()), properties, identification());
 }
 
 std::vector<std::string> VEQVertex::keysForProperties() const {

@@ -44,6 +44,7 @@ class VEQ_EXPORT VEQVertex final : public Handle<VEQVertex> {
   /// The whole map of properties(): the key is not used. Look the key up in the result.
   [[nodiscard]] PropertyMap propertyForKey(std::string_view key) const;
   void setProperty_forKey(const PropertyValue& value, std::string_view key) const;
+  /// Sets all of them, or none where one cannot be set.
   void setProperties(const PropertyMap& properties) const;
   [[nodiscard]] std::vector<std::string> keysForProperties() const;
 

@@ -1,11 +1,15 @@
 // Named properties of vertices and edges.
 
-#include <stdexcept>
+#include <iterator>
+#include <utility>
+#include <vector>
 
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {
+
+using internal::NetworkCore;
 
 Shared<PropertyColumn> internal::newVertexColumn(const PropertyValue& first, std::uint64_t count) {
   if (const VEQVector2d* vector = first.vector2d()) {
@@ -32,6 +36,39 @@ void setValue(PropertyTable& table, const PropertyValue& value, std::string_view
   Shared<PropertyColumn> column = newColumn();
   column->replaceObjectAtIndex_withObject(index, value);
   table.set(key, std::move(column));
+}
+
+// What a value replaced.
+struct Replaced {
+  PropertyColumn* column;
+  PropertyValue value;
+};
+
+void undo(std::vector<Replaced>& done, std::uint64_t index, PropertyTable& table,
+          std::size_t keys) noexcept {
+  for (; !done.empty(); done.pop_back()) {
+    done.back().column->replaceObjectAtIndex_withObject(index, std::move(done.back().value));
+  }
+  // New keys stand behind the old ones.
+  while (table.size() > keys) table.remove(std::prev(table.end())->first);
+}
+
+template <class SetValue>
+void setValues(PropertyTable& table, const PropertyMap& values, std::uint64_t index, SetValue set) {
+  const std::size_t keys = table.size();
+  std::vector<Replaced> done;
+  done.reserve(values.size());
+  try {
+    for (const auto& [key, value] : values) {
+      if (const auto* column = table.find(key)) {
+        done.push_back({column->get(), (*column)->objectAtIndex(index)});
+      }
+      set(value, key);
+    }
+  } catch (...) {
+    undo(done, index, table, keys);
+    throw;
+  }
 }
 
 PropertyMap valuesAt(const PropertyTable& table, std::uint64_t index, std::uint64_t count) {
@@ -61,18 +98,43 @@ Shared<PropertyColumn> namesAt(const PropertyTable& table, const VEQNumberArray&
   return names ? names : indices.stringArray();
 }
 
+void setVertexValue(NetworkCore& core, const PropertyValue& value, std::string_view key,
+                    std::uint64_t index) {
+  setValue(*core.verticesProperties, value, key, index,
+           [&] { return internal::newVertexColumn(value, core.store.vertexCount()); });
+}
+
+void setEdgeValue(NetworkCore& core, const PropertyValue& value, std::string_view key,
+                  std::uint64_t index) {
+  setValue(*core.edgesProperties, value, key, index, [&]() -> Shared<PropertyColumn> {
+    return GenericArray::nullFilled(core.store.edgeCount());
+  });
+}
+
 }  // namespace
+
+void internal::setVertexValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index) {
+  setValues(*core.verticesProperties, values, index,
+            [&](const PropertyValue& value, std::string_view key) {
+              setVertexValue(core, value, key, index);
+            });
+}
+
+void internal::setEdgeValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index) {
+  setValues(*core.edgesProperties, values, index,
+            [&](const PropertyValue& value, std::string_view key) {
+              setEdgeValue(core, value, key, index);
+            });
+}
 
 void VEQNetwork::setPropertyValue_forKey_atVertexIndex(const PropertyValue& value,
                                                        std::string_view key, std::uint64_t index) {
-  setValue(*core_->verticesProperties, value, key, index,
-           [&] { return internal::newVertexColumn(value, countVertices()); });
+  setVertexValue(*core_, value, key, index);
 }
 
 void VEQNetwork::setPropertyValue_forKey_atEdgeIndex(const PropertyValue& value,
                                                      std::string_view key, std::uint64_t index) {
-  setValue(*core_->edgesProperties, value, key, index,
-           [&]() -> Shared<PropertyColumn> { return GenericArray::nullFilled(countEdges()); });
+  setEdgeValue(*core_, value, key, index);
 }
 
 void VEQNetwork::setPropertiesOfVertices_forKey(Shared<PropertyColumn> column,

@@ -21,10 +21,8 @@ Owned<GenericArray> GenericArray::fixedCopy() const {
   return internal::ownedAs<GenericArray>(PropertyColumn::fixedCopy());
 }
 
-void GenericArray::doSet(std::uint64_t index, const PropertyValue& value) {
-  // Copied first: assigning a string in place can fail half way.
-  PropertyValue copy = value;
-  values_[index] = std::move(copy);
+void GenericArray::doSet(std::uint64_t index, PropertyValue&& value) {
+  values_[index] = std::move(value);
 }
 
 void GenericArray::doReserve(std::uint64_t howManyMore) {

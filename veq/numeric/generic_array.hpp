@@ -30,7 +30,7 @@ class VEQ_EXPORT GenericArray final : public PropertyColumn {
  private:
   std::uint64_t doCount() const override { return values_.size(); }
   PropertyValue doGet(std::uint64_t index) const override { return values_[index]; }
-  void doSet(std::uint64_t index, const PropertyValue& value) override;
+  void doSet(std::uint64_t index, PropertyValue&& value) override;
   void doReserve(std::uint64_t howManyMore) override;
   void doAppendUnset(std::uint64_t howMany) override;
   void doTruncate(std::uint64_t count) override;

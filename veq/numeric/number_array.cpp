@@ -194,7 +194,7 @@ PropertyValue VEQNumberArray::doGet(std::uint64_t index) const {
   return visit([index](auto elements) { return PropertyValue(elements[index]); });
 }
 
-void VEQNumberArray::doSet(std::uint64_t index, const PropertyValue& value) {
+void VEQNumberArray::doSet(std::uint64_t index, PropertyValue&& value) {
   const Number* const number = value.number();
   if (!number && !value.isNull()) {
     throw std::invalid_argument("A number array holds numbers only.");

@@ -184,7 +184,7 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
 
   std::uint64_t doCount() const override;
   PropertyValue doGet(std::uint64_t index) const override;
-  void doSet(std::uint64_t index, const PropertyValue& value) override;
+  void doSet(std::uint64_t index, PropertyValue&& value) override;
   void doReserve(std::uint64_t howManyMore) override;
   void doAppendUnset(std::uint64_t howMany) override;
   void doTruncate(std::uint64_t count) override;

@@ -1,6 +1,7 @@
 #include "veq/numeric/property_column.hpp"
 
 #include <stdexcept>
+#include <utility>
 
 namespace veq {
 
@@ -9,21 +10,20 @@ PropertyValue PropertyColumn::objectAtIndex(std::uint64_t index) const {
   return doGet(index);
 }
 
-void PropertyColumn::replaceObjectAtIndex_withObject(std::uint64_t index,
-                                                     const PropertyValue& value) {
+void PropertyColumn::replaceObjectAtIndex_withObject(std::uint64_t index, PropertyValue value) {
   requireEditable();
   requireIndex(index);
-  doSet(index, value);
+  doSet(index, std::move(value));
 }
 
 void PropertyColumn::addObject(const PropertyValue& value) {
   requireEditable();
   // The value may lie in this very column, whose elements move when it grows.
-  const PropertyValue kept = value;
+  PropertyValue kept = value;
   const std::uint64_t end = doCount();
   doAppendUnset(1);
   try {
-    doSet(end, kept);
+    doSet(end, std::move(kept));
   } catch (...) {
     doTruncate(end);
     throw;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "veq/base/export.hpp"
 #include "veq/base/ownership.hpp"
@@ -30,10 +31,10 @@ class VEQ_EXPORT PropertyColumn {
 
   /// Replaces one element. A null marker becomes 0 or the zero vector in a typed column. Throws
   /// std::out_of_range past the end and std::invalid_argument for a value that the column's kind
-  /// cannot hold; the column is then as it was.
-  void replaceObjectAtIndex_withObject(std::uint64_t index, const PropertyValue& value);
-  void replaceObject_atIndex(const PropertyValue& value, std::uint64_t index) {
-    replaceObjectAtIndex_withObject(index, value);
+  /// cannot hold; the column is then as it was. Takes no memory for a value that is moved in.
+  void replaceObjectAtIndex_withObject(std::uint64_t index, PropertyValue value);
+  void replaceObject_atIndex(PropertyValue value, std::uint64_t index) {
+    replaceObjectAtIndex_withObject(index, std::move(value));
   }
 
   /// Appends one element, or all elements of another column, which may be this one; bad values as
@@ -68,8 +69,9 @@ class VEQ_EXPORT PropertyColumn {
  private:
   [[nodiscard]] virtual std::uint64_t doCount() const = 0;
   [[nodiscard]] virtual PropertyValue doGet(std::uint64_t index) const = 0;
-  /// Throws std::invalid_argument where the kind cannot hold the value, before it changes anything.
-  virtual void doSet(std::uint64_t index, const PropertyValue& value) = 0;
+  /// Throws std::invalid_argument where the kind cannot hold the value, before it changes anything;
+  /// nothing else can fail.
+  virtual void doSet(std::uint64_t index, PropertyValue&& value) = 0;
   virtual void doReserve(std::uint64_t howManyMore) = 0;
   virtual void doAppendUnset(std::uint64_t howMany) = 0;
   virtual void doTruncate(std::uint64_t count) = 0;

@@ -87,7 +87,7 @@ Owned<VEQVector2dArray> VEQVector2dArray::fixedCopy() const {
 
 PropertyValue VEQVector2dArray::doGet(std::uint64_t index) const { return vectorAtIndex(index); }
 
-void VEQVector2dArray::doSet(std::uint64_t index, const PropertyValue& value) {
+void VEQVector2dArray::doSet(std::uint64_t index, PropertyValue&& value) {
   const VEQVector2d* const vector = value.vector2d();
   if (!vector && !value.isNull()) {
     throw std::invalid_argument("A 2D vector array holds 2D vectors only.");
@@ -198,7 +198,7 @@ Owned<VEQVector3dArray> VEQVector3dArray::fixedCopy() const {
 
 PropertyValue VEQVector3dArray::doGet(std::uint64_t index) const { return vectorAtIndex(index); }
 
-void VEQVector3dArray::doSet(std::uint64_t index, const PropertyValue& value) {
+void VEQVector3dArray::doSet(std::uint64_t index, PropertyValue&& value) {
   const VEQVector3d* const vector = value.vector3d();
   if (!vector && !value.isNull()) {
     throw std::invalid_argument("A 3D vector array holds 3D vectors only.");

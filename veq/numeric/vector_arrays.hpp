@@ -40,7 +40,7 @@ class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
  private:
   std::uint64_t doCount() const override { return x_.size(); }
   PropertyValue doGet(std::uint64_t index) const override;
-  void doSet(std::uint64_t index, const PropertyValue& value) override;
+  void doSet(std::uint64_t index, PropertyValue&& value) override;
   void doReserve(std::uint64_t howManyMore) override;
   void doAppendUnset(std::uint64_t howMany) override;
   void doTruncate(std::uint64_t count) override;
@@ -100,7 +100,7 @@ class VEQ_EXPORT VEQVector3dArray final : public PropertyColumn {
  private:
   std::uint64_t doCount() const override { return x_.size(); }
   PropertyValue doGet(std::uint64_t index) const override;
-  void doSet(std::uint64_t index, const PropertyValue& value) override;
+  void doSet(std::uint64_t index, PropertyValue&& value) override;
   void doReserve(std::uint64_t howManyMore) override;
   void doAppendUnset(std::uint64_t howMany) override;
   void doTruncate(std::uint64_t count) override;

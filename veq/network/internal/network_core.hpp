@@ -65,6 +65,10 @@ void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyCo
 [[nodiscard]] Shared<PropertyColumn> newVertexColumn(const PropertyValue& first,
                                                      std::uint64_t count);
 
+/// Sets all values of one vertex or edge, as the setters of single values do, or none of them.
+void setVertexValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index);
+void setEdgeValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index);
+
 /// The element, or the null marker where the column ends before it.
 [[nodiscard]] PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index);
 
