@@ -1,6 +1,8 @@
 #include "veq/base/diagnostic_log.hpp"
 
+#include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <memory>
 #include <mutex>
 #include <utility>
@@ -8,12 +10,11 @@
 namespace veq {
 namespace {
 
-// Takes no memory, so that a line is no reason for an operation to fail.
+// Takes no memory, so that a line is no reason for an operation to fail, and reaches the stream in
+// one piece.
 void writeToStandardError(std::string_view line) {
-  static constinit std::mutex lock;
-  const std::lock_guard guard(lock);
-  std::fwrite(line.data(), 1, line.size(), stderr);
-  std::fputc('\n', stderr);
+  const auto length = std::min<std::size_t>(line.size(), std::numeric_limits<int>::max());
+  std::fprintf(stderr, "%.*s\n", static_cast<int>(length), line.data());
 }
 
 // The sink is shared with the calls that are using it, so that it can be replaced meanwhile and a
