@@ -192,7 +192,7 @@ TEST(GroupAllocations, AreNotMadeToForget) {
 // A walk with paths has all its memory before its first step: it is made or nothing is changed.
 TEST(GroupAllocations, OfShortWalksWithPathsChangeNothing) {
   for (const bool memory : {false, true}) {
-    for (const std::uint64_t steps : {1, 3}) {
+    for (const std::uint64_t steps : {1U, 3U}) {
       seed(1);
       std::vector<Indices> paths;
       const std::uint64_t failures = forEachFailingAllocation(

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -44,7 +45,13 @@ std::uint64_t expectOldOrNew(Make make, const std::vector<std::string>& before, 
 
 TEST(NumericAllocations, OfACopiedValueSpoilNothing) {
   const PropertyValue value = kLong;
-  EXPECT_EQ(forEachFailingAllocation([&] { const PropertyValue copy = value; }, [](bool) {}), 1U);
+  std::optional<PropertyValue> copy;
+  EXPECT_EQ(forEachFailingAllocation([&] { copy.emplace(value); },
+                                     [&](bool failed) {
+                                       EXPECT_EQ(copy.has_value(), !failed);
+                                       copy.reset();
+                                     }),
+            1U);
   EXPECT_EQ(forEachFailingAllocation([] { return PropertyValue(1); },
                                      [&](PropertyValue& target) { target = value; },
                                      [&](PropertyValue& target, bool failed) {
