@@ -1,16 +1,13 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "tests/support/temporary_folder.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 #include "veq/numeric/number_array.hpp"
@@ -64,39 +61,6 @@ inline Texts edgeTexts(const VEQNetwork& network, std::string_view key) {
 }
 inline PropertyColumn::Kind vertexKind(const VEQNetwork& network, std::string_view key) {
   return (*network.propertiesOfVertices()->find(key))->kind();
-}
-
-/// A folder that vanishes with this.
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "veq-test-XXXXXX").string();
-    if (!::mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
-    folder_ = name;
-  }
-  ~TemporaryFolder() { std::filesystem::remove_all(folder_); }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  [[nodiscard]] std::string path(std::string_view name) const { return (folder_ / name).string(); }
-  /// Writes a file and gives its path.
-  [[nodiscard]] std::string write(std::string_view name, std::string_view bytes) const {
-    std::ofstream(path(name), std::ios::binary)
-        .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-    return path(name);
-  }
-  [[nodiscard]] std::size_t countFiles() const {
-    return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_),
-                                                  std::filesystem::directory_iterator()));
-  }
-
- private:
-  std::filesystem::path folder_;
-};
-
-inline std::string bytesOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 /// Calls f with many damaged forms of a text: cut anywhere, with pieces removed, doubled and
