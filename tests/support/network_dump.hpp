@@ -25,7 +25,8 @@ inline std::string dump(const PropertyTable& table) {
   for (const auto& [key, column] : table) {
     result += key + " (" + std::to_string(static_cast<int>(column->kind())) + "):";
     for (std::uint64_t i = 0; i < column->count(); ++i) {
-      result += " " + dump(column->objectAtIndex(i));
+      result += ' ';
+      result += dump(column->objectAtIndex(i));
     }
     result += "\n";
   }
