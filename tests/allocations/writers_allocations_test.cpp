@@ -8,36 +8,12 @@
 #include "tests/formats/format_support.hpp"
 #include "tests/support/failing_allocation.hpp"
 #include "tests/support/network_drawing.hpp"
-#include "veq/formats/archive_file.hpp"
+#include "tests/support/writers.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq::test {
 namespace {
-
-struct Writer {
-  const char* name;
-  bool (*write)(const VEQNetwork&, const std::string& path, bool atomically);
-};
-
-const Writer kWriters[] = {
-    {"xnet", [](const VEQNetwork& n, const std::string& path,
-                bool atomically) { return n.writeToFile_atomically(path, atomically); }},
-    {"xnet_url", [](const VEQNetwork& n, const std::string& path,
-                    bool atomically) { return n.writeToURL_atomically(path, atomically); }},
-    {"pajek", [](const VEQNetwork& n, const std::string& path,
-                 bool atomically) { return n.writeToPajekFile_atomically(path, atomically); }},
-    {"pajek_url", [](const VEQNetwork& n, const std::string& path,
-                     bool atomically) { return n.writeToPajekURL_atomically(path, atomically); }},
-    {"edges", [](const VEQNetwork& n, const std::string& path,
-                 bool atomically) { return n.writeToEdgesFile_atomically(path, atomically); }},
-    {"edges_url", [](const VEQNetwork& n, const std::string& path,
-                     bool atomically) { return n.writeToEdgesURL_atomically(path, atomically); }},
-    {"archive", [](const VEQNetwork& n, const std::string& path,
-                   bool atomically) { return writeArchiveToFile(n, path, atomically); }},
-};
-
-void PrintTo(const Writer& writer, std::ostream* out) { *out << writer.name; }
 
 class EveryWriter : public testing::TestWithParam<Writer> {};
 
@@ -76,9 +52,7 @@ TEST_P(EveryWriter, WritesTheWholeFileOrNone) {
   }
 }
 
-std::string nameOf(const testing::TestParamInfo<Writer>& info) { return info.param.name; }
-
-INSTANTIATE_TEST_SUITE_P(Files, EveryWriter, testing::ValuesIn(kWriters), nameOf);
+INSTANTIATE_TEST_SUITE_P(Files, EveryWriter, testing::ValuesIn(kWriters), nameOfWriter);
 
 // A call that throws encodes nothing, so that it can be made again.
 TEST(ArchiveAllocations, OfOneEntryLeaveTheArchiveAsItWas) {

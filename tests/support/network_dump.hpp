@@ -7,15 +7,17 @@
 namespace veq::test {
 
 inline std::string dump(const PropertyValue& value) {
+  std::string result;
   if (const Number* number = value.number()) {
-    return "n" + std::to_string(static_cast<int>(number->type())) + ":" + number->text();
+    return result.append("n").append(std::to_string(static_cast<int>(number->type()))) + ":" +
+           number->text();
   }
-  if (value.string()) return "s:" + value.text();
+  if (value.string()) return result.append("s:") + value.text();
   if (const VEQVector2d* v = value.vector2d()) {
-    return "2d" + std::to_string(v->precision()) + ":" + value.text();
+    return result.append("2d").append(std::to_string(v->precision())) + ":" + value.text();
   }
   if (const VEQVector3d* v = value.vector3d()) {
-    return "3d" + std::to_string(v->precision()) + ":" + value.text();
+    return result.append("3d").append(std::to_string(v->precision())) + ":" + value.text();
   }
   return value.isNull() ? "null" : "object";
 }
