@@ -27,23 +27,26 @@ bool say(const char* path, const std::string& text) {
   return file.good();
 }
 
-/// In a name space of its own, so that nobody else ever sees what is mounted there. Where the
-/// system knows none, or we are in a chroot, there is no such disk.
-bool mountDisk(const std::string& folder, const char* options) {
+/// A name space of its own, so that nobody else ever sees what is mounted there: as some user's
+/// root, or else as the root that we are, unless the folders are shared with others for good, as in
+/// a chroot.
+bool leaveNameSpace() {
   const std::string user = std::to_string(::geteuid());
   const std::string group = std::to_string(::getegid());
-  if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) != 0) return false;
-  say("/proc/self/setgroups", "deny");
-  if (!say("/proc/self/uid_map", "0 " + user + " 1")) return false;
-  if (!say("/proc/self/gid_map", "0 " + group + " 1")) return false;
-  return ::mount("tmpfs", folder.c_str(), "tmpfs", 0, options) == 0;
+  if (::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) {
+    say("/proc/self/setgroups", "deny");
+    return say("/proc/self/uid_map", "0 " + user + " 1") &&
+           say("/proc/self/gid_map", "0 " + group + " 1");
+  }
+  return ::unshare(CLONE_NEWNS) == 0 &&
+         ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
 }
 
 /// Runs f on a disk with these options, in a child process.
 template <class F>
 void onDisk(const TemporaryFolder& folder, const char* options, F f) {
   const int status = statusOfChild([&] {
-    if (!mountDisk(folder.path(""), options)) {
+    if (!leaveNameSpace() || ::mount("tmpfs", folder.path("").c_str(), "tmpfs", 0, options) != 0) {
       std::printf("No disk: %s.\n", std::strerror(errno));
       return kCannotTry;
     }
@@ -56,11 +59,10 @@ void onDisk(const TemporaryFolder& folder, const char* options, F f) {
   EXPECT_EQ(folder.names(), Names()) << "The disk was not the child's alone.";
 }
 
-/// A network of which every text and archive is longer than the disk, and a short one.
-Owned<VEQNetwork> networkOf(std::uint64_t edges) {
-  std::vector<std::uint64_t> from(edges);
-  std::vector<std::uint64_t> to(edges, 100000);
-  for (std::uint64_t e = 0; e < edges; ++e) from[e] = e % 1000;
+/// A network of which every text and archive is longer than the disk.
+Owned<VEQNetwork> largeNetwork() {
+  const std::vector<std::uint64_t> from(20000, 99999);
+  const std::vector<std::uint64_t> to(20000, 100000);
   return VEQNetwork::initWithLinksIndexedFrom_toIndices_directed(
       VEQNumberArray::ofIndices(from), VEQNumberArray::ofIndices(to), true);
 }
@@ -70,7 +72,7 @@ class FullDisk : public testing::TestWithParam<Writer> {};
 TEST_P(FullDisk, KeepsTheOldFileAndNothingElse) {
   const Writer& writer = GetParam();
   const TemporaryFolder folder;
-  const Owned<VEQNetwork> large = networkOf(20000);
+  const Owned<VEQNetwork> large = largeNetwork();
   const Owned<VEQNetwork> small = VEQNetwork::initWithLinksIndexedFrom_toIndices(
       VEQNumberArray::ofIndices({0, 1}), VEQNumberArray::ofIndices({1, 2}));
   const std::string file = folder.path("file");

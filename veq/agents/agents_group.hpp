@@ -28,9 +28,12 @@ struct GroupState;
 /// first and the last entry of a list are chosen about half as often as each other entry. An agent
 /// on a vertex without out-list stays where it is. Edge weights play no part.
 ///
-/// Threads: one thread walks, and any others may meanwhile ask for the progress and pause, resume
-/// or cancel the work. Everything else is for times when no walk runs, and the network must not be
-/// edited during a walk. Asking a const group from several threads is safe.
+/// Threads: one thread walks. Any others may meanwhile ask for the progress, walkCount() and
+/// reachedWalkPercentage(), pause, resume or cancel the work, ask for the arrays of the history,
+/// whose elements are to be read when no walk runs, and try to flush it, which is refused; only the
+/// moment in which a walk begins must not be met by a flush. Everything else is for times when no
+/// walk runs, and the network must not be edited during a walk. Any number of groups may walk at
+/// once on one network. Asking a const group from several threads is safe.
 class VEQ_EXPORT VEQNetworkAgentsGroup {
  public:
   /// \name Construction
