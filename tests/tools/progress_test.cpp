@@ -19,6 +19,9 @@ class TerminalRun {
     size.ws_col = 60;
     pid_ = forkpty(&terminal_, nullptr, nullptr, &size);
     if (pid_ == 0) {
+      // Programs inherit it when interrupts are ignored, as by what a shell starts in the
+      // background.
+      signal(SIGINT, SIG_DFL);
       execl(VEQ_PROGRAM, "veq", "walk", VEQ_DATA "/karate.xnet", "--agents", "2", "--steps", steps,
             "--top", "0", "--seed", "1", static_cast<char*>(nullptr));
       _exit(127);
