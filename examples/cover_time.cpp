@@ -7,6 +7,7 @@
 // backtracking (Alon, Benjamini, Lubetzky and Sodin, 2007). A long memory makes it a walk that
 // avoids itself where it can, also known as a kinetic growth walk (Herrero, 2005); no walk covers
 // n vertices in fewer than n steps.
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <iomanip>
@@ -20,7 +21,7 @@ namespace {
 constexpr std::uint64_t kVertices = 100;
 constexpr std::uint64_t kWalks = 200;
 constexpr std::uint64_t kMostSteps = 1'000'000;
-const std::vector<std::uint64_t> kMemories = {0, 1, 2, 4, 8, 16, 32, 64, 100};
+constexpr std::array<std::uint64_t, 9> kMemories = {0, 1, 2, 4, 8, 16, 32, 64, 100};
 
 using Network = veq::Shared<const veq::VEQNetwork>;
 

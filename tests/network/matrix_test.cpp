@@ -20,7 +20,7 @@ std::vector<float> matrix(const VEQNetwork& network) {
   const std::uint64_t n = network.countVertices();
   const std::unique_ptr<float, decltype(&std::free)> cells(
       network.buildAdjacencyMatrixInPointer(nullptr), &std::free);
-  return {cells.get(), cells.get() + n * n};
+  return std::vector<float>(cells.get(), cells.get() + n * n);
 }
 
 TEST(AdjacencyMatrix, RowsAreSources) {

@@ -38,8 +38,8 @@ ProgramRun runShell(const std::string& command) {
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contentsOf(output), contentsOf(errors)};
 }
 
-TemporaryDirectory::TemporaryDirectory() {
-  path_ = (std::filesystem::temp_directory_path() / "veq-test-XXXXXX").string();
+TemporaryDirectory::TemporaryDirectory()
+    : path_((std::filesystem::temp_directory_path() / "veq-test-XXXXXX").string()) {
   if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary directory");
 }
 

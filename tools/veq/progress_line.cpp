@@ -1,6 +1,7 @@
 #include "progress_line.hpp"
 
 #include <algorithm>
+#include <cmath>
 
 #include "terminal.hpp"
 #include "text.hpp"
@@ -13,7 +14,7 @@ constexpr std::size_t kBarWidth = 24;
 /// "0:05", "12:34", "3:00:00", and days beyond that.
 std::string durationText(double seconds) {
   if (!(seconds < 100.0 * 86400)) return "over 100 days";
-  const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+  const auto whole = static_cast<std::uint64_t>(std::llround(seconds));
   if (whole >= 86400) return counted(whole / 86400, "day", "days");
   const auto twoDigits = [](std::uint64_t value) {
     return std::string(value < 10 ? "0" : "") + std::to_string(value);

@@ -31,24 +31,25 @@ std::size_t terminalWidth() {
 }
 
 void writeToTerminal(std::string_view text) {
-  std::fwrite(text.data(), 1, text.size(), stderr);
-  std::fflush(stderr);
+  // Whoever closes the terminal can be told nothing.
+  static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+  static_cast<void>(std::fflush(stderr));
 }
 
 InterruptWatch::InterruptWatch() {
   interruptNoted = 0;
   previous_ = std::signal(SIGINT, noteInterrupt);
   // A program that was started with interrupts ignored goes on ignoring them.
-  if (previous_ == SIG_IGN) std::signal(SIGINT, SIG_IGN);
+  if (previous_ == SIG_IGN) static_cast<void>(std::signal(SIGINT, SIG_IGN));
 }
 
-InterruptWatch::~InterruptWatch() { std::signal(SIGINT, previous_); }
+InterruptWatch::~InterruptWatch() { static_cast<void>(std::signal(SIGINT, previous_)); }
 
 bool InterruptWatch::interrupted() const { return interruptNoted != 0; }
 
 void InterruptWatch::endProgram() {
-  std::signal(SIGINT, SIG_DFL);
-  std::raise(SIGINT);
+  static_cast<void>(std::signal(SIGINT, SIG_DFL));
+  static_cast<void>(std::raise(SIGINT));
   std::_Exit(130);
 }
 

@@ -14,7 +14,7 @@ namespace {
 // one piece.
 void writeToStandardError(std::string_view line) {
   const auto length = std::min<std::size_t>(line.size(), std::numeric_limits<int>::max());
-  std::fprintf(stderr, "%.*s\n", static_cast<int>(length), line.data());
+  static_cast<void>(std::fprintf(stderr, "%.*s\n", static_cast<int>(length), line.data()));
 }
 
 // The sink is shared with the calls that are using it, so that it can be replaced meanwhile and a

@@ -11,7 +11,7 @@
 namespace veq::internal {
 namespace {
 
-constexpr std::size_t kFirstChunk = 64 * 1024;
+constexpr std::size_t kFirstChunk = std::size_t{64} << 10;
 
 bool isPossiblePath(std::string_view path) { return !path.empty() && path.find('\0') == path.npos; }
 

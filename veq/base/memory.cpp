@@ -36,10 +36,13 @@ void askForHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   if (bytes < kLarge) return;
   static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
-  const auto begin = (reinterpret_cast<std::uintptr_t>(block) + page - 1) / page * page;
-  const auto end = (reinterpret_cast<std::uintptr_t>(block) + bytes) / page * page;
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  const auto begin = (address + page - 1) / page * page;
+  const auto end = (address + bytes) / page * page;
   // A refusal costs speed only.
-  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+  if (begin < end) {
+    madvise(static_cast<char*>(block) + (begin - address), end - begin, MADV_HUGEPAGE);
+  }
 #endif
 }
 

@@ -24,7 +24,7 @@ class KeyedTable {
 
   KeyedTable() = default;
   KeyedTable(const KeyedTable&) = default;
-  KeyedTable(KeyedTable&&) = default;
+  KeyedTable(KeyedTable&&) noexcept = default;
   /// By way of a copy, so that a failure leaves the entries and their positions in agreement.
   KeyedTable& operator=(KeyedTable other) noexcept {
     entries_.swap(other.entries_);

@@ -89,7 +89,7 @@ void RandomStream::fill(Value* out, std::uint64_t count) {
     count -= some;
   };
   if (count < kWorthVectors) {
-    while (count > 0) {
+    while (count > 0) {  // NOLINT(bugprone-infinite-loop): draw() counts down
       if (position_ == kLag) nextRound();
       draw(static_cast<std::size_t>(std::min<std::uint64_t>(count, kLag - position_)));
     }

@@ -131,7 +131,7 @@ class LaneScan {
     }
   }
 
-  Lanes lanes_;
+  Lanes lanes_{};
   decltype(&drawRoundsPlain) drawRounds_;
   std::array<std::vector<std::uint64_t>, kLanes> hits_;
   std::uint64_t segment_ = 0;  // the draws of one lane, which the polynomial skips
