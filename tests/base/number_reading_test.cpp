@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/comma_locale.hpp"
 #include "veq/base/number_text.hpp"
 #include "veq/base/text_scanner.hpp"
 
@@ -235,12 +236,8 @@ TEST(NumberReading, AgreesWithTheCLibraryHalfWayBetweenNeighbours) {
 }
 
 TEST(NumberReading, ACommaLocaleChangesNothing) {
-  const std::string before = std::setlocale(LC_ALL, nullptr);
-  const char* found = nullptr;
-  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "pt_BR.UTF-8", "de_DE"}) {
-    if (found == nullptr) found = std::setlocale(LC_ALL, name);
-  }
-  if (found == nullptr) GTEST_SKIP() << "no locale with a decimal comma on this machine";
+  const test::CommaLocale comma;
+  if (!comma) GTEST_SKIP() << "no localedef on this machine";
   EXPECT_EQ(std::localeconv()->decimal_point, std::string(","));
   EXPECT_EQ(readWhole("2.5"), 2.5);
   EXPECT_EQ(readWhole("0.1234567890123456789012345"), 0.12345678901234568);
@@ -250,7 +247,6 @@ TEST(NumberReading, ACommaLocaleChangesNothing) {
   appendSixDecimals(out, 1e17);
   appendShortest(out, 0.1);
   EXPECT_EQ(out, "2.500000100000000000000000.0000000.1");
-  std::setlocale(LC_ALL, before.c_str());
 }
 
 }  // namespace
