@@ -1,13 +1,26 @@
-// How many steps a walker takes to have been everywhere, against how much it remembers.
+// How long does a walker take to have been everywhere?
 //
-// The mean cover time of a cycle of n vertices without memory is n (n - 1) / 2 (Lovasz, Random
-// walks on graphs: a survey, 1993), and here one step more, for the start counts only once it has
-// been stepped onto: 4951 for n = 100. A walker that remembers two vertices never turns back and
-// covers a cycle in n steps: a walk with restricted reversals (Domb and Fisher, 1958) or without
-// backtracking (Alon, Benjamini, Lubetzky and Sodin, 2007). A long memory makes it a walk that
-// avoids itself where it can, also known as a kinetic growth walk (Herrero, 2005); no walk covers
-// n vertices in fewer than n steps.
-#include <array>
+// The vertex that it starts on counts once it has been stepped onto.
+//
+// - Cycle of n vertices. With k visited ones in a row and the walker at one end of the row, the
+// next
+//   new vertex lies 1 step to one side and k to the other, and a fair walk leaves an interval after
+//   (distance) x (distance) = k steps on average. For k = 1 to n - 1 these sum to n(n - 1)/2. Only
+//   a walker that never came back to its start still has to: from the start's neighbour it reaches
+//   the last vertex first with probability 1/(n - 1), and from there the start is n - 1 steps away
+//   on average, which adds 1.
+// - Path of n vertices, walked from an end. The far end is (n - 1)^2 steps away on average. A
+// walker
+//   that has not been back at its start then, which again has probability 1/(n - 1), has as much
+//   before it once more: n(n - 1) in all.
+// - Star of hub and 3 leaves, walked from the hub. Every other step ends at a leaf, and the leaves
+//   come with probabilities 1/4, 1/2, 1/4 (the first and the last of a list come half as often).
+//   All have come after 4 + 2 + 4 - (4/3 + 2 + 4/3) + 1 = 19/3 visits of leaves on average (by
+//   inclusion and exclusion of what is still missing), and with the hub between, after 2 x 19/3 - 1
+//   = 35/3 steps.
+//
+// The mean over some thousand walks should lie within two or three of its standard errors.
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <iomanip>
@@ -18,86 +31,63 @@
 
 namespace {
 
-constexpr std::uint64_t kVertices = 100;
-constexpr std::uint64_t kWalks = 200;
+constexpr std::uint64_t kWalks = 2000;
 constexpr std::uint64_t kMostSteps = 1'000'000;
-constexpr std::array<std::uint64_t, 9> kMemories = {0, 1, 2, 4, 8, 16, 32, 64, 100};
 
 using Network = veq::Shared<const veq::VEQNetwork>;
 
-// Every vertex linked to the nearest ones on both sides.
-Network ringLattice(std::uint64_t degree) {
+// Links every vertex to the next one.
+Network chain(std::uint64_t count, bool closed) {
   std::vector<std::uint64_t> from;
   std::vector<std::uint64_t> to;
-  for (std::uint64_t v = 0; v < kVertices; ++v) {
-    for (std::uint64_t distance = 1; distance <= degree / 2; ++distance) {
-      from.push_back(v);
-      to.push_back((v + distance) % kVertices);
-    }
+  for (std::uint64_t v = 0; v + (closed ? 0 : 1) < count; ++v) {
+    from.push_back(v);
+    to.push_back((v + 1) % count);
   }
   return veq::VEQNetwork::networkWithLinksIndexedFrom_toIndices(
       veq::VEQNumberArray::ofIndices(from), veq::VEQNumberArray::ofIndices(to));
 }
 
-veq::Owned<veq::VEQNetworkAgentsGroup> walker(const Network& network, std::uint64_t start,
-                                              std::uint64_t memory) {
-  using veq::VEQNumberArray;
-  const auto place = VEQNumberArray::ofIndices({start});
-  if (memory == 0) {
-    return veq::VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(network, place);
-  }
-  return veq::VEQNetworkDynamicAgentsGroup::
-      initAtNetwork_initialVerticesIndices_agentsNetwork_agentsErrors_agentsMemory(
-          network, place, nullptr, VEQNumberArray::ofDoubles({0.0}),
-          VEQNumberArray::ofIndices({memory}));
+Network star() {
+  return veq::VEQNetwork::networkWithLinksIndexedFrom_toIndices(
+      veq::VEQNumberArray::ofIndices({0, 0, 0}), veq::VEQNumberArray::ofIndices({1, 2, 3}));
 }
 
-double meanCoverTime(const Network& network, std::uint64_t memory) {
-  std::uint64_t steps = 0;
-  for (std::uint64_t walk = 0; walk < kWalks; ++walk) {
-    const auto group = walker(network, walk % network->countVertices(), memory);
-    group->walkForSteps_returnPath_untilReach(kMostSteps, false, 1.0F);
-    if (!group->reachedWalkPercentage()) {
-      std::cerr << "A walk did not cover the network.\n";
-      std::exit(EXIT_FAILURE);
-    }
-    steps += group->walkCount();
+double coverTime(const Network& network) {
+  const auto walker = veq::VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(
+      network, veq::VEQNumberArray::ofIndices({0}));
+  walker->walkForSteps_returnPath_untilReach(kMostSteps, false, 1.0F);
+  if (!walker->reachedWalkPercentage()) {
+    std::cerr << "A walk did not cover the network.\n";
+    std::exit(EXIT_FAILURE);
   }
-  return static_cast<double>(steps) / static_cast<double>(kWalks);
+  return static_cast<double>(walker->walkCount());
 }
 
-void printRow(const std::string& name, const Network& network) {
+void printRow(const std::string& name, const Network& network, double expected) {
   veq::VEQRandomGenerator::sharedRandomGenerator()->setRandomSeed(1);
-  std::cout << std::left << std::setw(26) << name << std::right << std::setw(4)
-            << network->countVertices();
-  for (const std::uint64_t memory : kMemories) {
-    std::cout << std::setw(8) << meanCoverTime(network, memory);
+  double sum = 0.0;
+  double squares = 0.0;
+  for (std::uint64_t walk = 0; walk < kWalks; ++walk) {
+    const double steps = coverTime(network);
+    sum += steps;
+    squares += steps * steps;
   }
-  std::cout << '\n';
+  const double mean = sum / kWalks;
+  const double error = std::sqrt((squares / kWalks - mean * mean) / kWalks);
+  std::cout << std::left << std::setw(18) << name << std::right << std::setw(10) << mean
+            << std::setw(10) << error << std::setw(10) << expected << '\n';
 }
 
 }  // namespace
 
 int main() {
-  veq::setDiagnosticSink(nullptr);
-  std::cout
-      << "Mean steps until a walker has stepped onto every vertex, over " << kWalks
-      << " walks,\nagainst the number of vertices that it remembers and avoids. See on cover\n"
-         "times Lovasz (1993), on finite memory Domb and Fisher (1958), Alon et al. (2007)\n"
-         "and Herrero (2005).\n\n"
-      << std::left << std::setw(26) << "network" << std::right << std::setw(4) << "n";
-  for (const std::uint64_t memory : kMemories) std::cout << std::setw(8) << memory;
-  std::cout << '\n' << std::fixed << std::setprecision(1);
-
-  auto& random = *veq::VEQRandomGenerator::sharedRandomGenerator();
-  printRow("ring lattice, degree 2", ringLattice(2));
-  printRow("ring lattice, degree 6", ringLattice(6));
-  random.setRandomSeed(1);
-  printRow("random, degree 6",
-           veq::VEQNetwork::randomNetworkWithNumberOfVertices_degree(kVertices, 6.0)
-               ->largestConnectedSubNetwork());
-  random.setRandomSeed(1);
-  printRow("preferential attachment, 6",
-           veq::VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(kVertices, 6)
-               ->largestConnectedSubNetwork());
+  std::cout << "Steps until every vertex has been visited, over " << kWalks << " walks\n\n"
+            << "network                 mean     error  expected\n"
+            << std::fixed << std::setprecision(1);
+  printRow("cycle of 10", chain(10, true), 46.0);
+  printRow("cycle of 20", chain(20, true), 191.0);
+  printRow("path of 10", chain(10, false), 90.0);
+  printRow("path of 20", chain(20, false), 380.0);
+  printRow("star of 3 leaves", star(), 35.0 / 3.0);
 }
