@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "tests/support/network_dump.hpp"
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/formats/keyed_archiver.hpp"
+#include "veq/models/internal/random_engine.hpp"
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
@@ -217,6 +219,27 @@ INSTANTIATE_TEST_SUITE_P(OfTheWhole, EveryQuestion, testing::ValuesIn(kOfTheWhol
 INSTANTIATE_TEST_SUITE_P(Properties, EveryQuestion, testing::ValuesIn(kProperties), nameOf);
 INSTANTIATE_TEST_SUITE_P(Handles, EveryQuestion, testing::ValuesIn(kHandles), nameOf);
 INSTANTIATE_TEST_SUITE_P(Texts, EveryQuestion, testing::ValuesIn(kTexts), nameOf);
+
+// In a process in which nobody has asked for the instance yet.
+TEST(GeneratorAllocations, OfTheInstanceLeaveTheSequenceWhereItWas) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        internal::SharedRandomSequence& sequence = internal::SharedRandomSequence::instance();
+        sequence.seed(42);
+        bool failed = false;
+        try {
+          const FailingAllocation failing(0, FailingAllocation::Mode::kOne);
+          static_cast<void>(VEQRandomGenerator::sharedRandomGenerator());
+        } catch (const std::bad_alloc&) {
+          failed = true;
+        }
+        const bool isWhereItWas = sequence.next() == 71876166;
+        const bool isMadeLater = VEQRandomGenerator::allocWithZone(nullptr) != nullptr;
+        std::exit(failed && isWhereItWas && isMadeLater ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
 
 // An array that cannot be had draws nothing.
 TEST(GeneratorAllocations, OfAnArrayLeaveTheSequenceWhereItWas) {

@@ -51,8 +51,9 @@ VEQRandomGenerator* VEQRandomGenerator::sharedRandomGenerator() {
 VEQRandomGenerator* VEQRandomGenerator::allocWithZone(void*) {
   const std::lock_guard guard(creation);
   if (instance != nullptr) return nullptr;
+  auto* const made = new VEQRandomGenerator;
   SharedRandomSequence::instance().seedFromSystem();
-  return instance = new VEQRandomGenerator;
+  return instance = made;
 }
 
 void VEQRandomGenerator::setRandomSeed(std::uint32_t seed) {
