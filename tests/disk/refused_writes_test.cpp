@@ -125,7 +125,7 @@ TEST(VanishingFolder, ThatIsMovedHoldsTheFileAndNothingElse) {
       fs::rename(there, here);
     }
   });
-  for (unsigned i = 0; i < 300; ++i) {
+  for (unsigned i = 0; i < 100; ++i) {
     const std::string& at = i % 2 == 0 ? here : there;
     static_cast<void>(internal::writeWholeFile(at + "/file", std::string(3000, 'x'), true));
   }
@@ -150,7 +150,7 @@ TEST(VanishingFolder, ThatIsRemovedLeavesNothing) {
     }
     fs::remove_all(here);
   });
-  for (unsigned i = 0; i < 300; ++i) {
+  for (unsigned i = 0; i < 100; ++i) {
     static_cast<void>(internal::writeWholeFile(here + "/file", std::string(3000, 'x'), true));
   }
   done = true;

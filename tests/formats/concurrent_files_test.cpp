@@ -26,7 +26,7 @@ TEST(ConcurrentFiles, AlwaysHoldOneWholeNetwork) {
   ASSERT_TRUE(writeArchiveToFile(*small, archive, true));
   inThreads(4, [&](int number) {
     const VEQNetwork& own = number == 0 ? *small : *large;
-    for (int i = 0; i < 40; ++i) {
+    for (int i = 0; i < 25; ++i) {
       if (number < 3) {
         EXPECT_TRUE(own.writeToFile_atomically(xnet, true));
         EXPECT_TRUE(writeArchiveToFile(own, archive, true));
