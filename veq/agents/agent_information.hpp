@@ -9,6 +9,7 @@
 namespace veq {
 
 /// A plain value; copying one copies the buffer's address.
+/// \ingroup walks
 struct VEQ_EXPORT VEQAgentInformation {
   /// One byte per vertex of the network, 1 once an agent has stepped onto the vertex; from
   /// std::calloc, or null.
@@ -20,9 +21,11 @@ struct VEQ_EXPORT VEQAgentInformation {
 };
 
 /// A record of no walk: without a buffer, not finished, no steps.
+/// \ingroup walks
 [[nodiscard]] VEQ_EXPORT VEQAgentInformation newVEQAgentInformation();
 
 /// Releases the record's buffer with std::free. The caller's record still holds its address.
+/// \ingroup walks
 VEQ_EXPORT void deleteVEQAgentInformation(VEQAgentInformation information);
 
 }  // namespace veq

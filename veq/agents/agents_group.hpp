@@ -34,6 +34,7 @@ struct GroupState;
 /// moment in which a walk begins must not be met by a flush. Everything else is for times when no
 /// walk runs, and the network must not be edited during a walk. Any number of groups may walk at
 /// once on one network. Asking a const group from several threads is safe.
+/// \ingroup walks
 class VEQ_EXPORT VEQNetworkAgentsGroup {
  public:
   /// \name Construction
@@ -53,6 +54,7 @@ class VEQ_EXPORT VEQNetworkAgentsGroup {
 
   /// \name Placement
   /// @{
+  /// The number of agents, which never changes.
   [[nodiscard]] std::int64_t countAgents() const;
   /// The vertex of each agent; std::out_of_range where one stands outside the network.
   [[nodiscard]] VEQVertexArray agentsCurrentVerticesList() const;
@@ -157,6 +159,7 @@ class VEQ_EXPORT VEQNetworkAgentsGroup {
   [[nodiscard]] std::int64_t currentProgress() const;
   /// The steps asked of the running or last walk.
   [[nodiscard]] std::int64_t currentWork() const;
+  /// Whether a walk runs whose work has not been cancelled.
   [[nodiscard]] bool isWorking() const;
   /// Always false: walks never pause.
   [[nodiscard]] bool isWaiting() const;

@@ -20,10 +20,12 @@ namespace veq {
 
 /// What stands under a key: a column with one entry per agent, or one value for the whole group.
 /// The same type answers for one agent, whose entry it then holds.
+/// \ingroup walks
 using AgentsProperty = std::variant<Shared<PropertyColumn>, PropertyValue>;
 
 /// A map from keys to what stands under them, in the order of the keys' first setting. A table that
 /// setProperties() has installed in a group is frozen.
+/// \ingroup walks
 class VEQ_EXPORT AgentsPropertyTable {
  public:
   AgentsPropertyTable() = default;
@@ -34,6 +36,7 @@ class VEQ_EXPORT AgentsPropertyTable {
   AgentsPropertyTable& operator=(AgentsPropertyTable&&) = delete;
   ~AgentsPropertyTable() = default;
 
+  /// The number of keys, and whether there are none.
   [[nodiscard]] std::size_t size() const { return entries_.size(); }
   [[nodiscard]] bool empty() const { return entries_.empty(); }
   /// Pairs of key and AgentsProperty.
@@ -43,8 +46,11 @@ class VEQ_EXPORT AgentsPropertyTable {
   [[nodiscard]] const AgentsProperty* find(std::string_view key) const {
     return entries_.find(key);
   }
+  /// Whether anything stands under the key.
   [[nodiscard]] bool contains(std::string_view key) const { return entries_.contains(key); }
+  /// In the order of their first setting.
   [[nodiscard]] std::vector<std::string> keys() const { return entries_.keys(); }
+  /// Whether keys can no longer be added or set.
   [[nodiscard]] bool isFrozen() const { return frozen_; }
 
   /// Stores under the key what is given, a column being shared and not copied. Throws

@@ -29,6 +29,7 @@ struct DynamicState;
 ///
 /// Everything else is as in a plain group. The literature on such walks names them self-avoiding
 /// walks of finite memory.
+/// \ingroup walks
 class VEQ_EXPORT VEQNetworkDynamicAgentsGroup final : public VEQNetworkAgentsGroup {
  public:
   /// \name Construction

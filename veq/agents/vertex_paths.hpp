@@ -17,6 +17,7 @@ namespace veq {
 /// One array of vertices for each agent: where it stood after each completed step. A step in which
 /// an agent could not move shows as vertex 0, whatever vertex it stood on. Copying is cheap; the
 /// paths outlive the group, and their handles become invalid with the network.
+/// \ingroup walks
 class VEQ_EXPORT VEQVertexPaths {
  public:
   /// No agents.
@@ -36,6 +37,7 @@ class VEQ_EXPORT VEQVertexPaths {
         steps_(steps) {}
   /// @}
 
+  /// The number of agents, and whether there are none.
   [[nodiscard]] std::uint64_t count() const { return agents_; }
   [[nodiscard]] std::uint64_t size() const { return agents_; }
   [[nodiscard]] bool empty() const { return agents_ == 0; }
@@ -83,6 +85,7 @@ class VEQ_EXPORT VEQVertexPaths {
     const VEQVertexPaths* paths_ = nullptr;
     std::uint64_t agent_ = 0;
   };
+  /// For range-based loops.
   [[nodiscard]] Iterator begin() const { return {this, 0}; }
   [[nodiscard]] Iterator end() const { return {this, agents_}; }
 

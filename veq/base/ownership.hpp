@@ -9,10 +9,12 @@
 namespace veq {
 
 /// A result that belongs to the caller alone. Null where the operation made nothing.
+/// \ingroup process
 template <class T>
 using Owned = std::unique_ptr<T>;
 
 /// A result that is shared, and released when nobody refers to it any longer.
+/// \ingroup process
 template <class T>
 using Shared = std::shared_ptr<T>;
 

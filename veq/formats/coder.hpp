@@ -14,6 +14,7 @@ namespace veq {
 
 /// Typed entries under string keys. A coder encodes or decodes; what it does not do throws
 /// std::logic_error. VEQKeyedArchiver and VEQKeyedUnarchiver are the library's own.
+/// \ingroup files
 class VEQ_EXPORT VEQCoder {
  public:
   virtual ~VEQCoder() = default;

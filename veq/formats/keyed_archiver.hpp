@@ -20,8 +20,10 @@ class CborWriter;
 }
 
 /// Encodes into memory. A key that is already in the archive throws std::invalid_argument.
+/// \ingroup files
 class VEQ_EXPORT VEQKeyedArchiver final : public VEQCoder {
  public:
+  /// An empty archive.
   VEQKeyedArchiver();
   ~VEQKeyedArchiver() override;
 
@@ -45,8 +47,10 @@ class VEQ_EXPORT VEQKeyedArchiver final : public VEQCoder {
 /// the last, hold no entries. Takes memory for its keys, and for an entry when that is decoded; no
 /// length or count is believed before the bytes for it are there. Made in O(length), except that
 /// arrays of numbers take no time.
+/// \ingroup files
 class VEQ_EXPORT VEQKeyedUnarchiver final : public VEQCoder {
  public:
+  /// Reads the keys; see isValid().
   explicit VEQKeyedUnarchiver(std::string_view bytes);
 
   /// Whether the bytes are an archive.

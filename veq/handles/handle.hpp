@@ -16,6 +16,7 @@ namespace veq {
 ///
 /// Destroying a network while another thread uses its handles is the caller's fault; otherwise
 /// handles may be used from any number of threads as long as nobody edits the network.
+/// \ingroup handles
 template <class Self>
 class VEQ_EXPORT Handle {
  public:
@@ -31,6 +32,7 @@ class VEQ_EXPORT Handle {
   [[nodiscard]] static Shared<Self> initAtNetwork_identification(const VEQNetwork& network,
                                                                  std::uint64_t identification);
 
+  /// The index for which it stands.
   [[nodiscard]] std::uint64_t identification() const { return identification_; }
 
   /// The network's address, also when nothing lives there any longer: ask isValid() first.

@@ -24,6 +24,7 @@ namespace veq {
 /// An immutable array of vertex or edge handles. Copying one is cheap. Arrays that a network gives
 /// out refer to its handles by index and keep their length when the network grows; they outlive the
 /// network, their handles being invalid then.
+/// \ingroup handles
 template <class Kind>
 class HandleArray {
  public:
@@ -70,6 +71,7 @@ class HandleArray {
   [[nodiscard]] const Kind& handleAt(std::uint64_t i) const { return reference(i); }
   /// @}
 
+  /// The number of handles, and whether there are none.
   [[nodiscard]] std::uint64_t count() const { return size_; }
   [[nodiscard]] std::uint64_t size() const { return size_; }
   [[nodiscard]] bool empty() const { return size_ == 0; }
@@ -135,6 +137,7 @@ class HandleArray {
     const HandleArray* array_ = nullptr;
     std::uint64_t position_ = 0;
   };
+  /// For range-based loops.
   [[nodiscard]] Iterator begin() const { return {this, 0}; }
   [[nodiscard]] Iterator end() const { return {this, size_}; }
 

@@ -18,6 +18,7 @@ namespace veq {
 ///
 /// Every operation may be called from any thread. The draws of one call are consecutive; the order
 /// of calls between threads is up to them.
+/// \ingroup random
 class VEQ_EXPORT VEQRandomGenerator final {
  public:
   /// \name The one instance

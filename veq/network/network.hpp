@@ -28,6 +28,7 @@ struct NetworkCore;
 }  // namespace internal
 
 /// An empty class of the published interface, unrelated to VEQNetwork. Every network can be edited.
+/// \ingroup build
 class VEQMutableNetwork {};
 
 /// Vertices 0 to n - 1 and edges 0 to m - 1, directed or not, with optional 32-bit float weights
@@ -45,6 +46,7 @@ class VEQMutableNetwork {};
 ///
 /// Threads: any number of threads may ask questions at once, as long as none edits. A `const`
 /// network still hands out handles, and these can edit it.
+/// \ingroup build
 class VEQ_EXPORT VEQNetwork {
  public:
   /// Invalidates all handles; they may be kept.
@@ -52,10 +54,12 @@ class VEQ_EXPORT VEQNetwork {
   VEQNetwork(const VEQNetwork&) = delete;
   VEQNetwork& operator=(const VEQNetwork&) = delete;
 
+  /// The arrays that the questions give.
   using VertexArray = VEQVertexArray;
   using EdgeArray = VEQEdgeArray;
 
   /// \name Construction from indices
+  /// \ingroup build
   /// Edge i runs from the i-th source to the i-th target. The number of vertices is the largest
   /// index plus one, or the given minimum where that is larger; without edges and minimum it is 1.
   /// Optional weights are copied. No network: index lists of different lengths, weights that are
@@ -101,6 +105,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Empty networks
+  /// \ingroup build
   /// Without vertices and edges, and since vertices are never added, for ever. The capacities are
   /// accepted as they are and reserve nothing.
   /// @{
@@ -124,6 +129,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Construction from handles
+  /// \ingroup build
   /// The given vertices, of any networks, in their order; edges of which both ends should be among
   /// them: an end that is not found becomes vertex 0, and a vertex given twice is found at its
   /// first place. The properties of the vertices are carried over, and those of the edges where
@@ -179,6 +185,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Copies
+  /// \ingroup build
   /// All vertices, edges and properties of the network, as from its handles. Beware: the forms
   /// without weights take the source's weight values, and these are 1.0 on an unweighted network,
   /// so that their result is always weighted both ways; the forms with weights take what they are
@@ -225,9 +232,13 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Size, flags and handles
+  /// \ingroup ask
   /// @{
+  /// The numbers of vertices and of edges.
   [[nodiscard]] std::uint64_t countVertices() const;
   [[nodiscard]] std::uint64_t countEdges() const;
+  /// Whether edges have a direction, whether edges and vertices have weights of their own, and
+  /// whether these can be set.
   [[nodiscard]] bool isDirected() const;
   [[nodiscard]] bool isEdgeWeighted() const;
   [[nodiscard]] bool isVertexWeighted() const;
@@ -244,6 +255,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Inserting edges
+  /// \ingroup edit
   /// Allowed also after blockEditing(). Repeated edges are kept. New edges weigh 1.0 where the
   /// network is edge-weighted, and are not set in edge columns (0 or the zero vector in a column of
   /// numbers or vectors). A call that throws changes nothing.
@@ -269,6 +281,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Weights
+  /// \ingroup attributes
   /// The getters give new arrays of floats, 1.0 on an unweighted network. The setters do nothing at
   /// all after blockEditing(), whatever they are given. O(n) or O(m).
   /// @{
@@ -288,6 +301,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Properties
+  /// \ingroup attributes
   /// One column of values for each key. The column "Name" holds names.
   /// @{
   /// Replaces one element. A new key makes a column whose kind the value fixes: numbers (0.0
@@ -337,16 +351,19 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Vertices by name
+  /// \ingroup ask
   /// A vertex's name is its entry of the "Name" column, compared exactly; without such a column,
   /// its index in decimal digits. Where the column exists, a vertex without a name matches nothing.
   /// O(n).
   /// @{
   /// The one of the lowest index; null if there is none.
   [[nodiscard]] Shared<VEQVertex> vertexWithName(std::string_view name) const;
+  /// All of them, in index order.
   [[nodiscard]] VEQVertexArray verticesWithName(std::string_view name) const;
   /// @}
 
   /// \name Questions about one vertex, by index
+  /// \ingroup ask
   /// Those that throw: std::invalid_argument, "VertexIndex must be less than count.". Counts are
   /// O(1), sums and lists O(degree).
   /// @{
@@ -387,6 +404,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Questions about one vertex, by handle
+  /// \ingroup ask
   /// What the index form answers for the handle's index. A handle of another network gives 0, 0.0
   /// or nothing; whether the handle is valid does not matter.
   /// @{
@@ -395,6 +413,7 @@ class VEQ_EXPORT VEQNetwork {
   [[nodiscard]] std::uint64_t countToVerticesOfVertex(const VEQVertex& vertex) const;
   /// The out-count, unlike countFromVerticesOfVertexAtIndex.
   [[nodiscard]] std::uint64_t countFromVerticesOfVertex(const VEQVertex& vertex) const;
+
   [[nodiscard]] double calcDegreeOfVertex(const VEQVertex& vertex) const;
   [[nodiscard]] double calcInDegreeOfVertex(const VEQVertex& vertex) const;
   [[nodiscard]] double calcStrengthOfVertex(const VEQVertex& vertex) const;
@@ -412,6 +431,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Questions about the whole network
+  /// \ingroup ask
   /// Arrays of one double for each vertex. O(n), strengths O(n + m).
   /// @{
   [[nodiscard]] Shared<VEQNumberArray> calcDegrees() const;
@@ -431,6 +451,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name The xnet text format
+  /// \ingroup files
   /// Described in docs/formats/xnet.md, with what it does not keep. Files and URLs are UTF-8; URLs
   /// are `file:` URLs or plain paths. Reading gives null for what cannot be read, is not UTF-8 or
   /// is no network. Writing returns false where it fails, and for text that is not UTF-8;
@@ -450,6 +471,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name The Pajek format
+  /// \ingroup files
   /// Described in docs/formats/pajek.md, with what it does not keep. Files are written in
   /// ISO-8859-1, and text that it cannot hold makes writing fail; reading recognises UTF-8, UTF-16
   /// with a mark and ISO-8859-1. Otherwise as for xnet.
@@ -469,6 +491,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Edge lists
+  /// \ingroup files
   /// Described in docs/formats/edge_list.md. The tokens of a list are names of vertices, not
   /// indices. Vertices are numbered by first appearance, source before target, line by line. In a
   /// list without weights every other line is taken for the weight of the one before it. An empty
@@ -485,6 +508,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Construction from strings
+  /// \ingroup build
   /// Texts hold one item a line; lines end at "\n" alone, so that a trailing one adds an empty
   /// line. A line of an edges string is two names with one blank between them; std::out_of_range
   /// for a line of fewer pieces. Names that no vertex has become vertex 0, and of several vertices
@@ -507,6 +531,7 @@ class VEQ_EXPORT VEQNetwork {
   initWithVerticesString_fromLinksString_toLinksString_directed(
       std::optional<std::string_view> vertices, std::string_view from, std::string_view to,
       bool directed);
+
   [[nodiscard]] static Owned<VEQNetwork>
   initWithVerticesString_fromLinksString_toLinksString_directed_verticesWeights_edgesWeights(
       std::optional<std::string_view> vertices, std::string_view from, std::string_view to,
@@ -522,6 +547,7 @@ class VEQ_EXPORT VEQNetwork {
   networkWithVerticesString_edgesString_directed_verticesWeights_edgesWeights(
       std::string_view vertices, std::string_view edges, bool directed,
       const VEQNumberArray* verticesWeights, const VEQNumberArray* edgesWeights);
+
   [[nodiscard]] static Shared<VEQNetwork> networkWithVerticesString_fromLinksString_toLinksString(
       std::optional<std::string_view> vertices, std::string_view from, std::string_view to);
   /// Undirected whatever it is given: use the full form.
@@ -529,6 +555,7 @@ class VEQ_EXPORT VEQNetwork {
   networkWithVerticesString_fromLinksString_toLinksString_directed(
       std::optional<std::string_view> vertices, std::string_view from, std::string_view to,
       bool directed);
+
   [[nodiscard]] static Shared<VEQNetwork>
   networkWithVerticesString_fromLinksString_toLinksString_directed_verticesWeights_edgesWeights(
       std::optional<std::string_view> vertices, std::string_view from, std::string_view to,
@@ -536,12 +563,14 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Archive and description
+  /// \ingroup files
   /// The archive is described in docs/formats/archive.md. It keeps no vertices above the last one
   /// that has an edge, and a network with weights of one kind comes back with those of the other.
   /// O(n + m).
   /// @{
   /// std::invalid_argument, before anything is encoded, where a property cannot be encoded.
   void encodeWithCoder(VEQCoder& coder) const;
+  /// What encodeWithCoder wrote; null where the coder holds no network.
   [[nodiscard]] static Owned<VEQNetwork> initWithCoder(VEQCoder& coder);
   [[nodiscard]] static Shared<VEQNetwork> networkWithCoder(VEQCoder& coder);
   /// Counts, flags and property keys, for people.
@@ -551,6 +580,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Model networks
+  /// \ingroup models
   /// Undirected, without weights, drawn from the shared generator: the same seed gives the same
   /// network. The number of vertices follows from the edges: high vertices without edges are
   /// missing.
@@ -581,11 +611,13 @@ class VEQ_EXPORT VEQNetwork {
   /// The spelling is part of the published interface.
   [[nodiscard]] static Shared<VEQNetwork> barabasiNetworkWitNumberOfVertices_approximateDegree(
       std::uint64_t count, std::uint64_t approximateDegree);
+
   [[nodiscard]] static Shared<VEQNetwork> randomNetworkWithNumberOfVertices_degree(
       std::uint64_t count, double degree);
   /// @}
 
   /// \name Models without a body
+  /// \ingroup models
   /// Always null.
   /// @{
   [[nodiscard]] static Owned<VEQNetwork> initGeographicalNetworkWithNetwork_maximumDistance(
@@ -614,6 +646,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Merging
+  /// \ingroup build
   /// Not built: both throw std::logic_error at once.
   /// @{
   static Owned<VEQNetwork> initByMergingNetworksInArray(
@@ -623,6 +656,7 @@ class VEQ_EXPORT VEQNetwork {
   /// @}
 
   /// \name Connected components
+  /// \ingroup ask
   /// Components are weakly connected parts, ordered by their lowest vertex; vertices and edges keep
   /// their order, and the properties are carried over. O(n + m) for each property.
   /// @{

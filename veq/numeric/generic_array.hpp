@@ -11,15 +11,19 @@
 
 namespace veq {
 
+/// Values of any kind.
+/// \ingroup values
 class VEQ_EXPORT GenericArray final : public PropertyColumn {
  public:
   GenericArray() : PropertyColumn(Kind::kGeneric) {}
+  /// Takes the values as they are.
   explicit GenericArray(std::vector<PropertyValue> values)
       : PropertyColumn(Kind::kGeneric), values_(std::move(values)) {}
 
   /// A column of null markers.
   [[nodiscard]] static Owned<GenericArray> nullFilled(std::uint64_t count);
 
+  /// As PropertyColumn has them, with their own type.
   [[nodiscard]] Owned<GenericArray> subarrayWithIndices(const VEQNumberArray& indices) const;
   [[nodiscard]] Owned<GenericArray> editableCopy() const;
   [[nodiscard]] Owned<GenericArray> fixedCopy() const;

@@ -17,9 +17,11 @@ namespace veq {
 
 /// Iterates as pairs of key and value, in the order of the keys' first setting, so that a file is
 /// written the same way every time.
+/// \ingroup values
 template <class Value>
 class KeyedTable {
  public:
+  /// A key and what stands under it.
   using Entry = std::pair<std::string, Value>;
 
   KeyedTable() = default;
@@ -32,8 +34,10 @@ class KeyedTable {
     return *this;
   }
 
+  /// The number of keys, and whether there are none.
   [[nodiscard]] std::size_t size() const { return entries_.size(); }
   [[nodiscard]] bool empty() const { return entries_.empty(); }
+  /// For range-based loops over the entries.
   [[nodiscard]] auto begin() const { return entries_.begin(); }
   [[nodiscard]] auto end() const { return entries_.end(); }
 
@@ -42,6 +46,7 @@ class KeyedTable {
     const auto at = positions_.find(key);
     return at == positions_.end() ? nullptr : &entries_[at->second].second;
   }
+  /// Whether anything stands under the key.
   [[nodiscard]] bool contains(std::string_view key) const { return find(key) != nullptr; }
 
   /// Stores the value under the key; a key that is already there keeps its place.
@@ -69,6 +74,7 @@ class KeyedTable {
     for (auto& [name, position] : positions_) position -= position > removed;
   }
 
+  /// In the order of their first setting.
   [[nodiscard]] std::vector<std::string> keys() const {
     std::vector<std::string> result;
     result.reserve(entries_.size());
@@ -89,9 +95,11 @@ class KeyedTable {
 };
 
 /// The property columns of a network's vertices or edges.
+/// \ingroup values
 using PropertyTable = KeyedTable<Shared<PropertyColumn>>;
 
 /// The properties of one vertex, edge or agent.
+/// \ingroup values
 using PropertyMap = KeyedTable<PropertyValue>;
 
 }  // namespace veq

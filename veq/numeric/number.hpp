@@ -12,11 +12,14 @@
 namespace veq {
 
 /// The element types of a number array; the values are the published element-type codes.
+/// \ingroup values
 enum class ElementType : int { kDouble = 12, kInteger = 13, kFloat = 14, kUnsignedInteger = 15 };
 
 /// An integer, a 32-bit float or a double. A bool is the integer 0 or 1.
+/// \ingroup values
 class VEQ_EXPORT Number {
  public:
+  /// Any integer but a bool.
   template <std::signed_integral T>
   Number(T value) : value_(static_cast<std::int64_t>(value)) {}
   template <std::unsigned_integral T>
@@ -24,9 +27,11 @@ class VEQ_EXPORT Number {
   /// A template, so that no pointer passes for a bool.
   template <std::same_as<bool> T>
   Number(T value) : value_(static_cast<std::int64_t>(value)) {}
+  /// Either keeps its own type.
   Number(float value) : value_(value) {}
   Number(double value) : value_(value) {}
 
+  /// The kind of number that it is.
   [[nodiscard]] ElementType type() const;
 
   /// The value as T: double, float, std::int64_t or std::uint64_t, by the rules of convertNumber.
@@ -49,6 +54,7 @@ class VEQ_EXPORT Number {
 /// Converts between the element types. From a float type to an integer the value is truncated and
 /// saturates; what is negative becomes unsigned as a 64-bit integer does, by wrapping; a NaN
 /// becomes the smallest integer, which as an index or a size names nothing that can be.
+/// \ingroup values
 template <class To, class From>
 [[nodiscard]] constexpr To convertNumber(From from) noexcept {
   if constexpr (std::floating_point<To> || std::integral<From>) {

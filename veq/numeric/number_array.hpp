@@ -59,11 +59,13 @@ using RawVector = std::vector<T, UninitialisedAllocator<T>>;
 /// Numbers that go in or come out are converted by the rules of convertNumber. An array can be
 /// moved and copied as a value; published operations hand it out as Owned or Shared. Operations on
 /// one array need one thread at a time, except that any number of threads may read.
+/// \ingroup values
 class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
  public:
   /// An empty array of doubles.
   VEQNumberArray() : VEQNumberArray(internal::RawVector<double>()) {}
 
+  /// An editable copy.
   VEQNumberArray(const VEQNumberArray& other);
   VEQNumberArray(VEQNumberArray&&) = default;
   /// Changes the array like any other operation, so that a fixed one refuses it.
@@ -74,6 +76,7 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   }
 
   /// \name Arrays from values, for short programs
+  /// The element type is what the name says, indices being unsigned integers.
   /// @{
   [[nodiscard]] static VEQNumberArray ofIndices(std::initializer_list<std::uint64_t> values);
   [[nodiscard]] static VEQNumberArray ofIndices(std::span<const std::uint64_t> values);
@@ -123,6 +126,7 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
                                                                           std::uint64_t count);
   /// @}
 
+  /// What kind of numbers the elements are.
   [[nodiscard]] ElementType elementType() const;
 
   /// \name Text
@@ -152,6 +156,7 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   void getUnsignedIntegerValues_count(std::uint64_t* buffer, std::uint64_t count) const;
   /// @}
 
+  /// As PropertyColumn has them, with their own type.
   [[nodiscard]] Owned<VEQNumberArray> subarrayWithIndices(const VEQNumberArray& indices) const;
   [[nodiscard]] Owned<VEQNumberArray> editableCopy() const;
   [[nodiscard]] Owned<VEQNumberArray> copy() const { return editableCopy(); }

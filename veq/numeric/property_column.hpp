@@ -16,12 +16,15 @@ class VEQNumberArray;
 /// What the four kinds of columns have in common. A column starts editable; only fixedCopy() makes
 /// one that is not, and every operation that would change a fixed column throws
 /// std::invalid_argument.
+/// \ingroup values
 class VEQ_EXPORT PropertyColumn {
  public:
+  /// What its elements are.
   enum class Kind { kGeneric, kNumber, kVector2d, kVector3d };
 
   virtual ~PropertyColumn() = default;
 
+  /// Its kind, whether it can be changed, and its number of elements.
   [[nodiscard]] Kind kind() const { return kind_; }
   [[nodiscard]] bool isEditable() const { return editable_; }
   [[nodiscard]] std::uint64_t count() const { return doCount(); }
@@ -58,11 +61,13 @@ class VEQ_EXPORT PropertyColumn {
   [[nodiscard]] Owned<PropertyColumn> fixedCopy() const;
 
  protected:
+  /// For derived columns.
   explicit PropertyColumn(Kind kind) noexcept : kind_(kind) {}
   /// A copy is editable.
   PropertyColumn(const PropertyColumn& other) noexcept : kind_(other.kind_) {}
   PropertyColumn& operator=(const PropertyColumn&) = delete;
 
+  /// Throw where the column is fixed or the index is past the end.
   void requireEditable() const;
   void requireIndex(std::uint64_t index) const;
 

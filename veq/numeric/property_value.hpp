@@ -20,6 +20,7 @@ class PropertyValue;
 
 /// Base of whatever else a caller wants to store as a property. Such values live in memory and in
 /// texts, through their description; an archive refuses those that have no archived form.
+/// \ingroup values
 class VEQ_EXPORT PropertyObject {
  public:
   virtual ~PropertyObject() = default;
@@ -33,12 +34,15 @@ class VEQ_EXPORT PropertyObject {
 };
 
 /// The null marker (not set), a number, a string, a vector, or any other object.
+/// \ingroup values
 class VEQ_EXPORT PropertyValue {
  public:
   /// The null marker.
   PropertyValue() = default;
   PropertyValue(std::nullptr_t) = delete;
 
+  /// Whatever can be a value becomes one by itself.
+  /// @{
   PropertyValue(Number number) : value_(number) {}
   template <class T>
   requires std::integral<T> || std::same_as<T, float> || std::same_as<T, double> PropertyValue(
@@ -49,12 +53,14 @@ class VEQ_EXPORT PropertyValue {
   PropertyValue(const char* text) : PropertyValue(std::string(text)) {}
   PropertyValue(const VEQVector2d& vector) : value_(vector) {}
   PropertyValue(const VEQVector3d& vector) : value_(vector) {}
+  /// @}
   /// A null pointer is the null marker.
   template <std::derived_from<PropertyObject> T>
   PropertyValue(Shared<T> object) {
     if (object) value_ = Shared<const PropertyObject>(std::move(object));
   }
 
+  /// Whether it is the null marker.
   [[nodiscard]] bool isNull() const { return std::holds_alternative<std::monostate>(value_); }
 
   /// Each gives the value of its kind, or null where the value is of another kind.

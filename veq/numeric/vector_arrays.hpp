@@ -15,6 +15,7 @@
 namespace veq {
 
 /// Vectors of the plane.
+/// \ingroup values
 class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
  public:
   VEQVector2dArray() : PropertyColumn(Kind::kVector2d) {}
@@ -23,6 +24,7 @@ class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
   [[nodiscard]] static Owned<VEQVector2dArray> initWithSize_precision(std::uint64_t count,
                                                                       Precision precision);
 
+  /// The precision of all its vectors.
   [[nodiscard]] Precision precision() const { return precision_; }
 
   /// std::out_of_range past the end.
@@ -33,6 +35,7 @@ class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
   [[nodiscard]] std::string stringValueWithVectorSeparator_elementsSeparator(
       std::string_view vectorSeparator, std::string_view elementsSeparator) const;
 
+  /// As PropertyColumn has them, with their own type.
   [[nodiscard]] Owned<VEQVector2dArray> subarrayWithIndices(const VEQNumberArray& indices) const;
   [[nodiscard]] Owned<VEQVector2dArray> editableCopy() const;
   [[nodiscard]] Owned<VEQVector2dArray> fixedCopy() const;
@@ -53,6 +56,7 @@ class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
 };
 
 /// Vectors of space, kept as three blocks of doubles.
+/// \ingroup values
 class VEQ_EXPORT VEQVector3dArray final : public PropertyColumn {
  public:
   VEQVector3dArray() : PropertyColumn(Kind::kVector3d) {}
@@ -75,6 +79,7 @@ class VEQ_EXPORT VEQVector3dArray final : public PropertyColumn {
                                                                       std::uint64_t count);
   /// @}
 
+  /// The precision of all its vectors.
   [[nodiscard]] Precision precision() const { return precision_; }
 
   /// std::out_of_range past the end.
@@ -93,6 +98,7 @@ class VEQ_EXPORT VEQVector3dArray final : public PropertyColumn {
   [[nodiscard]] std::string stringValueWithVectorSeparator_elementsSeparator(
       std::string_view vectorSeparator, std::string_view elementsSeparator) const;
 
+  /// As PropertyColumn has them, with their own type.
   [[nodiscard]] Owned<VEQVector3dArray> subarrayWithIndices(const VEQNumberArray& indices) const;
   [[nodiscard]] Owned<VEQVector3dArray> editableCopy() const;
   [[nodiscard]] Owned<VEQVector3dArray> fixedCopy() const;

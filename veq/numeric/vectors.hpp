@@ -11,16 +11,21 @@ namespace veq {
 
 /// The storage that a vector says its components came from. It is kept and reported; components are
 /// doubles whatever it says.
+/// \ingroup values
 using Precision = int;
 inline constexpr Precision kSinglePrecision = 0;
 inline constexpr Precision kDoublePrecision = 1;
 
+/// A point or vector of the plane; zero where nothing is given.
+/// \ingroup values
 class VEQ_EXPORT VEQVector2d {
  public:
   VEQVector2d() = default;
+  /// Keeps what it is given.
   VEQVector2d(double x, double y, Precision precision = kDoublePrecision)
       : x_(x), y_(y), precision_(precision) {}
 
+  /// What it was given.
   [[nodiscard]] double x() const { return x_; }
   [[nodiscard]] double y() const { return y_; }
   [[nodiscard]] Precision precision() const { return precision_; }
@@ -39,9 +44,12 @@ class VEQ_EXPORT VEQVector2d {
   Precision precision_ = kDoublePrecision;
 };
 
+/// A point or vector of space; zero where nothing is given.
+/// \ingroup values
 class VEQ_EXPORT VEQVector3d {
  public:
   VEQVector3d() = default;
+  /// Keeps what it is given.
   VEQVector3d(double x, double y, double z, Precision precision = kDoublePrecision)
       : x_(x), y_(y), z_(z), precision_(precision) {}
 
@@ -50,6 +58,7 @@ class VEQ_EXPORT VEQVector3d {
     return {x, y, z, kSinglePrecision};
   }
 
+  /// What it was given.
   [[nodiscard]] double x() const { return x_; }
   [[nodiscard]] double y() const { return y_; }
   [[nodiscard]] double z() const { return z_; }
