@@ -106,6 +106,16 @@ TEST(XnetRoundTrip, WhatIsNoFiniteNumberIsLost) {
   EXPECT_THAT(vertexTexts(*read, "k"), ElementsAre("0", "0", "0"));
 }
 
+TEST(XnetRoundTrip, AnInfinityInAVectorTakesAlongWhatFollows) {
+  const LogCapture quiet;
+  const auto network = example();
+  const double infinity = std::numeric_limits<double>::infinity();
+  network->setPropertyValue_forKey_atVertexIndex(VEQVector3d(infinity, 2, 3), "p", 0);
+  network->setPropertyValue_forKey_atVertexIndex(VEQVector3d(1, std::nan(""), 3), "p", 1);
+  network->setPropertyValue_forKey_atVertexIndex(VEQVector3d(1, 2, -infinity), "p", 2);
+  EXPECT_THAT(vertexTexts(*throughText(*network), "p"), ElementsAre("0 0 0", "1 0 0", "1 2 0"));
+}
+
 TEST(XnetRoundTrip, EmptyColumnsSurvive) {
   const LogCapture quiet;
   const auto network = example();
