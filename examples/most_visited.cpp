@@ -32,11 +32,13 @@ struct Case {
   std::vector<double> expectedShares;
 };
 
-const std::vector<Case> kCases = {
-    {"Path", {0, 1, 2, 3}, {1, 2, 3, 4}, {1 / 8., 2 / 8., 2 / 8., 2 / 8., 1 / 8.}},
-    {"Triangle with a tail", {0, 1, 2, 2}, {1, 2, 0, 3}, {10 / 33., 8 / 33., 12 / 33., 3 / 33.}},
-    {"Star", {0, 0, 0}, {1, 2, 3}, {1 / 2., 1 / 8., 1 / 4., 1 / 8.}},
-    {"Star, first link repeated", {0, 0, 0, 0}, {1, 2, 3, 1}, {1 / 2., 1 / 6., 1 / 6., 1 / 6.}}};
+std::vector<Case> cases() {
+  return {
+      {"Path", {0, 1, 2, 3}, {1, 2, 3, 4}, {1 / 8., 2 / 8., 2 / 8., 2 / 8., 1 / 8.}},
+      {"Triangle with a tail", {0, 1, 2, 2}, {1, 2, 0, 3}, {10 / 33., 8 / 33., 12 / 33., 3 / 33.}},
+      {"Star", {0, 0, 0}, {1, 2, 3}, {1 / 2., 1 / 8., 1 / 4., 1 / 8.}},
+      {"Star, first link repeated", {0, 0, 0, 0}, {1, 2, 3, 1}, {1 / 2., 1 / 6., 1 / 6., 1 / 6.}}};
+}
 
 void printPercent(double share) { std::cout << std::setw(10) << 100 * share; }
 
@@ -66,5 +68,5 @@ void walk(const Case& given) {
 int main() {
   std::cout << "Who is visited most: percent of " << kSteps << " steps\n\n"
             << std::fixed << std::setprecision(1);
-  for (const Case& given : kCases) walk(given);
+  for (const Case& given : cases()) walk(given);
 }

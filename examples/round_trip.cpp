@@ -12,10 +12,12 @@
 // - An archive keeps every number to the last bit, but not the number of vertices, which follows
 // from
 //   the edges; with the weights of vertex 3 nothing comes back at all, and so it is left out here.
-#include <functional>
+#include <array>
+#include <cstdint>
 #include <iomanip>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <vector>
 #include <veq/veq.hpp>
 
@@ -74,31 +76,41 @@ float edgeWeight(const VEQNetwork& network, std::uint64_t e) {
 }
 
 struct Feature {
-  std::string name;
-  std::function<bool(const VEQNetwork& before, const VEQNetwork& after)> isKept;
+  std::string_view name;
+  bool (*isKept)(const VEQNetwork& before, const VEQNetwork& after);
 };
 
-const std::vector<Feature> kFeatures = {
+constexpr std::array<Feature, 9> kFeatures = {{
     {"edges and their order", sameEnds},
-    {"direction", [](auto& a, auto& b) { return a.isDirected() == b.isDirected(); }},
-    {"a vertex without edges", [](auto&, auto& b) { return b.countVertices() == 4; }},
+    {"direction",
+     [](const VEQNetwork& a, const VEQNetwork& b) { return a.isDirected() == b.isDirected(); }},
+    {"a vertex without edges",
+     [](const VEQNetwork&, const VEQNetwork& b) { return b.countVertices() == 4; }},
     {"names",
-     [](auto& a, auto& b) { return a.vertexAtIndex(1)->name() == b.vertexAtIndex(1)->name(); }},
+     [](const VEQNetwork& a, const VEQNetwork& b) {
+       return a.vertexAtIndex(1)->name() == b.vertexAtIndex(1)->name();
+     }},
     {"edge weights 2 and 0.5",
-     [](auto&, auto& b) { return edgeWeight(b, 0) == 2.0F && edgeWeight(b, 1) == 0.5F; }},
-    {"an edge weight of 1/3", [](auto&, auto& b) { return edgeWeight(b, 2) == kThird; }},
-    {"vertex weights", [](auto&, auto& b) { return b.vertexAtIndex(0)->weight() == 4.0F; }},
+     [](const VEQNetwork&, const VEQNetwork& b) {
+       return edgeWeight(b, 0) == 2.0F && edgeWeight(b, 1) == 0.5F;
+     }},
+    {"an edge weight of 1/3",
+     [](const VEQNetwork&, const VEQNetwork& b) { return edgeWeight(b, 2) == kThird; }},
+    {"vertex weights",
+     [](const VEQNetwork&, const VEQNetwork& b) { return b.vertexAtIndex(0)->weight() == 4.0F; }},
     {"a vertex property",
-     [](auto&, auto& b) {
+     [](const VEQNetwork&, const VEQNetwork& b) {
        const auto found = b.propertiesOfVertexAtIndex(1);
        const auto* age = found.find("Age");
        return age && *age == veq::PropertyValue(7.0);
      }},
-    {"an edge property", [](auto&, auto& b) {
+    {"an edge property",
+     [](const VEQNetwork&, const VEQNetwork& b) {
        const auto found = b.propertiesOfEdgeAtIndex(2);
        const auto* colour = found.find("Colour");
        return colour && *colour == veq::PropertyValue("red");
-     }}};
+     }},
+}};
 
 }  // namespace
 
