@@ -2,14 +2,17 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
 #include <random>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tests/support/temporary_folder.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
+#include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/property_column.hpp"
 
@@ -19,6 +22,18 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 using Texts = std::vector<std::string>;
+
+/// 0 - 1 - 2, or 0 > 1 > 2.
+inline Owned<VEQNetwork> path3(bool directed = false, const VEQNumberArray* vertexWeights = nullptr,
+                               const VEQNumberArray* edgeWeights = nullptr) {
+  return VEQNetwork::initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
+      VEQNumberArray::ofIndices({0, 1}), VEQNumberArray::ofIndices({1, 2}), directed, vertexWeights,
+      edgeWeights);
+}
+
+inline Shared<GenericArray> generic(std::vector<PropertyValue> values) {
+  return std::make_shared<GenericArray>(std::move(values));
+}
 
 /// The edges in index order, as "0>1 1>2".
 inline std::string edgesOf(const VEQNetwork& network) {

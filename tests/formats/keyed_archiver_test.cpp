@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "tests/support/hex.hpp"
+#include "tests/support/thrown_text.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
@@ -18,7 +18,9 @@ namespace veq {
 namespace {
 
 using test::fromHex;
+using test::invalidArgumentText;
 using test::packed;
+using test::thrownText;
 using test::toHex;
 
 // The key of most entries here is "a".
@@ -166,20 +168,11 @@ TEST(KeyedArchiver, AFixedColumnIsArchivedLikeAnyOther) {
             packed(kMapOfAOfC + std::string("d855 44 0000c03f")));
 }
 
-std::string thrownBy(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-  return "nothing thrown";
-}
-
 TEST(KeyedArchiver, RefusesAKeyThatIsThere) {
   VEQKeyedArchiver archiver;
   archiver.encodeBool(true, "a");
   EXPECT_THROW(archiver.encodeNumberArray(VEQNumberArray(), "a"), std::invalid_argument);
-  EXPECT_EQ(thrownBy([&] { archiver.encodeBool(false, "a"); }),
+  EXPECT_EQ(invalidArgumentText([&] { archiver.encodeBool(false, "a"); }),
             "The key is already in the archive.");
   EXPECT_EQ(toHex(archiver.bytes()), packed("a1 6161 f5"));
 }
@@ -206,7 +199,7 @@ TEST(KeyedArchiver, ARefusedObjectLeavesNoTrace) {
     VEQKeyedArchiver archiver;
     archiver.encodeBool(true, "b");
     EXPECT_THROW(archiver.encodePropertyTable(table, "a"), std::invalid_argument);
-    EXPECT_EQ(thrownBy([&] { archiver.encodePropertyTable(table, "a"); }),
+    EXPECT_EQ(invalidArgumentText([&] { archiver.encodePropertyTable(table, "a"); }),
               "A property cannot be archived.");
     EXPECT_EQ(toHex(archiver.bytes()), packed("a1 6162 f5"));
     archiver.encodeBool(false, "a");
@@ -215,7 +208,8 @@ TEST(KeyedArchiver, ARefusedObjectLeavesNoTrace) {
 }
 
 TEST(KeyedArchiver, RefusesATableWithoutAColumn) {
-  EXPECT_EQ(thrownBy([] { encoded(tableOf(nullptr)); }), "A property cannot be archived.");
+  EXPECT_EQ(invalidArgumentText([] { encoded(tableOf(nullptr)); }),
+            "A property cannot be archived.");
 }
 
 TEST(KeyedArchiver, AnObjectIsReplacedByItsArchivedForm) {
@@ -224,12 +218,14 @@ TEST(KeyedArchiver, AnObjectIsReplacedByItsArchivedForm) {
 
 TEST(KeyedArchiver, DoesNotDecode) {
   VEQKeyedArchiver archiver;
-  EXPECT_EQ(thrownBy([&] { static_cast<void>(archiver.decodeBool("a")); }),
+  EXPECT_EQ(thrownText<std::logic_error>([&] { static_cast<void>(archiver.decodeBool("a")); }),
             "This coder does not decode.");
-  EXPECT_EQ(thrownBy([&] { static_cast<void>(archiver.decodeNumberArray("a")); }),
-            "This coder does not decode.");
-  EXPECT_EQ(thrownBy([&] { static_cast<void>(archiver.decodePropertyTable("a")); }),
-            "This coder does not decode.");
+  EXPECT_EQ(
+      thrownText<std::logic_error>([&] { static_cast<void>(archiver.decodeNumberArray("a")); }),
+      "This coder does not decode.");
+  EXPECT_EQ(
+      thrownText<std::logic_error>([&] { static_cast<void>(archiver.decodePropertyTable("a")); }),
+      "This coder does not decode.");
 }
 
 }  // namespace

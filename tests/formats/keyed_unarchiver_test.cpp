@@ -2,13 +2,13 @@
 
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
 #include "tests/support/hex.hpp"
+#include "tests/support/thrown_text.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -17,6 +17,7 @@ namespace veq {
 namespace {
 
 using test::fromHex;
+using test::thrownText;
 
 // The key of most entries here is "a", and that of columns "c".
 constexpr const char* kMapOfA = "a1 6161 ";
@@ -37,22 +38,16 @@ PropertyValue decodedValue(const std::string& hex) {
 
 bool isValid(const std::string& bytes) { return VEQKeyedUnarchiver(bytes).isValid(); }
 
-std::string thrownBy(const std::function<void()>& call) {
-  try {
-    call();
-  } catch (const std::logic_error& error) {
-    return error.what();
-  }
-  return "nothing thrown";
-}
-
 TEST(KeyedUnarchiver, DoesNotEncode) {
   VEQKeyedUnarchiver unarchiver("\xa0");
-  EXPECT_EQ(thrownBy([&] { unarchiver.encodeBool(true, "a"); }), "This coder does not encode.");
-  EXPECT_EQ(thrownBy([&] { unarchiver.encodeNumberArray(VEQNumberArray(), "a"); }),
+  EXPECT_EQ(thrownText<std::logic_error>([&] { unarchiver.encodeBool(true, "a"); }),
             "This coder does not encode.");
-  EXPECT_EQ(thrownBy([&] { unarchiver.encodePropertyTable(PropertyTable(), "a"); }),
-            "This coder does not encode.");
+  EXPECT_EQ(
+      thrownText<std::logic_error>([&] { unarchiver.encodeNumberArray(VEQNumberArray(), "a"); }),
+      "This coder does not encode.");
+  EXPECT_EQ(
+      thrownText<std::logic_error>([&] { unarchiver.encodePropertyTable(PropertyTable(), "a"); }),
+      "This coder does not encode.");
 }
 
 TEST(KeyedUnarchiver, FindsEntriesInAnyOrderAndMoreThanOnce) {

@@ -5,21 +5,10 @@
 #include <utility>
 
 #include "tests/formats/format_support.hpp"
-#include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
 namespace veq::test {
 namespace {
-
-Owned<VEQNetwork> path3(bool directed = false, const VEQNumberArray* edgeWeights = nullptr) {
-  return VEQNetwork::initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
-      VEQNumberArray::ofIndices({0, 1}), VEQNumberArray::ofIndices({1, 2}), directed, nullptr,
-      edgeWeights);
-}
-
-Shared<GenericArray> generic(std::vector<PropertyValue> values) {
-  return std::make_shared<GenericArray>(std::move(values));
-}
 
 Shared<PropertyColumn> vectors(std::string_view text) {
   return VEQVector3dArray::initWithString(text);
@@ -34,7 +23,7 @@ TEST(PajekWriter, WritesTheNumberOfVerticesAndTheEdges) {
 
 TEST(PajekWriter, WritesWeightsWithSixDecimals) {
   const auto weights = VEQNumberArray::ofFloats({0.1F, -3.0F});
-  EXPECT_EQ(path3(true, &weights)->pajekFormattedStringValue(),
+  EXPECT_EQ(path3(true, nullptr, &weights)->pajekFormattedStringValue(),
             "*Vertices 3\r\n*Arcs\r\n1 2 0.100000\r\n2 3 -3.000000\r\n");
 }
 
@@ -146,7 +135,7 @@ Owned<VEQNetwork> throughText(const VEQNetwork& network) {
 
 TEST(PajekRoundTrip, WeightsOfOneAreLost) {
   const auto ones = VEQNumberArray::ofFloats({1.0F, 1.0F});
-  EXPECT_FALSE(throughText(*path3(false, &ones))->isEdgeWeighted());
+  EXPECT_FALSE(throughText(*path3(false, nullptr, &ones))->isEdgeWeighted());
   EXPECT_FALSE(throughText(*path3())->isEdgeWeighted());
 }
 

@@ -7,7 +7,6 @@
 
 #include "tests/formats/format_support.hpp"
 #include "tests/support/log_capture.hpp"
-#include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
 namespace veq::test {
@@ -20,10 +19,6 @@ Owned<VEQNetwork> throughText(const VEQNetwork& network) {
 Owned<VEQNetwork> example() {
   return VEQNetwork::initWithVerticesCount_linksIndexedFrom_toIndices(
       3, VEQNumberArray::ofIndices({0, 1}), VEQNumberArray::ofIndices({1, 2}));
-}
-
-Shared<GenericArray> generic(std::vector<PropertyValue> values) {
-  return std::make_shared<GenericArray>(std::move(values));
 }
 
 TEST(XnetRoundTrip, NamesWithQuotesAndLineFeedsSurvive) {

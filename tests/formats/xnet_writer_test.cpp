@@ -5,24 +5,12 @@
 #include <utility>
 
 #include "tests/formats/format_support.hpp"
-#include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
 namespace veq::test {
 namespace {
 
 using internal::CoreAccess;
-
-Owned<VEQNetwork> path3(bool directed = false, const VEQNumberArray* vertexWeights = nullptr,
-                        const VEQNumberArray* edgeWeights = nullptr) {
-  return VEQNetwork::initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
-      VEQNumberArray::ofIndices({0, 1}), VEQNumberArray::ofIndices({1, 2}), directed, vertexWeights,
-      edgeWeights);
-}
-
-Shared<GenericArray> generic(std::vector<PropertyValue> values) {
-  return std::make_shared<GenericArray>(std::move(values));
-}
 
 TEST(XnetWriter, ANamelessUnweightedNetworkHasNoVertexLines) {
   EXPECT_EQ(path3()->formattedStringValue(),
