@@ -1,5 +1,4 @@
 #include <array>
-#include <limits>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -8,6 +7,7 @@
 #include "veq/base/text_escapes.hpp"
 #include "veq/base/text_scanner.hpp"
 #include "veq/formats/internal/pajek.hpp"
+#include "veq/formats/internal/text_topology.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
@@ -36,12 +36,6 @@ struct PositionEntry {
   std::uint64_t vertex;
   std::array<float, 3> at;
 };
-
-/// Files count from 1; a number below that names nothing that can be.
-std::uint64_t asIndex(std::int64_t number) {
-  return number < 1 ? std::numeric_limits<std::uint64_t>::max()
-                    : static_cast<std::uint64_t>(number) - 1;
-}
 
 /// Each step answers false where the whole read fails.
 class PajekReader {
@@ -86,17 +80,14 @@ class PajekReader {
       section_ = candidate.section;
       // Only the weights start afresh, so that those of earlier sections are lost.
       weights_.clear();
-      if (section_ == Section::kArcs) directed_ = true;
+      if (section_ == Section::kArcs) topology_.setDirected(true);
       break;
     }
     return true;
   }
 
   bool readVerticesHeader() {
-    scanner_.skipBlanks();
-    const std::optional<std::int64_t> count = scanner_.readInteger();
-    if (!count) return false;
-    vertexCount_ = *count;
+    if (!topology_.readVertexCount(scanner_)) return false;
     names_.clear();
     positions_.clear();
     section_ = Section::kVertices;
@@ -121,76 +112,62 @@ class PajekReader {
       hasPosition |= value.has_value();
     }
     positionsSeen_ |= hasPosition;
-    if (!number || *number < 1 || *number > vertexCount_) return !name && !hasPosition;
-    const std::uint64_t vertex = asIndex(*number);
+    if (!number || *number < 1 || *number > topology_.vertexCount()) return !name && !hasPosition;
+    const auto vertex = static_cast<std::uint64_t>(*number - 1);
     if (name) names_.push_back({vertex, *name});
     // From the first position on, a vertex without one is at the origin.
     if (positionsSeen_) positions_.push_back({vertex, at});
     return true;
   }
 
-  /// Ends that cannot be read are those of the line before.
   void readEdge() {
-    source_ = scanner_.readInteger().value_or(source_);
-    scanner_.skipBlanks();
-    target_ = scanner_.readInteger().value_or(target_);
+    topology_.readSource(scanner_);
+    topology_.readTarget(scanner_);
     scanner_.skipBlanks();
     append(scanner_.readFloat().value_or(1.0F), section_ == Section::kEdges);
   }
 
   void readEdgesOfOneVertex() {
-    source_ = scanner_.readInteger().value_or(source_);
-    for (;;) {
-      scanner_.skipBlanks();
-      const std::optional<std::int64_t> target = scanner_.readInteger();
-      if (!target) return;
-      target_ = *target;
-      append(1.0F, section_ == Section::kEdgesList);
-    }
+    topology_.readSource(scanner_);
+    while (topology_.readTarget(scanner_)) append(1.0F, section_ == Section::kEdgesList);
   }
 
   /// Behind arcs an edge is two of them, one each way.
   void append(float weight, bool isEdge) {
-    appendArc(source_, target_, weight);
-    if (isEdge && directed_) appendArc(target_, source_, weight);
+    topology_.append();
+    appendWeight(weight);
+    if (!isEdge || !topology_.isDirected()) return;
+    topology_.appendReverse();
+    appendWeight(weight);
   }
 
-  void appendArc(std::int64_t source, std::int64_t target, float weight) {
-    from_.push_back(asIndex(source));
-    to_.push_back(asIndex(target));
+  void appendWeight(float weight) {
     weights_.push_back(weight);
     weighted_ |= weight != 1.0F;
   }
 
   std::optional<NetworkDraft> finish() {
-    if (vertexCount_ < 0) return std::nullopt;
-    if (weighted_ && weights_.size() != from_.size()) return std::nullopt;
-    const std::optional<std::uint64_t> count =
-        countVertices(static_cast<std::uint64_t>(vertexCount_), from_, to_);
-    if (!count) return std::nullopt;
-    NetworkDraft draft;
-    draft.vertexCount = *count;
-    draft.from = std::move(from_);
-    draft.to = std::move(to_);
-    draft.directed = directed_;
-    if (weighted_) draft.edgesWeights = std::move(weights_);
+    if (weighted_ && weights_.size() != topology_.edgeCount()) return std::nullopt;
+    std::optional<NetworkDraft> draft = topology_.finish();
+    if (!draft) return std::nullopt;
+    if (weighted_) draft->edgesWeights = std::move(weights_);
     // Only now is the file known to be good, and its number of vertices worth memory.
-    if (namesSeen_) requireMemory(draft.vertexCount, sizeof(PropertyValue));
-    if (positionsSeen_) requireMemory(draft.vertexCount, sizeof(VEQVector3d));
-    if (namesSeen_) draft.verticesProperties.set("Name", names());
-    if (positionsSeen_) draft.verticesProperties.set("Position", positions());
+    if (namesSeen_) requireMemory(draft->vertexCount, sizeof(PropertyValue));
+    if (positionsSeen_) requireMemory(draft->vertexCount, sizeof(VEQVector3d));
+    if (namesSeen_) draft->verticesProperties.set("Name", names());
+    if (positionsSeen_) draft->verticesProperties.set("Position", positions());
     return draft;
   }
 
   [[nodiscard]] Shared<PropertyColumn> names() const {
-    std::vector<PropertyValue> values(static_cast<std::size_t>(vertexCount_),
+    std::vector<PropertyValue> values(static_cast<std::size_t>(topology_.vertexCount()),
                                       PropertyValue(std::string()));
     for (const NameEntry& entry : names_) values[entry.vertex] = unescaped(entry.escaped);
     return std::make_shared<GenericArray>(std::move(values));
   }
 
   [[nodiscard]] Shared<PropertyColumn> positions() const {
-    const auto count = static_cast<std::size_t>(vertexCount_);
+    const auto count = static_cast<std::size_t>(topology_.vertexCount());
     auto column = VEQVector3dArray::initWithSize_precision(count, kDoublePrecision);
     // A header behind the vertices makes the range ten times as large.
     const double scale = section_ == Section::kVertices ? 1.0 : 10.0;
@@ -204,17 +181,11 @@ class PajekReader {
 
   TextScanner scanner_;
   Section section_ = Section::kNone;
-  std::int64_t vertexCount_ = 0;
+  TextTopology topology_{/*first=*/1};
   bool namesSeen_ = false;
   bool positionsSeen_ = false;
   std::vector<NameEntry> names_;
   std::vector<PositionEntry> positions_;
-  /// The ends of the last edge, kept over sections.
-  std::int64_t source_ = 0;
-  std::int64_t target_ = 0;
-  RawVector<std::uint64_t> from_;
-  RawVector<std::uint64_t> to_;
-  bool directed_ = false;
   Weights weights_;
   bool weighted_ = false;
 };

@@ -1,5 +1,4 @@
 #include <array>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -8,6 +7,7 @@
 #include "veq/base/text_escapes.hpp"
 #include "veq/base/text_scanner.hpp"
 #include "veq/formats/internal/six_decimals.hpp"
+#include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -17,11 +17,6 @@ namespace {
 
 enum class Section { kNone, kVertices, kEdges, kVertexProperty, kEdgeProperty };
 enum class ValueType { kNumber, kVector2d, kVector3d, kString };
-
-/// A negative index names nothing that can be.
-std::uint64_t asIndex(std::int64_t value) {
-  return value < 0 ? std::numeric_limits<std::uint64_t>::max() : static_cast<std::uint64_t>(value);
-}
 
 /// The lines of one property section on their way to a column.
 class ColumnDraft {
@@ -159,10 +154,7 @@ class XnetReader {
   }
 
   bool readVerticesHeader() {
-    scanner_.skipBlanks();
-    const std::optional<std::int64_t> count = scanner_.readInteger();
-    if (!count) return false;
-    vertexCount_ = *count;
+    if (!topology_.readVertexCount(scanner_)) return false;
     scanner_.skipBlanks();
     renewWeights(verticesWeights_);
     names_.clear();
@@ -174,8 +166,8 @@ class XnetReader {
     scanner_.skipBlanks();
     renewWeights(edgesWeights_);
     scanner_.skipBlanks();
-    if (scanner_.matchPrefix("directed")) directed_ = true;
-    if (scanner_.matchPrefix("undirected")) directed_ = false;
+    if (scanner_.matchPrefix("directed")) topology_.setDirected(true);
+    if (scanner_.matchPrefix("undirected")) topology_.setDirected(false);
     section_ = Section::kEdges;
     return true;
   }
@@ -223,13 +215,10 @@ class XnetReader {
     return true;
   }
 
-  /// Ends that cannot be read are those of the line before.
   void readEdge() {
-    source_ = scanner_.readInteger().value_or(source_);
-    scanner_.skipBlanks();
-    target_ = scanner_.readInteger().value_or(target_);
-    from_.push_back(asIndex(source_));
-    to_.push_back(asIndex(target_));
+    topology_.readSource(scanner_);
+    topology_.readTarget(scanner_);
+    topology_.append();
     if (!edgesWeights_) return;
     scanner_.skipBlanks();
     edgesWeights_->push_back(scanner_.readFloat().value_or(1.0F));
@@ -247,34 +236,21 @@ class XnetReader {
   }
 
   std::optional<NetworkDraft> finish() {
-    if (vertexCount_ < 0) return std::nullopt;
-    const std::optional<std::uint64_t> count =
-        countVertices(static_cast<std::uint64_t>(vertexCount_), from_, to_);
-    if (!count) return std::nullopt;
-    NetworkDraft draft;
-    draft.vertexCount = *count;
-    draft.from = std::move(from_);
-    draft.to = std::move(to_);
-    draft.directed = directed_;
-    draft.verticesWeights = std::move(verticesWeights_);
-    draft.edgesWeights = std::move(edgesWeights_);
-    draft.verticesProperties = std::move(verticesProperties_);
-    draft.edgesProperties = std::move(edgesProperties_);
+    std::optional<NetworkDraft> draft = topology_.finish();
+    if (!draft) return std::nullopt;
+    draft->verticesWeights = std::move(verticesWeights_);
+    draft->edgesWeights = std::move(edgesWeights_);
+    draft->verticesProperties = std::move(verticesProperties_);
+    draft->edgesProperties = std::move(edgesProperties_);
     return draft;
   }
 
   TextScanner scanner_;
   Section section_ = Section::kNone;
   ColumnDraft column_;
-  std::int64_t vertexCount_ = 0;
+  TextTopology topology_{/*first=*/0};
   std::vector<PropertyValue> names_;
   std::optional<Weights> verticesWeights_;
-  /// The ends of the last edge line, kept over sections.
-  std::int64_t source_ = 0;
-  std::int64_t target_ = 0;
-  RawVector<std::uint64_t> from_;
-  RawVector<std::uint64_t> to_;
-  bool directed_ = false;
   std::optional<Weights> edgesWeights_;
   PropertyTable verticesProperties_;
   PropertyTable edgesProperties_;
