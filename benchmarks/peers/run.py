@@ -1,20 +1,26 @@
 #!/usr/bin/env python3
 """Measures the library beside the peers that were built, and prints one table of ratios.
 
-    run.py DIRECTORY [--only TASK[,TASK]] [--skip TEXT] [--rounds N] [--cpu N] [--work DIRECTORY]
-           [--markdown]
+    run.py DIRECTORY [--only TASK[,TASK]] [--largest SIZE] [--rounds N] [--quick] [--cpu N]
+           [--work DIRECTORY] [--markdown]
 
-DIRECTORY holds the programs. Every line of the table compares medians of one run: the programs of
+DIRECTORY holds the programs. --largest leaves out the lines with more vertices, edges or numbers,
+--quick those with more than 1e5, for a look. Every line of the table compares medians of one run: the programs of
 a line take turns, `rounds` times, on one core. A bar is the largest ratio of our figure to the
 peer's that is good enough. Where results must be equal, the checksums are compared.
 """
 import argparse
 import dataclasses
 import os
+import re
 import statistics
 import subprocess
 import sys
 import tempfile
+import time
+
+# Peers take seconds for a call of this size, so that fewer repetitions do.
+LARGE = 1e7
 
 
 @dataclasses.dataclass
@@ -34,6 +40,16 @@ class Line:
     peers: list = dataclasses.field(default_factory=list)
     figure: str = ""  # an extra of the row instead of the time
     limit: float = 0  # on our figure itself, or the least where negative
+
+    @property
+    def size(self):
+        return size_of(self.call)
+
+
+def size_of(call):
+    """The most vertices, edges or numbers that a call speaks of."""
+    sizes = re.findall(r"\b[mn]=([0-9.e]+)|/([0-9.e]+)\.(?:net|xnet|edges)\b", call)
+    return max((float(a or b) for a, b in sizes), default=0)
 
 
 def building():
@@ -171,6 +187,8 @@ class Runner:
     def once(self, program, call):
         """One process: (figures by name, checksum). The time is in seconds."""
         command = [*self.pin, self.programs[program], *call.split()]
+        if program != "veq" and "reps=" not in call and size_of(call) >= LARGE:
+            command.append("reps=3")
         row = subprocess.run(command, check=True, capture_output=True, text=True).stdout
         _, parameters, median, _, _, _, checksum = row.strip().split(",")
         figures = dict(p.split("=", 1) for p in parameters.split(";") if "=" in p)
@@ -208,12 +226,16 @@ def main():
     options = argparse.ArgumentParser()
     options.add_argument("directory")
     options.add_argument("--only", default="")
-    options.add_argument("--skip", default="", help="leave out the calls that contain this text")
-    options.add_argument("--rounds", type=int, default=3)
+    options.add_argument("--largest", type=float, default=float("inf"))
+    options.add_argument("--rounds", type=int, default=1)
+    options.add_argument("--quick", action="store_true")
     options.add_argument("--cpu", default="1")
     options.add_argument("--work", default="")
     options.add_argument("--markdown", action="store_true")
     options = options.parse_args()
+    if options.quick:
+        options.largest = min(options.largest, 1e5)
+    begin = time.monotonic()
     only = [name for name in options.only.split(",") if name]
     runner = Runner(options.directory, options.cpu)
 
@@ -223,7 +245,7 @@ def main():
         lines = [*building(), *questions(), *components(), *models(), *walks(), *texts(work),
                  *archives()]
         lines = [l for l in lines if not only or l.group in only]
-        lines = [l for l in lines if not options.skip or options.skip not in l.call]
+        lines = [l for l in lines if l.size <= options.largest]
         files(runner, work, lines)
         table = (lambda *cells: print("| " + " | ".join(cells) + " |", flush=True)) \
             if options.markdown else \
@@ -246,7 +268,8 @@ def main():
                 table(line.group, line.name, shown(ours, line.figure), beside,
                       shown(theirs, line.figure), f"{ratio:.3f}", f"{peer.bar:.3g}",
                       "" if ratio <= peer.bar else "missed")
-    print(f"{missed} bars missed", file=sys.stderr)
+    minutes = (time.monotonic() - begin) / 60
+    print(f"{missed} bars missed; {minutes:.1f} minutes", file=sys.stderr)
 
 
 if __name__ == "__main__":
