@@ -25,6 +25,18 @@ std::vector<std::pair<std::string, int>> entriesOf(const KeyedTable<int>& table)
   return {table.begin(), table.end()};
 }
 
+TEST(KeyedTable, ThatIsEmptyCanBeCopiedAssignedAndAskedToForget) {
+  const KeyedTable<int> empty;
+  KeyedTable<int> copy = empty;
+  copy.remove("Name");
+  EXPECT_TRUE(copy.empty());
+  copy.set("Name", 1);
+  EXPECT_EQ(*copy.find("Name"), 1);
+  copy = empty;
+  EXPECT_EQ(copy.find("Name"), nullptr);
+  EXPECT_TRUE(copy.empty());
+}
+
 TEST(KeyedTable, StartsEmpty) {
   const KeyedTable<int> table;
   EXPECT_TRUE(table.empty());
@@ -68,6 +80,36 @@ TEST(KeyedTable, RemovingAKeyThatIsNotThereChangesNothing) {
   KeyedTable<int> table = threeKeys();
   table.remove("Street");
   EXPECT_THAT(table.keys(), ElementsAre("Name", "Age", "City"));
+}
+
+TEST(KeyedTable, WithManyKeysFindsThemAllAfterChangesAndInACopy) {
+  KeyedTable<int> table;
+  for (const char* key : {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j"}) {
+    table.set(key, static_cast<int>(table.size()));
+  }
+  table.set("b", 21);
+  table.remove("a");
+  table.remove("i");
+  table.set("a", 30);
+  table.remove("z");
+  const auto entries =
+      ElementsAre(Pair("b", 21), Pair("c", 2), Pair("d", 3), Pair("e", 4), Pair("f", 5),
+                  Pair("g", 6), Pair("h", 7), Pair("j", 9), Pair("a", 30));
+  EXPECT_THAT(entriesOf(table), entries);
+  KeyedTable<int> copy = table;
+  table.remove("b");
+  EXPECT_THAT(entriesOf(copy), entries);
+  EXPECT_EQ(*copy.find("b"), 21);
+  EXPECT_EQ(*copy.find("j"), 9);
+  EXPECT_EQ(*copy.find("a"), 30);
+  EXPECT_EQ(copy.find("i"), nullptr);
+  EXPECT_EQ(table.find("b"), nullptr);
+  EXPECT_EQ(*table.find("c"), 2);
+  copy.set("k", 40);
+  copy.remove(copy.begin()->first);
+  EXPECT_EQ(copy.find("b"), nullptr);
+  EXPECT_EQ(*copy.find("c"), 2);
+  EXPECT_EQ(*copy.find("k"), 40);
 }
 
 TEST(KeyedTable, CanRemoveAndSetAKeyThroughItsOwnEntry) {

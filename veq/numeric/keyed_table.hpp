@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -25,7 +26,9 @@ class KeyedTable {
   using Entry = std::pair<std::string, Value>;
 
   KeyedTable() = default;
-  KeyedTable(const KeyedTable&) = default;
+  KeyedTable(const KeyedTable& other)
+      : entries_(other.entries_),
+        positions_(other.positions_ ? std::make_unique<Positions>(*other.positions_) : nullptr) {}
   KeyedTable(KeyedTable&&) noexcept = default;
   /// By way of a copy, so that a failure leaves the entries and their positions in agreement.
   KeyedTable& operator=(KeyedTable other) noexcept {
@@ -43,21 +46,23 @@ class KeyedTable {
 
   /// The value under the key, or null. It stays where it is until the table changes.
   [[nodiscard]] const Value* find(std::string_view key) const {
-    const auto at = positions_.find(key);
-    return at == positions_.end() ? nullptr : &entries_[at->second].second;
+    if (!positions_) return nullptr;
+    const auto at = positions_->find(key);
+    return at == positions_->end() ? nullptr : &entries_[at->second].second;
   }
   /// Whether anything stands under the key.
   [[nodiscard]] bool contains(std::string_view key) const { return find(key) != nullptr; }
 
   /// Stores the value under the key; a key that is already there keeps its place.
   void set(std::string_view key, Value value) {
-    if (const auto at = positions_.find(key); at != positions_.end()) {
+    if (!positions_) positions_ = std::make_unique<Positions>();
+    if (const auto at = positions_->find(key); at != positions_->end()) {
       entries_[at->second].second = std::move(value);
       return;
     }
     entries_.emplace_back(std::string(key), std::move(value));
     try {
-      positions_.emplace(key, entries_.size() - 1);
+      positions_->emplace(key, entries_.size() - 1);
     } catch (...) {
       entries_.pop_back();
       throw;
@@ -66,12 +71,13 @@ class KeyedTable {
 
   /// Forgets the key, if it is there. O(keys).
   void remove(std::string_view key) {
-    const auto at = positions_.find(key);
-    if (at == positions_.end()) return;
+    if (!positions_) return;
+    const auto at = positions_->find(key);
+    if (at == positions_->end()) return;
     const std::size_t removed = at->second;
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(removed));
-    positions_.erase(at);
-    for (auto& [name, position] : positions_) position -= position > removed;
+    positions_->erase(at);
+    for (auto& [name, position] : *positions_) position -= position > removed;
   }
 
   /// In the order of their first setting.
@@ -90,8 +96,12 @@ class KeyedTable {
     }
   };
 
+  using Positions = std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>>;
+
   std::vector<Entry> entries_;
-  std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> positions_;
+  // Made by the first key: networks have two tables each, and there may be very many that are
+  // empty.
+  std::unique_ptr<Positions> positions_;
 };
 
 /// The property columns of a network's vertices or edges.
