@@ -265,22 +265,24 @@ Shared<VEQNumberArray> VEQNetwork::calcInStrengths() const {
 
 float* VEQNetwork::buildAdjacencyMatrixInPointer(float* buffer) const {
   const std::uint64_t n = countVertices();
-  const std::uint64_t m = countEdges();
   if (n != 0 && n > SIZE_MAX / sizeof(float) / n) throw std::bad_alloc();
-  if (buffer) {
-    std::memset(buffer, 0, n * n * sizeof(float));
-  } else {
+  const bool clear = buffer != nullptr;
+  if (!buffer) {
     // One cell where there is none, so that null never stands for an empty matrix.
     buffer = static_cast<float*>(std::calloc(n == 0 ? 1 : n * n, sizeof(float)));
     if (!buffer) throw std::bad_alloc();
   }
+  // Row by row, while a row that was just cleared is still in the cache. A list is in edge order,
+  // and has an undirected self-loop twice, so that each cell's sum is that of one pass over the
+  // edges.
   core_->store.visit([&](const auto& topology) {
-    for (std::uint64_t e = 0; e < m; ++e) {
-      const std::uint64_t from = topology.from[e];
-      const std::uint64_t to = topology.to[e];
-      const float weight = core_->edgesWeights ? (*core_->edgesWeights)[e] : 1.0f;
-      buffer[n * from + to] += weight;
-      if (!isDirected()) buffer[n * to + from] += weight;
+    const float* const weights = core_->edgesWeights ? core_->edgesWeights->data() : nullptr;
+    for (std::uint64_t v = 0; v < n; ++v) {
+      float* const row = buffer + n * v;
+      if (clear) std::memset(row, 0, n * sizeof(float));
+      for (const auto& entry : topology.out.list(v)) {
+        row[entry.neighbour] += weights ? weights[entry.edge] : 1.0f;
+      }
     }
   });
   return buffer;
