@@ -96,7 +96,7 @@ VEQVertexArray VEQNetworkAgentsGroup::agentsCurrentVerticesList() const {
   VEQVertexArray::Indices indices(
       state_->positions.begin(),
       state_->positions.begin() + static_cast<std::ptrdiff_t>(state_->agents));
-  return {internal::CoreAccess::of(*state_->network).vertices, std::move(indices)};
+  return {internal::CoreAccess::of(*state_->network).vertices(), std::move(indices)};
 }
 
 Shared<VEQVertex> VEQNetworkAgentsGroup::currentVertexOfAgent(std::uint64_t agent) const {

@@ -87,13 +87,13 @@ std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, Ends& ends) {
 }  // namespace
 
 void VEQNetwork::encodeWithCoder(VEQCoder& coder) const {
-  internal::requireArchivable(*core_->edgesProperties);
-  internal::requireArchivable(*core_->verticesProperties);
+  internal::requireArchivable(core_->properties->edges);
+  internal::requireArchivable(core_->properties->vertices);
   coder.encodeBool(isDirected(), kDirected);
   coder.encodeBool(isEdgeWeighted(), kEdgeWeighted);
   coder.encodeBool(isVertexWeighted(), kVertexWeighted);
-  coder.encodePropertyTable(*core_->edgesProperties, kEdgesProperties);
-  coder.encodePropertyTable(*core_->verticesProperties, kVerticesProperties);
+  coder.encodePropertyTable(core_->properties->edges, kEdgesProperties);
+  coder.encodePropertyTable(core_->properties->vertices, kVerticesProperties);
   core_->store.visit([&](const auto& topology) {
     coder.encodeNumberArray(indicesOf(topology.from.data(), countEdges()), kFromList);
     coder.encodeNumberArray(indicesOf(topology.to.data(), countEdges()), kToList);

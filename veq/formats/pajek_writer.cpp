@@ -16,7 +16,7 @@ constexpr std::string_view kLineEnd = "\r\n";
 /// A copy of the network's positions, each axis between 0 and 1; null where there is not one
 /// position for each vertex.
 Owned<VEQVector3dArray> writablePositions(const NetworkCore& core) {
-  const Shared<PropertyColumn>* const column = core.verticesProperties->find("Position");
+  const Shared<PropertyColumn>* const column = core.properties->vertices.find("Position");
   if (!column) return nullptr;
   Owned<VEQVector3dArray> positions;
   try {
@@ -45,7 +45,7 @@ void appendVertices(std::string& out, const NetworkCore& core) {
   out += "*Vertices ";
   appendInteger(out, count);
   out += kLineEnd;
-  const Shared<PropertyColumn>* const column = core.verticesProperties->find("Name");
+  const Shared<PropertyColumn>* const column = core.properties->vertices.find("Name");
   const std::optional<ColumnText> names =
       column ? std::optional<ColumnText>(**column) : std::nullopt;
   const Owned<VEQVector3dArray> positions = writablePositions(core);

@@ -15,11 +15,11 @@ class XnetWriter {
   std::string write() {
     writeVertices();
     writeEdges();
-    for (const auto& [key, column] : *core_.verticesProperties) {
+    for (const auto& [key, column] : core_.properties->vertices) {
       if (!isReservedKey(key) && key != "Name") writeProperty(key, *column);
     }
     // The vertex header stands before edge columns, too: the format has no writer for the other.
-    for (const auto& [key, column] : *core_.edgesProperties) {
+    for (const auto& [key, column] : core_.properties->edges) {
       if (!isReservedKey(key)) writeProperty(key, *column);
     }
     return std::move(out_);
@@ -31,7 +31,7 @@ class XnetWriter {
     out_ += "#vertices ";
     appendInteger(out_, count);
     out_ += core_.verticesWeights ? " weighted\n" : " nonweighted\n";
-    const Shared<PropertyColumn>* const names = core_.verticesProperties->find("Name");
+    const Shared<PropertyColumn>* const names = core_.properties->vertices.find("Name");
     if (names) {
       writeNamedVertices(ColumnText(**names), count);
     } else if (core_.verticesWeights) {

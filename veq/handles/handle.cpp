@@ -10,8 +10,9 @@ namespace veq {
 template <class Self>
 Shared<Self> Handle<Self>::initAtNetwork_identification(const VEQNetwork& network,
                                                         std::uint64_t identification) {
-  auto owner = std::make_shared<internal::LoneHandle<Self>>(internal::CoreAccess::of(network).life,
-                                                            identification);
+  const auto& handles = internal::CoreAccess::of(network).handles;
+  auto owner = std::make_shared<internal::LoneHandle<Self>>(
+      Shared<internal::LifeRecord>(handles, &handles->record), identification);
   return Shared<Self>(owner, &owner->handle);
 }
 

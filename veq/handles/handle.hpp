@@ -60,7 +60,7 @@ class VEQ_EXPORT Handle {
   /// lived at the same address one after the other are different ones. Null, and a handle of the
   /// other kind, are never equal.
   [[nodiscard]] bool isEqual(const Self& other) const {
-    return owner_->life == other.owner_->life && identification_ == other.identification_;
+    return &life() == &other.life() && identification_ == other.identification_;
   }
   [[nodiscard]] bool isEqual(const Shared<Self>& other) const { return other && isEqual(*other); }
   template <class Other>
@@ -73,7 +73,7 @@ class VEQ_EXPORT Handle {
   }
 
   /// Whether the handle belongs to the network that this record stands for; for the library's use.
-  [[nodiscard]] const internal::LifeRecord& life() const { return *owner_->life; }
+  [[nodiscard]] const internal::LifeRecord& life() const { return owner_->life; }
 
  private:
   internal::HandleOwner* owner_;

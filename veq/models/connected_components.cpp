@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -79,24 +81,23 @@ struct Part {
 };
 
 HandleRun runOf(const NetworkCore& core, std::span<const std::uint64_t> indices) {
-  return {core.life.get(), indices.size(), indices.data()};
+  return {core.life(), indices.size(), indices.data()};
 }
 
 // What initWithVertices_edges_directed_... makes of the part's handles.
-Owned<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
-                            std::optional<Weights> verticesWeights,
-                            std::optional<Weights> edgesWeights) {
+Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
+                             std::optional<Weights> verticesWeights,
+                             std::optional<Weights> edgesWeights) {
   logDiagnostic(edgesWeights ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
   const HandleRun vertices = runOf(core, part.vertices);
   const HandleRun edges = runOf(core, part.edges);
-  internal::askDoubtful(*core.vertices, vertices,
+  internal::askDoubtful(core.handles->vertices, vertices,
                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
-  internal::askDoubtful(*core.edges, edges,
+  internal::askDoubtful(core.handles->edges, edges,
                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
-  internal::CarriedProperties properties;
-  if (vertices.count != 0)
-    properties.ofVertices = internal::carriedVertexProperties({&vertices, 1});
-  if (edges.count != 0) properties.ofEdges = internal::carriedEdgeProperties({&edges, 1});
+  internal::NetworkProperties properties;
+  if (vertices.count != 0) properties.vertices = internal::carriedVertexProperties({&vertices, 1});
+  if (edges.count != 0) properties.edges = internal::carriedEdgeProperties({&edges, 1});
   NetworkDraft draft;
   draft.vertexCount = vertices.count;
   draft.from = IndexList(part.from);
@@ -104,9 +105,9 @@ Owned<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
   draft.directed = core.store.directed();
   draft.verticesWeights = std::move(verticesWeights);
   draft.edgesWeights = std::move(edgesWeights);
-  Owned<VEQNetwork> network = CoreAccess::build(std::move(draft));
-  internal::install(std::move(properties), *network);
-  return network;
+  std::unique_ptr<NetworkCore> made = CoreAccess::buildCore(std::move(draft));
+  internal::install(std::move(properties), *made);
+  return CoreAccess::shared(std::move(made));
 }
 
 // Positions where the items of each group start when items are sorted by group, and the end.
@@ -251,9 +252,9 @@ Shared<VEQNetwork> VEQNetwork::largestConnectedSubNetwork() const {
     return LargestPart(findComponents(store, topology), topology, store.edgeCount());
   });
   std::optional<Weights> verticesWeights =
-      weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), *core_->vertices);
+      weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), core_->handles->vertices);
   std::optional<Weights> edgesWeights =
-      weightsAt(core_->edgesWeights, runOf(*core_, largest.edges), *core_->edges);
+      weightsAt(core_->edgesWeights, runOf(*core_, largest.edges), core_->handles->edges);
   logWeights(edgesWeights);
   Shared<VEQNetwork> network =
       networkOf(*core_, largest.part(), std::move(verticesWeights), std::move(edgesWeights));

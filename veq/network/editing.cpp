@@ -26,7 +26,7 @@ void requireVertices(EdgeEnds edges, std::uint64_t n) {
 
 void requireOwn(const NetworkCore& core, const VEQVertex& source, const VEQVertex& target,
                 const char* message) {
-  if (&source.life() == core.life.get() && &target.life() == core.life.get()) return;
+  if (&source.life() == core.life() && &target.life() == core.life()) return;
   throw std::invalid_argument(message);
 }
 
@@ -61,13 +61,13 @@ void VEQNetwork::addEdgesFromVerticesIndices_toVerticesIndices_count(const std::
 
   const std::uint64_t edgesAfter = countEdges() + count;
   if (core_->edgesWeights) reserveInWeights(*core_->edgesWeights, edgesAfter);
-  reserveInColumns(*core_->edgesProperties, count);
+  reserveInColumns(core_->properties->edges, count);
   core_->store.insert(edges);
 
   // From here on nothing fails. Handles come into being when somebody asks for them.
   if (edgesAfter > core_->edgesCapacity) core_->edgesCapacity = 2 * edgesAfter;
   if (core_->edgesWeights) core_->edgesWeights->resize(edgesAfter, 1.0f);
-  for (const auto& entry : *core_->edgesProperties) entry.second->appendUnset(count);
+  for (const auto& entry : core_->properties->edges) entry.second->appendUnset(count);
 }
 
 Shared<VEQEdge> VEQNetwork::linkVertex_to(const VEQVertex& source, const VEQVertex& target) {
@@ -75,7 +75,7 @@ Shared<VEQEdge> VEQNetwork::linkVertex_to(const VEQVertex& source, const VEQVert
   const std::uint64_t from = source.identification();
   const std::uint64_t to = target.identification();
   // The handle first: once the edge is there, nothing may fail.
-  Shared<VEQEdge> edge = core_->edges->sharedAt(countEdges());
+  Shared<VEQEdge> edge = core_->handles->edges.sharedAt(countEdges());
   addEdgesFromVerticesIndices_toVerticesIndices_count(&from, &to, 1);
   return edge;
 }

@@ -12,13 +12,13 @@
 
 namespace veq {
 
-using internal::CarriedProperties;
 using internal::CoreAccess;
 using internal::HandlePositions;
 using internal::HandleRun;
 using internal::HandleRuns;
 using internal::NetworkCore;
 using internal::NetworkDraft;
+using internal::NetworkProperties;
 using internal::PositionsInNetwork;
 using internal::RawVector;
 using internal::Weights;
@@ -129,7 +129,7 @@ VEQVertexArray distinctEnds(const VEQVertexArray& from, const VEQVertexArray& to
   const auto enter = [&](const VEQVertexArray& array, std::uint64_t i) {
     const std::uint64_t index = array.identificationAtIndex(i);
     const auto& table = array.table();
-    const HandleRun run = table ? HandleRun{table->life.get(), array.count(), nullptr}
+    const HandleRun run = table ? HandleRun{&table->life(), array.count(), nullptr}
                                 : HandleRun{&array.handleAt(i).life(), 1, nullptr};
     if (positions.inNetworkOf(run).enter(index, distinct.size())) distinct.push_back(array[i]);
   };
@@ -152,16 +152,16 @@ bool hasVertexForEnds(const NetworkDraft& draft) {
 
 template <class Produce>
 Owned<VEQNetwork> makeCarrying(Produce produce) {
-  CarriedProperties carried;
+  NetworkProperties carried;
   Owned<VEQNetwork> network = CoreAccess::make([&] { return produce(carried); });
-  if (network) internal::install(std::move(carried), *network);
+  if (network) internal::install(std::move(carried), CoreAccess::of(*network));
   return network;
 }
 
 template <class GiveWeights>
 Owned<VEQNetwork> fromVerticesAndEdges(const VEQVertexArray& vertices, const VEQEdgeArray& edges,
                                        bool directed, GiveWeights giveWeights) {
-  return makeCarrying([&](CarriedProperties& carried) -> std::optional<NetworkDraft> {
+  return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
     NetworkDraft draft;
     draft.vertexCount = vertices.count();
     draft.directed = directed;
@@ -172,8 +172,8 @@ Owned<VEQNetwork> fromVerticesAndEdges(const VEQVertexArray& vertices, const VEQ
     askForProperties(vertices, givenVertices);
     internal::askDoubtful(edges, givenEdges,
                           [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
-    carried.ofVertices = internal::carriedVertexProperties(givenVertices.runs());
-    carried.ofEdges = internal::carriedEdgeProperties(givenEdges.runs());
+    carried.vertices = internal::carriedVertexProperties(givenVertices.runs());
+    carried.edges = internal::carriedEdgeProperties(givenEdges.runs());
     Ends ends = endsOf(givenVertices, givenEdges);
     draft.from = std::move(ends.from);
     draft.to = std::move(ends.to);
@@ -200,7 +200,7 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     const std::optional<VEQVertexArray>& vertices, const VEQVertexArray& from,
     const VEQVertexArray& to, bool directed, const VEQNumberArray* verticesWeights,
     const VEQNumberArray* edgesWeights) {
-  return makeCarrying([&](CarriedProperties& carried) -> std::optional<NetworkDraft> {
+  return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
     if (from.count() != to.count()) return std::nullopt;
     const VEQVertexArray all = vertices ? *vertices : distinctEnds(from, to);
     NetworkDraft draft;
@@ -210,7 +210,7 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     if (!weightsFit(draft, from.count())) return std::nullopt;
     const HandleRuns<VEQVertex> given(all);
     askForProperties(all, given);
-    carried.ofVertices = internal::carriedVertexProperties(given.runs());
+    carried.vertices = internal::carriedVertexProperties(given.runs());
     const HandlePositions positions = positionsOf(given);
     draft.from = positionsOf(from, positions);
     draft.to = positionsOf(to, positions);

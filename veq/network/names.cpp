@@ -23,7 +23,7 @@ std::vector<std::uint64_t> verticesNamed(const internal::NetworkCore& core, std:
                                          bool firstOnly) {
   std::vector<std::uint64_t> found;
   const std::uint64_t n = core.store.vertexCount();
-  const auto* column = core.verticesProperties->find("Name");
+  const auto* column = core.properties->vertices.find("Name");
   if (!column) {
     if (const auto index = indexNamed(name); index && *index < n) found.push_back(*index);
     return found;
@@ -45,7 +45,7 @@ Shared<VEQVertex> VEQNetwork::vertexWithName(std::string_view name) const {
 }
 
 VEQVertexArray VEQNetwork::verticesWithName(std::string_view name) const {
-  return VEQVertexArray(core_->vertices, verticesNamed(*core_, name, false));
+  return VEQVertexArray(core_->vertices(), verticesNamed(*core_, name, false));
 }
 
 }  // namespace veq

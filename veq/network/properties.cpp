@@ -100,13 +100,13 @@ Shared<PropertyColumn> namesAt(const PropertyTable& table, const VEQNumberArray&
 
 void setVertexValue(NetworkCore& core, const PropertyValue& value, std::string_view key,
                     std::uint64_t index) {
-  setValue(*core.verticesProperties, value, key, index,
+  setValue(core.properties->vertices, value, key, index,
            [&] { return internal::newVertexColumn(value, core.store.vertexCount()); });
 }
 
 void setEdgeValue(NetworkCore& core, const PropertyValue& value, std::string_view key,
                   std::uint64_t index) {
-  setValue(*core.edgesProperties, value, key, index, [&]() -> Shared<PropertyColumn> {
+  setValue(core.properties->edges, value, key, index, [&]() -> Shared<PropertyColumn> {
     return GenericArray::nullFilled(core.store.edgeCount());
   });
 }
@@ -114,14 +114,14 @@ void setEdgeValue(NetworkCore& core, const PropertyValue& value, std::string_vie
 }  // namespace
 
 void internal::setVertexValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index) {
-  setValues(*core.verticesProperties, values, index,
+  setValues(core.properties->vertices, values, index,
             [&](const PropertyValue& value, std::string_view key) {
               setVertexValue(core, value, key, index);
             });
 }
 
 void internal::setEdgeValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index) {
-  setValues(*core.edgesProperties, values, index,
+  setValues(core.properties->edges, values, index,
             [&](const PropertyValue& value, std::string_view key) {
               setEdgeValue(core, value, key, index);
             });
@@ -139,46 +139,46 @@ void VEQNetwork::setPropertyValue_forKey_atEdgeIndex(const PropertyValue& value,
 
 void VEQNetwork::setPropertiesOfVertices_forKey(Shared<PropertyColumn> column,
                                                 std::string_view key) {
-  internal::installColumn(*core_->verticesProperties, key, std::move(column));
+  internal::installColumn(core_->properties->vertices, key, std::move(column));
 }
 
 void VEQNetwork::setPropertiesOfEdges_forKey(Shared<PropertyColumn> column, std::string_view key) {
-  internal::installColumn(*core_->edgesProperties, key, std::move(column));
+  internal::installColumn(core_->properties->edges, key, std::move(column));
 }
 
 PropertyMap VEQNetwork::propertiesOfVertexAtIndex(std::uint64_t index) const {
-  return valuesAt(*core_->verticesProperties, index, countVertices());
+  return valuesAt(core_->properties->vertices, index, countVertices());
 }
 
 PropertyMap VEQNetwork::propertiesOfEdgeAtIndex(std::uint64_t index) const {
-  return valuesAt(*core_->edgesProperties, index, countEdges());
+  return valuesAt(core_->properties->edges, index, countEdges());
 }
 
 PropertyTable VEQNetwork::propertiesOfVerticesAtIndexArray(const VEQNumberArray& indices) const {
-  return columnsAt(*core_->verticesProperties, indices);
+  return columnsAt(core_->properties->vertices, indices);
 }
 
 PropertyTable VEQNetwork::propertiesOfInEdgesAtIndexArray(const VEQNumberArray& indices) const {
-  return columnsAt(*core_->edgesProperties, indices);
+  return columnsAt(core_->properties->edges, indices);
 }
 
 Shared<PropertyColumn> VEQNetwork::propertiesOfVerticesAtIndexArray_forKey(
     const VEQNumberArray& indices, std::string_view key) const {
-  return columnAt(*core_->verticesProperties, indices, key);
+  return columnAt(core_->properties->vertices, indices, key);
 }
 
 Shared<PropertyColumn> VEQNetwork::propertiesOfEdgesAtIndexArray_forKey(
     const VEQNumberArray& indices, std::string_view key) const {
-  return columnAt(*core_->edgesProperties, indices, key);
+  return columnAt(core_->properties->edges, indices, key);
 }
 
 Shared<PropertyColumn> VEQNetwork::namesOfVerticesAtIndexArray(
     const VEQNumberArray& indices) const {
-  return namesAt(*core_->verticesProperties, indices);
+  return namesAt(core_->properties->vertices, indices);
 }
 
 Shared<PropertyColumn> VEQNetwork::namesOfEdgesAtIndexArray(const VEQNumberArray& indices) const {
-  return namesAt(*core_->edgesProperties, indices);
+  return namesAt(core_->properties->edges, indices);
 }
 
 Shared<VEQNumberArray> VEQNetwork::areEditableVerticesAtIndexArray(const VEQNumberArray&) const {
@@ -190,17 +190,19 @@ Shared<VEQNumberArray> VEQNetwork::areEditableEdgesAtIndexArray(const VEQNumberA
 }
 
 Shared<const PropertyTable> VEQNetwork::propertiesOfVertices() const {
-  return core_->verticesProperties;
+  return {core_->properties, &core_->properties->vertices};
 }
 
-Shared<const PropertyTable> VEQNetwork::propertiesOfEdges() const { return core_->edgesProperties; }
+Shared<const PropertyTable> VEQNetwork::propertiesOfEdges() const {
+  return {core_->properties, &core_->properties->edges};
+}
 
 std::vector<std::string> VEQNetwork::keysForPropertiesOfVertices() const {
-  return core_->verticesProperties->keys();
+  return core_->properties->vertices.keys();
 }
 
 std::vector<std::string> VEQNetwork::keysForPropertiesOfEdges() const {
-  return core_->edgesProperties->keys();
+  return core_->properties->edges.keys();
 }
 
 }  // namespace veq

@@ -49,12 +49,12 @@ double strengthOf(const NetworkCore& core, std::uint64_t index, Side side) {
 
 VEQEdgeArray edgesOf(const NetworkCore& core, std::uint64_t index, Side side) {
   requireVertex(core, index);
-  return VEQEdgeArray(core.edges, core.store.edges(index, side));
+  return VEQEdgeArray(core.edges(), core.store.edges(index, side));
 }
 
 VEQVertexArray verticesOf(const NetworkCore& core, std::uint64_t index, Side side) {
   requireVertex(core, index);
-  return VEQVertexArray(core.vertices, core.store.neighbours(index, side));
+  return VEQVertexArray(core.vertices(), core.store.neighbours(index, side));
 }
 
 using Column = std::vector<std::uint64_t> (AdjacencyStore::*)(std::uint64_t, Side) const;
@@ -106,7 +106,7 @@ Shared<VEQNumberArray> strengths(const NetworkCore& core, Side side) {
 template <class Result>
 Result forHandle(const VEQNetwork& network, const NetworkCore& core, const VEQVertex& vertex,
                  Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
-  if (&vertex.life() != core.life.get()) return Result();
+  if (&vertex.life() != core.life()) return Result();
   return (network.*indexForm)(vertex.identification());
 }
 
@@ -114,7 +114,7 @@ template <class Result>
 std::optional<Result> arrayForHandle(const VEQNetwork& network, const NetworkCore& core,
                                      const VEQVertex& vertex,
                                      Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
-  if (&vertex.life() != core.life.get()) return std::nullopt;
+  if (&vertex.life() != core.life()) return std::nullopt;
   return (network.*indexForm)(vertex.identification());
 }
 

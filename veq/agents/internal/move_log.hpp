@@ -71,7 +71,7 @@ class MoveLog {
   /// The paths up to the last step committed, after publish().
   [[nodiscard]] VEQVertexPaths paths() const {
     const Index* first = paths_ ? std::get<Block<Index>>(paths_->moves).data() : nullptr;
-    return VEQVertexPaths(CoreAccess::of(*group_.network).vertices, paths_, first, group_.agents,
+    return VEQVertexPaths(CoreAccess::of(*group_.network).vertices(), paths_, first, group_.agents,
                           stepsDone_);
   }
 

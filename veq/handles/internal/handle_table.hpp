@@ -21,9 +21,12 @@ namespace veq::internal {
 ///
 /// Segment s hangs in group bit_width(s + 1) - 1 of a directory; group g has room for 2^g segments.
 template <class Kind>
-class HandleTable final : public HandleOwner {
+class HandleTable {
  public:
-  using HandleOwner::HandleOwner;
+  /// The table is a part of the owner.
+  explicit HandleTable(HandleOwner& owner) : owner_(owner) {}
+  HandleTable(const HandleTable&) = delete;
+  HandleTable& operator=(const HandleTable&) = delete;
   ~HandleTable() {
     Directory* directory = directory_.load(std::memory_order_acquire);
     if (!directory) return;
@@ -73,8 +76,10 @@ class HandleTable final : public HandleOwner {
   }
 
   [[nodiscard]] Shared<Kind> sharedAt(std::uint64_t index) {
-    return Shared<Kind>(this->shared_from_this(), &at(index));
+    return Shared<Kind>(owner_.shared_from_this(), &at(index));
   }
+
+  [[nodiscard]] const LifeRecord& life() const { return owner_.life; }
 
  private:
   static constexpr std::uint64_t kSegmentSize = 64;
@@ -99,10 +104,11 @@ class HandleTable final : public HandleOwner {
 
   Kind* makeSegment(std::uint64_t first) {
     auto* segment = static_cast<Kind*>(::operator new(kSegmentSize * sizeof(Kind)));
-    for (std::uint64_t i = 0; i < kSegmentSize; ++i) ::new (&segment[i]) Kind(*this, first + i);
+    for (std::uint64_t i = 0; i < kSegmentSize; ++i) ::new (&segment[i]) Kind(owner_, first + i);
     return segment;
   }
 
+  HandleOwner& owner_;
   std::atomic<Directory*> directory_{nullptr};
 };
 
@@ -111,8 +117,9 @@ template <class Kind>
 class LoneHandle final : public HandleOwner {
  public:
   LoneHandle(Shared<LifeRecord> record, std::uint64_t identification)
-      : HandleOwner(std::move(record)), handle(*this, identification) {}
+      : HandleOwner(*record), keeper(std::move(record)), handle(*this, identification) {}
 
+  const Shared<LifeRecord> keeper;
   Kind handle;
 };
 

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <memory>
-#include <utility>
 
 #include "veq/base/ownership.hpp"
 
@@ -21,15 +20,15 @@ struct LifeRecord {
   std::atomic<bool> alive{true};
 };
 
-/// What handles lie in, and what a shared reference to a handle keeps: either all handles of one
-/// kind of a network, or one that a caller made by hand.
+/// What handles lie in, and what a shared reference to a handle keeps: either all handles of a
+/// network, or one that a caller made by hand. It also keeps the record.
 class HandleOwner : public std::enable_shared_from_this<HandleOwner> {
  public:
-  explicit HandleOwner(Shared<LifeRecord> record) : life(std::move(record)) {}
+  explicit HandleOwner(LifeRecord& record) : life(record) {}
   HandleOwner(const HandleOwner&) = delete;
   HandleOwner& operator=(const HandleOwner&) = delete;
 
-  const Shared<LifeRecord> life;
+  LifeRecord& life;
 
  protected:
   ~HandleOwner() = default;

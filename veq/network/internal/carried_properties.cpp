@@ -11,11 +11,11 @@ namespace {
 
 // Which of a network's two tables the runs speak of, and how many elements it has.
 struct Vertices {
-  static const PropertyTable& table(const NetworkCore& core) { return *core.verticesProperties; }
+  static const PropertyTable& table(const NetworkCore& core) { return core.properties->vertices; }
   static std::uint64_t count(const NetworkCore& core) { return core.store.vertexCount(); }
 };
 struct Edges {
-  static const PropertyTable& table(const NetworkCore& core) { return *core.edgesProperties; }
+  static const PropertyTable& table(const NetworkCore& core) { return core.properties->edges; }
   static std::uint64_t count(const NetworkCore& core) { return core.store.edgeCount(); }
 };
 
@@ -136,9 +136,13 @@ Shared<PropertyColumn> vertexColumn(const std::vector<Part>& parts, std::uint64_
 
 template <class Side, class NewColumn>
 PropertyTable carried(std::span<const HandleRun> runs, NewColumn newColumn) {
+  PropertyTable result;
+  if (std::all_of(runs.begin(), runs.end(),
+                  [](const HandleRun& run) { return Side::table(run.core()).empty(); })) {
+    return result;
+  }
   std::uint64_t count = 0;
   for (const HandleRun& run : runs) count += run.count;
-  PropertyTable result;
   std::unordered_set<const LifeRecord*> seen;
   for (const HandleRun& run : runs) {
     const PropertyTable& table = Side::table(run.core());
@@ -160,10 +164,8 @@ PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs) {
   return carried<Edges>(runs, genericColumn);
 }
 
-void install(CarriedProperties properties, const VEQNetwork& network) {
-  const NetworkCore& core = CoreAccess::of(network);
-  *core.verticesProperties = std::move(properties.ofVertices);
-  *core.edgesProperties = std::move(properties.ofEdges);
+void install(NetworkProperties properties, NetworkCore& core) {
+  *core.properties = std::move(properties);
 }
 
 }  // namespace veq::internal

@@ -20,13 +20,8 @@ namespace veq::internal {
 /// The same for edges, whose columns always hold any kind.
 [[nodiscard]] PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs);
 
-struct CarriedProperties {
-  PropertyTable ofVertices;
-  PropertyTable ofEdges;
-};
-
 /// Makes these the properties of a new network, as they are: also under the reserved keys, which a
 /// draft would drop.
-void install(CarriedProperties properties, const VEQNetwork& network);
+void install(NetworkProperties properties, NetworkCore& core);
 
 }  // namespace veq::internal

@@ -34,7 +34,7 @@ class HandleRuns {
     }
     if (array.table()) {
       runs_.push_back(
-          {array.table()->life.get(), count_, array.isSnapshot() ? nullptr : &indices_[0]});
+          {&array.table()->life(), count_, array.isSnapshot() ? nullptr : &indices_[0]});
       return;
     }
     for (std::uint64_t i = 0; i < count_; ++i) {
@@ -80,7 +80,7 @@ void askDoubtful(const HandleTable<Kind>& table, const HandleRun& run, Ask ask) 
 template <class Kind, class Ask>
 void askDoubtful(const HandleArray<Kind>& array, const HandleRuns<Kind>& runs, Ask ask) {
   const auto& table = array.table();
-  if (table && table->life->alive.load(std::memory_order_acquire)) {
+  if (table && table->life().alive.load(std::memory_order_acquire)) {
     for (const HandleRun& run : runs.runs()) askDoubtful(*table, run, ask);
     return;
   }

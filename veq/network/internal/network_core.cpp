@@ -19,7 +19,7 @@ void installColumns(PropertyTable& table, const PropertyTable& columns) {
 
 }  // namespace
 
-Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
+std::unique_ptr<NetworkCore> CoreAccess::buildCore(NetworkDraft draft) {
   const EdgeEnds ends{draft.from.all(), draft.to.all()};
   if (draft.edgesWeights && draft.edgesWeights->size() != ends.count()) return nullptr;
   if (draft.verticesWeights && draft.verticesWeights->size() != draft.vertexCount) return nullptr;
@@ -30,9 +30,21 @@ Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
   core->edgesWeights = std::move(draft.edgesWeights);
   core->vertexCapacity = draft.vertexCount;
   core->edgesCapacity = ends.count();
-  installColumns(*core->edgesProperties, draft.edgesProperties);
-  installColumns(*core->verticesProperties, draft.verticesProperties);
-  return Owned<VEQNetwork>(new VEQNetwork(std::move(core)));
+  installColumns(core->properties->edges, draft.edgesProperties);
+  installColumns(core->properties->vertices, draft.verticesProperties);
+  return core;
+}
+
+Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
+  std::unique_ptr<NetworkCore> core = buildCore(std::move(draft));
+  return core ? Owned<VEQNetwork>(new VEQNetwork(std::move(core))) : nullptr;
+}
+
+Shared<VEQNetwork> CoreAccess::shared(std::unique_ptr<NetworkCore> core) {
+  struct Network : VEQNetwork {
+    explicit Network(std::unique_ptr<NetworkCore> parts) : VEQNetwork(std::move(parts)) {}
+  };
+  return std::make_shared<Network>(std::move(core));
 }
 
 bool isReservedKey(std::string_view key) {
@@ -56,11 +68,9 @@ PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index) {
 }  // namespace internal
 
 VEQNetwork::VEQNetwork(std::unique_ptr<internal::NetworkCore> core) : core_(std::move(core)) {
-  core_->life = std::make_shared<internal::LifeRecord>(this);
-  core_->vertices = std::make_shared<internal::HandleTable<VEQVertex>>(core_->life);
-  core_->edges = std::make_shared<internal::HandleTable<VEQEdge>>(core_->life);
+  core_->handles = std::make_shared<internal::NetworkHandles>(this);
 }
 
-VEQNetwork::~VEQNetwork() { core_->life->alive.store(false, std::memory_order_release); }
+VEQNetwork::~VEQNetwork() { core_->handles->record.alive.store(false, std::memory_order_release); }
 
 }  // namespace veq

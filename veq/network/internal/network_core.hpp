@@ -15,29 +15,51 @@
 
 namespace veq::internal {
 
+/// A network's columns. In one block, like the handles below: of networks with few vertices, which
+/// may be many, most of the memory and of the time to make them would otherwise be in such blocks.
+struct NetworkProperties {
+  PropertyTable vertices;
+  PropertyTable edges;
+};
+
+/// What may outlive a network: its handles, and the record of its life that they ask.
+struct NetworkHandles final : HandleOwner {
+  explicit NetworkHandles(VEQNetwork* network) : HandleOwner(record), record(network) {}
+
+  LifeRecord record;
+  HandleTable<VEQVertex> vertices{*this};
+  HandleTable<VEQEdge> edges{*this};
+};
+
 /// What a network consists of.
 struct NetworkCore {
   AdjacencyStore store;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
-  Shared<PropertyTable> verticesProperties = std::make_shared<PropertyTable>();
-  Shared<PropertyTable> edgesProperties = std::make_shared<PropertyTable>();
+  Shared<NetworkProperties> properties = std::make_shared<NetworkProperties>();
   /// The sizes that per-vertex and per-edge storage reports: fixed at construction, and for edges
   /// twice the number of edges whenever an insertion exceeds it. Memory follows by its own rules.
   std::uint64_t vertexCapacity = 0;
   std::uint64_t edgesCapacity = 0;
   bool editable = true;
-  Shared<LifeRecord> life;
-  Shared<HandleTable<VEQVertex>> vertices;
-  Shared<HandleTable<VEQEdge>> edges;
+  Shared<NetworkHandles> handles;
+
+  [[nodiscard]] Shared<HandleTable<VEQVertex>> vertices() const {
+    return {handles, &handles->vertices};
+  }
+  [[nodiscard]] Shared<HandleTable<VEQEdge>> edges() const { return {handles, &handles->edges}; }
+  [[nodiscard]] const LifeRecord* life() const { return &handles->record; }
 };
 
 /// The library's own way into a network.
 struct CoreAccess {
   [[nodiscard]] static NetworkCore& of(const VEQNetwork& network) { return *network.core_; }
 
-  /// The network that the draft describes; null where weights are not one for each vertex or edge.
+  /// What the draft describes; null where weights are not one for each vertex or edge.
+  [[nodiscard]] static std::unique_ptr<NetworkCore> buildCore(NetworkDraft draft);
   [[nodiscard]] static Owned<VEQNetwork> build(NetworkDraft draft);
+  /// The network that consists of this, in one block with the count of its references.
+  [[nodiscard]] static Shared<VEQNetwork> shared(std::unique_ptr<NetworkCore> core);
 
   /// The network of whatever draft `produce()` returns, an optional one. This is the one place that
   /// turns memory which cannot be had, for the draft or the network, into "no network".
