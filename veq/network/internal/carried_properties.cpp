@@ -9,14 +9,12 @@
 namespace veq::internal {
 namespace {
 
-// Which of a network's two tables the runs speak of, and how many elements it has.
+// Which of a network's two tables the runs speak of.
 struct Vertices {
   static const PropertyTable& table(const NetworkCore& core) { return core.properties->vertices; }
-  static std::uint64_t count(const NetworkCore& core) { return core.store.vertexCount(); }
 };
 struct Edges {
   static const PropertyTable& table(const NetworkCore& core) { return core.properties->edges; }
-  static std::uint64_t count(const NetworkCore& core) { return core.store.edgeCount(); }
 };
 
 // The part of a column that a run takes over: elements of `column` that go to `first` and after.
@@ -24,13 +22,10 @@ struct Part {
   HandleRun run;
   std::uint64_t first;
   const PropertyColumn* column;
-  std::uint64_t sourceCount;
 
-  // As the handle would answer: not set beyond the end of a short column, while an index beyond the
-  // network's own end is at the column's mercy.
-  [[nodiscard]] PropertyValue value(std::uint64_t i) const {
-    return run[i] < sourceCount ? valueOrNull(*column, run[i]) : column->objectAtIndex(run[i]);
-  }
+  // Not set beyond the end of a short column. A handle beyond its network's end, which objects to
+  // that, has been asked before.
+  [[nodiscard]] PropertyValue value(std::uint64_t i) const { return valueOrNull(*column, run[i]); }
 
   // Calls f(position, index) for all elements that the column has.
   template <class F>
@@ -47,9 +42,8 @@ std::vector<Part> partsOf(std::span<const HandleRun> runs, std::string_view key)
   std::vector<Part> parts;
   std::uint64_t first = 0;
   for (const HandleRun& run : runs) {
-    const NetworkCore& core = run.core();
-    if (const auto* column = Side::table(core).find(key)) {
-      parts.push_back({run, first, column->get(), Side::count(core)});
+    if (const auto* column = Side::table(run.core()).find(key)) {
+      parts.push_back({run, first, column->get()});
     }
     first += run.count;
   }
