@@ -164,6 +164,11 @@ TEST(WalkHistory, AsksToBeFoldedBeforeTheLogOutgrowsTheArrays) {
   EXPECT_NEAR(static_cast<double>(bytesBeforeFolding(100000000)), 47.4e6, 0.25e6);
 }
 
+TEST(WalkHistory, MayBeOfMoreAgentsAndVerticesThanCanBeMultiplied) {
+  const WalkHistory history(std::uint64_t{1} << 62, 4, 0);
+  EXPECT_EQ(history.bytesPerBlock(), 8388608U);
+}
+
 TEST(WalkHistory, NeedsNoMoreFoldingOnceTheLogIsFolded) {
   WalkHistory history(10, 10, 0, HistoryLimits{UINT32_MAX, 100});
   append(history, 10, std::vector<std::uint32_t>(1000, 1));

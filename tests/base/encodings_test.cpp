@@ -85,6 +85,7 @@ TEST(Encodings, BrokenUtf16IsNoText) {
   EXPECT_EQ(utf8FromUtf16("\xD8\x3D"sv, ByteOrder::kBigEndian), std::nullopt);
   EXPECT_EQ(utf8FromUtf16("\xD8\x3D\0a"sv, ByteOrder::kBigEndian), std::nullopt);
   EXPECT_EQ(utf8FromUtf16("\xD8\x3D\xD8\x3D"sv, ByteOrder::kBigEndian), std::nullopt);
+  EXPECT_EQ(utf8FromUtf16("\xD8\x3D\xE0\x00"sv, ByteOrder::kBigEndian), std::nullopt);
   EXPECT_EQ(utf8FromUtf16("\xDE\x00\xD8\x3D"sv, ByteOrder::kBigEndian), std::nullopt);
   EXPECT_EQ(utf8FromUtf16("\xDE\x00\xDE\x00"sv, ByteOrder::kBigEndian), std::nullopt);
 }

@@ -13,6 +13,7 @@ TEST(FileUrls, FileUrlsNameAbsolutePaths) {
   EXPECT_EQ(pathFromUrl("file://localhost/tmp/a.xnet"), "/tmp/a.xnet");
   EXPECT_EQ(pathFromUrl("FILE://LocalHost/tmp/a"), "/tmp/a");
   EXPECT_EQ(pathFromUrl("file:///a?query#fragment"), "/a");
+  EXPECT_EQ(pathFromUrl("file:///a#fragment?query"), "/a");
 }
 
 TEST(FileUrls, EscapesAreDecodedInUrlsOnly) {
@@ -39,8 +40,8 @@ TEST(FileUrls, OtherHostsAndSchemesFail) {
 }
 
 TEST(FileUrls, AnythingWithoutASchemeIsAPath) {
-  for (const std::string_view path :
-       {"", "a.xnet", "/tmp/a", "./a:b", "dir/x:y", "1a:b", ":x", "a b:c", "file", "_a:b"}) {
+  for (const std::string_view path : {"", "a.xnet", "/tmp/a", "./a:b", "dir/x:y", "1a:b", ":x",
+                                      "a b:c", "file", "_a:b", "{a:b", "[a:b"}) {
     EXPECT_EQ(pathFromUrl(path), path);
   }
 }

@@ -9,6 +9,8 @@
 
 #include "tests/support/hex.hpp"
 #include "tests/support/thrown_text.hpp"
+#include "veq/formats/internal/cbor_reader.hpp"
+#include "veq/formats/internal/property_cbor.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -244,6 +246,8 @@ TEST(KeyedUnarchiver, MalformedPropertiesGiveNothing) {
            "a3 69 707265636973696f6e 01 69 707265636973696f6e 01 6179 d85640",
            "a3 69 707265636973696f6e f6 6178 d85640 6179 d85640",
            "a3 69 707265636973696f6e 1a80000000 6178 d85640 6179 d85640",
+           "a3 69 707265636973696f6e 3a80000000 6178 d85640 6179 d85640",
+           "a5 69 707265636973696f6e 01 6178 d85640 6179 d85640 617a d85640 6177 d85640",
            "a3 69 707265636973696f6e c240 6178 d85640 6179 d85640",
            "a3 69 707265636973696f6e 01 6178 d85540 6179 d85640",  // floats
            "a3 69 707265636973696f6e 01 6178 d85640 6179 d85648 0000000000000000",
@@ -256,6 +260,27 @@ TEST(KeyedUnarchiver, MalformedPropertiesGiveNothing) {
     VEQKeyedUnarchiver unarchiver(bytes);
     EXPECT_TRUE(unarchiver.isValid()) << hex;
     EXPECT_FALSE(unarchiver.decodePropertyTable("a")) << hex;
+  }
+}
+
+// No unarchiver shows one, as it skips whole entries first.
+TEST(CborReader, PropertiesThatEndInTheMiddleGiveNothing) {
+  for (const char* hex : {
+           "",
+           "a1 6163",        // no column
+           "a1 6163 81 82",  // no value
+           "a1 6163 81 c2",  // no bytes of a number
+           "a1 6163 d856",   // no bytes of numbers
+           "a1 6163 a3 6178 6179 6179",
+           "a1 6163 a3 6178 d85640 6179 d85640 6170",
+           "a1 6163 81 a3 6178 fb3ff0000000000000 6179",
+           "a1 6163 a3 6178 d85640 6179 d85640 69 707265636973696f6e",
+           "a1 6163 a3 69 707265636973696f6e 01 6178 d85640 6179",
+           "a1 6163 81 a3 69 707265636973696f6e 01 6178 fb3ff0000000000000 6179",
+       }) {
+    const std::string bytes = fromHex(hex);
+    internal::CborReader in(bytes);
+    EXPECT_FALSE(internal::readTable(in)) << hex;
   }
 }
 

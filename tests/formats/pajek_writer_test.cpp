@@ -70,6 +70,12 @@ TEST(PajekWriter, PositionsMustReachAllVertices) {
             "*Edges\r\n1 2 1.0\r\n2 3 1.0\r\n");
 }
 
+TEST(PajekWriter, WithoutVerticesThereIsNothingToSpread) {
+  const auto network = VEQNetwork::initWithVertexCapacity_edgeCapacity(0, 0);
+  network->setPropertiesOfVertices_forKey(vectors("1 2 3"), "Position");
+  EXPECT_EQ(network->pajekFormattedStringValue(), "*Vertices 0\r\n*Edges\r\n");
+}
+
 TEST(PajekWriter, PositionsMayStandInAnyColumnOfVectors) {
   const auto network = path3();
   network->setPropertiesOfVertices_forKey(

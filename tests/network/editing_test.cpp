@@ -240,6 +240,9 @@ TEST(Linking, AHandMadeHandleBeyondTheCountIsOutOfBounds) {
   EXPECT_EQ(invalidArgumentText(
                 [&] { static_cast<void>(network->linkVertex_to_weight(*own, *beyond, 2.0f)); }),
             text);
+  EXPECT_EQ(invalidArgumentText(
+                [&] { static_cast<void>(network->linkVertex_to_weight(*beyond, *own, 2.0f)); }),
+            "Edge lists contains indices out of bounds:from 7 to 1 (max vertex inddex:2)");
   EXPECT_EQ(network->countEdges(), 1U);
   EXPECT_FALSE(network->isEdgeWeighted());
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/log_capture.hpp"
+#include "tests/support/network_drawing.hpp"
 #include "tests/support/network_dump.hpp"
 
 namespace veq {
@@ -61,6 +62,16 @@ TEST(HandleConstruction, AttachesAnEndThatIsNotGivenToVertexZero) {
   EXPECT_EQ(network->edgeAtIndex(0)->fromVertex()->identification(), 0u);
   EXPECT_EQ(network->edgeAtIndex(2)->fromVertex()->identification(), 1u);
   EXPECT_EQ(network->edgeAtIndex(2)->toVertex()->identification(), 0u);
+}
+
+// Of so large a network so few vertices are looked up in another way.
+TEST(HandleConstruction, AFewVerticesOfALargeNetworkAreFoundAgain) {
+  const test::LogCapture log;
+  const auto source = test::drawDirected("90-10 10-55 55-90", 100);
+  const auto network = VEQNetwork::networkWithVertices_edges_directed(
+      {source->vertexAtIndex(90), source->vertexAtIndex(55)}, source->edges(), true);
+  EXPECT_EQ(test::dump(network.get()),
+            "2 vertices directed\n0-0 0-1 1-0 \nof vertices:\nof edges:\n");
 }
 
 TEST(HandleConstruction, EdgesOfAStrangeNetworkFallOnVertexZero) {
@@ -183,6 +194,9 @@ TEST(HandleConstruction, AHandleMadeByHandBeyondItsNetworkThrows) {
                std::out_of_range);
   EXPECT_THROW((void)VEQNetwork::initWithVertices_edges(
                    plain->vertices(), {VEQEdge::initAtNetwork_identification(*plain, 2)}),
+               std::out_of_range);
+  EXPECT_THROW((void)VEQNetwork::initWithVertices_linkFromVertices_toVertices(
+                   VEQVertexArray{VEQVertex::initAtNetwork_identification(*source, 7)}, {}, {}),
                std::out_of_range);
 }
 
@@ -375,7 +389,17 @@ TEST(NetworkCopies, TheExpandingFormsIgnoreTheirIncrements) {
   EXPECT_FALSE(VEQNetwork::initWithNetwork_byExpandingVertexCapacityWith_edgeCapacityWith_directed(
                    *source, 1, 1, false)
                    ->isDirected());
+  EXPECT_FALSE(
+      VEQNetwork::networkWithNetwork_byExpandingVertexCapacityWith_edgeCapacityWith_directed(
+          *source, 1, 1, false)
+          ->isDirected());
   const auto weights = VEQNumberArray::ofFloats({3, 2, 1});
+  const auto weighted = VEQNetwork::
+      initWithNetwork_byExpandingVertexCapacityWith_edgeCapacityWith_directed_verticesWeights_edgesWeights(
+          *source, 1, 1, true, nullptr, &weights);
+  EXPECT_TRUE(weighted->isDirected());
+  EXPECT_FALSE(weighted->isVertexWeighted());
+  EXPECT_EQ(weighted->edgesWeightValues()->description(), "(3, 2, 1)");
   EXPECT_EQ(
       VEQNetwork::
           networkWithNetwork_byExpandingVertexCapacityWith_edgeCapacityWith_directed_verticesWeights_edgesWeights(
