@@ -97,6 +97,31 @@ TEST(FailingAllocations, OfABulkInsertionLeaveTheNetworkAsItWas) {
       [](Fixture& f) { EXPECT_EQ(f.network->countEdges(), 103U); });
 }
 
+// A column under two keys grows twice, and so needs the room of both before the first.
+TEST(FailingAllocations, OfAnInsertionLeaveAColumnUnderTwoKeysAsItWas) {
+  const auto make = [] {
+    Owned<VEQNetwork> network = drawDirected("0-1");
+    const Shared<PropertyColumn> column = VEQNumberArray::initWithDoubleScalar_count(1.5, 1);
+    network->setPropertiesOfEdges_forKey(column, "Length");
+    network->setPropertiesOfEdges_forKey(column, "Width");
+    return network;
+  };
+  const auto operate = [](Owned<VEQNetwork>& network) { insert(*network, "0-1 0-1 0-1 0-1"); };
+  const auto counts = [](const VEQNetwork& network) {
+    const std::uint64_t values = columnOf(*network.propertiesOfEdges(), "Length")->count();
+    return std::vector<std::uint64_t>{network.countEdges(), values};
+  };
+  const std::uint64_t failures =
+      forEachFailingAllocation(make, operate, [&](Owned<VEQNetwork>& network, bool failed) {
+        if (failed) {
+          EXPECT_EQ(counts(*network), (std::vector<std::uint64_t>{1, 1}));
+          operate(network);
+        }
+        EXPECT_EQ(counts(*network), (std::vector<std::uint64_t>{5, 9}));
+      });
+  EXPECT_GT(failures, 0U);
+}
+
 TEST(FailingAllocations, OfLinkingLeaveTheNetworkAsItWas) {
   expectStrongGuarantee(
       [](Fixture& f) { static_cast<void>(f.network->linkVertex_to(*f.first, *f.last)); },

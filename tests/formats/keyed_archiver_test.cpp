@@ -125,7 +125,9 @@ TEST(KeyedArchiver, SignedIntegersAreIntegers) {
   EXPECT_EQ(encodedValue(24), expectedValue("1818"));
   EXPECT_EQ(encodedValue(255), expectedValue("18ff"));
   EXPECT_EQ(encodedValue(256), expectedValue("190100"));
+  EXPECT_EQ(encodedValue(65535), expectedValue("19ffff"));
   EXPECT_EQ(encodedValue(65536), expectedValue("1a00010000"));
+  EXPECT_EQ(encodedValue(4294967295), expectedValue("1affffffff"));
   EXPECT_EQ(encodedValue(std::int64_t{1} << 32), expectedValue("1b0000000100000000"));
   EXPECT_EQ(encodedValue(INT64_MAX), expectedValue("1b7fffffffffffffff"));
   EXPECT_EQ(encodedValue(-1), expectedValue("20"));

@@ -187,6 +187,14 @@ TEST(RandomNetwork, LinksThePairsOfSeedOneAndDrawsWholeBatches) {
   EXPECT_EQ(nextDraw(), drawAfter(1, 9));
 }
 
+// The first draw is 1804289383, and half the degree is the probability that a pair is linked.
+TEST(RandomNetwork, LinksAPairWhoseDrawLiesBelowByAFraction) {
+  seed(1);
+  EXPECT_EQ(edgesOf(*randomNetwork(2, 1804289383.5 / 0x1p30)), (EdgeList{{0, 1}}));
+  seed(1);
+  EXPECT_EQ(edgesOf(*randomNetwork(2, 1804289383.0 / 0x1p30)), EdgeList());
+}
+
 TEST(RandomNetwork, HasNoVerticesAboveTheLastOneThatIsLinked) {
   seed(1);
   // p = 1 / 3, batches of 4: 01 and 02 and 12 draw 0.840 0.394 0.783.

@@ -1,5 +1,7 @@
 #include "veq/models/internal/random_hits.hpp"
 
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
@@ -44,6 +46,21 @@ TEST(HitsBelow, EqualsComparingDrawByDraw) {
                                             kOneIn32 + 1, 1073741824U, 2147483647U, 2147483648U}) {
         expectEqualToSlowHits(total, threshold, wideVectors);
       }
+    }
+  }
+}
+
+// The words behind some of these draws are odd and those behind others even.
+TEST(HitsBelow, ADrawThatEqualsTheThresholdIsNoHit) {
+  constexpr std::uint64_t kTotal = 40000;
+  RandomStream stream = RandomStream::seeded(8);
+  stream.advance(5);
+  std::vector<std::uint32_t> draws(kTotal);
+  stream.fill(draws.data(), kTotal);
+  std::sort(draws.begin(), draws.end());
+  for (std::size_t i = 0; i < 8; ++i) {
+    for (const bool wideVectors : {false, wideVectorsRun()}) {
+      expectEqualToSlowHits(kTotal, draws[i], wideVectors);
     }
   }
 }
