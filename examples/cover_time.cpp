@@ -3,16 +3,14 @@
 // The vertex that it starts on counts once it has been stepped onto.
 //
 // - Cycle of n vertices. With k visited ones in a row and the walker at one end of the row, the
-// next
-//   new vertex lies 1 step to one side and k to the other, and a fair walk leaves an interval after
-//   (distance) x (distance) = k steps on average. For k = 1 to n - 1 these sum to n(n - 1)/2. Only
-//   a walker that never came back to its start still has to: from the start's neighbour it reaches
-//   the last vertex first with probability 1/(n - 1), and from there the start is n - 1 steps away
-//   on average, which adds 1.
+//   next new vertex lies 1 step to one side and k to the other, and a fair walk leaves an interval
+//   after (distance) x (distance) = k steps on average. For k = 1 to n - 1 these sum to n(n - 1)/2.
+//   Only a walker that never came back to its start still has to: from the start's neighbour it
+//   reaches the last vertex first with probability 1/(n - 1), and from there the start is n - 1
+//   steps away on average, which adds 1.
 // - Path of n vertices, walked from an end. The far end is (n - 1)^2 steps away on average. A
-// walker
-//   that has not been back at its start then, which again has probability 1/(n - 1), has as much
-//   before it once more: n(n - 1) in all.
+//   walker that has not been back at its start then, which again has probability 1/(n - 1), has as
+//   much before it once more: n(n - 1) in all.
 // - Star of hub and 3 leaves, walked from the hub. Every other step ends at a leaf, and the leaves
 //   come with probabilities 1/4, 1/2, 1/4 (the first and the last of a list come half as often).
 //   All have come after 4 + 2 + 4 - (4/3 + 2 + 4/3) + 1 = 19/3 visits of leaves on average (by

@@ -10,8 +10,8 @@
 //   that a name of its own is there, but not the one that was; it cannot say that edges are
 //   directed, and the reader has to; and vertex 3 stands on no line.
 // - An archive keeps every number to the last bit, but not the number of vertices, which follows
-// from
-//   the edges; with the weights of vertex 3 nothing comes back at all, and so it is left out here.
+//   from the edges; with the weights of vertex 3 nothing comes back at all, and so it is left out
+//   here.
 #include <array>
 #include <cstdint>
 #include <iomanip>
