@@ -26,6 +26,7 @@ class KeyedTable {
   using Entry = std::pair<std::string, Value>;
 
   KeyedTable() = default;
+  /// The values are copied as values are: columns are shared.
   KeyedTable(const KeyedTable& other)
       : entries_(other.entries_),
         positions_(other.positions_ ? std::make_unique<Positions>(*other.positions_) : nullptr) {}
