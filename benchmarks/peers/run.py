@@ -5,9 +5,9 @@
            [--work DIRECTORY] [--markdown]
 
 DIRECTORY holds the programs. --largest leaves out the lines with more vertices, edges or numbers,
---quick those with more than 1e5, for a look. Every line of the table compares medians of one run: the programs of
-a line take turns, `rounds` times, on one core. A bar is the largest ratio of our figure to the
-peer's that is good enough. Where results must be equal, the checksums are compared.
+--quick those with more than 1e5, for a look. Every line of the table compares medians of one run:
+the programs of a line take turns, `rounds` times, on one core. A bar is the largest ratio of our
+figure to the peer's that is good enough. Where results must be equal, the checksums are compared.
 """
 import argparse
 import dataclasses

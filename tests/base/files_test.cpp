@@ -330,6 +330,26 @@ TEST_F(Files, ABrokenPipeIsAFailureAndNoSignal) {
   EXPECT_EQ(sigismember(&blocked, SIGXFSZ), 0);
 }
 
+// The system's link to an open file names where it was, with " (deleted)" behind it.
+TEST_F(Files, AFileThatNoPathNamesIsWrittenInPlace) {
+  if (!fs::exists("/proc/self/fd")) GTEST_SKIP() << "no links to open files";
+  make("f", "old and longer");
+  const int file = ::open(path("f").c_str(), O_RDWR);
+  ASSERT_GE(file, 0);
+  fs::remove(path("f"));
+  const std::string link = "/proc/self/fd/" + std::to_string(file);
+  EXPECT_TRUE(writeWholeFile(link, "first", true));
+  EXPECT_EQ(readWholeFile(link).bytes, "first");
+  EXPECT_EQ(names(), std::set<std::string>{});
+  // Somebody else's file under that very name is not the one that the link leads to.
+  make("f (deleted)", "another");
+  EXPECT_TRUE(writeWholeFile(link, "second", true));
+  EXPECT_EQ(readWholeFile(link).bytes, "second");
+  EXPECT_EQ(contentsOf("f (deleted)"), "another");
+  EXPECT_EQ(names(), std::set<std::string>{"f (deleted)"});
+  ::close(file);
+}
+
 TEST_F(Files, ManyWritersOfOneFileLeaveOneOfTheirFiles) {
   const std::string a(50000, 'a');
   const std::string b(70000, 'b');
