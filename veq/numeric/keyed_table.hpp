@@ -28,64 +28,66 @@ class KeyedTable {
   KeyedTable() = default;
   /// The values are copied as values are: columns are shared.
   KeyedTable(const KeyedTable& other)
-      : entries_(other.entries_),
-        positions_(other.positions_ ? std::make_unique<Positions>(*other.positions_) : nullptr) {}
+      : contents_(other.contents_ ? std::make_unique<Contents>(*other.contents_) : nullptr) {}
   KeyedTable(KeyedTable&&) noexcept = default;
-  /// By way of a copy, so that a failure leaves the entries and their positions in agreement.
+  /// By way of a copy, so that a failure changes nothing.
   KeyedTable& operator=(KeyedTable other) noexcept {
-    entries_.swap(other.entries_);
-    positions_.swap(other.positions_);
+    contents_.swap(other.contents_);
     return *this;
   }
 
   /// The number of keys, and whether there are none.
-  [[nodiscard]] std::size_t size() const { return entries_.size(); }
-  [[nodiscard]] bool empty() const { return entries_.empty(); }
+  [[nodiscard]] std::size_t size() const { return contents_ ? contents_->entries.size() : 0; }
+  [[nodiscard]] bool empty() const { return size() == 0; }
   /// For range-based loops over the entries.
-  [[nodiscard]] auto begin() const { return entries_.begin(); }
-  [[nodiscard]] auto end() const { return entries_.end(); }
+  [[nodiscard]] const Entry* begin() const {
+    return contents_ ? contents_->entries.data() : nullptr;
+  }
+  [[nodiscard]] const Entry* end() const { return begin() + size(); }
 
   /// The value under the key, or null. It stays where it is until the table changes.
   [[nodiscard]] const Value* find(std::string_view key) const {
-    if (!positions_) return nullptr;
-    const auto at = positions_->find(key);
-    return at == positions_->end() ? nullptr : &entries_[at->second].second;
+    if (!contents_) return nullptr;
+    const auto at = contents_->positions.find(key);
+    return at == contents_->positions.end() ? nullptr : &contents_->entries[at->second].second;
   }
   /// Whether anything stands under the key.
   [[nodiscard]] bool contains(std::string_view key) const { return find(key) != nullptr; }
 
   /// Stores the value under the key; a key that is already there keeps its place.
   void set(std::string_view key, Value value) {
-    if (!positions_) positions_ = std::make_unique<Positions>();
-    if (const auto at = positions_->find(key); at != positions_->end()) {
-      entries_[at->second].second = std::move(value);
+    if (!contents_) contents_ = std::make_unique<Contents>();
+    auto& [entries, positions] = *contents_;
+    if (const auto at = positions.find(key); at != positions.end()) {
+      entries[at->second].second = std::move(value);
       return;
     }
-    entries_.emplace_back(std::string(key), std::move(value));
+    entries.emplace_back(std::string(key), std::move(value));
     try {
-      positions_->emplace(key, entries_.size() - 1);
+      positions.emplace(key, entries.size() - 1);
     } catch (...) {
-      entries_.pop_back();
+      entries.pop_back();
       throw;
     }
   }
 
   /// Forgets the key, if it is there. O(keys).
   void remove(std::string_view key) {
-    if (!positions_) return;
-    const auto at = positions_->find(key);
-    if (at == positions_->end()) return;
+    if (!contents_) return;
+    auto& [entries, positions] = *contents_;
+    const auto at = positions.find(key);
+    if (at == positions.end()) return;
     const std::size_t removed = at->second;
-    entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(removed));
-    positions_->erase(at);
-    for (auto& [name, position] : *positions_) position -= position > removed;
+    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(removed));
+    positions.erase(at);
+    for (auto& [name, position] : positions) position -= position > removed;
   }
 
   /// In the order of their first setting.
   [[nodiscard]] std::vector<std::string> keys() const {
     std::vector<std::string> result;
-    result.reserve(entries_.size());
-    for (const Entry& entry : entries_) result.push_back(entry.first);
+    result.reserve(size());
+    for (const Entry& entry : *this) result.push_back(entry.first);
     return result;
   }
 
@@ -97,12 +99,14 @@ class KeyedTable {
     }
   };
 
-  using Positions = std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>>;
+  struct Contents {
+    std::vector<Entry> entries;
+    std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> positions;
+  };
 
-  std::vector<Entry> entries_;
   // Made by the first key: networks have two tables each, and there may be very many that are
   // empty.
-  std::unique_ptr<Positions> positions_;
+  std::unique_ptr<Contents> contents_;
 };
 
 /// The property columns of a network's vertices or edges.
