@@ -27,6 +27,8 @@ template <class Make>
 void expectNetworkOrNone(Make make) {
   setDiagnosticSink(nullptr);
   const Shared<VEQNetwork> original = source();
+  // What a network keeps for its handles is made by the first that asks, and is no leak.
+  static_cast<void>(original->vertices());
   Shared<VEQNetwork> made;
   const std::uint64_t failures =
       forEachFailingAllocation([&] { made = make(*original); },
@@ -47,10 +49,28 @@ TEST(FailingAllocations, OfACopyGiveNoNetwork) {
   expectNetworkOrNone([](const VEQNetwork& n) { return VEQNetwork::networkWithNetwork(n); });
 }
 
+// Then also what the original keeps for its handles cannot be made.
+TEST(FailingAllocations, OfTheFirstCopyGiveNoNetwork) {
+  setDiagnosticSink(nullptr);
+  for (std::uint64_t failing = 0; failing < 5; ++failing) {
+    const Shared<VEQNetwork> original = source();
+    Shared<VEQNetwork> made;
+    {
+      const FailingAllocation failure(failing, FailingAllocation::Mode::kOne);
+      made = VEQNetwork::networkWithNetwork(*original);
+    }
+    EXPECT_TRUE(FailingAllocation::happened());
+    EXPECT_EQ(made, nullptr);
+    EXPECT_EQ(original->vertices().count(), 3U);
+  }
+}
+
 TEST(FailingAllocations, OfANetworkOfHandlesGiveNoNetwork) {
-  expectNetworkOrNone([](const VEQNetwork& n) {
-    return VEQNetwork::networkWithVertices_edges(n.vertices(), n.edges());
-  });
+  const Shared<VEQNetwork> given = source();
+  const VEQVertexArray vertices = given->vertices();
+  const VEQEdgeArray edges = given->edges();
+  expectNetworkOrNone(
+      [&](const VEQNetwork&) { return VEQNetwork::networkWithVertices_edges(vertices, edges); });
 }
 
 TEST(FailingAllocations, OfANetworkOfEndsGiveNoNetwork) {

@@ -10,9 +10,9 @@ namespace veq {
 template <class Self>
 Shared<Self> Handle<Self>::initAtNetwork_identification(const VEQNetwork& network,
                                                         std::uint64_t identification) {
-  const auto& handles = internal::CoreAccess::of(network).handles;
+  auto& handles = internal::CoreAccess::of(network).handles();
   auto owner = std::make_shared<internal::LoneHandle<Self>>(
-      Shared<internal::LifeRecord>(handles, &handles->record), identification);
+      Shared<internal::LifeRecord>(handles.self, &handles.record), identification);
   return Shared<Self>(owner, &owner->handle);
 }
 

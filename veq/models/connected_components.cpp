@@ -81,7 +81,7 @@ struct Part {
 };
 
 HandleRun runOf(const NetworkCore& core, std::span<const std::uint64_t> indices) {
-  return {core.life(), indices.size(), indices.data()};
+  return {&core.handles().record, indices.size(), indices.data()};
 }
 
 // What initWithVertices_edges_directed_... makes of the part's handles.
@@ -91,9 +91,9 @@ Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
   logDiagnostic(edgesWeights ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
   const HandleRun vertices = runOf(core, part.vertices);
   const HandleRun edges = runOf(core, part.edges);
-  internal::askDoubtful(core.handles->vertices, vertices,
+  internal::askDoubtful(core.handles().vertices, vertices,
                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
-  internal::askDoubtful(core.handles->edges, edges,
+  internal::askDoubtful(core.handles().edges, edges,
                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
   internal::NetworkProperties properties;
   if (vertices.count != 0) properties.vertices = internal::carriedVertexProperties({&vertices, 1});
@@ -252,9 +252,9 @@ Shared<VEQNetwork> VEQNetwork::largestConnectedSubNetwork() const {
     return LargestPart(findComponents(store, topology), topology, store.edgeCount());
   });
   std::optional<Weights> verticesWeights =
-      weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), core_->handles->vertices);
+      weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), core_->handles().vertices);
   std::optional<Weights> edgesWeights =
-      weightsAt(core_->edgesWeights, runOf(*core_, largest.edges), core_->handles->edges);
+      weightsAt(core_->edgesWeights, runOf(*core_, largest.edges), core_->handles().edges);
   logWeights(edgesWeights);
   Shared<VEQNetwork> network =
       networkOf(*core_, largest.part(), std::move(verticesWeights), std::move(edgesWeights));

@@ -84,12 +84,12 @@ void VEQNetwork::blockEditing() { core_->editable = false; }
 
 Shared<VEQVertex> VEQNetwork::vertexAtIndex(std::uint64_t index) const {
   if (index >= countVertices()) throw std::out_of_range("The network has no vertex of this index.");
-  return core_->handles->vertices.sharedAt(index);
+  return core_->handles().vertices.sharedAt(index);
 }
 
 Shared<VEQEdge> VEQNetwork::edgeAtIndex(std::uint64_t index) const {
   if (index >= countEdges()) throw std::out_of_range("The network has no edge of this index.");
-  return core_->handles->edges.sharedAt(index);
+  return core_->handles().edges.sharedAt(index);
 }
 
 VEQVertexArray VEQNetwork::vertices() const {

@@ -26,7 +26,7 @@ void requireVertices(EdgeEnds edges, std::uint64_t n) {
 
 void requireOwn(const NetworkCore& core, const VEQVertex& source, const VEQVertex& target,
                 const char* message) {
-  if (&source.life() == core.life() && &target.life() == core.life()) return;
+  if (core.lives(source.life()) && core.lives(target.life())) return;
   throw std::invalid_argument(message);
 }
 
@@ -75,7 +75,7 @@ Shared<VEQEdge> VEQNetwork::linkVertex_to(const VEQVertex& source, const VEQVert
   const std::uint64_t from = source.identification();
   const std::uint64_t to = target.identification();
   // The handle first: once the edge is there, nothing may fail.
-  Shared<VEQEdge> edge = core_->handles->edges.sharedAt(countEdges());
+  Shared<VEQEdge> edge = core_->handles().edges.sharedAt(countEdges());
   addEdgesFromVerticesIndices_toVerticesIndices_count(&from, &to, 1);
   return edge;
 }

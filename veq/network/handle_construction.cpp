@@ -158,10 +158,27 @@ Owned<VEQNetwork> makeCarrying(Produce produce) {
   return network;
 }
 
-template <class GiveWeights>
-Owned<VEQNetwork> fromVerticesAndEdges(const VEQVertexArray& vertices, const VEQEdgeArray& edges,
-                                       bool directed, GiveWeights giveWeights) {
+// The vertices and edges that a caller gave.
+struct GivenHandles {
+  const VEQVertexArray& vertices;
+  const VEQEdgeArray& edges;
+};
+
+// Those of a network, where there may be no memory to make them.
+struct AllHandles {
+  explicit AllHandles(const VEQNetwork& network)
+      : vertices(network.vertices()), edges(network.edges()) {}
+
+  VEQVertexArray vertices;
+  VEQEdgeArray edges;
+};
+
+template <class Handles, class Source, class GiveWeights>
+Owned<VEQNetwork> fromHandles(const Source& source, bool directed, GiveWeights giveWeights) {
   return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
+    const Handles handles(source);
+    const VEQVertexArray& vertices = handles.vertices;
+    const VEQEdgeArray& edges = handles.edges;
     NetworkDraft draft;
     draft.vertexCount = vertices.count();
     draft.directed = directed;
@@ -191,8 +208,8 @@ Owned<VEQNetwork> VEQNetwork::initWithVertices_edges_directed_verticesWeights_ed
     const VEQVertexArray& vertices, const VEQEdgeArray& edges, bool directed,
     const VEQNumberArray* verticesWeights, const VEQNumberArray* edgesWeights) {
   logLoading(edgesWeights != nullptr);
-  return fromVerticesAndEdges(vertices, edges, directed,
-                              GivenWeights{verticesWeights, edgesWeights});
+  return fromHandles<GivenHandles>(GivenHandles{vertices, edges}, directed,
+                                   GivenWeights{verticesWeights, edgesWeights});
 }
 
 Owned<VEQNetwork>
@@ -221,14 +238,13 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
 Owned<VEQNetwork> VEQNetwork::initWithNetwork_directed_verticesWeights_edgesWeights(
     const VEQNetwork& network, bool directed, const VEQNumberArray* verticesWeights,
     const VEQNumberArray* edgesWeights) {
-  return initWithVertices_edges_directed_verticesWeights_edgesWeights(
-      network.vertices(), network.edges(), directed, verticesWeights, edgesWeights);
+  logLoading(edgesWeights != nullptr);
+  return fromHandles<AllHandles>(network, directed, GivenWeights{verticesWeights, edgesWeights});
 }
 
 Owned<VEQNetwork> VEQNetwork::initWithNetwork_directed(const VEQNetwork& network, bool directed) {
   logLoading(true);
-  return fromVerticesAndEdges(network.vertices(), network.edges(), directed,
-                              ReportedWeights{CoreAccess::of(network)});
+  return fromHandles<AllHandles>(network, directed, ReportedWeights{CoreAccess::of(network)});
 }
 
 }  // namespace veq

@@ -106,7 +106,7 @@ Shared<VEQNumberArray> strengths(const NetworkCore& core, Side side) {
 template <class Result>
 Result forHandle(const VEQNetwork& network, const NetworkCore& core, const VEQVertex& vertex,
                  Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
-  if (&vertex.life() != core.life()) return Result();
+  if (!core.lives(vertex.life())) return Result();
   return (network.*indexForm)(vertex.identification());
 }
 
@@ -114,7 +114,7 @@ template <class Result>
 std::optional<Result> arrayForHandle(const VEQNetwork& network, const NetworkCore& core,
                                      const VEQVertex& vertex,
                                      Result (VEQNetwork::*indexForm)(std::uint64_t) const) {
-  if (&vertex.life() != core.life()) return std::nullopt;
+  if (!core.lives(vertex.life())) return std::nullopt;
   return (network.*indexForm)(vertex.identification());
 }
 

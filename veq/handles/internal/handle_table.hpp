@@ -7,6 +7,7 @@
 #include <new>
 #include <type_traits>
 
+#include "veq/base/make_once.hpp"
 #include "veq/base/memory.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/handles/internal/life_record.hpp"
@@ -89,18 +90,6 @@ class HandleTable {
   struct Directory {
     std::atomic<Kind**> groups[kGroups]{};
   };
-
-  // What the slot points at, made on first demand; of two threads that make it at the same time one
-  // throws its own away.
-  template <class Slot, class Make, class Discard>
-  static auto makeOnce(Slot&& slot, Make make, Discard discard) {
-    auto* present = slot.load(std::memory_order_acquire);
-    if (present) return present;
-    auto* mine = make();
-    if (slot.compare_exchange_strong(present, mine, std::memory_order_acq_rel)) return mine;
-    discard(mine);
-    return present;
-  }
 
   Kind* makeSegment(std::uint64_t first) {
     auto* segment = static_cast<Kind*>(::operator new(kSegmentSize * sizeof(Kind)));

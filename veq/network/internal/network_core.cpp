@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "veq/base/make_once.hpp"
+
 namespace veq {
 namespace internal {
 namespace {
@@ -19,20 +21,40 @@ void installColumns(PropertyTable& table, const PropertyTable& columns) {
 
 }  // namespace
 
-std::unique_ptr<NetworkCore> CoreAccess::buildCore(NetworkDraft draft) {
-  const EdgeEnds ends{draft.from.all(), draft.to.all()};
-  if (draft.edgesWeights && draft.edgesWeights->size() != ends.count()) return nullptr;
-  if (draft.verticesWeights && draft.verticesWeights->size() != draft.vertexCount) return nullptr;
+NetworkCore::NetworkCore(NetworkDraft&& draft)
+    : store(draft.vertexCount, {draft.from.all(), draft.to.all()}, draft.directed,
+            draft.narrowLimit),
+      verticesWeights(std::move(draft.verticesWeights)),
+      edgesWeights(std::move(draft.edgesWeights)),
+      vertexCapacity(store.vertexCount()),
+      edgesCapacity(store.edgeCount()) {
+  installColumns(properties->edges, draft.edgesProperties);
+  installColumns(properties->vertices, draft.verticesProperties);
+}
 
-  auto core = std::make_unique<NetworkCore>();
-  core->store = AdjacencyStore(draft.vertexCount, ends, draft.directed, draft.narrowLimit);
-  core->verticesWeights = std::move(draft.verticesWeights);
-  core->edgesWeights = std::move(draft.edgesWeights);
-  core->vertexCapacity = draft.vertexCount;
-  core->edgesCapacity = ends.count();
-  installColumns(core->properties->edges, draft.edgesProperties);
-  installColumns(core->properties->vertices, draft.verticesProperties);
-  return core;
+NetworkCore::~NetworkCore() {
+  NetworkHandles* const made = handles_.load(std::memory_order_acquire);
+  if (!made) return;
+  made->record.alive.store(false, std::memory_order_release);
+  made->self.reset();
+}
+
+NetworkHandles& NetworkCore::handles() const {
+  return *makeOnce(
+      handles_,
+      [this] {
+        const auto made = std::make_shared<NetworkHandles>(network);
+        made->self = made;
+        return made.get();
+      },
+      [](NetworkHandles* unused) { unused->self.reset(); });
+}
+
+std::unique_ptr<NetworkCore> CoreAccess::buildCore(NetworkDraft draft) {
+  const std::uint64_t edges = draft.from.all().size();
+  if (draft.edgesWeights && draft.edgesWeights->size() != edges) return nullptr;
+  if (draft.verticesWeights && draft.verticesWeights->size() != draft.vertexCount) return nullptr;
+  return std::make_unique<NetworkCore>(std::move(draft));
 }
 
 Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
@@ -68,9 +90,9 @@ PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index) {
 }  // namespace internal
 
 VEQNetwork::VEQNetwork(std::unique_ptr<internal::NetworkCore> core) : core_(std::move(core)) {
-  core_->handles = std::make_shared<internal::NetworkHandles>(this);
+  core_->network = this;
 }
 
-VEQNetwork::~VEQNetwork() { core_->handles->record.alive.store(false, std::memory_order_release); }
+VEQNetwork::~VEQNetwork() = default;
 
 }  // namespace veq

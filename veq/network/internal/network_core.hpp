@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <new>
@@ -26,6 +27,8 @@ struct NetworkProperties {
 struct NetworkHandles final : HandleOwner {
   explicit NetworkHandles(VEQNetwork* network) : HandleOwner(record), record(network) {}
 
+  /// The network's reference.
+  Shared<NetworkHandles> self;
   LifeRecord record;
   HandleTable<VEQVertex> vertices{*this};
   HandleTable<VEQEdge> edges{*this};
@@ -33,6 +36,11 @@ struct NetworkHandles final : HandleOwner {
 
 /// What a network consists of.
 struct NetworkCore {
+  /// Of a draft whose weights are one for each vertex and edge.
+  explicit NetworkCore(NetworkDraft&& draft);
+  /// Ends the life of which the handles ask.
+  ~NetworkCore();
+
   AdjacencyStore store;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
@@ -42,13 +50,26 @@ struct NetworkCore {
   std::uint64_t vertexCapacity = 0;
   std::uint64_t edgesCapacity = 0;
   bool editable = true;
-  Shared<NetworkHandles> handles;
+  /// The network that consists of this.
+  VEQNetwork* network = nullptr;
 
+  /// Made when somebody first asks for a handle, safely for concurrent callers. std::bad_alloc
+  /// where they cannot be made.
+  [[nodiscard]] NetworkHandles& handles() const;
   [[nodiscard]] Shared<HandleTable<VEQVertex>> vertices() const {
-    return {handles, &handles->vertices};
+    return {handles().self, &handles().vertices};
   }
-  [[nodiscard]] Shared<HandleTable<VEQEdge>> edges() const { return {handles, &handles->edges}; }
-  [[nodiscard]] const LifeRecord* life() const { return &handles->record; }
+  [[nodiscard]] Shared<HandleTable<VEQEdge>> edges() const {
+    return {handles().self, &handles().edges};
+  }
+  /// Whether it is this network's life.
+  [[nodiscard]] bool lives(const LifeRecord& life) const {
+    const NetworkHandles* made = handles_.load(std::memory_order_acquire);
+    return made && &made->record == &life;
+  }
+
+ private:
+  mutable std::atomic<NetworkHandles*> handles_{nullptr};
 };
 
 /// The library's own way into a network.
