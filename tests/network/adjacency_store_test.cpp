@@ -45,15 +45,46 @@ TEST(AdjacencyStore, ListCapacitiesAreTwiceTheCountThatOutgrewTheLastOne) {
   }
 }
 
-// Lists are carved with their capacities: 1 + 2 for vertex 0, then 6, then 14.
-TEST(AdjacencyStore, ConstructionTakesEachListsCapacity) {
+TEST(AdjacencyStore, ConstructionPacksTheLists) {
   EXPECT_EQ(zoneOf(storeOf(3, "", true)), 1U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1", true)), 3U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1", true)), 3U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1", true)), 7U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1 0-1 0-1 0-1 0-1", true)), 15U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1", false)), 5U);
+  EXPECT_EQ(zoneOf(storeOf(3, "0-1", true)), 2U);
+  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1", true)), 4U);
+  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1", true), Side::kIn), 4U);
+  EXPECT_EQ(zoneOf(storeOf(3, "0-1", false)), 3U);
   EXPECT_EQ(zoneOf(storeOf(3, "2-2", false)), 3U);
+}
+
+TEST(AdjacencyStore, TheFirstInsertionMovesAPackedListToRoomOfItsCapacity) {
+  AdjacencyStore store = storeOf(4, "0-1 1-0 0-2 1-2 0-3", true);
+  EXPECT_EQ(zoneOf(store), 6U);
+  // Three entries and room for three more.
+  insert(store, "0-1");
+  EXPECT_EQ(zoneOf(store), 12U);
+  insert(store, "0-2");
+  EXPECT_EQ(zoneOf(store), 12U);
+  // Two entries fill their room, so that the third goes to one of 6 at once ...
+  insert(store, "1-3");
+  EXPECT_EQ(zoneOf(store), 20U);
+  // ... and the room of 2 waits for this list.
+  insert(store, "2-3");
+  EXPECT_EQ(zoneOf(store), 20U);
+  EXPECT_THAT(store.edges(0, Side::kOut), ElementsAre(0, 2, 4, 5, 6));
+  EXPECT_THAT(store.neighbours(0, Side::kOut), ElementsAre(1, 2, 3, 1, 2));
+  EXPECT_THAT(store.edges(1, Side::kOut), ElementsAre(1, 3, 7));
+  EXPECT_THAT(store.edges(2, Side::kOut), ElementsAre(8));
+}
+
+// Room for the hub is asked for once, and not for each of its new entries.
+TEST(AdjacencyStore, AHubGrowsByWhatIsInserted) {
+  std::vector<std::uint64_t> hub(100, 0);
+  const std::vector<std::uint64_t> to(100, 1);
+  AdjacencyStore store(2, {hub, to}, true);
+  EXPECT_EQ(zoneOf(store), 101U);
+  hub.resize(40);
+  store.insert({hub, {to.data(), 40}});
+  // It moves to a room of 126, and then to one of 254.
+  EXPECT_EQ(zoneOf(store), 101U + 126U + 254U);
+  EXPECT_EQ(store.count(0, Side::kOut), 140U);
 }
 
 TEST(AdjacencyStore, AnAbandonedRoomGoesToTheNextListOfItsSize) {

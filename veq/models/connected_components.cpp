@@ -62,9 +62,9 @@ Components<Index> findComponents(const AdjacencyStore& store,
     reach(static_cast<Index>(start));
     while (waiting != 0) {
       const Index vertex = reached[--waiting];
-      for (const auto& entry : topology.out.list(vertex)) reach(entry.neighbour);
-      if (!store.directed()) continue;
-      for (const auto& entry : topology.in.list(vertex)) reach(entry.neighbour);
+      for (const Index neighbour : topology.out.neighbours(vertex)) reach(neighbour);
+      if (!topology.in) continue;
+      for (const Index neighbour : topology.in->neighbours(vertex)) reach(neighbour);
     }
     found.sizes.push_back(size);
   }

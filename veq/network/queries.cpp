@@ -30,11 +30,11 @@ std::uint64_t countOf(const NetworkCore& core, std::uint64_t index, Side side) {
 }
 
 // The sum of the weights of a list's edges, in list order; an edge without a weight counts 1.0.
-template <class List>
-double sumOfWeights(const List& list, const std::optional<Weights>& weights) {
-  if (!weights) return static_cast<double>(list.size());
+template <class Index>
+double sumOfWeights(std::span<const Index> edges, const std::optional<Weights>& weights) {
+  if (!weights) return static_cast<double>(edges.size());
   double sum = 0.0;
-  for (const auto& entry : list) sum += static_cast<double>((*weights)[entry.edge]);
+  for (const Index edge : edges) sum += static_cast<double>((*weights)[edge]);
   return sum;
 }
 
@@ -43,7 +43,7 @@ double strengthOf(const NetworkCore& core, std::uint64_t index, Side side) {
   // It is the vertices' flag that decides whether the edges' weights are summed.
   if (!core.verticesWeights) return static_cast<double>(core.store.count(index, Side::kOut));
   return core.store.visit([&](const auto& topology) {
-    return sumOfWeights(core.store.lists(topology, side).list(index), core.edgesWeights);
+    return sumOfWeights(core.store.lists(topology, side).edges(index), core.edgesWeights);
   });
 }
 
@@ -280,8 +280,10 @@ float* VEQNetwork::buildAdjacencyMatrixInPointer(float* buffer) const {
     for (std::uint64_t v = 0; v < n; ++v) {
       float* const row = buffer + n * v;
       if (clear) std::memset(row, 0, n * sizeof(float));
-      for (const auto& entry : topology.out.list(v)) {
-        row[entry.neighbour] += weights ? weights[entry.edge] : 1.0f;
+      const auto neighbours = topology.out.neighbours(v);
+      const auto edges = topology.out.edges(v);
+      for (std::size_t i = 0; i < edges.size(); ++i) {
+        row[neighbours[i]] += weights ? weights[edges[i]] : 1.0f;
       }
     }
   });

@@ -87,7 +87,7 @@ class DynamicMover {
   };
 
   Index move(std::uint64_t agent, Index& position, std::uint64_t number) {
-    const std::span<const Entry<Index>> list = lists_.list(position);
+    const std::span<const Index> list = lists_.neighbours(position);
     if (list.empty()) return kStayed<Index>;
     position = choose(agent, list, numbers_[kNextVertex].draws[number]);
     std::uint64_t remembered = position;
@@ -100,16 +100,15 @@ class DynamicMover {
 
   // Counting the candidates and then looking for the chosen one takes no memory, which a walk could
   // run out of in the middle of a step.
-  Index choose(std::uint64_t agent, std::span<const Entry<Index>> list, std::uint32_t draw) const {
+  Index choose(std::uint64_t agent, std::span<const Index> list, std::uint32_t draw) const {
     std::uint64_t candidates = 0;
-    for (const Entry<Index>& entry : list)
-      candidates += !memories_.remembers(agent, entry.neighbour);
+    for (const Index neighbour : list) candidates += !memories_.remembers(agent, neighbour);
     if (candidates == 0 || candidates == list.size()) {
-      return list[chooseEntry(list.size(), draw)].neighbour;
+      return list[chooseEntry(list.size(), draw)];
     }
     std::uint64_t left = chooseEntry(candidates, draw);
-    for (const Entry<Index>* entry = list.data();; ++entry) {
-      if (!memories_.remembers(agent, entry->neighbour) && left-- == 0) return entry->neighbour;
+    for (const Index* neighbour = list.data();; ++neighbour) {
+      if (!memories_.remembers(agent, *neighbour) && left-- == 0) return *neighbour;
     }
   }
 
@@ -117,8 +116,8 @@ class DynamicMover {
   void fetchAhead(const Index* positions, std::uint64_t agent) const {
     constexpr std::uint64_t kAgentsAhead = 4;
     if (agent + 2 * kAgentsAhead >= agents_) return;
-    __builtin_prefetch(lists_.rows() + positions[agent + 2 * kAgentsAhead]);
-    __builtin_prefetch(lists_.zone() + lists_.rows()[positions[agent + kAgentsAhead]].start);
+    lists_.fetchRow(positions[agent + 2 * kAgentsAhead]);
+    lists_.fetchNeighbours(positions[agent + kAgentsAhead]);
   }
 
   // The period is found by comparing with states that lie twice as far apart each time (Brent's
@@ -146,10 +145,10 @@ class DynamicMover {
     return CoreAccess::of(*agentsNetwork_).store.visit([this](const auto& topology) {
       bool changed = false;
       for (std::uint64_t a = 0; a < agents_; ++a) {
-        const auto list = topology.out.list(a);
+        const auto neighbours = topology.out.neighbours(a);
         changed |= memories_.share(a, [&](auto give) {
-          for (const auto& entry : list) {
-            if (entry.neighbour < agents_) give(entry.neighbour);
+          for (const auto neighbour : neighbours) {
+            if (neighbour < agents_) give(neighbour);
           }
         });
       }

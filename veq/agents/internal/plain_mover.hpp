@@ -36,7 +36,7 @@ class PlainMover {
   static constexpr bool kCanRewind = true;
 
   PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps)
-      : rows_(lists.rows()), zone_(lists.zone()), agents_(agents) {
+      : rows_(lists.rows()), neighbours_(lists.neighbourZone()), agents_(agents) {
     draws_.resize(std::min(agents, kMovesPerTile) * std::min(steps, stepsPerTile(agents)));
   }
 
@@ -67,7 +67,7 @@ class PlainMover {
   // So many that what was fetched ahead for them is still in the cache when it is used.
   static constexpr std::uint64_t kAgentsAtOnce = 256;
 
-  // The place of the chosen entry in the zone; place 0 belongs to no list.
+  // The place of the chosen neighbour in the zone; place 0 belongs to no list.
   [[nodiscard]] Index choose(Row<Index> row, std::uint32_t draw) const {
     if (row.count == 0) return 0;
     return static_cast<Index>(row.start + chooseEntry(row.count, draw));
@@ -81,14 +81,14 @@ class PlainMover {
     for (std::uint64_t s = 0; s < steps; ++s, draws += drawsPerStep, moves += agents_) {
       for (std::uint64_t i = 0; i < some; ++i) {
         chosen[i] = choose(rows_[positions[i]], draws[i]);
-        __builtin_prefetch(zone_ + chosen[i]);
+        __builtin_prefetch(neighbours_ + chosen[i]);
       }
       for (std::uint64_t i = 0; i < some; ++i) {
         if (chosen[i] == 0) {
           moves[i] = kStayed<Index>;
           continue;
         }
-        const Index to = zone_[chosen[i]].neighbour;
+        const Index to = neighbours_[chosen[i]];
         __builtin_prefetch(rows_ + to);
         positions[i] = moves[i] = to;
       }
@@ -103,13 +103,13 @@ class PlainMover {
         moves[s * agents_] = kStayed<Index>;
         continue;
       }
-      moves[s * agents_] = at = zone_[chosen].neighbour;
+      moves[s * agents_] = at = neighbours_[chosen];
     }
     position = at;
   }
 
   const Row<Index>* rows_;
-  const Entry<Index>* zone_;
+  const Index* neighbours_;
   std::uint64_t agents_;
   std::optional<RandomStream> numbers_;
   Block<std::uint32_t> draws_;  // those of a tile

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <memory>
 #include <span>
-#include <type_traits>
 #include <utility>
 
 #include "veq/base/memory.hpp"
@@ -17,91 +18,112 @@ struct Entry {
   Index edge;
 };
 
-/// Where a vertex's list lies: its first entry's place in the zone, and its length. A list that has
-/// never held an entry starts at 0, where no list is.
+/// Where a vertex's list lies: its first entry's place in both zones, and its length. A list that
+/// has never held an entry starts at 0, where no list is.
 template <class Index>
 struct Row {
   Index start;
   Index count;
 };
 
-/// The room that a list of this length has: 0, 2, 6, 14, 30, ..., for it was last doubled when an
-/// entry no longer fitted, to twice the length of then.
+/// The room that a list of this length has where it may grow: 0, 2, 6, 14, 30, ..., for it was last
+/// doubled when an entry no longer fitted, to twice the length of then.
 [[nodiscard]] constexpr std::uint64_t listCapacity(std::uint64_t count) {
   return count == 0 ? 0 : std::bit_ceil(count + 2) - 2;
 }
 
-/// The lists of one direction, in one zone of memory. A list that outgrows its room moves to the
-/// zone's end and leaves its old room to the next list that needs one of that size.
+/// The lists of one direction: the neighbours of all lists in one zone of memory, and the edges in
+/// another at the same places, so that walks and searches, which ask for no edges, find twice as
+/// many neighbours in the caches.
+///
+/// Construction packs the lists. The first insertion into one moves it to the zones' end, where it
+/// has room to grow; a list that outgrows its room moves there again, and leaves the room to the
+/// next list that needs one of that size.
 template <class Index>
 class AdjacencyLists {
  public:
-  AdjacencyLists() = default;
-  explicit AdjacencyLists(std::uint64_t vertices) : rows_(vertices) {}
-
   [[nodiscard]] const Row<Index>* rows() const { return rows_.data(); }
-  [[nodiscard]] const Entry<Index>* zone() const { return zone_.data(); }
+  [[nodiscard]] const Index* neighbourZone() const { return neighbours_.data(); }
   [[nodiscard]] std::uint64_t count(std::uint64_t vertex) const { return rows_[vertex].count; }
-  [[nodiscard]] std::span<const Entry<Index>> list(std::uint64_t vertex) const {
-    return {zone_.data() + rows_[vertex].start, rows_[vertex].count};
+  /// The two columns of a list.
+  [[nodiscard]] std::span<const Index> neighbours(std::uint64_t vertex) const {
+    return {neighbours_.data() + rows_[vertex].start, rows_[vertex].count};
+  }
+  [[nodiscard]] std::span<const Index> edges(std::uint64_t vertex) const {
+    return {edges_.data() + rows_[vertex].start, rows_[vertex].count};
   }
 
-  /// \name Filling, for a construction that knows all lengths before it places an entry
-  /// Every entry is announced before the first of its list is placed, and the zone is opened before
-  /// that, with room for all announced lists or more.
-  /// @{
-  void announce(std::uint64_t vertex) { ++rows_[vertex].count; }
-  /// The room that the lists announced so far take. O(vertices).
-  [[nodiscard]] std::uint64_t announcedRoom() const {
-    std::uint64_t room = 0;
-    for (std::uint64_t v = 0; v < rows_.size(); ++v) room += listCapacity(rows_[v].count);
-    return room;
+  /// Fetch ahead what will be read: a row, and once that is there, its neighbours.
+  void fetchRow(std::uint64_t vertex) const { __builtin_prefetch(rows_.data() + vertex); }
+  void fetchNeighbours(std::uint64_t vertex) const {
+    __builtin_prefetch(neighbours_.data() + rows_[vertex].start);
   }
-  void openZone(std::uint64_t room) {
-    if (room != 0) zone_.resize(kFirst + room);
-  }
-  void place(std::uint64_t vertex, Entry<Index> entry) {
-    Row<Index>& row = rows_[vertex];
-    if (row.start == 0) {
-      row.start = static_cast<Index>(used_);
-      used_ += listCapacity(row.count);
-      row.count = 0;
-    }
-    zone_[row.start + row.count++] = entry;
-  }
-  /// Gives back the part of the zone that no list took.
-  void finish() {
-    if (used_ < zone_.size()) zone_.resize(used_);
-  }
-  /// @}
 
   /// \name Appending
-  /// Nothing can fail after reserve() with the sum of what announceMore() gave for all entries.
+  /// First all lists that will grow are loosened. Nothing can fail after reserve() with the sum of
+  /// what announceMore() gave for all entries.
   /// @{
-  /// The zone entries that one more entry needs at most; announces it, and must be taken back.
+  /// The places in the zones that a list needs which construction packed; none for others.
+  [[nodiscard]] std::uint64_t roomToLoosen(std::uint64_t vertex) const {
+    return rows_[vertex].start < packedSize() ? listCapacity(rows_[vertex].count) : 0;
+  }
+  /// Moves a packed list to where it has the room that its length calls for.
+  void loosen(std::uint64_t vertex) {
+    const std::uint64_t room = roomToLoosen(vertex);
+    if (room == 0) return;
+    reserve(room);
+    move(rows_[vertex], room);
+  }
+  /// The places in the zones that one more entry needs at most; announces it, and must be taken
+  /// back.
   [[nodiscard]] std::uint64_t announceMore(std::uint64_t vertex) {
+    // Where the list will be written to, or read to be moved.
+    __builtin_prefetch(neighbours_.data() + rows_[vertex].start, 1);
+    __builtin_prefetch(edges_.data() + rows_[vertex].start, 1);
     const std::uint64_t before = rows_[vertex].count++;
     const std::uint64_t needed = listCapacity(before + 1);
     return needed == listCapacity(before) ? 0 : needed;
   }
   void takeBack(std::uint64_t vertex) { --rows_[vertex].count; }
   [[nodiscard]] std::uint64_t zoneSizeWith(std::uint64_t moreEntries) const {
-    return used_ + moreEntries;
+    return (growth_ ? growth_->used : packedSize()) + moreEntries;
   }
   void reserve(std::uint64_t moreEntries) {
-    if (free_.empty()) free_ = Block<Index>(kSizeClasses);
-    zone_.reserve(used_ + moreEntries);
+    if (!growth_) growth_ = std::make_unique<Growth>(packedSize());
+    neighbours_.reserve(zoneSizeWith(moreEntries));
+    edges_.reserve(zoneSizeWith(moreEntries));
   }
   void append(std::uint64_t vertex, Entry<Index> entry) noexcept {
     Row<Index>& row = rows_[vertex];
     if (row.count == listCapacity(row.count)) enlarge(row);
-    zone_[row.start + row.count++] = entry;
+    write(row.start + row.count++, entry);
   }
   /// @}
 
  private:
+  template <class>
+  friend class ListFiller;
+
   static constexpr std::uint64_t kFirst = 1;
   static constexpr std::uint64_t kSizeClasses = 8 * sizeof(Index);
+
+  // What insertions keep account of. It would be the larger part of a small network.
+  struct Growth {
+    explicit Growth(std::uint64_t size) : packed(size), used(size) {}
+
+    std::uint64_t packed;  // Where the lists end that construction packed.
+    std::uint64_t used;
+    Index free[kSizeClasses]{};  // The first room of each size that waits for a list, or 0.
+  };
+
+  [[nodiscard]] std::uint64_t packedSize() const {
+    return growth_ ? growth_->packed : std::max(kFirst, neighbours_.size());
+  }
+
+  void write(std::uint64_t place, Entry<Index> entry) {
+    neighbours_[place] = entry.neighbour;
+    edges_[place] = entry.edge;
+  }
 
   // Lists of capacity 2, 6, 14, ... are of size class 0, 1, 2, ...
   static unsigned sizeClass(std::uint64_t capacity) {
@@ -109,31 +131,71 @@ class AdjacencyLists {
   }
 
   void enlarge(Row<Index>& row) noexcept {
-    const std::uint64_t capacity = listCapacity(std::uint64_t{row.count} + 1);
+    const Index left = row.start;
+    move(row, listCapacity(std::uint64_t{row.count} + 1));
+    if (row.count != 0) leaveRoom(left, row.count);
+  }
+
+  void move(Row<Index>& row, std::uint64_t capacity) noexcept {
     const Index start = takeRoom(capacity);
-    for (Index i = 0; i < row.count; ++i) zone_[start + i] = zone_[row.start + i];
-    if (row.count != 0) leaveRoom(row.start, row.count);
+    std::copy_n(neighbours_.data() + row.start, row.count, neighbours_.data() + start);
+    std::copy_n(edges_.data() + row.start, row.count, edges_.data() + start);
     row.start = start;
   }
 
   Index takeRoom(std::uint64_t capacity) noexcept {
-    Index& free = free_[sizeClass(capacity)];
-    if (free != 0) return std::exchange(free, zone_[free].neighbour);
-    return static_cast<Index>(std::exchange(used_, used_ + capacity));
+    Index& free = growth_->free[sizeClass(capacity)];
+    if (free != 0) return std::exchange(free, neighbours_[free]);
+    return static_cast<Index>(std::exchange(growth_->used, growth_->used + capacity));
   }
 
-  // Rooms that wait for a list are chained through their first entries.
+  // Rooms that wait for a list are chained through their first neighbours.
   void leaveRoom(Index start, std::uint64_t capacity) noexcept {
-    Index& free = free_[sizeClass(capacity)];
-    zone_[start].neighbour = std::exchange(free, start);
+    Index& free = growth_->free[sizeClass(capacity)];
+    neighbours_[start] = std::exchange(free, start);
   }
 
   Block<Row<Index>> rows_;
-  Block<Entry<Index>> zone_;
-  std::uint64_t used_ = kFirst;
-  // The first room of each size class that waits for a list, or 0. Made by the first insertion, as
-  // it would be the larger part of a small network.
-  Block<Index> free_;
+  Block<Index> neighbours_;
+  Block<Index> edges_;
+  std::unique_ptr<Growth> growth_;  // Made by the first insertion.
+};
+
+/// Fills new lists. Every entry is announced before the first of its list is placed.
+template <class Index>
+class ListFiller {
+ public:
+  /// The indices that such lists take of a ground.
+  [[nodiscard]] static std::uint64_t sizeOnGround(std::uint64_t vertices, std::uint64_t entries) {
+    return 2 * vertices + 2 * zoneSize(entries);
+  }
+
+  ListFiller(AdjacencyLists<Index>& lists, std::uint64_t vertices, std::uint64_t entries,
+             Ground<Index>& ground)
+      : lists_(lists) {
+    lists_.rows_ = ground.template zeroedBlock<Row<Index>>(vertices);
+    lists_.neighbours_ = ground.template block<Index>(zoneSize(entries));
+    lists_.edges_ = ground.template block<Index>(zoneSize(entries));
+  }
+
+  void announce(std::uint64_t vertex) { ++lists_.rows_[vertex].count; }
+  void place(std::uint64_t vertex, Entry<Index> entry) {
+    Row<Index>& row = lists_.rows_[vertex];
+    if (row.start == 0) {
+      row.start = static_cast<Index>(used_);
+      used_ += row.count;
+      row.count = 0;
+    }
+    lists_.write(row.start + row.count++, entry);
+  }
+
+ private:
+  static std::uint64_t zoneSize(std::uint64_t entries) {
+    return entries == 0 ? 0 : AdjacencyLists<Index>::kFirst + entries;
+  }
+
+  AdjacencyLists<Index>& lists_;
+  std::uint64_t used_ = AdjacencyLists<Index>::kFirst;
 };
 
 }  // namespace veq::internal

@@ -63,36 +63,36 @@ class Partition {
   Block<Item<Index>> items_;
 };
 
+// The lists of those edges' ends that stand in `at`, or of both where they go both ways.
 template <class Index>
-AdjacencyLists<Index> buildLists(std::uint64_t vertices, const Block<Index>& at,
-                                 const Block<Index>& neighbour, std::uint64_t edges,
-                                 bool bothWays) {
+void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Block<Index>& at,
+                const Block<Index>& neighbour, std::uint64_t edges, bool bothWays,
+                Ground<Index>& ground) {
   const std::uint64_t entries = bothWays ? 2 * edges : edges;
-  // A list's room is at most twice its length; where vertices are few, adding up is cheap.
-  const std::uint64_t mostRoom = 2 * entries;
-  AdjacencyLists<Index> lists(vertices);
+  ListFiller<Index> filler(lists, vertices, entries, ground);
   const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, f); };
   if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
     const Partition<Index> partition(vertices, entries, forEach);
-    lists.openZone(mostRoom);
-    partition.forEachRange([&lists](std::span<const Item<Index>> items) {
-      for (const Item<Index>& item : items) lists.announce(item.vertex);
-      for (const Item<Index>& item : items) lists.place(item.vertex, item.entry);
+    partition.forEachRange([&filler](std::span<const Item<Index>> items) {
+      for (const Item<Index>& item : items) filler.announce(item.vertex);
+      for (const Item<Index>& item : items) filler.place(item.vertex, item.entry);
     });
   } else {
-    forEach([&lists](Index vertex, Index, Index) { lists.announce(vertex); });
-    lists.openZone(vertices <= mostRoom ? lists.announcedRoom() : mostRoom);
-    forEach([&lists](Index vertex, Index to, Index edge) { lists.place(vertex, {to, edge}); });
+    forEach([&filler](Index vertex, Index, Index) { filler.announce(vertex); });
+    forEach([&filler](Index vertex, Index to, Index edge) { filler.place(vertex, {to, edge}); });
   }
-  lists.finish();
-  return lists;
 }
 
+// The indices in all blocks of a network, or 0 where they would take more than a megabyte: a large
+// block by itself can be enlarged without being copied, and leaves no large ground behind.
 template <class Index>
-void buildAllLists(Topology<Index>& topology, std::uint64_t vertices, std::uint64_t edges,
-                   bool directed) {
-  topology.out = buildLists(vertices, topology.from, topology.to, edges, !directed);
-  if (directed) topology.in = buildLists(vertices, topology.to, topology.from, edges, false);
+std::uint64_t groundSize(std::uint64_t vertices, std::uint64_t edges, bool directed) {
+  constexpr std::uint64_t kLargest = (std::uint64_t{1} << 20) / sizeof(Index);
+  if (vertices > kLargest || edges > kLargest) return 0;
+  const std::uint64_t lists = directed ? 2 * ListFiller<Index>::sizeOnGround(vertices, edges)
+                                       : ListFiller<Index>::sizeOnGround(vertices, 2 * edges);
+  const std::uint64_t size = 2 * edges + lists;
+  return size <= kLargest ? size : 0;
 }
 
 // Whether vertices and zones of such a network can be told by indices up to the limit.
@@ -120,21 +120,15 @@ std::uint64_t AdjacencyStore::count(std::uint64_t vertex, Side side) const {
 
 std::vector<std::uint64_t> AdjacencyStore::neighbours(std::uint64_t vertex, Side side) const {
   return visit([&](const auto& topology) {
-    const auto list = lists(topology, side).list(vertex);
-    std::vector<std::uint64_t> result(list.size());
-    std::transform(list.begin(), list.end(), result.begin(),
-                   [](const auto& entry) { return entry.neighbour; });
-    return result;
+    const auto column = lists(topology, side).neighbours(vertex);
+    return std::vector<std::uint64_t>(column.begin(), column.end());
   });
 }
 
 std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side) const {
   return visit([&](const auto& topology) {
-    const auto list = lists(topology, side).list(vertex);
-    std::vector<std::uint64_t> result(list.size());
-    std::transform(list.begin(), list.end(), result.begin(),
-                   [](const auto& entry) { return entry.edge; });
-    return result;
+    const auto column = lists(topology, side).edges(vertex);
+    return std::vector<std::uint64_t>(column.begin(), column.end());
   });
 }
 
@@ -146,10 +140,26 @@ void AdjacencyStore::insert(EdgeEnds more) {
 }
 
 template <class Index>
+bool AdjacencyStore::isWithin(std::uint64_t size) const {
+  return !std::is_same_v<Index, std::uint32_t> || size <= narrowLimit_;
+}
+
+template <class Index>
+bool AdjacencyStore::loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
+  if (!isWithin<Index>(lists.zoneSizeWith(lists.roomToLoosen(vertex)))) return false;
+  lists.loosen(vertex);
+  return true;
+}
+
+template <class Index>
 bool AdjacencyStore::appendInPlace(Topology<Index>& topology, EdgeEnds more) {
-  AdjacencyLists<Index>& in = directed_ ? topology.in : topology.out;
+  AdjacencyLists<Index>& in = directed_ ? *topology.in : topology.out;
   const std::uint64_t count = more.count();
 
+  // Where a list lies shows nowhere, so that it does no harm to stop here for want of memory.
+  for (std::uint64_t i = 0; i < count; ++i) {
+    if (!loosen(topology.out, more.from[i]) || !loosen(in, more.to[i])) return false;
+  }
   // How much room the lists will want is known only once all entries have been counted in.
   std::uint64_t outEntries = 0;
   std::uint64_t inEntries = 0;
@@ -163,10 +173,9 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, EdgeEnds more) {
   }
   if (!directed_) outEntries += inEntries;
 
-  if constexpr (std::is_same_v<Index, std::uint32_t>) {
-    const std::uint64_t zone =
-        std::max(topology.out.zoneSizeWith(outEntries), in.zoneSizeWith(inEntries));
-    if (zone > narrowLimit_ || edges_ + count > narrowLimit_) return false;
+  if (!isWithin<Index>(topology.out.zoneSizeWith(outEntries)) ||
+      !isWithin<Index>(in.zoneSizeWith(inEntries)) || !isWithin<Index>(edges_ + count)) {
+    return false;
   }
   topology.from.reserve(edges_ + count);
   topology.to.reserve(edges_ + count);
@@ -191,9 +200,10 @@ void AdjacencyStore::rebuildWith(EdgeEnds more) {
   const std::uint64_t edges = edges_ + more.count();
   const auto build = [&](auto wanted) {
     using Index = decltype(wanted);
+    Ground<Index> ground(groundSize<Index>(vertices_, edges, directed_));
     Topology<Index> next;
-    next.from.resize(edges);
-    next.to.resize(edges);
+    next.from = ground.template block<Index>(edges);
+    next.to = ground.template block<Index>(edges);
     visit([&](const auto& present) {
       std::transform(present.from.data(), present.from.data() + edges_, next.from.data(),
                      [](auto end) { return static_cast<Index>(end); });
@@ -202,8 +212,13 @@ void AdjacencyStore::rebuildWith(EdgeEnds more) {
     });
     copyEnds(more.from, next.from.data() + edges_);
     copyEnds(more.to, next.to.data() + edges_);
-    buildAllLists(next, vertices_, edges, directed_);
-    topology_ = std::move(next);
+    buildLists(next.out, vertices_, next.from, next.to, edges, !directed_, ground);
+    if (directed_) {
+      next.in = std::make_unique<AdjacencyLists<Index>>();
+      buildLists(*next.in, vertices_, next.to, next.from, edges, false, ground);
+    }
+    next.ground = std::move(ground).take();
+    topology_.template emplace<Topology<Index>>(std::move(next));
   };
   // Lists that have outgrown their zone stay narrow only with room for many more insertions, lest
   // each of them had to build everything anew.

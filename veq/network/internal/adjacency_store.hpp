@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <utility>
 #include <variant>
@@ -22,10 +23,11 @@ struct EdgeEnds {
 /// Edges and lists with indices of one width.
 template <class Index>
 struct Topology {
+  Block<Index> ground;  // Of all blocks of a small network.
   Block<Index> from;
   Block<Index> to;
   AdjacencyLists<Index> out;
-  AdjacencyLists<Index> in;  // directed only
+  std::unique_ptr<AdjacencyLists<Index>> in;  // Of directed networks.
 };
 
 /// All that a network knows of its topology, and the only code that knows how it lies in memory.
@@ -74,7 +76,7 @@ class AdjacencyStore {
   template <class Index>
   [[nodiscard]] const AdjacencyLists<Index>& lists(const Topology<Index>& topology,
                                                    Side side) const {
-    return side == Side::kIn && directed_ ? topology.in : topology.out;
+    return side == Side::kIn && topology.in ? *topology.in : topology.out;
   }
 
   /// Appends edges whose ends are below the number of vertices. Amortised O(count). std::bad_alloc
@@ -82,6 +84,12 @@ class AdjacencyStore {
   void insert(EdgeEnds more);
 
  private:
+  // Whether places or edges up to this number can be told by indices of the width.
+  template <class Index>
+  [[nodiscard]] bool isWithin(std::uint64_t size) const;
+  // These two give up where narrow indices do not reach.
+  template <class Index>
+  [[nodiscard]] bool loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
   [[nodiscard]] bool appendInPlace(Topology<Index>& topology, EdgeEnds more);
   void rebuildWith(EdgeEnds more);
