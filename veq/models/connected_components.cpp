@@ -41,35 +41,62 @@ struct Components {
   [[nodiscard]] std::uint64_t of(std::uint64_t vertex) const { return labels[vertex] - 1u; }
 };
 
+// Finds one component after the other by breadth-first search, whose queue says which vertices come
+// next, so that their lists are fetched ahead.
 template <class Index>
-Components<Index> findComponents(const AdjacencyStore& store,
-                                 const internal::Topology<Index>& topology) {
-  const std::uint64_t n = store.vertexCount();
-  Components<Index> found{Block<Index>(n), {}};
-  Block<Index> reached;  // Labelled, and their lists not read yet.
-  reached.resize(n);
-  for (std::uint64_t start = 0; start < n; ++start) {
-    if (found.labels[start] != 0) continue;
-    const auto label = static_cast<Index>(found.sizes.size() + 1);
-    std::uint64_t size = 0;
-    std::uint64_t waiting = 0;
-    const auto reach = [&](Index vertex) {
-      if (found.labels[vertex] != 0) return;
-      found.labels[vertex] = label;
-      reached[waiting++] = vertex;
-      ++size;
-    };
-    reach(static_cast<Index>(start));
-    while (waiting != 0) {
-      const Index vertex = reached[--waiting];
-      for (const Index neighbour : topology.out.neighbours(vertex)) reach(neighbour);
-      if (!topology.in) continue;
-      for (const Index neighbour : topology.in->neighbours(vertex)) reach(neighbour);
-    }
-    found.sizes.push_back(size);
+class ComponentSearch {
+ public:
+  ComponentSearch(const internal::Topology<Index>& topology, std::uint64_t vertices)
+      : topology_(topology), labels_(vertices) {
+    reached_.resize(vertices);
   }
-  return found;
-}
+
+  Components<Index> run() && {
+    std::vector<std::uint64_t> sizes;
+    for (std::uint64_t start = 0; start < labels_.size(); ++start) {
+      if (labels_[start] == 0) sizes.push_back(label(start, sizes.size() + 1));
+    }
+    return {std::move(labels_), std::move(sizes)};
+  }
+
+ private:
+  // Labels the component of a vertex, and answers its size.
+  std::uint64_t label(std::uint64_t start, std::uint64_t label) {
+    count_ = 0;
+    reach(start, label);
+    for (std::uint64_t i = 0; i < count_; ++i) {
+      fetchAhead(topology_.out, i);
+      for (const Index neighbour : topology_.out.neighbours(reached_[i])) reach(neighbour, label);
+      if (!topology_.in) continue;
+      fetchAhead(*topology_.in, i);
+      for (const Index neighbour : topology_.in->neighbours(reached_[i])) reach(neighbour, label);
+    }
+    return count_;
+  }
+
+  void reach(std::uint64_t vertex, std::uint64_t label) {
+    if (labels_[vertex] != 0) return;
+    labels_[vertex] = static_cast<Index>(label);
+    reached_[count_++] = static_cast<Index>(vertex);
+  }
+
+  // The row of a vertex that comes later, the list of one that comes sooner, for which this was
+  // done before, and the labels of the neighbours of one that comes still sooner.
+  void fetchAhead(const internal::AdjacencyLists<Index>& lists, std::uint64_t i) const {
+    constexpr std::uint64_t kAhead = 4;
+    if (i + 3 * kAhead >= count_) return;
+    lists.fetchRow(reached_[i + 3 * kAhead]);
+    lists.fetchNeighbours(reached_[i + 2 * kAhead]);
+    for (const Index neighbour : lists.neighbours(reached_[i + kAhead])) {
+      __builtin_prefetch(labels_.data() + neighbour);
+    }
+  }
+
+  const internal::Topology<Index>& topology_;
+  Block<Index> labels_;
+  Block<Index> reached_;  // The vertices of the component, in the order in which they were reached.
+  std::uint64_t count_ = 0;
+};
 
 // Vertices and edges of one component, in the order of their indices, which stand in the first two;
 // the ends of its edges are positions among its vertices.
@@ -236,7 +263,8 @@ void logWeights(const std::optional<Weights>& edgesWeights) {
 std::vector<Shared<VEQNetwork>> VEQNetwork::connectedSubNetworksArray() const {
   const AdjacencyStore& store = core_->store;
   const Partition parts = store.visit([&store](const auto& topology) {
-    return Partition(findComponents(store, topology), topology, store.edgeCount());
+    return Partition(ComponentSearch(topology, store.vertexCount()).run(), topology,
+                     store.edgeCount());
   });
   std::vector<Shared<VEQNetwork>> result;
   result.reserve(parts.count());
@@ -249,7 +277,8 @@ std::vector<Shared<VEQNetwork>> VEQNetwork::connectedSubNetworksArray() const {
 Shared<VEQNetwork> VEQNetwork::largestConnectedSubNetwork() const {
   const AdjacencyStore& store = core_->store;
   const LargestPart largest = store.visit([&store](const auto& topology) {
-    return LargestPart(findComponents(store, topology), topology, store.edgeCount());
+    return LargestPart(ComponentSearch(topology, store.vertexCount()).run(), topology,
+                       store.edgeCount());
   });
   std::optional<Weights> verticesWeights =
       weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), core_->handles().vertices);
