@@ -15,7 +15,7 @@ using internal::NetworkCore;
 
 namespace {
 
-void requireVertices(EdgeEnds edges, std::uint64_t n) {
+void requireVertices(const EdgeEnds& edges, std::uint64_t n) {
   for (std::uint64_t i = 0; i < edges.count(); ++i) {
     if (edges.from[i] < n && edges.to[i] < n) continue;
     throw std::invalid_argument(

@@ -108,7 +108,7 @@ void copyEnds(std::span<const std::uint64_t> ends, Index* out) {
 
 }  // namespace
 
-AdjacencyStore::AdjacencyStore(std::uint64_t vertices, EdgeEnds edges, bool directed,
+AdjacencyStore::AdjacencyStore(std::uint64_t vertices, const EdgeEnds& edges, bool directed,
                                std::uint64_t narrowLimit)
     : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
   rebuildWith(edges);
@@ -132,7 +132,7 @@ std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side
   });
 }
 
-void AdjacencyStore::insert(EdgeEnds more) {
+void AdjacencyStore::insert(const EdgeEnds& more) {
   const bool bulk = more.count() >= kBulkInsertion && more.count() > edges_ / 2;
   const bool inPlace =
       !bulk && std::visit([&](auto& topology) { return appendInPlace(topology, more); }, topology_);
@@ -152,7 +152,7 @@ bool AdjacencyStore::loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex) 
 }
 
 template <class Index>
-bool AdjacencyStore::appendInPlace(Topology<Index>& topology, EdgeEnds more) {
+bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& more) {
   AdjacencyLists<Index>& in = directed_ ? *topology.in : topology.out;
   const std::uint64_t count = more.count();
 
@@ -196,7 +196,7 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, EdgeEnds more) {
   return true;
 }
 
-void AdjacencyStore::rebuildWith(EdgeEnds more) {
+void AdjacencyStore::rebuildWith(const EdgeEnds& more) {
   const std::uint64_t edges = edges_ + more.count();
   const auto build = [&](auto wanted) {
     using Index = decltype(wanted);

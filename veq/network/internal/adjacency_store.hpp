@@ -12,7 +12,9 @@
 
 namespace veq::internal {
 
-/// The ends of edges, as two lists of equal length.
+/// The ends of edges, as two lists of equal length. Passed by reference: a copy is read in larger
+/// words than it was written in, so that the processor waits until all it has written before is in
+/// the cache, the entries of the last insertion among it.
 struct EdgeEnds {
   std::span<const std::uint64_t> from;
   std::span<const std::uint64_t> to;
@@ -43,7 +45,7 @@ class AdjacencyStore {
   AdjacencyStore() = default;
   /// All ends must be below the number of vertices. O(n + m) at most, and without work or memory
   /// for vertices that have no edge. std::bad_alloc where memory cannot hold it.
-  AdjacencyStore(std::uint64_t vertices, EdgeEnds edges, bool directed,
+  AdjacencyStore(std::uint64_t vertices, const EdgeEnds& edges, bool directed,
                  std::uint64_t narrowLimit = kNarrowLimit);
 
   [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
@@ -81,7 +83,7 @@ class AdjacencyStore {
 
   /// Appends edges whose ends are below the number of vertices. Amortised O(count). std::bad_alloc
   /// leaves the store as it was.
-  void insert(EdgeEnds more);
+  void insert(const EdgeEnds& more);
 
  private:
   // Whether places or edges up to this number can be told by indices of the width.
@@ -91,8 +93,8 @@ class AdjacencyStore {
   template <class Index>
   [[nodiscard]] bool loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
-  [[nodiscard]] bool appendInPlace(Topology<Index>& topology, EdgeEnds more);
-  void rebuildWith(EdgeEnds more);
+  [[nodiscard]] bool appendInPlace(Topology<Index>& topology, const EdgeEnds& more);
+  void rebuildWith(const EdgeEnds& more);
 
   std::uint64_t vertices_ = 0;
   std::uint64_t edges_ = 0;
