@@ -171,22 +171,26 @@ class ListFiller {
   }
 
   ListFiller(AdjacencyLists<Index>& lists, std::uint64_t vertices, std::uint64_t entries,
-             Ground<Index>& ground)
-      : lists_(lists) {
-    lists_.rows_ = ground.template zeroedBlock<Row<Index>>(vertices);
-    lists_.neighbours_ = ground.template block<Index>(zoneSize(entries));
-    lists_.edges_ = ground.template block<Index>(zoneSize(entries));
+             Ground<Index>& ground) {
+    lists.rows_ = ground.template zeroedBlock<Row<Index>>(vertices);
+    lists.neighbours_ = ground.template block<Index>(zoneSize(entries));
+    lists.edges_ = ground.template block<Index>(zoneSize(entries));
+    rows_ = lists.rows_.data();
+    neighbours_ = lists.neighbours_.data();
+    edges_ = lists.edges_.data();
   }
 
-  void announce(std::uint64_t vertex) { ++lists_.rows_[vertex].count; }
+  void announce(std::uint64_t vertex) { ++rows_[vertex].count; }
   void place(std::uint64_t vertex, Entry<Index> entry) {
-    Row<Index>& row = lists_.rows_[vertex];
+    Row<Index>& row = rows_[vertex];
     if (row.start == 0) {
-      row.start = static_cast<Index>(used_);
+      row.start = used_;
       used_ += row.count;
       row.count = 0;
     }
-    lists_.write(row.start + row.count++, entry);
+    const std::uint64_t place = row.start + row.count++;
+    neighbours_[place] = entry.neighbour;
+    edges_[place] = entry.edge;
   }
 
  private:
@@ -194,8 +198,10 @@ class ListFiller {
     return entries == 0 ? 0 : AdjacencyLists<Index>::kFirst + entries;
   }
 
-  AdjacencyLists<Index>& lists_;
-  std::uint64_t used_ = AdjacencyLists<Index>::kFirst;
+  Row<Index>* rows_;
+  Index* neighbours_;
+  Index* edges_;
+  Index used_ = AdjacencyLists<Index>::kFirst;
 };
 
 }  // namespace veq::internal
