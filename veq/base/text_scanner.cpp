@@ -1,7 +1,5 @@
 #include "veq/base/text_scanner.hpp"
 
-#include "veq/base/internal/decimal_text.hpp"
-
 namespace veq::internal {
 namespace {
 
@@ -44,20 +42,6 @@ bool TextScanner::matchPrefix(std::string_view word) {
   }
   at_ += word.size();
   return true;
-}
-
-std::optional<double> TextScanner::readDouble() {
-  const std::optional<DecimalText> decimal = scanDecimal(at_, end_);
-  if (!decimal) return std::nullopt;
-  at_ = decimal->end;
-  return doubleFrom(*decimal);
-}
-
-std::optional<float> TextScanner::readFloat() {
-  const std::optional<DecimalText> decimal = scanDecimal(at_, end_);
-  if (!decimal) return std::nullopt;
-  at_ = decimal->end;
-  return floatFrom(*decimal);
 }
 
 }  // namespace veq::internal

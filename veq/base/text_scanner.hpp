@@ -8,6 +8,9 @@
 #include <optional>
 #include <string_view>
 
+#include "veq/base/internal/decimal_text.hpp"
+#include "veq/base/internal/digit_text.hpp"
+
 namespace veq::internal {
 
 /// What a byte means to the scanner. A lead byte may begin a blank or a newline outside ASCII.
@@ -84,14 +87,16 @@ class TextScanner {
   /// optional exponent ("e" without digits behind it stays), rounded correctly. Overflow gives an
   /// infinity, underflow a zero, both with the sign. No "inf", no "nan", no hexadecimal, whatever
   /// the locale. Nothing, and nothing consumed, where no number is next; blanks are not skipped.
-  std::optional<double> readDouble();
+  std::optional<double> readDouble() { return readDecimalAs<double>(); }
   /// As readDouble, rounded once from the decimal text to a float.
-  std::optional<float> readFloat();
+  std::optional<float> readFloat() { return readDecimalAs<float>(); }
 
  private:
   static std::uint8_t classOf(char byte) {
     return kCharacterClasses[static_cast<unsigned char>(byte)];
   }
+  static bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
+  static std::uint64_t digitOf(char byte) { return static_cast<std::uint64_t>(byte - '0'); }
   static std::string_view viewOf(const char* from, const char* to) {
     return {from, static_cast<std::size_t>(to - from)};
   }
@@ -123,6 +128,17 @@ class TextScanner {
     return viewOf(from, at_);
   }
 
+  // Here, so that no optional number is put together: written in parts and read whole, it keeps the
+  // processor waiting.
+  template <class Number>
+  std::optional<Number> readDecimalAs() {
+    Number value;
+    const char* const behind = readDecimal(at_, end_, value);
+    if (!behind) return std::nullopt;
+    at_ = behind;
+    return value;
+  }
+
   const char* begin_;
   const char* at_;
   const char* end_;
@@ -133,12 +149,20 @@ inline std::optional<std::int64_t> TextScanner::readInteger() {
   const bool negative = at != end_ && *at == '-';
   if (at != end_ && (*at == '-' || *at == '+')) ++at;
   const char* const digits = at;
-  const std::uint64_t limit = negative ? std::uint64_t{1} << 63 : (std::uint64_t{1} << 63) - 1;
   std::uint64_t value = 0;
-  for (; at != end_ && *at >= '0' && *at <= '9'; ++at) {
-    const auto digit = static_cast<std::uint64_t>(*at - '0');
+  if (kEightDigitsAtOnce && end_ - at >= 8) {
+    const Digits first = leadingDigits(at);
+    value = first.value;
+    at += first.count;
+  }
+  // So many digits are far from the limit.
+  constexpr std::ptrdiff_t kSafe = 10;
+  const char* const safe = end_ - at > kSafe ? at + kSafe : end_;
+  for (; at != safe && isDigit(*at); ++at) value = value * 10 + digitOf(*at);
+  const std::uint64_t limit = negative ? std::uint64_t{1} << 63 : (std::uint64_t{1} << 63) - 1;
+  for (; at != end_ && isDigit(*at); ++at) {
     // Once clamped, limit / 10 is passed and stays passed.
-    value = value > (limit - digit) / 10 ? limit : value * 10 + digit;
+    value = value > (limit - digitOf(*at)) / 10 ? limit : value * 10 + digitOf(*at);
   }
   if (at == digits) return std::nullopt;
   at_ = at;

@@ -80,6 +80,8 @@ class PajekReader {
       section_ = candidate.section;
       // Only the weights start afresh, so that those of earlier sections are lost.
       weights_.clear();
+      topology_.reserveFor(scanner_.rest());
+      TextTopology::reserveFor(scanner_.rest(), weights_);
       if (section_ == Section::kArcs) topology_.setDirected(true);
       break;
     }

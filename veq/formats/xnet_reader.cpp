@@ -168,6 +168,8 @@ class XnetReader {
     scanner_.skipBlanks();
     if (scanner_.matchPrefix("directed")) topology_.setDirected(true);
     if (scanner_.matchPrefix("undirected")) topology_.setDirected(false);
+    topology_.reserveFor(scanner_.rest());
+    if (edgesWeights_) TextTopology::reserveFor(scanner_.rest(), *edgesWeights_);
     section_ = Section::kEdges;
     return true;
   }

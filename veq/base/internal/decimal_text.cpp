@@ -1,11 +1,14 @@
 #include "veq/base/internal/decimal_text.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace veq::internal {
 namespace {
@@ -15,6 +18,18 @@ constexpr std::int64_t kLeadingDigits = 19;  // 10^19 - 1 fits into 64 bits.
 constexpr std::int64_t kExponentLimit = 100'000'000'000'000'000;
 // A double lies half-way between two others in at most 767 digits; the rest only breaks the tie.
 constexpr std::size_t kDecidingDigits = 770;
+
+/// A decimal number in text: the value is the sign, `leading` and 10^exponent, and digits that did
+/// not fit into `leading` where `isComplete` is false.
+struct DecimalText {
+  bool negative = false;
+  bool isComplete = true;             ///< All significant digits are in `leading`.
+  std::uint64_t leading = 0;          ///< The first significant digits, at most 19.
+  std::int64_t exponent = 0;          ///< Of `leading`, its omitted digits counted.
+  const char* significant = nullptr;  ///< The first digit that is not 0.
+  const char* digitsEnd = nullptr;    ///< Behind the last digit or point.
+  const char* end = nullptr;          ///< Behind the exponent, too.
+};
 
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
@@ -26,20 +41,21 @@ class DigitReader {
   /// Takes digits, each of which moves the exponent by `omitted` if it is left out of the leading
   /// ones and by `taken` if it is not.
   const char* take(const char* at, const char* end, std::int64_t taken, std::int64_t omitted) {
+    const char* const begin = at;
+    if (count_ == 0) {
+      while (at != end && *at == '0') ++at;
+      decimal_.significant = at;
+    }
+    const char* const first = at;
+    const char* const full = std::min<std::int64_t>(end - at, kLeadingDigits - count_) + at;
+    for (; at != full && isDigit(*at); ++at) {
+      decimal_.leading = decimal_.leading * 10 + static_cast<std::uint64_t>(*at - '0');
+    }
+    count_ += at - first;
+    decimal_.exponent += taken * (at - begin);
     for (; at != end && isDigit(*at); ++at) {
-      if (count_ == 0 && *at == '0') {
-        decimal_.exponent += taken;
-        continue;
-      }
-      if (count_ == 0) decimal_.significant = at;
-      if (count_ < kLeadingDigits) {
-        decimal_.leading = decimal_.leading * 10 + static_cast<std::uint64_t>(*at - '0');
-        decimal_.exponent += taken;
-        ++count_;
-      } else {
-        decimal_.isComplete &= *at == '0';
-        decimal_.exponent += omitted;
-      }
+      decimal_.isComplete &= *at == '0';
+      decimal_.exponent += omitted;
     }
     return at;
   }
@@ -129,8 +145,7 @@ bool isHalfWayBetweenFloats(double value) {
   return (bits & 0x1FFF'FFFF) == 0x1000'0000;
 }
 
-}  // namespace
-
+/// Nothing if there is no number.
 std::optional<DecimalText> scanDecimal(const char* at, const char* end) {
   DecimalText decimal;
   decimal.negative = at != end && *at == '-';
@@ -151,18 +166,18 @@ std::optional<DecimalText> scanDecimal(const char* at, const char* end) {
   return decimal;
 }
 
-double doubleFrom(const DecimalText& decimal) {
-  double value = 0;
+/// The nearest number to the decimal, in either width.
+void round(const DecimalText& decimal, double& value) {
+  value = 0;
   if (isOneRoundingAway(decimal)) {
     value = roundedOnce(decimal);
   } else if (decimal.leading != 0) {
     value = roundedByLibrary<double>(decimal);
   }
-  return decimal.negative ? -value : value;
 }
 
-float floatFrom(const DecimalText& decimal) {
-  float value = 0;
+void round(const DecimalText& decimal, float& value) {
+  value = 0;
   // 2^53 x 10^22 and 10^-22 are far inside the range of normal floats.
   if (const double wide = isOneRoundingAway(decimal) ? roundedOnce(decimal) : 0;
       wide != 0 && !isHalfWayBetweenFloats(wide)) {
@@ -170,7 +185,24 @@ float floatFrom(const DecimalText& decimal) {
   } else if (decimal.leading != 0) {
     value = roundedByLibrary<float>(decimal);
   }
-  return decimal.negative ? -value : value;
+}
+
+template <class Number>
+const char* readNumber(const char* at, const char* end, Number& value) {
+  const std::optional<DecimalText> decimal = scanDecimal(at, end);
+  if (!decimal) return nullptr;
+  round(*decimal, value);
+  if (decimal->negative) value = -value;
+  return decimal->end;
+}
+
+}  // namespace
+
+const char* readDecimal(const char* at, const char* end, double& value) {
+  return readNumber(at, end, value);
+}
+const char* readDecimal(const char* at, const char* end, float& value) {
+  return readNumber(at, end, value);
 }
 
 }  // namespace veq::internal

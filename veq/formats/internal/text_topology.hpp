@@ -37,6 +37,18 @@ class TextTopology {
     return target.has_value();
   }
 
+  /// Makes room for the edges of a text of which so much is left, once: every doubling would touch
+  /// new memory, while room that no edge needs takes none.
+  template <class Column>
+  static void reserveFor(std::string_view rest, Column& column) {
+    constexpr std::size_t kUsualLine = 16;
+    if (column.capacity() == 0) column.reserve(rest.size() / kUsualLine);
+  }
+  void reserveFor(std::string_view rest) {
+    reserveFor(rest, from_);
+    reserveFor(rest, to_);
+  }
+
   /// Appends the edge between the ends read last, or the one in the opposite direction.
   void append() { append(source_, target_); }
   void appendReverse() { append(target_, source_); }
