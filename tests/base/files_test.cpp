@@ -292,6 +292,27 @@ TEST_F(Files, AWriteProtectedFileIsNotReplaced) {
   EXPECT_EQ(names(), std::set<std::string>{"file"});
 }
 
+TEST_F(Files, APieceMayBeEmpty) {
+  for (const bool atomically : {false, true}) {
+    EXPECT_TRUE(writeWholeFile(
+        path("a"),
+        [](const ByteSink& sink) { return sink("ab") && sink("") && sink("\0c"sv) && sink(""); },
+        atomically));
+    EXPECT_EQ(contentsOf("a"), "ab\0c"sv);
+  }
+}
+
+// Not as if what came before it were all.
+TEST_F(Files, AFileWhosePiecesEndInAFailureDoesNotArrive) {
+  make("old", "old");
+  const ByteSource half = [](const ByteSink& sink) { return sink("half") && false; };
+  EXPECT_FALSE(writeWholeFile(path("old"), half, true));
+  EXPECT_FALSE(writeWholeFile(path("new"), half, true));
+  EXPECT_FALSE(writeWholeFile(path("new"), half, false));
+  EXPECT_EQ(contentsOf("old"), "old");
+  EXPECT_EQ(names(), std::set<std::string>{"old"});
+}
+
 TEST_F(Files, DevicesAreWrittenInPlaceAndAFullOneFails) {
   for (const bool atomically : {false, true}) {
     EXPECT_TRUE(writeWholeFile("/dev/null", "x", atomically));

@@ -67,8 +67,13 @@ std::string_view textOf(ReadFailure failure) {
   return kTexts[static_cast<std::size_t>(failure)];
 }
 
-bool writeWholeFile(std::string_view path, std::string_view bytes, bool atomically) {
+bool writeWholeFile(std::string_view path, const ByteSource& bytes, bool atomically) {
   return isPossiblePath(path) && writeFile(std::string(path), bytes, atomically);
+}
+
+bool writeWholeFile(std::string_view path, std::string_view bytes, bool atomically) {
+  const ByteSource source = [bytes](const ByteSink& sink) { return sink(bytes); };
+  return writeWholeFile(path, source, atomically);
 }
 
 }  // namespace veq::internal

@@ -2,6 +2,7 @@
 /// Whole files in and out. Failures are results; only std::bad_alloc is thrown.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,6 +24,12 @@ struct FileContents {
 /// "cannot be opened", "is a directory", "cannot be read"; empty for kNone.
 [[nodiscard]] std::string_view textOf(ReadFailure failure);
 
+/// Takes the bytes of a file piece by piece; false where they do not arrive, and no more are
+/// wanted.
+using ByteSink = std::function<bool(std::string_view)>;
+/// Gives all bytes to a sink, and answers whether it took them all. Throws nothing.
+using ByteSource = std::function<bool(const ByteSink&)>;
+
 /// Writes the bytes and returns whether all of them arrived.
 ///
 /// Atomically: into a new file beside the target, synced and renamed over it, so that the old or
@@ -35,6 +42,7 @@ struct FileContents {
 ///
 /// Broken pipes and file-size limits are results like any other failure: their signals do not reach
 /// the process.
+[[nodiscard]] bool writeWholeFile(std::string_view path, const ByteSource& bytes, bool atomically);
 [[nodiscard]] bool writeWholeFile(std::string_view path, std::string_view bytes, bool atomically);
 
 /// The path that a URL names: of "file:/path", "file:///path" and "file://localhost/path" the path,

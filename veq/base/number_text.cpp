@@ -4,6 +4,7 @@
 #include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 
@@ -76,6 +77,19 @@ std::optional<std::uint64_t> millionthsOf(std::uint64_t units, int shift) {
   return kept + (rest > half || (rest == half && (kept & 1) != 0) ? 1 : 0);
 }
 
+// With leading zeros. Eight bytes are written.
+char* writeSixDigits(char* at, std::uint64_t value) {
+  if (kEightDigitsAtOnce) {
+    const std::uint64_t text = (eightDigitsOf(value) | 0x3030303030303030u) >> 16;
+    std::memcpy(at, &text, sizeof text);
+  } else {
+    for (char* digit = at + 6; digit != at; value /= 10) {
+      *--digit = static_cast<char>('0' + value % 10);
+    }
+  }
+  return at + 6;
+}
+
 // The sign is there already.
 char* writeBySlowPath(char* at, double magnitude) {
   constexpr std::size_t kRest = kLongestSixDecimals - 1;
@@ -90,7 +104,7 @@ void appendInteger(std::string& out, std::uint64_t value) { appendDigits(out, va
 void appendShortest(std::string& out, double value) { appendShortestOf(out, value); }
 void appendShortest(std::string& out, float value) { appendShortestOf(out, value); }
 
-char* writeInteger(char* at, std::uint64_t value) {
+char* writeLongInteger(char* at, std::uint64_t value) {
   return std::to_chars(at, at + kLongestInteger, value).ptr;
 }
 
@@ -108,14 +122,13 @@ char* writeSixDecimals(char* at, double value) {
     ++whole;
     millionths = 0;
   }
-  char* const point = writeInteger(at, whole);
-  *point = '.';
-  std::uint64_t rest = *millionths;
-  for (char* digit = point + 6; digit != point; --digit) {
-    *digit = static_cast<char>('0' + rest % 10);
-    rest /= 10;
+  if (whole < 10) {
+    *at++ = static_cast<char>('0' + whole);
+  } else {
+    at = writeInteger(at, whole);
   }
-  return point + 7;
+  *at++ = '.';
+  return writeSixDigits(at, *millionths);
 }
 
 void appendSixDecimals(std::string& out, double value) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "veq/base/internal/digit_text.hpp"
+
 namespace veq::internal {
 
 /// Each appends to `out` and throws std::bad_alloc only.
@@ -27,7 +29,11 @@ void appendSixDecimals(std::string& out, double value);
 /// before it appends it. They give the text's end.
 inline constexpr std::size_t kLongestInteger = 20;
 inline constexpr std::size_t kLongestSixDecimals = 317;
-[[nodiscard]] char* writeInteger(char* at, std::uint64_t value);
+[[nodiscard]] char* writeLongInteger(char* at, std::uint64_t value);
+[[nodiscard]] inline char* writeInteger(char* at, std::uint64_t value) {
+  return kEightDigitsAtOnce && value < 100'000'000 ? writeUpToEightDigits(at, value)
+                                                   : writeLongInteger(at, value);
+}
 [[nodiscard]] char* writeSixDecimals(char* at, double value);
 
 /// The number with which the text begins, behind any blanks and newlines; 0 where it begins with

@@ -5,7 +5,6 @@
 
 #include "veq/base/text_scanner.hpp"
 #include "veq/formats/internal/distinct_ends.hpp"
-#include "veq/formats/internal/edge_lines.hpp"
 #include "veq/formats/internal/name_lists.hpp"
 #include "veq/formats/internal/six_decimals.hpp"
 
@@ -35,10 +34,6 @@ NetworkDraft readEdgeList(std::string_view text, bool directed) {
   return draft;
 }
 
-std::string writeEdgeList(const NetworkCore& core) {
-  std::string out;
-  appendEdgeLines(out, core, {0, "", "\r\n"});
-  return out;
-}
+NetworkText writeEdgeList(const NetworkCore& core) { return {core, {0, "", "\r\n"}}; }
 
 }  // namespace veq::internal

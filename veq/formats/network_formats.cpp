@@ -58,12 +58,12 @@ bool areValidUtf8(std::initializer_list<std::string_view> texts) {
 // xnet
 
 std::string VEQNetwork::formattedStringValue() const {
-  return internal::writeXnet(CoreAccess::of(*this));
+  return internal::writeXnet(CoreAccess::of(*this)).whole();
 }
 
 bool VEQNetwork::writeToFile_atomically(std::string_view path, bool atomically) const {
-  const std::string text = formattedStringValue();
-  return internal::isValidUtf8(text) && internal::writeWholeFile(path, text, atomically);
+  const internal::NetworkText text = internal::writeXnet(CoreAccess::of(*this));
+  return areValidUtf8({text.beforeEdges, text.behindEdges}) && text.writeTo(path, atomically);
 }
 
 bool VEQNetwork::writeToURL_atomically(std::string_view url, bool atomically) const {
@@ -102,12 +102,15 @@ Shared<VEQNetwork> VEQNetwork::numberArrayWithContentsOfURL(std::string_view url
 // Pajek
 
 std::string VEQNetwork::pajekFormattedStringValue() const {
-  return internal::writePajek(CoreAccess::of(*this));
+  return internal::writePajek(CoreAccess::of(*this)).whole();
 }
 
 bool VEQNetwork::writeToPajekFile_atomically(std::string_view path, bool atomically) const {
-  const std::optional<std::string> bytes = internal::latin1FromUtf8(pajekFormattedStringValue());
-  return bytes && internal::writeWholeFile(path, *bytes, atomically);
+  internal::NetworkText text = internal::writePajek(CoreAccess::of(*this));
+  std::optional<std::string> latin1 = internal::latin1FromUtf8(std::move(text.beforeEdges));
+  if (!latin1) return false;
+  text.beforeEdges = std::move(*latin1);
+  return text.writeTo(path, atomically);
 }
 
 bool VEQNetwork::writeToPajekURL_atomically(std::string_view url, bool atomically) const {
@@ -159,12 +162,12 @@ Shared<VEQNetwork> VEQNetwork::networkWithEdgesListString_directed(
 }
 
 std::string VEQNetwork::edgesListFormattedStringValue() const {
-  return internal::writeEdgeList(CoreAccess::of(*this));
+  return internal::writeEdgeList(CoreAccess::of(*this)).whole();
 }
 
 // The text is digits and blanks alone, the same bytes in ISO-8859-1.
 bool VEQNetwork::writeToEdgesFile_atomically(std::string_view path, bool atomically) const {
-  return internal::writeWholeFile(path, edgesListFormattedStringValue(), atomically);
+  return internal::writeEdgeList(CoreAccess::of(*this)).writeTo(path, atomically);
 }
 
 bool VEQNetwork::writeToEdgesURL_atomically(std::string_view url, bool atomically) const {

@@ -4,7 +4,6 @@
 
 #include "veq/base/number_text.hpp"
 #include "veq/formats/internal/column_text.hpp"
-#include "veq/formats/internal/edge_lines.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
@@ -73,13 +72,12 @@ void spreadAxis(std::span<double> values, double offset, double scale) {
   }
 }
 
-std::string writePajek(const NetworkCore& core) {
-  std::string out;
-  appendVertices(out, core);
-  out += core.store.directed() ? "*Arcs" : "*Edges";
-  out += kLineEnd;
-  appendEdgeLines(out, core, {1, " 1.0", kLineEnd});
-  return out;
+NetworkText writePajek(const NetworkCore& core) {
+  NetworkText text(core, {1, " 1.0", kLineEnd});
+  appendVertices(text.beforeEdges, core);
+  text.beforeEdges += core.store.directed() ? "*Arcs" : "*Edges";
+  text.beforeEdges += kLineEnd;
+  return text;
 }
 
 }  // namespace veq::internal

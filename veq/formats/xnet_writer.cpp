@@ -1,6 +1,7 @@
+#include <utility>
+
 #include "veq/base/number_text.hpp"
 #include "veq/formats/internal/column_text.hpp"
-#include "veq/formats/internal/edge_lines.hpp"
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -12,9 +13,11 @@ class XnetWriter {
  public:
   explicit XnetWriter(const NetworkCore& core) : core_(core) {}
 
-  std::string write() {
+  NetworkText write() {
+    NetworkText text(core_, {0, "", "\n"});
     writeVertices();
-    writeEdges();
+    writeEdgesHeader();
+    text.beforeEdges = std::exchange(out_, {});
     for (const auto& [key, column] : core_.properties->vertices) {
       if (!isReservedKey(key) && key != "Name") writeProperty(key, *column);
     }
@@ -22,7 +25,8 @@ class XnetWriter {
     for (const auto& [key, column] : core_.properties->edges) {
       if (!isReservedKey(key)) writeProperty(key, *column);
     }
-    return std::move(out_);
+    text.behindEdges = std::move(out_);
+    return text;
   }
 
  private:
@@ -53,10 +57,9 @@ class XnetWriter {
     }
   }
 
-  void writeEdges() {
+  void writeEdgesHeader() {
     out_ += core_.edgesWeights ? "#edges weighted " : "#edges nonweighted ";
     out_ += core_.store.directed() ? "directed\n" : "undirected\n";
-    appendEdgeLines(out_, core_, {0, "", "\n"});
   }
 
   void writeProperty(std::string_view key, const PropertyColumn& column) {
@@ -98,6 +101,6 @@ class XnetWriter {
 
 }  // namespace
 
-std::string writeXnet(const NetworkCore& core) { return XnetWriter(core).write(); }
+NetworkText writeXnet(const NetworkCore& core) { return XnetWriter(core).write(); }
 
 }  // namespace veq::internal

@@ -11,6 +11,8 @@
 #include <string>
 #include <string_view>
 
+#include "veq/base/files.hpp"
+
 namespace veq::internal {
 
 /// A file open for reading while this lives.
@@ -38,6 +40,6 @@ class ReadableFile {
 std::optional<std::filesystem::path> behindLinks(std::filesystem::path path);
 
 /// writeWholeFile for a path that is not empty and holds no NUL.
-bool writeFile(const std::string& path, std::string_view bytes, bool atomically);
+bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically);
 
 }  // namespace veq::internal

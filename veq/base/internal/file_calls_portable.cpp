@@ -43,11 +43,14 @@ std::ptrdiff_t ReadableFile::read(char* into, std::size_t capacity) {
 
 namespace {
 
-bool writeTo(const fs::path& path, std::string_view bytes) {
+bool writeTo(const fs::path& path, const ByteSource& bytes) {
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  const bool arrived = bytes([&file](std::string_view piece) {
+    file.write(piece.data(), static_cast<std::streamsize>(piece.size()));
+    return file.good();
+  });
   file.close();
-  return !file.fail();
+  return arrived && !file.fail();
 }
 
 /// A name beside `target` that nobody else uses.
@@ -62,7 +65,7 @@ std::optional<fs::path> temporaryBeside(const fs::path& target) try {
   return std::nullopt;
 }
 
-bool replaceFile(const fs::path& target, std::string_view bytes, bool exists) {
+bool replaceFile(const fs::path& target, const ByteSource& bytes, bool exists) {
   // Renaming would not ask for the permission to write to the old file.
   if (exists && !std::ofstream(target, std::ios::app)) return false;
   const std::optional<fs::path> temporary = temporaryBeside(target);
@@ -83,7 +86,7 @@ bool replaceFile(const fs::path& target, std::string_view bytes, bool exists) {
 
 }  // namespace
 
-bool writeFile(const std::string& path, std::string_view bytes, bool atomically) {
+bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically) {
   std::error_code error;
   if (fs::is_directory(path, error)) return false;
   const bool exists = fs::exists(path, error);

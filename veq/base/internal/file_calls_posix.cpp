@@ -53,7 +53,7 @@ int openAt(int directory, const char* path, int flags, mode_t mode = 0) {
 
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // Some systems refuse 2^31 and more.
 
-bool writeAll(int file, std::string_view bytes) {
+bool writePiece(int file, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = uninterrupted(
         [&] { return ::write(file, bytes.data(), std::min(bytes.size(), kLargestPiece)); });
@@ -61,6 +61,10 @@ bool writeAll(int file, std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+bool writeAll(int file, const ByteSource& bytes) {
+  return bytes([file](std::string_view piece) { return writePiece(file, piece); });
 }
 
 bool sync(int file) {
@@ -98,7 +102,7 @@ bool takeOver(int file, const struct stat& old) {
 
 /// Puts a complete new file in the place of `target`, whose status is `old` if there is one. From
 /// the moment there is a temporary file nothing here throws.
-bool replaceFile(const std::filesystem::path& target, std::string_view bytes,
+bool replaceFile(const std::filesystem::path& target, const ByteSource& bytes,
                  const struct stat* old) {
   const std::string name = target.filename().string();
   const std::filesystem::path parent = target.parent_path();
@@ -127,7 +131,7 @@ bool replaceFile(const std::filesystem::path& target, std::string_view bytes,
   return true;
 }
 
-bool createInPlace(const std::filesystem::path& target, std::string_view bytes) {
+bool createInPlace(const std::filesystem::path& target, const ByteSource& bytes) {
   Descriptor file(openAt(AT_FDCWD, target.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666));
   if (!file.isOpen()) return false;
   if (writeAll(file.number(), bytes) && file.close()) return true;
@@ -135,19 +139,20 @@ bool createInPlace(const std::filesystem::path& target, std::string_view bytes) 
   return false;
 }
 
-/// Whether `target` is the file that opening `path` leads to: a link such as /dev/stdout may lead to
-/// a file that no path names. Somebody else may replace the file between the two looks, so that a
-/// difference counts only if it stays.
+/// Whether `target` is the file that opening `path` leads to: a link such as /dev/stdout may lead
+/// to a file that no path names. Somebody else may replace the file between the two looks, so that
+/// a difference counts only if it stays.
 bool isWhereLinksLead(const std::string& path, const std::filesystem::path& target) {
   for (int look = 0; look < 100; ++look) {
-    struct stat opened {}, named {};
+    struct stat opened {
+    }, named{};
     if (::stat(path.c_str(), &opened) != 0 || ::stat(target.c_str(), &named) != 0) return false;
     if (isSameFile(opened, named)) return true;
   }
   return false;
 }
 
-bool overwriteInPlace(const std::string& path, std::string_view bytes) {
+bool overwriteInPlace(const std::string& path, const ByteSource& bytes) {
   Descriptor file(openAt(AT_FDCWD, path.c_str(), O_WRONLY | O_TRUNC));
   return file.isOpen() && writeAll(file.number(), bytes) && file.close();
 }
@@ -179,7 +184,7 @@ std::ptrdiff_t ReadableFile::read(char* into, std::size_t capacity) {
       [&] { return ::read(state_->file.number(), into, std::min(capacity, kLargestPiece)); });
 }
 
-bool writeFile(const std::string& path, std::string_view bytes, bool atomically) {
+bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically) {
   const QuietWriteSignals quiet;
   struct stat old {};
   const bool exists = ::stat(path.c_str(), &old) == 0;

@@ -2,9 +2,9 @@
 /// Plain edge lists, as docs/formats/edge_list.md describes them.
 #pragma once
 
-#include <string>
 #include <string_view>
 
+#include "veq/formats/internal/network_text.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/internal/network_draft.hpp"
 
@@ -14,6 +14,6 @@ namespace veq::internal {
 /// there is no edge. O(length).
 [[nodiscard]] NetworkDraft readEdgeList(std::string_view text, bool directed);
 
-[[nodiscard]] std::string writeEdgeList(const NetworkCore& core);
+[[nodiscard]] NetworkText writeEdgeList(const NetworkCore& core);
 
 }  // namespace veq::internal

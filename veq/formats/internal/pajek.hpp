@@ -4,9 +4,9 @@
 
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 
+#include "veq/formats/internal/network_text.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/internal/network_draft.hpp"
 
@@ -16,8 +16,8 @@ namespace veq::internal {
 /// gives names or positions to n vertices.
 [[nodiscard]] std::optional<NetworkDraft> readPajek(std::string_view text);
 
-/// The whole text of a network, in UTF-8.
-[[nodiscard]] std::string writePajek(const NetworkCore& core);
+/// The text of a network, in UTF-8.
+[[nodiscard]] NetworkText writePajek(const NetworkCore& core);
 
 /// Puts the values of one axis into the range from -offset x scale to (1 - offset) x scale; all
 /// become 0 where they do not differ.

@@ -3,9 +3,9 @@
 #pragma once
 
 #include <optional>
-#include <string>
 #include <string_view>
 
+#include "veq/formats/internal/network_text.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/internal/network_draft.hpp"
 
@@ -14,7 +14,7 @@ namespace veq::internal {
 /// What the text describes; nothing where it describes no network. O(length).
 [[nodiscard]] std::optional<NetworkDraft> readXnet(std::string_view text);
 
-/// The whole text of a network. Names and values are written as they are, whether UTF-8 or not.
-[[nodiscard]] std::string writeXnet(const NetworkCore& core);
+/// The text of a network. Names and values are written as they are, whether UTF-8 or not.
+[[nodiscard]] NetworkText writeXnet(const NetworkCore& core);
 
 }  // namespace veq::internal

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "veq/base/files.hpp"
+#include "veq/network/internal/network_core.hpp"
+
+namespace veq::internal {
+
+/// What the formats write differently in the lines of edges.
+struct EdgeLineStyle {
+  std::uint64_t firstVertex;          ///< The number of vertex 0.
+  std::string_view unweightedSuffix;  ///< Stands in the place of a weight where there is none.
+  std::string_view lineEnd;
+};
+
+/// The text of a network. The lines of its edges, which are nearly all of it, are made piece by
+/// piece when somebody takes them: a line for each edge, in edge order, with source, target, and
+/// the weight with six decimals where the network is edge-weighted. Refers to the network.
+class NetworkText {
+ public:
+  NetworkText(const NetworkCore& core, const EdgeLineStyle& style);
+
+  std::string beforeEdges;
+  std::string behindEdges;
+
+  [[nodiscard]] std::string whole() const;
+  /// Needs no more memory, so that nothing can fail but the sink.
+  [[nodiscard]] bool giveTo(const ByteSink& sink) const;
+  /// Whether all of it has arrived in the file.
+  [[nodiscard]] bool writeTo(std::string_view path, bool atomically) const {
+    return writeWholeFile(
+        path, [this](const ByteSink& sink) { return giveTo(sink); }, atomically);
+  }
+
+ private:
+  bool giveEdgesTo(const ByteSink& sink) const;
+  [[nodiscard]] std::size_t expectedSize() const;
+
+  const NetworkCore& core_;
+  EdgeLineStyle style_;
+  std::unique_ptr<char[]> piece_;
+};
+
+}  // namespace veq::internal
