@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 """Measures the library beside the peers that were built, and prints one table of ratios.
 
-    run.py DIRECTORY [--only TASK[,TASK]] [--largest SIZE] [--rounds N] [--quick] [--cpu N]
-           [--work DIRECTORY] [--markdown]
+    run.py DIRECTORY [--only TASK[,TASK]] [--smallest SIZE] [--largest SIZE] [--rounds N] [--quick]
+           [--cpu N] [--work DIRECTORY] [--markdown]
 
 DIRECTORY holds the programs. --largest leaves out the lines with more vertices, edges or numbers,
---quick those with more than 1e5, for a look. Every line of the table compares medians of one run:
+--smallest those with fewer, --quick those with more than 1e5, for a look. Every line of the table compares medians of one run:
 the programs of a line take turns, `rounds` times, on one core. A bar is the largest ratio of our
 figure to the peer's that is good enough. Where results must be equal, the checksums are compared.
 """
@@ -226,6 +226,7 @@ def main():
     options = argparse.ArgumentParser()
     options.add_argument("directory")
     options.add_argument("--only", default="")
+    options.add_argument("--smallest", type=float, default=0)
     options.add_argument("--largest", type=float, default=float("inf"))
     options.add_argument("--rounds", type=int, default=1)
     options.add_argument("--quick", action="store_true")
@@ -245,7 +246,7 @@ def main():
         lines = [*building(), *questions(), *components(), *models(), *walks(), *texts(work),
                  *archives()]
         lines = [l for l in lines if not only or l.group in only]
-        lines = [l for l in lines if l.size <= options.largest]
+        lines = [l for l in lines if options.smallest <= l.size <= options.largest]
         files(runner, work, lines)
         table = (lambda *cells: print("| " + " | ".join(cells) + " |", flush=True)) \
             if options.markdown else \

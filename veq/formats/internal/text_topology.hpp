@@ -2,9 +2,11 @@
 /// What text formats have in common in how they tell vertices and edges.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "veq/base/text_scanner.hpp"

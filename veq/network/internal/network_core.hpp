@@ -57,10 +57,12 @@ struct NetworkCore {
   /// where they cannot be made.
   [[nodiscard]] NetworkHandles& handles() const;
   [[nodiscard]] Shared<HandleTable<VEQVertex>> vertices() const {
-    return {handles().self, &handles().vertices};
+    NetworkHandles& made = handles();
+    return {made.self, &made.vertices};
   }
   [[nodiscard]] Shared<HandleTable<VEQEdge>> edges() const {
-    return {handles().self, &handles().edges};
+    NetworkHandles& made = handles();
+    return {made.self, &made.edges};
   }
   /// Whether it is this network's life.
   [[nodiscard]] bool lives(const LifeRecord& life) const {
