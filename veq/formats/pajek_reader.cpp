@@ -92,6 +92,7 @@ class PajekReader {
     if (!topology_.readVertexCount(scanner_)) return false;
     names_.clear();
     positions_.clear();
+    TextTopology::reserveFor(scanner_.rest(), names_, topology_.vertexCount());
     section_ = Section::kVertices;
     return true;
   }

@@ -2,6 +2,7 @@
 /// What text formats have in common in how they tell vertices and edges.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -39,12 +40,14 @@ class TextTopology {
     return target.has_value();
   }
 
-  /// Makes room for the edges of a text of which so much is left, once: every doubling would touch
-  /// new memory, while room that no edge needs takes none.
+  /// Makes room for what a text tells of which so much is left, once, and for `most` at most: every
+  /// doubling would touch new memory, while room that nothing needs takes none.
   template <class Column>
-  static void reserveFor(std::string_view rest, Column& column) {
+  static void reserveFor(std::string_view rest, Column& column,
+                         std::int64_t most = std::numeric_limits<std::int64_t>::max()) {
     constexpr std::size_t kUsualLine = 16;
-    if (column.capacity() == 0) column.reserve(rest.size() / kUsualLine);
+    if (column.capacity() != 0 || most < 0) return;
+    column.reserve(std::min(rest.size() / kUsualLine, static_cast<std::size_t>(most)));
   }
   void reserveFor(std::string_view rest) {
     reserveFor(rest, from_);

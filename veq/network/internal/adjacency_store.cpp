@@ -109,9 +109,9 @@ void copyEnds(std::span<const std::uint64_t> ends, Index* out) {
 }  // namespace
 
 AdjacencyStore::AdjacencyStore(std::uint64_t vertices, const EdgeEnds& edges, bool directed,
-                               std::uint64_t narrowLimit)
+                               std::uint64_t narrowLimit, const std::function<void()>& whenCopied)
     : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
-  rebuildWith(edges);
+  rebuildWith(edges, whenCopied);
 }
 
 std::uint64_t AdjacencyStore::count(std::uint64_t vertex, Side side) const {
@@ -196,7 +196,7 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
   return true;
 }
 
-void AdjacencyStore::rebuildWith(const EdgeEnds& more) {
+void AdjacencyStore::rebuildWith(const EdgeEnds& more, const std::function<void()>& whenCopied) {
   const std::uint64_t edges = edges_ + more.count();
   const auto build = [&](auto wanted) {
     using Index = decltype(wanted);
@@ -212,6 +212,7 @@ void AdjacencyStore::rebuildWith(const EdgeEnds& more) {
     });
     copyEnds(more.from, next.from.data() + edges_);
     copyEnds(more.to, next.to.data() + edges_);
+    whenCopied();
     buildLists(next.out, vertices_, next.from, next.to, edges, !directed_, ground);
     if (directed_) {
       next.in = std::make_unique<AdjacencyLists<Index>>();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <utility>
@@ -44,9 +45,11 @@ class AdjacencyStore {
 
   AdjacencyStore() = default;
   /// All ends must be below the number of vertices. O(n + m) at most, and without work or memory
-  /// for vertices that have no edge. std::bad_alloc where memory cannot hold it.
-  AdjacencyStore(std::uint64_t vertices, const EdgeEnds& edges, bool directed,
-                 std::uint64_t narrowLimit = kNarrowLimit);
+  /// for vertices that have no edge. std::bad_alloc where memory cannot hold it. Calls `whenCopied`
+  /// as soon as the ends are no longer needed, so that they may make room for the lists.
+  AdjacencyStore(
+      std::uint64_t vertices, const EdgeEnds& edges, bool directed,
+      std::uint64_t narrowLimit = kNarrowLimit, const std::function<void()>& whenCopied = [] {});
 
   [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
   [[nodiscard]] std::uint64_t edgeCount() const { return edges_; }
@@ -94,7 +97,8 @@ class AdjacencyStore {
   [[nodiscard]] bool loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
   [[nodiscard]] bool appendInPlace(Topology<Index>& topology, const EdgeEnds& more);
-  void rebuildWith(const EdgeEnds& more);
+  void rebuildWith(
+      const EdgeEnds& more, const std::function<void()>& whenCopied = [] {});
 
   std::uint64_t vertices_ = 0;
   std::uint64_t edges_ = 0;

@@ -23,7 +23,11 @@ void installColumns(PropertyTable& table, const PropertyTable& columns) {
 
 NetworkCore::NetworkCore(NetworkDraft&& draft)
     : store(draft.vertexCount, {draft.from.all(), draft.to.all()}, draft.directed,
-            draft.narrowLimit),
+            draft.narrowLimit,
+            [&draft] {
+              draft.from = IndexList();
+              draft.to = IndexList();
+            }),
       verticesWeights(std::move(draft.verticesWeights)),
       edgesWeights(std::move(draft.edgesWeights)),
       vertexCapacity(store.vertexCount()),
