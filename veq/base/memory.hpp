@@ -117,17 +117,17 @@ class Ground {
  private:
   template <class T>
   bool lend(Block<T>& block, std::uint64_t count) {
-    static_assert(sizeof(T) % sizeof(Unit) == 0 && alignof(T) == alignof(Unit));
-    constexpr std::uint64_t kUnits = sizeof(T) / sizeof(Unit);
-    if (count == 0 || count > (memory_.size() - used_) / kUnits) return false;
-    block.data_ = reinterpret_cast<T*>(memory_.data() + used_);
+    static_assert(alignof(T) == alignof(Unit));
+    const std::uint64_t left = memory_.size() * sizeof(Unit) - usedBytes_;
+    if (count == 0 || count > left / sizeof(T)) return false;
+    block.data_ = reinterpret_cast<T*>(reinterpret_cast<std::byte*>(memory_.data()) + usedBytes_);
     block.extent_ = count | Block<T>::kLent;
-    used_ += count * kUnits;
+    usedBytes_ += count * sizeof(T);
     return true;
   }
 
   Block<Unit> memory_;
-  std::uint64_t used_ = 0;
+  std::uint64_t usedBytes_ = 0;
 };
 
 }  // namespace veq::internal
