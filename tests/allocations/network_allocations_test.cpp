@@ -247,12 +247,16 @@ TEST(FailingAllocations, OfTheMatrixLeaveTheNetworkAsItWas) {
       [](Fixture& f) { f.expectUnchanged(); });
 }
 
-// A constructor and a factory give no network instead of throwing.
-TEST(FailingAllocations, OfConstructorsGiveNoNetwork) {
-  const auto from = VEQNumberArray::ofIndices({0, 1, 2, 2});
-  const auto to = VEQNumberArray::ofDoubles({1, 2, 2, 0});
-  const auto three = VEQNumberArray::ofFloats({1, 2, 3});
-  const auto four = VEQNumberArray::ofFloats({1, 2, 3, 4});
+// A constructor and a factory give no network instead of throwing. Answers the least number of
+// allocations that were made to fail.
+std::uint64_t constructWithFailures(std::uint64_t vertices, std::uint64_t edges) {
+  std::vector<std::uint64_t> ends(edges, vertices - 1);
+  for (std::uint64_t e = 1; e < edges; ++e) ends[e] = e * 7 % vertices;
+  const auto from = VEQNumberArray::ofIndices(ends);
+  const VEQNumberArray to(internal::RawVector<double>(ends.begin(), ends.end()));
+  const VEQNumberArray verticesWeights(internal::RawVector<float>(vertices, 2.0F));
+  const VEQNumberArray edgesWeights(internal::RawVector<float>(edges, 3.0F));
+  std::uint64_t least = UINT64_MAX;
   for (const bool directed : {false, true}) {
     for (const bool factory : {false, true}) {
       Shared<VEQNetwork> shared;
@@ -262,24 +266,36 @@ TEST(FailingAllocations, OfConstructorsGiveNoNetwork) {
             if (factory) {
               shared = VEQNetwork::
                   networkWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
-                      from, to, directed, &three, &four);
+                      from, to, directed, &verticesWeights, &edgesWeights);
             } else {
               owned = VEQNetwork::
                   initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
-                      from, to, directed, &three, &four);
+                      from, to, directed, &verticesWeights, &edgesWeights);
             }
           },
           [&](bool failed) {
             EXPECT_FALSE(failed) << "It must not throw.";
             const VEQNetwork* network = factory ? shared.get() : owned.get();
             EXPECT_EQ(network == nullptr, FailingAllocation::happened());
-            EXPECT_TRUE(!network || network->countEdges() == 4);
+            EXPECT_TRUE(!network || network->countEdges() == edges);
             shared.reset();
             owned.reset();
           });
-      EXPECT_GT(failures, 6U);
+      least = std::min(least, failures);
     }
   }
+  return least;
+}
+
+// All lists of a small network lie in one block. Besides it there are the indices that were
+// doubles, two lists of weights, the network, what it consists of, and its properties.
+TEST(FailingAllocations, OfConstructorsGiveNoNetwork) {
+  EXPECT_GE(constructWithFailures(3, 4), 7U);
+}
+
+// Here each list is a block by itself, and entries are sorted by ranges of vertices.
+TEST(FailingAllocations, OfLargeConstructionsGiveNoNetwork) {
+  EXPECT_GE(constructWithFailures(std::uint64_t{1} << 15, std::uint64_t{1} << 17), 12U);
 }
 
 TEST(FailingAllocations, OfTheCapacityConstructorGiveNoNetwork) {

@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -48,13 +46,6 @@ std::string expectedLines(std::uint64_t first, const std::string& lineEnd) {
   return lines;
 }
 
-std::string contentsOf(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream contents;
-  contents << file.rdbuf();
-  return contents.str();
-}
-
 TEST(NetworkText, AStringAndAFileHaveEveryLine) {
   const Owned<VEQNetwork> network = longNetwork();
   const TemporaryFolder folder;
@@ -69,9 +60,9 @@ TEST(NetworkText, AStringAndAFileHaveEveryLine) {
     EXPECT_TRUE(network->writeToFile_atomically(folder.path("a.xnet"), atomically));
     EXPECT_TRUE(network->writeToPajekFile_atomically(folder.path("a.net"), atomically));
     EXPECT_TRUE(network->writeToEdgesFile_atomically(folder.path("a.edges"), atomically));
-    EXPECT_TRUE(contentsOf(folder.path("a.xnet")) == xnet);
-    EXPECT_TRUE(contentsOf(folder.path("a.net")) == pajek);
-    EXPECT_TRUE(contentsOf(folder.path("a.edges")) == edges);
+    EXPECT_TRUE(bytesOf(folder.path("a.xnet")) == xnet);
+    EXPECT_TRUE(bytesOf(folder.path("a.net")) == pajek);
+    EXPECT_TRUE(bytesOf(folder.path("a.edges")) == edges);
   }
 }
 

@@ -1,13 +1,13 @@
 #include <algorithm>
 
 #include "veq/base/files.hpp"
+#include "veq/base/internal/digit_text.hpp"
 #include "veq/base/text_scanner.hpp"
 
 namespace veq::internal {
 namespace {
 
 bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 /// The length of "scheme:" at the beginning; 0 if there is none.
 std::size_t schemeLength(std::string_view url) {

@@ -122,6 +122,7 @@ char* writeSixDecimals(char* at, double value) {
     ++whole;
     millionths = 0;
   }
+  // Most weights.
   if (whole < 10) {
     *at++ = static_cast<char>('0' + whole);
   } else {

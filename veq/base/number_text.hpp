@@ -29,6 +29,7 @@ void appendSixDecimals(std::string& out, double value);
 /// before it appends it. They give the text's end.
 inline constexpr std::size_t kLongestInteger = 20;
 inline constexpr std::size_t kLongestSixDecimals = 317;
+/// writeInteger, out of line, for numbers of any length.
 [[nodiscard]] char* writeLongInteger(char* at, std::uint64_t value);
 [[nodiscard]] inline char* writeInteger(char* at, std::uint64_t value) {
   return kEightDigitsAtOnce && value < 100'000'000 ? writeUpToEightDigits(at, value)

@@ -95,8 +95,6 @@ class TextScanner {
   static std::uint8_t classOf(char byte) {
     return kCharacterClasses[static_cast<unsigned char>(byte)];
   }
-  static bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
-  static std::uint64_t digitOf(char byte) { return static_cast<std::uint64_t>(byte - '0'); }
   static std::string_view viewOf(const char* from, const char* to) {
     return {from, static_cast<std::size_t>(to - from)};
   }
@@ -155,7 +153,7 @@ inline std::optional<std::int64_t> TextScanner::readInteger() {
     value = first.value;
     at += first.count;
   }
-  // So many digits are far from the limit.
+  // With so many digits behind those eight the value is still far from the limit.
   constexpr std::ptrdiff_t kSafe = 10;
   const char* const safe = end_ - at > kSafe ? at + kSafe : end_;
   for (; at != safe && isDigit(*at); ++at) value = value * 10 + digitOf(*at);

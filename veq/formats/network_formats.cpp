@@ -62,7 +62,7 @@ std::string VEQNetwork::formattedStringValue() const {
 }
 
 bool VEQNetwork::writeToFile_atomically(std::string_view path, bool atomically) const {
-  const internal::NetworkText text = internal::writeXnet(CoreAccess::of(*this));
+  internal::NetworkText text = internal::writeXnet(CoreAccess::of(*this));
   return areValidUtf8({text.beforeEdges, text.behindEdges}) && text.writeTo(path, atomically);
 }
 

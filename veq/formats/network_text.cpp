@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "veq/base/memory.hpp"
 #include "veq/base/number_text.hpp"
 
 namespace veq::internal {
@@ -21,10 +20,10 @@ char* write(char* at, std::string_view text) { return std::copy(text.begin(), te
 
 NetworkText::NetworkText(const NetworkCore& core, const EdgeLineStyle& style)
     : core_(core), style_(style) {
-  if (core.store.edgeCount() != 0) piece_.reset(new char[kPieceSize + kLongestLine]);
+  if (core.store.edgeCount() != 0) piece_.resize(kPieceSize + kLongestLine);
 }
 
-std::string NetworkText::whole() const {
+std::string NetworkText::whole() {
   std::string text;
   text.reserve(expectedSize());
   askForHugePages(text.data(), text.capacity());
@@ -35,12 +34,12 @@ std::string NetworkText::whole() const {
   return text;
 }
 
-bool NetworkText::giveTo(const ByteSink& sink) const {
+bool NetworkText::giveTo(const ByteSink& sink) {
   return sink(beforeEdges) && giveEdgesTo(sink) && sink(behindEdges);
 }
 
-bool NetworkText::giveEdgesTo(const ByteSink& sink) const {
-  char* const begin = piece_.get();
+bool NetworkText::giveEdgesTo(const ByteSink& sink) {
+  char* const begin = piece_.data();
   return core_.store.visit([&](const auto& topology) {
     char* end = begin;
     for (std::uint64_t edge = 0; edge < core_.store.edgeCount(); ++edge) {

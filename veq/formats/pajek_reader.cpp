@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <utility>
@@ -80,8 +81,7 @@ class PajekReader {
       section_ = candidate.section;
       // Only the weights start afresh, so that those of earlier sections are lost.
       weights_.clear();
-      topology_.reserveFor(scanner_.rest());
-      TextTopology::reserveFor(scanner_.rest(), weights_);
+      weights_.reserve(topology_.reserveFor(scanner_.rest()));
       if (section_ == Section::kArcs) topology_.setDirected(true);
       break;
     }
@@ -92,9 +92,16 @@ class PajekReader {
     if (!topology_.readVertexCount(scanner_)) return false;
     names_.clear();
     positions_.clear();
-    TextTopology::reserveFor(scanner_.rest(), names_, topology_.vertexCount());
+    reserveNames();
     section_ = Section::kVertices;
     return true;
+  }
+
+  /// Once, as for the edges.
+  void reserveNames() {
+    if (names_.capacity() != 0 || topology_.vertexCount() < 0) return;
+    names_.reserve(std::min(TextTopology::usualLines(scanner_.rest()),
+                            static_cast<std::size_t>(topology_.vertexCount())));
   }
 
   bool readVertex() {

@@ -168,8 +168,8 @@ class XnetReader {
     scanner_.skipBlanks();
     if (scanner_.matchPrefix("directed")) topology_.setDirected(true);
     if (scanner_.matchPrefix("undirected")) topology_.setDirected(false);
-    topology_.reserveFor(scanner_.rest());
-    if (edgesWeights_) TextTopology::reserveFor(scanner_.rest(), *edgesWeights_);
+    const std::size_t edges = topology_.reserveFor(scanner_.rest());
+    if (edgesWeights_) edgesWeights_->reserve(edges);
     section_ = Section::kEdges;
     return true;
   }

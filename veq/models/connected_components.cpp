@@ -54,14 +54,14 @@ class ComponentSearch {
   Components<Index> run() && {
     std::vector<std::uint64_t> sizes;
     for (std::uint64_t start = 0; start < labels_.size(); ++start) {
-      if (labels_[start] == 0) sizes.push_back(label(start, sizes.size() + 1));
+      if (labels_[start] == 0) sizes.push_back(labelFrom(start, sizes.size() + 1));
     }
     return {std::move(labels_), std::move(sizes)};
   }
 
  private:
   // Labels the component of a vertex, and answers its size.
-  std::uint64_t label(std::uint64_t start, std::uint64_t label) {
+  std::uint64_t labelFrom(std::uint64_t start, std::uint64_t label) {
     count_ = 0;
     reach(start, label);
     for (std::uint64_t i = 0; i < count_; ++i) {
@@ -80,8 +80,8 @@ class ComponentSearch {
     reached_[count_++] = static_cast<Index>(vertex);
   }
 
-  // The row of a vertex that comes later, the list of one that comes sooner, for which this was
-  // done before, and the labels of the neighbours of one that comes still sooner.
+  // The row of a vertex; the list of one that comes sooner, whose row was fetched before; and the
+  // labels of the neighbours of one that comes still sooner, whose list was.
   void fetchAhead(const internal::AdjacencyLists<Index>& lists, std::uint64_t i) const {
     constexpr std::uint64_t kAhead = 4;
     if (i + 3 * kAhead >= count_) return;

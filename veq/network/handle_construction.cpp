@@ -158,27 +158,13 @@ Owned<VEQNetwork> makeCarrying(Produce produce) {
   return network;
 }
 
-// The vertices and edges that a caller gave.
-struct GivenHandles {
-  const VEQVertexArray& vertices;
-  const VEQEdgeArray& edges;
-};
-
-// Those of a network, where there may be no memory to make them.
-struct AllHandles {
-  explicit AllHandles(const VEQNetwork& network)
-      : vertices(network.vertices()), edges(network.edges()) {}
-
-  VEQVertexArray vertices;
-  VEQEdgeArray edges;
-};
-
-template <class Handles, class Source, class GiveWeights>
-Owned<VEQNetwork> fromHandles(const Source& source, bool directed, GiveWeights giveWeights) {
+// `giveHandles()` gives the vertices and the edges; those of a whole network may want memory.
+template <class GiveHandles, class GiveWeights>
+Owned<VEQNetwork> fromHandles(GiveHandles giveHandles, bool directed, GiveWeights giveWeights) {
   return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
-    const Handles handles(source);
-    const VEQVertexArray& vertices = handles.vertices;
-    const VEQEdgeArray& edges = handles.edges;
+    const auto handles = giveHandles();
+    const VEQVertexArray& vertices = handles.first;
+    const VEQEdgeArray& edges = handles.second;
     NetworkDraft draft;
     draft.vertexCount = vertices.count();
     draft.directed = directed;
@@ -198,6 +184,10 @@ Owned<VEQNetwork> fromHandles(const Source& source, bool directed, GiveWeights g
   });
 }
 
+auto allHandlesOf(const VEQNetwork& network) {
+  return [&network] { return std::pair(network.vertices(), network.edges()); };
+}
+
 void logLoading(bool weighted) {
   logDiagnostic(weighted ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
 }
@@ -208,8 +198,9 @@ Owned<VEQNetwork> VEQNetwork::initWithVertices_edges_directed_verticesWeights_ed
     const VEQVertexArray& vertices, const VEQEdgeArray& edges, bool directed,
     const VEQNumberArray* verticesWeights, const VEQNumberArray* edgesWeights) {
   logLoading(edgesWeights != nullptr);
-  return fromHandles<GivenHandles>(GivenHandles{vertices, edges}, directed,
-                                   GivenWeights{verticesWeights, edgesWeights});
+  return fromHandles(
+      [&] { return std::pair<const VEQVertexArray&, const VEQEdgeArray&>(vertices, edges); },
+      directed, GivenWeights{verticesWeights, edgesWeights});
 }
 
 Owned<VEQNetwork>
@@ -239,12 +230,12 @@ Owned<VEQNetwork> VEQNetwork::initWithNetwork_directed_verticesWeights_edgesWeig
     const VEQNetwork& network, bool directed, const VEQNumberArray* verticesWeights,
     const VEQNumberArray* edgesWeights) {
   logLoading(edgesWeights != nullptr);
-  return fromHandles<AllHandles>(network, directed, GivenWeights{verticesWeights, edgesWeights});
+  return fromHandles(allHandlesOf(network), directed, GivenWeights{verticesWeights, edgesWeights});
 }
 
 Owned<VEQNetwork> VEQNetwork::initWithNetwork_directed(const VEQNetwork& network, bool directed) {
   logLoading(true);
-  return fromHandles<AllHandles>(network, directed, ReportedWeights{CoreAccess::of(network)});
+  return fromHandles(allHandlesOf(network), directed, ReportedWeights{CoreAccess::of(network)});
 }
 
 }  // namespace veq

@@ -10,6 +10,8 @@
 #include <limits>
 #include <optional>
 
+#include "veq/base/internal/digit_text.hpp"
+
 namespace veq::internal {
 namespace {
 
@@ -31,8 +33,6 @@ struct DecimalText {
   const char* end = nullptr;          ///< Behind the exponent, too.
 };
 
-bool isDigit(char character) { return character >= '0' && character <= '9'; }
-
 /// The digits around the point, gathered in one pass.
 class DigitReader {
  public:
@@ -49,7 +49,7 @@ class DigitReader {
     const char* const first = at;
     const char* const full = std::min<std::int64_t>(end - at, kLeadingDigits - count_) + at;
     for (; at != full && isDigit(*at); ++at) {
-      decimal_.leading = decimal_.leading * 10 + static_cast<std::uint64_t>(*at - '0');
+      decimal_.leading = decimal_.leading * 10 + digitOf(*at);
     }
     count_ += at - first;
     decimal_.exponent += taken * (at - begin);

@@ -1,6 +1,6 @@
 /// \file
-/// Decimal digits eight at a time: the numbers of a text differ in length, and a loop over their
-/// digits ends where the processor does not expect it.
+/// Decimal digits, also eight at a time: the numbers of a text differ in length, and a loop over
+/// their digits ends where the processor does not expect it.
 #pragma once
 
 #include <bit>
@@ -9,7 +9,10 @@
 
 namespace veq::internal {
 
-/// Both functions want the first byte of a word to be its lowest.
+inline bool isDigit(char byte) { return byte >= '0' && byte <= '9'; }
+inline std::uint64_t digitOf(char byte) { return static_cast<std::uint64_t>(byte - '0'); }
+
+/// The functions below want the first byte of a word to be its lowest.
 inline constexpr bool kEightDigitsAtOnce = std::endian::native == std::endian::little;
 
 struct Digits {

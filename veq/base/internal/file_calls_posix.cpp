@@ -144,8 +144,8 @@ bool createInPlace(const std::filesystem::path& target, const ByteSource& bytes)
 /// a difference counts only if it stays.
 bool isWhereLinksLead(const std::string& path, const std::filesystem::path& target) {
   for (int look = 0; look < 100; ++look) {
-    struct stat opened {
-    }, named{};
+    struct stat opened {};
+    struct stat named {};
     if (::stat(path.c_str(), &opened) != 0 || ::stat(target.c_str(), &named) != 0) return false;
     if (isSameFile(opened, named)) return true;
   }

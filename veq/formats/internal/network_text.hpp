@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "veq/base/files.hpp"
+#include "veq/base/memory.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
@@ -27,22 +27,22 @@ class NetworkText {
   std::string beforeEdges;
   std::string behindEdges;
 
-  [[nodiscard]] std::string whole() const;
+  [[nodiscard]] std::string whole();
   /// Needs no more memory, so that nothing can fail but the sink.
-  [[nodiscard]] bool giveTo(const ByteSink& sink) const;
+  [[nodiscard]] bool giveTo(const ByteSink& sink);
   /// Whether all of it has arrived in the file.
-  [[nodiscard]] bool writeTo(std::string_view path, bool atomically) const {
+  [[nodiscard]] bool writeTo(std::string_view path, bool atomically) {
     return writeWholeFile(
         path, [this](const ByteSink& sink) { return giveTo(sink); }, atomically);
   }
 
  private:
-  bool giveEdgesTo(const ByteSink& sink) const;
+  bool giveEdgesTo(const ByteSink& sink);
   [[nodiscard]] std::size_t expectedSize() const;
 
   const NetworkCore& core_;
   EdgeLineStyle style_;
-  std::unique_ptr<char[]> piece_;
+  Block<char> piece_;
 };
 
 }  // namespace veq::internal

@@ -2,7 +2,6 @@
 /// What text formats have in common in how they tell vertices and edges.
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -40,19 +39,18 @@ class TextTopology {
     return target.has_value();
   }
 
-  /// Makes room for what a text tells of which so much is left, once, and for `most` at most: every
-  /// doubling would touch new memory, while room that nothing needs takes none.
-  template <class Column>
-  static void reserveFor(std::string_view rest, Column& column,
-                         std::int64_t most = std::numeric_limits<std::int64_t>::max()) {
-    constexpr std::size_t kUsualLine = 16;
-    if (column.capacity() != 0 || most < 0) return;
-    column.reserve(std::min(rest.size() / kUsualLine, static_cast<std::size_t>(most)));
+  /// Makes room for the edges of a text of which so much is left, and answers for how many; 0, and
+  /// nothing is done, from the second time on. Every doubling would touch new memory, while room
+  /// that nothing needs takes none.
+  std::size_t reserveFor(std::string_view rest) {
+    if (from_.capacity() != 0) return 0;
+    const std::size_t edges = usualLines(rest);
+    from_.reserve(edges);
+    to_.reserve(edges);
+    return edges;
   }
-  void reserveFor(std::string_view rest) {
-    reserveFor(rest, from_);
-    reserveFor(rest, to_);
-  }
+  /// How many lines there are if they are not short.
+  [[nodiscard]] static std::size_t usualLines(std::string_view text) { return text.size() / 16; }
 
   /// Appends the edge between the ends read last, or the one in the opposite direction.
   void append() { append(source_, target_); }

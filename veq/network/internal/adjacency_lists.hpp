@@ -67,10 +67,8 @@ class AdjacencyLists {
   [[nodiscard]] std::uint64_t roomToLoosen(std::uint64_t vertex) const {
     return rows_[vertex].start < packedSize() ? listCapacity(rows_[vertex].count) : 0;
   }
-  /// Moves a packed list to where it has the room that its length calls for.
-  void loosen(std::uint64_t vertex) {
-    const std::uint64_t room = roomToLoosen(vertex);
-    if (room == 0) return;
+  /// Moves a packed list to where it has that room.
+  void loosen(std::uint64_t vertex, std::uint64_t room) {
     reserve(room);
     move(rows_[vertex], room);
   }

@@ -146,8 +146,10 @@ bool AdjacencyStore::isWithin(std::uint64_t size) const {
 
 template <class Index>
 bool AdjacencyStore::loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
-  if (!isWithin<Index>(lists.zoneSizeWith(lists.roomToLoosen(vertex)))) return false;
-  lists.loosen(vertex);
+  const std::uint64_t room = lists.roomToLoosen(vertex);
+  if (room == 0) return true;
+  if (!isWithin<Index>(lists.zoneSizeWith(room))) return false;
+  lists.loosen(vertex, room);
   return true;
 }
 
