@@ -4,7 +4,7 @@
 #include "fuzz/support/input.hpp"
 #include "fuzz/support/invariants.hpp"
 #include "fuzz/support/target.hpp"
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/xnet.hpp"
 
 namespace veq::fuzz {

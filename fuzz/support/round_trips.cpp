@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "fuzz/support/invariants.hpp"
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 
 namespace veq::fuzz {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 namespace veq::internal {
 namespace {

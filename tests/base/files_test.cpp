@@ -1,4 +1,4 @@
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

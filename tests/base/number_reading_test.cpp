@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "tests/support/comma_locale.hpp"
-#include "veq/base/number_text.hpp"
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 
 namespace veq::internal {
 namespace {

@@ -1,4 +1,4 @@
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 
 namespace veq::internal {
 namespace {

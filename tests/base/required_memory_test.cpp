@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <new>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 namespace {

@@ -1,4 +1,4 @@
-#include "veq/base/text_escapes.hpp"
+#include "veq/base/internal/text_escapes.hpp"
 
 #include <gtest/gtest.h>
 

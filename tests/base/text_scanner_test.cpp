@@ -1,4 +1,4 @@
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 
 #include <gtest/gtest.h>
 

@@ -10,7 +10,7 @@
 
 #include "tests/support/failing_calls.hpp"
 #include "tests/support/temporary_folder.hpp"
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 namespace veq::test {
 namespace {

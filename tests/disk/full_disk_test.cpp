@@ -13,7 +13,7 @@
 #include "tests/support/child_process.hpp"
 #include "tests/support/temporary_folder.hpp"
 #include "tests/support/writers.hpp"
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq::test {

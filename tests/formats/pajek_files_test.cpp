@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "tests/formats/format_support.hpp"
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 
 namespace veq::test {
 namespace {

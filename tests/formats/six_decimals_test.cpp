@@ -6,7 +6,7 @@
 #include <limits>
 #include <random>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 namespace veq::internal {
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "gtest/gtest.h"
-#include "veq/base/wide_vectors.hpp"
+#include "veq/base/internal/wide_vectors.hpp"
 #include "veq/models/internal/random_blocks.hpp"
 
 namespace veq::internal {

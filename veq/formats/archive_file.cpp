@@ -3,7 +3,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 
 namespace veq {

@@ -1,6 +1,6 @@
 #include "veq/formats/internal/column_text.hpp"
 
-#include "veq/base/text_escapes.hpp"
+#include "veq/base/internal/text_escapes.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/numeric/generic_array.hpp"
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/formats/internal/distinct_ends.hpp"
 #include "veq/formats/internal/name_lists.hpp"
 #include "veq/formats/internal/six_decimals.hpp"

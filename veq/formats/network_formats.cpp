@@ -7,8 +7,8 @@
 #include <string_view>
 #include <utility>
 
-#include "veq/base/encodings.hpp"
-#include "veq/base/files.hpp"
+#include "veq/base/internal/encodings.hpp"
+#include "veq/base/internal/whole_files.hpp"
 #include "veq/formats/internal/edge_list.hpp"
 #include "veq/formats/internal/name_lists.hpp"
 #include "veq/formats/internal/pajek.hpp"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 namespace veq::internal {
 namespace {

@@ -4,9 +4,9 @@
 #include <utility>
 #include <vector>
 
-#include "veq/base/memory.hpp"
-#include "veq/base/text_escapes.hpp"
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/text_escapes.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/numeric/generic_array.hpp"

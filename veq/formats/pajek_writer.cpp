@@ -2,7 +2,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/column_text.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/numeric/vector_arrays.hpp"

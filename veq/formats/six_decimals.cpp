@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 namespace veq::internal {
 

@@ -3,9 +3,9 @@
 #include <vector>
 
 #include "veq/base/diagnostic_log.hpp"
-#include "veq/base/number_text.hpp"
-#include "veq/base/text_escapes.hpp"
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/text_escapes.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/formats/internal/six_decimals.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"

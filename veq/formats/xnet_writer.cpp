@@ -1,6 +1,6 @@
 #include <utility>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/column_text.hpp"
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/numeric/number_array.hpp"

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "veq/base/diagnostic_log.hpp"
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/network/internal/carried_properties.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"

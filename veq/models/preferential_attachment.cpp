@@ -10,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
 namespace veq::internal {

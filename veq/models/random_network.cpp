@@ -8,7 +8,7 @@
 #include <span>
 #include <utility>
 
-#include "veq/base/uint128.hpp"
+#include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
 #include "veq/models/internal/random_hits.hpp"
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "veq/base/export.hpp"
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/numeric/number.hpp"
 #include "veq/numeric/property_column.hpp"
 

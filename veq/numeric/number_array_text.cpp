@@ -2,8 +2,8 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "veq/base/number_text.hpp"
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 #include "veq/numeric/number_array.hpp"

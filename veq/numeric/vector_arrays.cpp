@@ -3,8 +3,8 @@
 #include <array>
 #include <stdexcept>
 
-#include "veq/base/number_text.hpp"
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 
 namespace veq {

@@ -1,6 +1,6 @@
 #include "veq/numeric/vectors.hpp"
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 namespace veq {
 

@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 

@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 

@@ -7,8 +7,8 @@
 
 #include "veq/agents/internal/move_block.hpp"
 #include "veq/agents/internal/walk_frame.hpp"
-#include "veq/base/memory.hpp"
-#include "veq/base/uint128.hpp"
+#include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 

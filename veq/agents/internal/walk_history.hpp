@@ -7,7 +7,7 @@
 
 #include "veq/agents/internal/agent_history.hpp"
 #include "veq/agents/internal/move_block.hpp"
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/numeric/number_array.hpp"
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <string_view>
 
-#include "veq/base/files.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 namespace veq::internal {
 

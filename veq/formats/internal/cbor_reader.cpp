@@ -3,7 +3,7 @@
 #include <bit>
 #include <utility>
 
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 
 namespace veq::internal {
 namespace {

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <new>
 
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 
 namespace veq::internal {
 namespace {

@@ -4,7 +4,7 @@
 #include <span>
 #include <string_view>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/formats/internal/cbor.hpp"
 #include "veq/numeric/number_array.hpp"
 

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 

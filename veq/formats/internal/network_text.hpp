@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "veq/base/files.hpp"
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/whole_files.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 #include "veq/network/internal/network_draft.hpp"
 
 namespace veq::internal {

@@ -7,8 +7,8 @@
 #include <new>
 #include <type_traits>
 
-#include "veq/base/make_once.hpp"
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/make_once.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/handles/internal/life_record.hpp"
 

@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "veq/base/wide_vectors.hpp"
+#include "veq/base/internal/wide_vectors.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
 namespace veq::internal {

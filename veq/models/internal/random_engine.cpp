@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <new>
 
-#include "veq/base/entropy.hpp"
+#include "veq/base/internal/entropy.hpp"
 #include "veq/models/internal/random_blocks.hpp"
 #include "veq/models/internal/random_jump.hpp"
 

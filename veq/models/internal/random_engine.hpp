@@ -10,7 +10,7 @@
 #include <cstdint>
 #include <mutex>
 
-#include "veq/base/uint128.hpp"
+#include "veq/base/internal/uint128.hpp"
 
 namespace veq::internal {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <span>
 
-#include "veq/base/wide_vectors.hpp"
+#include "veq/base/internal/wide_vectors.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
 namespace veq::internal {

@@ -6,7 +6,7 @@
 /// multiplying finds them in as many steps as N has bits.
 #pragma once
 
-#include "veq/base/uint128.hpp"
+#include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
 namespace veq::internal {

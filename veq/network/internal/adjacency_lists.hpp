@@ -7,7 +7,7 @@
 #include <span>
 #include <utility>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 

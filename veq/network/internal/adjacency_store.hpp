@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 
 namespace veq::internal {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "veq/base/make_once.hpp"
+#include "veq/base/internal/make_once.hpp"
 
 namespace veq {
 namespace internal {

@@ -12,7 +12,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 #include "veq/numeric/number.hpp"
 #include "veq/numeric/number_array.hpp"
 

@@ -1,4 +1,4 @@
-#include "veq/base/entropy.hpp"
+#include "veq/base/internal/entropy.hpp"
 
 #include <chrono>
 #include <exception>

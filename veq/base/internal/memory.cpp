@@ -1,4 +1,4 @@
-#include "veq/base/memory.hpp"
+#include "veq/base/internal/memory.hpp"
 
 #include <cstddef>
 #include <cstdint>

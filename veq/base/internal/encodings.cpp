@@ -1,4 +1,4 @@
-#include "veq/base/encodings.hpp"
+#include "veq/base/internal/encodings.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "veq/base/number_text.hpp"
+#include "veq/base/internal/number_text.hpp"
 
 #include <algorithm>
 #include <bit>
@@ -8,7 +8,7 @@
 #include <limits>
 #include <optional>
 
-#include "veq/base/text_scanner.hpp"
+#include "veq/base/internal/text_scanner.hpp"
 
 namespace veq::internal {
 namespace {
