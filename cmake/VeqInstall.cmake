@@ -1,5 +1,6 @@
 # What `cmake --install` puts where: the components `runtime` (the shared library), `development`
-# (headers and what a build needs to find the library) and `tools` (the program).
+# (headers, what a build needs to find the library, guide and examples) and `tools` (the program and
+# the data).
 include(CMakePackageConfigHelpers)
 
 set(VEQ_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/veq")
@@ -19,7 +20,7 @@ install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/VeqInstallHeaders.cmake" COMPONENT dev
 install(EXPORT veqTargets NAMESPACE veq:: DESTINATION "${VEQ_CMAKE_DIR}" COMPONENT development)
 configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/veqConfig.cmake.in" veqConfig.cmake
                               INSTALL_DESTINATION "${VEQ_CMAKE_DIR}")
-write_basic_package_version_file(veqConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+write_basic_package_version_file(veqConfigVersion.cmake COMPATIBILITY ${VEQ_COMPATIBILITY})
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veqConfig.cmake"
               "${CMAKE_CURRENT_BINARY_DIR}/veqConfigVersion.cmake"
         DESTINATION "${VEQ_CMAKE_DIR}" COMPONENT development)
@@ -39,14 +40,26 @@ configure_file("${CMAKE_CURRENT_LIST_DIR}/veq.pc.in" veq.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veq.pc" DESTINATION "${VEQ_PKGCONFIG_DIR}"
         COMPONENT development)
 
+# The texts lie beside each other as in the source tree, so that their links hold.
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/README.md"
+              "${PROJECT_SOURCE_DIR}/VERSIONING.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md"
+              "${PROJECT_SOURCE_DIR}/CITATION.cff"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development)
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" "${PROJECT_SOURCE_DIR}/examples"
+        DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT development
+        PATTERN reference EXCLUDE PATTERN CMakeLists.txt EXCLUDE)
+
 if(VEQ_BUILD_TOOLS)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/data" DESTINATION "${CMAKE_INSTALL_DATADIR}/veq"
+          COMPONENT tools)
+  install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/THIRD-PARTY"
+          DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT tools)
   # The program finds the library beside itself wherever the tree is moved.
   file(RELATIVE_PATH to_libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(veq_program PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
   install(TARGETS veq_program DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
-  install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/veq.1"
-          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools OPTIONAL)
+  install(FILES "${PROJECT_BINARY_DIR}/tools/veq/veq.1"
+          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
   install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/completion.bash" RENAME veq
-          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools
-          OPTIONAL)
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
 endif()

@@ -1,7 +1,7 @@
 # The Debian packages that scripts/package builds: one for each component of VeqInstall.
 set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_VENDOR "The VEQ maintainers")
-set(CPACK_PACKAGE_CONTACT "The VEQ maintainers <maintainers@veq.example>")
+set(CPACK_PACKAGE_VENDOR "The VEQ authors")
+set(CPACK_PACKAGE_CONTACT "The VEQ authors <maintainers@veq.example>")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
@@ -32,11 +32,21 @@ function(veq_package component name section summary contents)
       "complex networks and random walks, ${summary}${description}\nThis package holds ${contents}."
       PARENT_SCOPE)
 endfunction()
-veq_package(RUNTIME libveq${PROJECT_VERSION_MAJOR} libs "shared library" "the shared library")
+veq_package(RUNTIME libveq${VEQ_ABI_VERSION} libs "shared library" "the shared library")
 veq_package(DEVELOPMENT libveq-dev libdevel "development files"
-            "the headers and the files by which CMake and pkg-config find them")
-veq_package(TOOLS veq-tools science "command-line program" "the program veq")
+            "the headers, the files by which CMake and pkg-config find them, the guide and examples")
+veq_package(TOOLS veq-tools science "command-line program" "the program veq and two small networks to try it on")
 set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+
+# The program's examples are about the data, and so are the guide's.
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS veq-tools)
+
+# Each package has its licence where Debian looks for it.
+set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/VeqDebianCopyright.cmake")
+set(CPACK_VEQ_SOURCE_DIR "${PROJECT_SOURCE_DIR}")
+foreach(component RUNTIME DEVELOPMENT TOOLS)
+  set(CPACK_VEQ_${component}_PACKAGE "${CPACK_DEBIAN_${component}_PACKAGE_NAME}")
+endforeach()
 
 include(CPack)

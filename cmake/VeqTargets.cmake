@@ -11,7 +11,7 @@ function(veq_library name)
   target_link_libraries(${name} PUBLIC Threads::Threads)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
                                            VISIBILITY_INLINES_HIDDEN ON VERSION ${PROJECT_VERSION}
-                                           SOVERSION ${PROJECT_VERSION_MAJOR})
+                                           SOVERSION ${VEQ_ABI_VERSION})
   veq_developer_options(${name})
   # A fused multiply-add would change the last bit of a walk or a strength between machines.
   target_compile_options(${name} PRIVATE -ffp-contract=off)

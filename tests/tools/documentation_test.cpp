@@ -59,7 +59,7 @@ TEST(Documentation, EveryExampleInEveryHelpWorks) {
 
 TEST(Documentation, CompletionsAndManualPageKnowEveryOption) {
   const std::string completion = contentsOf(VEQ_DATA "/../tools/veq/completion.bash");
-  const std::string page = contentsOf(VEQ_DATA "/../tools/veq/veq.1");
+  const std::string page = contentsOf(VEQ_DATA "/../tools/veq/veq.1.in");
   const std::string plainPage = std::regex_replace(page, std::regex("\\\\-"), "-");
   const std::regex option("\n  (?:-h,)?(--[a-z-]+)");
   std::set<std::string> options;

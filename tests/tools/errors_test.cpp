@@ -81,7 +81,7 @@ TEST(ProgramHelp, TeachesEachCommandByExample) {
 TEST(ProgramHelp, VersionIsOneLine) {
   const ProgramRun run = runVeq({"--version"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.output, "veq 1.0.0\n");
+  EXPECT_EQ(run.output, "veq 0.9.0\n");
 }
 
 }  // namespace

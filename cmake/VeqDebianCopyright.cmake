@@ -1,0 +1,12 @@
+# Run by cpack between the installation of a component into its folder and its packing.
+file(READ "${CPACK_VEQ_SOURCE_DIR}/LICENSE" licence)
+file(READ "${CPACK_VEQ_SOURCE_DIR}/tools/veq/THIRD-PARTY" third_party)
+foreach(component IN LISTS CPACK_COMPONENTS_ALL)
+  string(TOUPPER "${component}" upper)
+  set(text "${licence}")
+  if(component STREQUAL "tools")
+    string(APPEND text "\n${third_party}")
+  endif()
+  set(root "${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX}")
+  file(WRITE "${root}/share/doc/${CPACK_VEQ_${upper}_PACKAGE}/copyright" "${text}")
+endforeach()
