@@ -17,6 +17,7 @@
 #include "veq/handles/handle_array.hpp"
 #include "veq/handles/vertex.hpp"
 #include "veq/models/random_generator.hpp"
+#include "veq/models/random_state.hpp"
 #include "veq/natural/network.hpp"
 #include "veq/network/network.hpp"
 #include "veq/numeric/generic_array.hpp"
@@ -27,3 +28,4 @@
 #include "veq/numeric/property_value.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 #include "veq/numeric/vectors.hpp"
+#include "veq/random.hpp"

@@ -7,6 +7,7 @@
 
 #include "veq/models/internal/random_engine.hpp"
 #include "veq/models/internal/random_range.hpp"
+#include "veq/models/internal/random_source.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 
 namespace veq {
@@ -58,6 +59,18 @@ VEQRandomGenerator* VEQRandomGenerator::allocWithZone(void*) {
 
 void VEQRandomGenerator::setRandomSeed(std::uint32_t seed) {
   SharedRandomSequence::instance().seed(seed);
+}
+
+RandomState VEQRandomGenerator::state() const {
+  return internal::StateAccess::make(SharedRandomSequence::instance().stream());
+}
+
+void VEQRandomGenerator::setState(const RandomState& state) {
+  SharedRandomSequence::instance().setStream(internal::StateAccess::stream(state));
+}
+
+void VEQRandomGenerator::skip(DrawCount draws) {
+  (void)SharedRandomSequence::instance().take(draws.all());
 }
 
 double VEQRandomGenerator::randomDouble() {

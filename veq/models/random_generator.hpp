@@ -7,6 +7,7 @@
 
 #include "veq/base/export.hpp"
 #include "veq/base/ownership.hpp"
+#include "veq/models/random_state.hpp"
 #include "veq/numeric/number_array.hpp"
 
 namespace veq {
@@ -46,6 +47,14 @@ class VEQ_EXPORT VEQRandomGenerator final {
 
   /// Starts the sequence of this seed. Seed 0 counts as 1.
   void setRandomSeed(std::uint32_t seed);
+
+  /// \name Its place in the sequence
+  /// As a value, to go on from later or elsewhere; skip() costs microseconds whatever the count.
+  /// @{
+  [[nodiscard]] RandomState state() const;
+  void setState(const RandomState& state);
+  void skip(DrawCount draws);
+  /// @}
 
   /// \name Single numbers
   /// Each costs one draw r.

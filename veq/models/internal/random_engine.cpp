@@ -116,13 +116,19 @@ SharedRandomSequence& SharedRandomSequence::instance() {
 
 SharedRandomSequence::SharedRandomSequence() : stream_(RandomStream::seeded(systemEntropy())) {}
 
-void SharedRandomSequence::seed(std::uint32_t seed) {
-  const RandomStream seeded = RandomStream::seeded(seed);
-  const std::lock_guard guard(lock_);
-  stream_ = seeded;
-}
+void SharedRandomSequence::seed(std::uint32_t seed) { setStream(RandomStream::seeded(seed)); }
 
 void SharedRandomSequence::seedFromSystem() { seed(systemEntropy()); }
+
+RandomStream SharedRandomSequence::stream() {
+  const std::lock_guard guard(lock_);
+  return stream_;
+}
+
+void SharedRandomSequence::setStream(const RandomStream& stream) {
+  const std::lock_guard guard(lock_);
+  stream_ = stream;
+}
 
 std::uint32_t SharedRandomSequence::next() {
   const std::lock_guard guard(lock_);
