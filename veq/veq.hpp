@@ -18,6 +18,7 @@
 #include "veq/handles/vertex.hpp"
 #include "veq/models/random_generator.hpp"
 #include "veq/models/random_state.hpp"
+#include "veq/natural/choice.hpp"
 #include "veq/natural/network.hpp"
 #include "veq/network/network.hpp"
 #include "veq/numeric/generic_array.hpp"
