@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "veq/base/internal/whole_files.hpp"
+#include "veq/base/internal/file_url.hpp"
 
 namespace veq::internal {
 namespace {

@@ -1,394 +1,86 @@
-#include "veq/base/internal/whole_files.hpp"
+#include "veq/base/files.hpp"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <set>
-#include <thread>
+#include <stdexcept>
+#include <string>
 
-namespace veq::internal {
+#include "tests/support/child_process.hpp"
+#include "tests/support/temporary_folder.hpp"
+
+namespace veq {
 namespace {
 
-namespace fs = std::filesystem;
-using namespace std::string_literals;
-using namespace std::string_view_literals;
+using test::bytesOf;
+using test::statusOfChild;
+using test::TemporaryFolder;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
-/// A fresh directory for each test.
-class Files : public testing::Test {
- protected:
-  Files() {
-    std::string pattern = testing::TempDir() + "veq-files-XXXXXX";
-    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no directory for tests");
-    directory_ = pattern;
-    ::umask(022);
-  }
-  ~Files() override { fs::remove_all(directory_); }
-
-  std::string path(std::string_view name) const { return (directory_ / name).string(); }
-  std::set<std::string> names() const {
-    std::set<std::string> found;
-    for (const auto& entry : fs::directory_iterator(directory_)) {
-      found.insert(entry.path().filename().string());
-    }
-    return found;
-  }
-  void make(std::string_view name, std::string_view bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-  }
-  std::string contentsOf(std::string_view name) const {
-    std::ifstream file(path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
-  unsigned modeOf(std::string_view name) const {
-    struct stat status {};
-    ::stat(path(name).c_str(), &status);
-    return status.st_mode & 07777u;
-  }
-
-  fs::path directory_;
-};
-
-/// Somebody to whom permissions apply, while this lives.
-class Nobody {
- public:
-  Nobody() : isRoot_(::geteuid() == 0), isNobody_(!isRoot_ || ::seteuid(65534) == 0) {}
-  ~Nobody() {
-    if (isRoot_ && isNobody_ && ::seteuid(0) != 0) std::abort();
-  }
-  Nobody(const Nobody&) = delete;
-  Nobody& operator=(const Nobody&) = delete;
-  explicit operator bool() const { return isNobody_; }
-
- private:
-  bool isRoot_;
-  bool isNobody_;
-};
-
-/// Limits the size of every file that the process writes, while this lives.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) {
-    ::getrlimit(RLIMIT_FSIZE, &before_);
-    const rlimit limit{bytes, before_.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { ::setrlimit(RLIMIT_FSIZE, &before_); }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  rlimit before_{};
-};
-
-TEST_F(Files, ReadsEveryByte) {
-  make("a", "x\0\r\n\xFF"sv);
-  const FileContents contents = readWholeFile(path("a"));
-  EXPECT_TRUE(contents);
-  EXPECT_EQ(contents.bytes, "x\0\r\n\xFF"sv);
-}
-
-TEST_F(Files, ReadsAnEmptyFile) {
-  make("a", "");
-  const FileContents contents = readWholeFile(path("a"));
-  EXPECT_TRUE(contents);
-  EXPECT_EQ(contents.bytes, "");
-}
-
-TEST_F(Files, ReadsFilesAroundTheSizeOfAChunk) {
-  for (const std::size_t size : {65535u, 65536u, 65537u, 1000000u}) {
-    std::string bytes(size, 'a');
-    bytes.back() = 'z';
-    make("a", bytes);
-    EXPECT_EQ(readWholeFile(path("a")).bytes, bytes);
-  }
-}
-
-TEST_F(Files, ReadsAPipeToItsEnd) {
-  ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
-  const std::string bytes(200000, 'p');
-  std::thread writer([&] { EXPECT_TRUE(writeWholeFile(path("pipe"), bytes, true)); });
-  EXPECT_EQ(readWholeFile(path("pipe")).bytes, bytes);
-  writer.join();
-  EXPECT_EQ(names(), std::set<std::string>{"pipe"});
-  EXPECT_TRUE(fs::is_fifo(path("pipe")));
-}
-
-TEST_F(Files, ReadsFilesWithoutASize) {
-  EXPECT_TRUE(readWholeFile("/dev/null"));
-  EXPECT_EQ(readWholeFile("/dev/null").bytes, "");
-  const FileContents version = readWholeFile("/proc/self/comm");
-  EXPECT_TRUE(version);
-  EXPECT_FALSE(version.bytes.empty());
-}
-
-TEST_F(Files, SaysWhyNothingWasRead) {
-  EXPECT_EQ(readWholeFile(path("missing")).failure, ReadFailure::kCannotBeOpened);
-  EXPECT_EQ(readWholeFile("").failure, ReadFailure::kCannotBeOpened);
-  EXPECT_EQ(readWholeFile(directory_.string()).failure, ReadFailure::kIsADirectory);
-  make("a", "x");
-  EXPECT_EQ(readWholeFile(path("a") + "\0b"s).failure, ReadFailure::kCannotBeOpened);
-  EXPECT_EQ(readWholeFile(path("a/b")).failure, ReadFailure::kCannotBeOpened);
-  // Reading one's own memory from address 0 is an input/output error.
-  EXPECT_EQ(readWholeFile("/proc/self/mem").failure, ReadFailure::kCannotBeRead);
-  EXPECT_EQ(textOf(ReadFailure::kCannotBeOpened), "cannot be opened");
-  EXPECT_EQ(textOf(ReadFailure::kIsADirectory), "is a directory");
-  EXPECT_EQ(textOf(ReadFailure::kCannotBeRead), "cannot be read");
-  EXPECT_EQ(textOf(ReadFailure::kNone), "");
-}
-
-TEST_F(Files, AFileWithoutReadPermissionCannotBeOpened) {
-  make("a", "secret");
-  fs::permissions(directory_, fs::perms{0777});
-  fs::permissions(path("a"), fs::perms{0200});
-  const Nobody nobody;
-  if (!nobody) GTEST_SKIP() << "cannot become an ordinary user";
-  EXPECT_EQ(readWholeFile(path("a")).failure, ReadFailure::kCannotBeOpened);
-}
-
-TEST_F(Files, WritesNewAndOldFilesEitherWay) {
-  for (const bool atomically : {false, true}) {
-    const std::string name = atomically ? "atomic" : "plain";
-    EXPECT_TRUE(writeWholeFile(path(name), "first and longer", atomically));
-    EXPECT_EQ(contentsOf(name), "first and longer");
-    EXPECT_EQ(modeOf(name), 0644u);
-    EXPECT_TRUE(writeWholeFile(path(name), "x\0y"sv, atomically));
-    EXPECT_EQ(contentsOf(name), "x\0y"sv);
-    EXPECT_TRUE(writeWholeFile(path(name), "", atomically));
-    EXPECT_EQ(contentsOf(name), "");
-  }
-  EXPECT_EQ(names(), (std::set<std::string>{"atomic", "plain"}));
-}
-
-TEST_F(Files, WritesBesideARelativePath) {
-  const fs::path before = fs::current_path();
-  fs::current_path(directory_);
-  EXPECT_TRUE(writeWholeFile("a", "1", true));
-  EXPECT_TRUE(writeWholeFile("a", "2", true));
-  fs::current_path(before);
-  EXPECT_EQ(contentsOf("a"), "2");
-}
-
-TEST_F(Files, NewFilesObeyTheUmask) {
-  ::umask(027);
-  EXPECT_TRUE(writeWholeFile(path("atomic"), "x", true));
-  EXPECT_TRUE(writeWholeFile(path("plain"), "x", false));
-  ::umask(022);
-  EXPECT_EQ(modeOf("atomic"), 0640u);
-  EXPECT_EQ(modeOf("plain"), 0640u);
-}
-
-TEST_F(Files, PermissionsAreKept) {
-  for (const bool atomically : {false, true}) {
-    make("a", "old");
-    fs::permissions(path("a"), fs::perms{0660});
-    EXPECT_TRUE(writeWholeFile(path("a"), "new", atomically));
-    EXPECT_EQ(modeOf("a"), 0660u);
-    fs::permissions(path("a"), fs::perms{0600});
-    EXPECT_TRUE(writeWholeFile(path("a"), "new", atomically));
-    EXPECT_EQ(modeOf("a"), 0600u);
-  }
-}
-
-TEST_F(Files, TheOwnerIsKept) {
-  if (::geteuid() != 0) GTEST_SKIP() << "only root can give files away";
-  make("a", "old");
-  ASSERT_EQ(::chown(path("a").c_str(), 65534, 65533), 0);
-  EXPECT_TRUE(writeWholeFile(path("a"), "new", true));
-  struct stat status {};
-  ASSERT_EQ(::stat(path("a").c_str(), &status), 0);
-  EXPECT_EQ(status.st_uid, 65534u);
-  EXPECT_EQ(status.st_gid, 65533u);
-}
-
-TEST_F(Files, SymbolicLinksStayAndTheirTargetsAreWritten) {
-  fs::create_directory(path("sub"));
-  for (const bool atomically : {false, true}) {
-    make("sub/target", "old");
-    fs::create_symlink("sub/hop", path("link"));
-    fs::create_symlink("target", path("sub/hop"));
-    EXPECT_TRUE(writeWholeFile(path("link"), "new", atomically));
-    EXPECT_TRUE(fs::is_symlink(path("link")));
-    EXPECT_TRUE(fs::is_symlink(path("sub/hop")));
-    EXPECT_EQ(contentsOf("sub/target"), "new");
-    fs::remove(path("link"));
-    fs::remove(path("sub/hop"));
-  }
-}
-
-TEST_F(Files, ALinkToNothingMakesItsTarget) {
-  for (const bool atomically : {false, true}) {
-    fs::create_symlink("target", path("link"));
-    EXPECT_TRUE(writeWholeFile(path("link"), "new", atomically));
-    EXPECT_TRUE(fs::is_symlink(path("link")));
-    EXPECT_FALSE(fs::is_symlink(path("target")));
-    EXPECT_EQ(contentsOf("target"), "new");
-    fs::remove(path("link"));
-    fs::remove(path("target"));
-  }
-}
-
-TEST_F(Files, TargetsThatCannotBeWrittenAreRefused) {
-  fs::create_directory(path("dir"));
-  make("file", "old");
-  fs::create_symlink("circle", path("circle"));
-  const std::set<std::string> before = names();
-  for (const bool atomically : {false, true}) {
-    EXPECT_FALSE(writeWholeFile("", "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("dir"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("dir/"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("new/"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("missing/a"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("file/a"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("circle"), "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path("file") + "\0z"s, "x", atomically));
-    EXPECT_FALSE(writeWholeFile(path(std::string(300, 'n')), "x", atomically));
-  }
-  EXPECT_EQ(names(), before);
-  EXPECT_TRUE(fs::is_empty(path("dir")));
-  EXPECT_EQ(contentsOf("file"), "old");
-}
-
-TEST_F(Files, ANameAsLongAsNamesMayBeIsWrittenAtomically) {
-  const std::string name(255, 'n');
-  EXPECT_TRUE(writeWholeFile(path(name), "1", true));
-  EXPECT_TRUE(writeWholeFile(path(name), "2", true));
-  EXPECT_EQ(contentsOf(name), "2");
-}
-
-TEST_F(Files, ADirectoryWithoutWritePermissionStaysAsItIs) {
-  make("file", "old");
-  fs::permissions(path("file"), fs::perms{0666});
-  fs::permissions(directory_, fs::perms{0555});
-  {
-    const Nobody nobody;
-    if (!nobody) GTEST_SKIP() << "cannot become an ordinary user";
-    EXPECT_FALSE(writeWholeFile(path("file"), "new", true));
-    EXPECT_FALSE(writeWholeFile(path("other"), "new", true));
-    EXPECT_FALSE(writeWholeFile(path("other"), "new", false));
-  }
-  fs::permissions(directory_, fs::perms{0755});
-  EXPECT_EQ(contentsOf("file"), "old");
-  EXPECT_EQ(names(), std::set<std::string>{"file"});
-}
-
-TEST_F(Files, AWriteProtectedFileIsNotReplaced) {
-  make("file", "old");
-  fs::permissions(path("file"), fs::perms{0444});
-  fs::permissions(directory_, fs::perms{0777});
-  {
-    const Nobody nobody;
-    if (!nobody) GTEST_SKIP() << "cannot become an ordinary user";
-    EXPECT_FALSE(writeWholeFile(path("file"), "new", true));
-    EXPECT_FALSE(writeWholeFile(path("file"), "new", false));
-  }
-  EXPECT_EQ(contentsOf("file"), "old");
-  EXPECT_EQ(names(), std::set<std::string>{"file"});
-}
-
-TEST_F(Files, APieceMayBeEmpty) {
-  for (const bool atomically : {false, true}) {
-    EXPECT_TRUE(writeWholeFile(
-        path("a"),
-        [](const ByteSink& sink) { return sink("ab") && sink("") && sink("\0c"sv) && sink(""); },
-        atomically));
-    EXPECT_EQ(contentsOf("a"), "ab\0c"sv);
-  }
-}
-
-// Not as if what came before it were all.
-TEST_F(Files, AFileWhosePiecesEndInAFailureDoesNotArrive) {
-  make("old", "old");
-  const ByteSource half = [](const ByteSink& sink) { return sink("half") && false; };
-  EXPECT_FALSE(writeWholeFile(path("old"), half, true));
-  EXPECT_FALSE(writeWholeFile(path("new"), half, true));
-  EXPECT_FALSE(writeWholeFile(path("new"), half, false));
-  EXPECT_EQ(contentsOf("old"), "old");
-  EXPECT_EQ(names(), std::set<std::string>{"old"});
-}
-
-TEST_F(Files, DevicesAreWrittenInPlaceAndAFullOneFails) {
-  for (const bool atomically : {false, true}) {
-    EXPECT_TRUE(writeWholeFile("/dev/null", "x", atomically));
-    EXPECT_FALSE(writeWholeFile("/dev/full", "x", atomically));
-    EXPECT_TRUE(fs::is_character_file("/dev/null"));
-    EXPECT_TRUE(fs::is_character_file("/dev/full"));
-    EXPECT_TRUE(writeWholeFile("/dev/full", "", atomically)) << "nothing to write always fits";
-  }
-}
-
-TEST_F(Files, AFileSizeLimitIsAFailureAndNoSignal) {
-  make("old", "old");
-  const std::string bytes(100000, 'x');
-  {
-    const FileSizeLimit limit(4096);
-    EXPECT_FALSE(writeWholeFile(path("old"), bytes, true));
-    EXPECT_FALSE(writeWholeFile(path("new"), bytes, true));
-    EXPECT_FALSE(writeWholeFile(path("new"), bytes, false));
-  }
-  EXPECT_EQ(contentsOf("old"), "old");
-  EXPECT_EQ(names(), std::set<std::string>{"old"});
-}
-
-TEST_F(Files, ABrokenPipeIsAFailureAndNoSignal) {
-  ASSERT_EQ(::mkfifo(path("pipe").c_str(), 0600), 0);
-  std::thread reader([&] { ::close(::open(path("pipe").c_str(), O_RDONLY)); });
-  // More than a pipe holds, so that the write is still going on when its reader leaves.
-  EXPECT_FALSE(writeWholeFile(path("pipe"), std::string(1 << 21, 'x'), false));
-  reader.join();
-  sigset_t pending;
-  sigpending(&pending);
-  EXPECT_EQ(sigismember(&pending, SIGPIPE), 0);
-  sigset_t blocked;
-  pthread_sigmask(SIG_SETMASK, nullptr, &blocked);
-  EXPECT_EQ(sigismember(&blocked, SIGPIPE), 0);
-  EXPECT_EQ(sigismember(&blocked, SIGXFSZ), 0);
-}
-
-// The system's link to an open file names where it was, with " (deleted)" behind it.
-TEST_F(Files, AFileThatNoPathNamesIsWrittenInPlace) {
-  if (!fs::exists("/proc/self/fd")) GTEST_SKIP() << "no links to open files";
-  make("f", "old and longer");
-  const int file = ::open(path("f").c_str(), O_RDWR);
-  ASSERT_GE(file, 0);
-  fs::remove(path("f"));
-  const std::string link = "/proc/self/fd/" + std::to_string(file);
-  EXPECT_TRUE(writeWholeFile(link, "first", true));
-  EXPECT_EQ(readWholeFile(link).bytes, "first");
-  EXPECT_EQ(names(), std::set<std::string>{});
-  // Somebody else's file under that very name is not the one that the link leads to.
-  make("f (deleted)", "another");
-  EXPECT_TRUE(writeWholeFile(link, "second", true));
-  EXPECT_EQ(readWholeFile(link).bytes, "second");
-  EXPECT_EQ(contentsOf("f (deleted)"), "another");
-  EXPECT_EQ(names(), std::set<std::string>{"f (deleted)"});
-  ::close(file);
-}
-
-TEST_F(Files, ManyWritersOfOneFileLeaveOneOfTheirFiles) {
-  const std::string a(50000, 'a');
-  const std::string b(70000, 'b');
-  std::filesystem::create_symlink("f", path("link"));
-  ASSERT_TRUE(writeWholeFile(path("f"), b, true));
-  // By its name and by a link, while the other replaces it between any two looks at it.
-  std::thread other([&] {
-    for (int i = 0; i < 300; ++i) EXPECT_TRUE(writeWholeFile(path("f"), b, true));
+/// Whether f, in a child whose descriptor `number` is this file, gives what it should.
+template <class F>
+bool holdsWith(int number, const std::string& path, int flags, F f) {
+  const int status = statusOfChild([&] {
+    const int file = ::open(path.c_str(), flags, 0600);
+    if (file < 0 || ::dup2(file, number) < 0) return 2;
+    return f() ? 0 : 3;
   });
-  for (int i = 0; i < 300; ++i) {
-    EXPECT_TRUE(writeWholeFile(path(i % 2 == 0 ? "f" : "link"), a, true));
-    const std::string seen = readWholeFile(path("f")).bytes;
-    EXPECT_TRUE(seen == a || seen == b) << seen.size() << " bytes";
-  }
-  other.join();
-  EXPECT_TRUE(std::filesystem::is_symlink(path("link")));
-  EXPECT_EQ(names(), (std::set<std::string>{"f", "link"}));
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(WholeFiles, AreReadAndWritten) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("a");
+  EXPECT_TRUE(writeFile(path, std::string_view("x\0\n", 3)));
+  EXPECT_EQ(readFile(path).value(), std::string("x\0\n", 3));
+  EXPECT_TRUE(writeFile(path, [](const ByteSink& sink) { return sink("ab") && sink("c"); }));
+  EXPECT_EQ(readFile(path).value(), "abc");
+}
+
+TEST(WholeFiles, ThatAreNotThereAreAnErrorOfTheSystem) {
+  const TemporaryFolder folder;
+  const Result<std::string> result = readFile(folder.path("a"));
+  ASSERT_FALSE(result);
+  EXPECT_EQ(result.error().kind(), ErrorKind::kFile);
+  EXPECT_EQ(result.error().text(), "No such file or directory");
+  EXPECT_EQ(result.error().place(), std::nullopt);
+  EXPECT_EQ(writeFile(folder.path("a/b"), "x").error().text(), "No such file or directory");
+}
+
+TEST(WholeFiles, OfADashAreTheStandardStreams) {
+  const TemporaryFolder folder;
+  const std::string long_(200000, 'x');
+  const std::string file = folder.write("in", "first " + long_);
+  EXPECT_TRUE(holdsWith(STDIN_FILENO, file, O_RDONLY, [&] {
+    // What has been read before is gone.
+    for (int i = 0; i < 6; ++i) std::getc(stdin);
+    return readFile("-").value() == long_ && readFile("-").value().empty();
+  }));
+  EXPECT_TRUE(holdsWith(STDIN_FILENO, folder.path(""), O_RDONLY,
+                        [] { return readFile("-").error().text() == "Is a directory"; }));
+  EXPECT_TRUE(holdsWith(STDOUT_FILENO, folder.path("out"), O_WRONLY | O_CREAT, [] {
+    std::fputs("before ", stdout);
+    const bool isWritten = writeFile("-", "text ").hasValue();
+    std::fputs("behind", stdout);
+    return isWritten && std::fflush(stdout) == 0;
+  }));
+  EXPECT_EQ(bytesOf(folder.path("out")), "before text behind");
+  EXPECT_TRUE(holdsWith(STDOUT_FILENO, "/dev/full", O_WRONLY, [] {
+    return writeFile("-", "text").error().text() == "No space left on device";
+  }));
+  EXPECT_THAT(folder.names(), ElementsAre("in", "out"));
+}
+
+TEST(WholeFiles, OfANameWithADashAreFiles) {
+  const TemporaryFolder folder;
+  EXPECT_TRUE(writeFile(folder.path("-"), "x"));
+  EXPECT_EQ(readFile(folder.path("-")).value(), "x");
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq

@@ -47,8 +47,8 @@ class FailingCalls : public testing::TestWithParam<Place> {
 
   [[nodiscard]] std::string target() const { return folder_.path("target"); }
   [[nodiscard]] bool write(bool atomically) const {
-    return internal::writeWholeFile(folder_.path(GetParam().byLink ? "link" : "target"), kNew,
-                                    atomically);
+    const std::string path = folder_.path(GetParam().byLink ? "link" : "target");
+    return internal::writeWholeFile(path, kNew, atomically).hasValue();
   }
 
   void expectNew() const {

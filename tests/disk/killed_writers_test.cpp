@@ -76,7 +76,7 @@ TEST_F(KilledWriter, AtEveryCallLeavesTheOldOrTheNewFile) {
       ASSERT_TRUE(internal::writeWholeFile(target(), contents(1), true));
       const int status = statusOfChild([&] {
         const FailingCall killing(n, mode);
-        const bool written = internal::writeWholeFile(link(), contents(2), true);
+        const bool written = internal::writeWholeFile(link(), contents(2), true).hasValue();
         return !written ? 2 : FailingCall::calls() > n ? 3 : 0;
       });
       if (wasKilled(status)) {

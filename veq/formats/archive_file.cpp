@@ -11,14 +11,14 @@ namespace veq {
 bool writeArchiveToFile(const VEQNetwork& network, std::string_view path, bool atomically) {
   VEQKeyedArchiver archiver;
   network.encodeWithCoder(archiver);
-  return internal::writeWholeFile(path, archiver.bytes(), atomically);
+  return internal::writeWholeFile(path, archiver.bytes(), atomically).hasValue();
 }
 
 Owned<VEQNetwork> networkWithArchiveFile(std::string_view path) {
   try {
-    const internal::FileContents contents = internal::readWholeFile(path);
-    if (!contents) return nullptr;
-    VEQKeyedUnarchiver unarchiver(contents.bytes);
+    const Result<std::string> bytes = internal::readWholeFile(path);
+    if (!bytes) return nullptr;
+    VEQKeyedUnarchiver unarchiver(bytes.value());
     return VEQNetwork::initWithCoder(unarchiver);
   } catch (const std::bad_alloc&) {
     return nullptr;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "veq/base/internal/encodings.hpp"
+#include "veq/base/internal/file_url.hpp"
 #include "veq/base/internal/whole_files.hpp"
 #include "veq/formats/internal/edge_list.hpp"
 #include "veq/formats/internal/name_lists.hpp"
@@ -34,8 +35,8 @@ std::optional<NetworkDraft> readXnetText(std::string_view text) {
 }
 
 std::optional<NetworkDraft> readXnetFile(std::string_view path) {
-  const internal::FileContents file = internal::readWholeFile(path);
-  return file ? readXnetText(internal::withoutByteOrderMark(file.bytes)) : std::nullopt;
+  const Result<std::string> bytes = internal::readWholeFile(path);
+  return bytes ? readXnetText(internal::withoutByteOrderMark(bytes.value())) : std::nullopt;
 }
 
 std::optional<NetworkDraft> readPajekText(std::string_view text) {
@@ -43,9 +44,10 @@ std::optional<NetworkDraft> readPajekText(std::string_view text) {
 }
 
 std::optional<NetworkDraft> readPajekFile(std::string_view path) {
-  internal::FileContents file = internal::readWholeFile(path);
-  if (!file) return std::nullopt;
-  const std::optional<std::string> text = internal::decodeAutomatically(std::move(file.bytes));
+  Result<std::string> bytes = internal::readWholeFile(path);
+  if (!bytes) return std::nullopt;
+  const std::optional<std::string> text =
+      internal::decodeAutomatically(std::move(bytes).value());
   return text ? internal::readPajek(*text) : std::nullopt;
 }
 

@@ -1,6 +1,6 @@
 /// \file
 /// The operating system's own calls for files, with the standard library's in their place where
-/// there are none.
+/// there are none. Paths are not empty and hold no NUL; an error_code that is not set is success.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,16 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
+#include <system_error>
 
-#include "veq/base/internal/whole_files.hpp"
+#include "veq/base/files.hpp"
+
+// Which of the two it is. The portable one can be had anywhere, so that it is tested.
+#if (defined(__unix__) || defined(__APPLE__)) && !defined(VEQ_PORTABLE_FILES)
+#define VEQ_POSIX_FILES 1
+#else
+#define VEQ_POSIX_FILES 0
+#endif
 
 namespace veq::internal {
 
@@ -23,12 +30,12 @@ class ReadableFile {
   ReadableFile(const ReadableFile&) = delete;
   ReadableFile& operator=(const ReadableFile&) = delete;
 
-  bool isOpen() const;
-  bool isDirectory() const;
+  /// Of opening it, or of reading.
+  const std::error_code& error() const;
   /// A hint; 0 where the system knows none.
   std::uint64_t expectedSize() const;
-  /// Bytes read, 0 at the end, -1 on failure.
-  std::ptrdiff_t read(char* into, std::size_t capacity);
+  /// The number of bytes read, 0 at the end and where that fails.
+  std::size_t read(char* into, std::size_t capacity);
 
  private:
   struct State;
@@ -36,10 +43,13 @@ class ReadableFile {
 };
 
 /// Follows the symbolic links that a path ends in, as opening it would, whether or not there is a
-/// file at the end. Nothing for a circle of links.
-std::optional<std::filesystem::path> behindLinks(std::filesystem::path path);
+/// file at the end, or up to the first path that `isEnd` takes for one. Nothing for a circle.
+std::optional<std::filesystem::path> behindLinks(std::filesystem::path path,
+                                                 bool (*isEnd)(const std::filesystem::path&));
 
-/// writeWholeFile for a path that is not empty and holds no NUL.
-bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically);
+/// writeWholeFile, writeStandardOutput and checkWritablePath.
+std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically);
+std::error_code writeBytesToStandardOutput(const ByteSource& bytes);
+std::error_code writingError(const std::string& path);
 
 }  // namespace veq::internal

@@ -1,13 +1,15 @@
-#if !(defined(__unix__) || defined(__APPLE__)) || defined(VEQ_PORTABLE_FILES)
-
-#include <filesystem>
-#include <fstream>
-#include <ios>
-#include <random>
-#include <stdexcept>
-#include <system_error>
-
 #include "veq/base/internal/file_calls.hpp"
+
+#if !VEQ_POSIX_FILES
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "veq/base/internal/entropy.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 // What the standard library offers: nothing is synced to the disk, and owners are not kept.
 
@@ -15,89 +17,175 @@ namespace veq::internal {
 
 namespace fs = std::filesystem;
 
-struct ReadableFile::State {
-  std::ifstream file;
-  bool isDirectory = false;
-  std::uint64_t size = 0;
-};
-
-ReadableFile::ReadableFile(const std::string& path) : state_(std::make_unique<State>()) {
-  std::error_code error;
-  state_->isDirectory = fs::is_directory(path, error);
-  if (state_->isDirectory) return;
-  const std::uintmax_t size = fs::file_size(path, error);
-  state_->size = error ? 0 : size;
-  state_->file.open(path, std::ios::binary);
-}
-
-ReadableFile::~ReadableFile() = default;
-
-bool ReadableFile::isOpen() const { return state_->isDirectory || state_->file.is_open(); }
-bool ReadableFile::isDirectory() const { return state_->isDirectory; }
-std::uint64_t ReadableFile::expectedSize() const { return state_->size; }
-
-std::ptrdiff_t ReadableFile::read(char* into, std::size_t capacity) {
-  state_->file.read(into, static_cast<std::streamsize>(capacity));
-  return state_->file.bad() ? -1 : static_cast<std::ptrdiff_t>(state_->file.gcount());
-}
-
 namespace {
 
-bool writeTo(const fs::path& path, const ByteSource& bytes) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  const bool arrived = bytes([&file](std::string_view piece) {
-    file.write(piece.data(), static_cast<std::streamsize>(piece.size()));
-    return file.good();
-  });
-  file.close();
-  return arrived && !file.fail();
-}
+struct CloseStream {
+  void operator()(std::FILE* stream) const { static_cast<void>(std::fclose(stream)); }
+};
+using Stream = std::unique_ptr<std::FILE, CloseStream>;
 
-/// A name beside `target` that nobody else uses.
-std::optional<fs::path> temporaryBeside(const fs::path& target) try {
-  std::random_device device;
-  fs::path path = target.parent_path() /
-                  (".veq-" + std::to_string(device()) + std::to_string(device()) + ".tmp");
-  std::error_code error;
-  if (fs::exists(path, error)) return std::nullopt;
-  return path;
-} catch (const std::runtime_error&) {
-  return std::nullopt;
-}
-
-bool replaceFile(const fs::path& target, const ByteSource& bytes, bool exists) {
-  // Renaming would not ask for the permission to write to the old file.
-  if (exists && !std::ofstream(target, std::ios::app)) return false;
-  const std::optional<fs::path> temporary = temporaryBeside(target);
-  if (!temporary || !target.has_filename()) return false;
-  std::error_code error;
-  bool isReplaced = writeTo(*temporary, bytes);
-  if (isReplaced && exists) {
-    fs::permissions(*temporary, fs::status(target, error).permissions(), error);
-    isReplaced = !error;
-  }
-  if (isReplaced) {
-    fs::rename(*temporary, target, error);
-    isReplaced = !error;
-  }
-  if (!isReplaced) fs::remove(*temporary, error);
-  return isReplaced;
+Stream opened(const fs::path& path, const char* mode) {
+  errno = 0;
+  return Stream(std::fopen(path.string().c_str(), mode));
 }
 
 }  // namespace
 
-bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically) {
+struct ReadableFile::State {
+  Stream file;
   std::error_code error;
-  if (fs::is_directory(path, error)) return false;
-  const bool exists = fs::exists(path, error);
-  const std::optional<fs::path> target = behindLinks(path);
-  if (!target) return false;
-  if (atomically && (!exists || fs::is_regular_file(*target, error))) {
-    return replaceFile(*target, bytes, exists);
+  std::uint64_t size = 0;
+};
+
+ReadableFile::ReadableFile(const std::string& path) : state_(std::make_unique<State>()) {
+  std::error_code ignored;
+  if (fs::is_directory(path, ignored)) {
+    state_->error = std::make_error_code(std::errc::is_a_directory);
+    return;
   }
-  const bool isWritten = writeTo(path, bytes);
-  if (!isWritten && !exists) fs::remove(*target, error);
-  return isWritten;
+  state_->file = opened(path, "rb");
+  if (!state_->file) state_->error = lastError();
+  const std::uintmax_t size = fs::file_size(path, ignored);
+  state_->size = ignored ? 0 : size;
+}
+
+ReadableFile::~ReadableFile() = default;
+
+const std::error_code& ReadableFile::error() const { return state_->error; }
+std::uint64_t ReadableFile::expectedSize() const { return state_->size; }
+
+std::size_t ReadableFile::read(char* into, std::size_t capacity) {
+  errno = 0;
+  const std::size_t count = std::fread(into, 1, capacity, state_->file.get());
+  if (std::ferror(state_->file.get()) != 0) state_->error = lastError();
+  return count;
+}
+
+namespace {
+
+/// Writes what the source gives, and takes care that the system has it.
+std::error_code writeAll(std::FILE* stream, const ByteSource& bytes) {
+  errno = 0;
+  const bool gaveAll = bytes([stream](std::string_view piece) {
+    return std::fwrite(piece.data(), 1, piece.size(), stream) == piece.size();
+  });
+  if (std::fflush(stream) != 0 || std::ferror(stream) != 0) return lastError();
+  return gaveAll ? std::error_code() : std::make_error_code(std::errc::operation_canceled);
+}
+
+std::error_code writeAndClose(Stream stream, const ByteSource& bytes) {
+  if (!stream) return lastError();
+  const std::error_code error = writeAll(stream.get(), bytes);
+  const bool isClosed = std::fclose(stream.release()) == 0;
+  return error || isClosed ? error : lastError();
+}
+
+/// A file that did not exist, and that vanishes with this unless it is kept.
+class NewFile {
+ public:
+  explicit NewFile(fs::path path) : path_(std::move(path)), stream_(opened(path_, "wbx")) {
+    if (stream_)
+      isOurs_ = true;
+    else
+      error_ = lastError();
+  }
+  ~NewFile() {
+    stream_.reset();
+    std::error_code ignored;
+    if (isOurs_) fs::remove(path_, ignored);
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  const std::error_code& error() const { return error_; }
+  const fs::path& path() const { return path_; }
+  std::error_code write(const ByteSource& bytes) {
+    return writeAndClose(std::move(stream_), bytes);
+  }
+  void keep() { isOurs_ = false; }
+
+ private:
+  fs::path path_;
+  Stream stream_;
+  std::error_code error_;
+  bool isOurs_ = false;
+};
+
+/// A name beside `target` that nobody else uses.
+fs::path temporaryBeside(const fs::path& target) {
+  return target.parent_path() /
+         (".veq-" + std::to_string(systemEntropy()) + std::to_string(systemEntropy()) + ".tmp");
+}
+
+/// Why the target cannot be replaced. Renaming would not ask for the permission to write to it.
+std::error_code replacingError(const fs::path& target, bool exists) {
+  if (!target.has_filename()) return std::make_error_code(std::errc::is_a_directory);
+  return exists && !opened(target, "ab") ? lastError() : std::error_code();
+}
+
+std::error_code replaceFile(const fs::path& target, const ByteSource& bytes, bool exists) {
+  std::error_code error = replacingError(target, exists);
+  if (error) return error;
+  NewFile file(temporaryBeside(target));
+  if (file.error()) return file.error();
+  const fs::perms old = fs::status(target, error).permissions();
+  // Nobody but its owner sees what is to be private later.
+  if (exists) fs::permissions(file.path(), fs::perms::owner_read | fs::perms::owner_write, error);
+  if (error = file.write(bytes); error) return error;
+  if (exists) fs::permissions(file.path(), old, error);
+  if (!error) fs::rename(file.path(), target, error);
+  if (!error) file.keep();
+  return error;
+}
+
+std::error_code createInPlace(const fs::path& target, const ByteSource& bytes) {
+  NewFile file(target);
+  if (file.error()) return file.error();
+  const std::error_code error = file.write(bytes);
+  if (!error) file.keep();
+  return error;
+}
+
+/// What lies behind a path.
+struct Destination {
+  explicit Destination(const std::string& path)
+      : target(behindLinks(path, [](const fs::path&) { return false; })) {
+    const fs::file_status status = fs::status(path, error);
+    exists = fs::exists(status);
+    isRegular = fs::is_regular_file(status);
+    if (fs::is_directory(status))
+      error = std::make_error_code(std::errc::is_a_directory);
+    else if (exists || status.type() == fs::file_type::not_found)
+      error.clear();
+    if (!error && !target) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+  }
+  std::optional<fs::path> target;
+  bool exists = false;
+  bool isRegular = false;
+  std::error_code error;
+};
+
+}  // namespace
+
+std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically) {
+  const Destination destination(path);
+  if (destination.error) return destination.error;
+  if (atomically && (!destination.exists || destination.isRegular)) {
+    return replaceFile(*destination.target, bytes, destination.exists);
+  }
+  return destination.exists ? writeAndClose(opened(path, "wb"), bytes)
+                            : createInPlace(*destination.target, bytes);
+}
+
+std::error_code writeBytesToStandardOutput(const ByteSource& bytes) {
+  return writeAll(stdout, bytes);
+}
+
+std::error_code writingError(const std::string& path) {
+  const Destination destination(path);
+  if (destination.error || (destination.exists && !destination.isRegular)) return destination.error;
+  const std::error_code error = replacingError(*destination.target, destination.exists);
+  return error ? error : NewFile(temporaryBeside(*destination.target)).error();
 }
 
 }  // namespace veq::internal

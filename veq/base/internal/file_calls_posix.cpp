@@ -1,4 +1,6 @@
-#if (defined(__unix__) || defined(__APPLE__)) && !defined(VEQ_PORTABLE_FILES)
+#include "veq/base/internal/file_calls.hpp"
+
+#if VEQ_POSIX_FILES
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -6,14 +8,15 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <optional>
 #include <random>
 #include <stdexcept>
 #include <utility>
 
-#include "veq/base/internal/file_calls.hpp"
 #include "veq/base/internal/quiet_write_signals.hpp"
+#include "veq/base/internal/whole_files.hpp"
 
 namespace veq::internal {
 namespace {
@@ -107,6 +110,7 @@ bool replaceFile(const std::filesystem::path& target, const ByteSource& bytes,
   const std::string name = target.filename().string();
   const std::filesystem::path parent = target.parent_path();
   const std::optional<std::string> temporary = temporaryName();
+  if (name.empty()) errno = EISDIR;
   if (name.empty() || !temporary) return false;
   // All names below are looked up in this directory, even if it is itself renamed meanwhile.
   const Descriptor directory(
@@ -160,39 +164,43 @@ bool overwriteInPlace(const std::string& path, const ByteSource& bytes) {
 }  // namespace
 
 struct ReadableFile::State {
-  explicit State(const std::string& path) : file(openAt(AT_FDCWD, path.c_str(), O_RDONLY)) {}
+  explicit State(const std::string& path) : file(openAt(AT_FDCWD, path.c_str(), O_RDONLY)) {
+    if (!file.isOpen() || ::fstat(file.number(), &status) != 0) error = lastError();
+    if (S_ISDIR(status.st_mode)) error = std::make_error_code(std::errc::is_a_directory);
+  }
   Descriptor file;
   struct stat status {};
+  std::error_code error;
 };
 
-ReadableFile::ReadableFile(const std::string& path) : state_(std::make_unique<State>(path)) {
-  if (isOpen() && ::fstat(state_->file.number(), &state_->status) != 0) state_->file.close();
-}
+ReadableFile::ReadableFile(const std::string& path) : state_(std::make_unique<State>(path)) {}
 
 ReadableFile::~ReadableFile() = default;
 
-bool ReadableFile::isOpen() const { return state_->file.isOpen(); }
-
-bool ReadableFile::isDirectory() const { return S_ISDIR(state_->status.st_mode); }
+const std::error_code& ReadableFile::error() const { return state_->error; }
 
 std::uint64_t ReadableFile::expectedSize() const {
   return S_ISREG(state_->status.st_mode) ? static_cast<std::uint64_t>(state_->status.st_size) : 0;
 }
 
-std::ptrdiff_t ReadableFile::read(char* into, std::size_t capacity) {
-  return uninterrupted(
+std::size_t ReadableFile::read(char* into, std::size_t capacity) {
+  const ssize_t count = uninterrupted(
       [&] { return ::read(state_->file.number(), into, std::min(capacity, kLargestPiece)); });
+  if (count < 0) state_->error = lastError();
+  return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
 }
 
+namespace {
+
 bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically) {
-  const QuietWriteSignals quiet;
   struct stat old {};
   const bool exists = ::stat(path.c_str(), &old) == 0;
   if (!exists && errno != ENOENT) return false;
   // Pipes and devices hold nothing that could be replaced; a directory refuses to be opened.
   if (exists && (!atomically || !S_ISREG(old.st_mode))) return overwriteInPlace(path, bytes);
 
-  const std::optional<std::filesystem::path> target = behindLinks(path);
+  const std::optional<std::filesystem::path> target =
+      behindLinks(path, [](const std::filesystem::path&) { return false; });
   if (!target) return false;
   if (!exists) {
     return atomically ? replaceFile(*target, bytes, nullptr) : createInPlace(*target, bytes);
@@ -200,6 +208,27 @@ bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically
   const bool isLink = *target != std::filesystem::path(path);
   if (isLink && !isWhereLinksLead(path, *target)) return overwriteInPlace(path, bytes);
   return replaceFile(*target, bytes, &old);
+}
+
+}  // namespace
+
+std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically) {
+  const QuietWriteSignals quiet;
+  return writeFile(path, bytes, atomically) ? std::error_code() : lastError();
+}
+
+std::error_code writeBytesToStandardOutput(const ByteSource& bytes) {
+  const QuietWriteSignals quiet;
+  return std::fflush(stdout) == 0 && writeAll(STDOUT_FILENO, bytes) ? std::error_code()
+                                                                    : lastError();
+}
+
+std::error_code writingError(const std::string& path) {
+  struct stat old {};
+  if (::stat(path.c_str(), &old) != 0) return errno == ENOENT ? std::error_code() : lastError();
+  if (S_ISDIR(old.st_mode)) return std::make_error_code(std::errc::is_a_directory);
+  if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return lastError();
+  return {};
 }
 
 }  // namespace veq::internal

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "veq/base/internal/digit_text.hpp"
+#include "veq/base/internal/file_url.hpp"
 #include "veq/base/internal/text_scanner.hpp"
-#include "veq/base/internal/whole_files.hpp"
 
 namespace veq::internal {
 namespace {

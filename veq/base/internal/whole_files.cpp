@@ -1,10 +1,9 @@
 #include "veq/base/internal/whole_files.hpp"
 
 #include <algorithm>
-#include <array>
-#include <filesystem>
+#include <cerrno>
 #include <new>
-#include <system_error>
+#include <variant>
 
 #include "veq/base/internal/file_calls.hpp"
 
@@ -13,67 +12,66 @@ namespace {
 
 constexpr std::size_t kFirstChunk = std::size_t{64} << 10;
 
-bool isPossiblePath(std::string_view path) { return !path.empty() && path.find('\0') == path.npos; }
+/// What is wrong with a path whatever lies on the disk.
+std::error_code errorOfPath(std::string_view path) {
+  if (path.empty()) return std::make_error_code(std::errc::no_such_file_or_directory);
+  if (path.find('\0') != path.npos) return std::make_error_code(std::errc::invalid_argument);
+  return {};
+}
 
-/// Makes room behind what has been read: for the size the system reports, then by doubling.
-void makeRoom(std::string& bytes, std::uint64_t expected) {
-  const std::uint64_t wanted = bytes.empty()
-                                   ? std::max<std::uint64_t>(expected, kFirstChunk - 1) + 1
-                                   : std::uint64_t{2} * bytes.size();
-  if (wanted > bytes.max_size()) throw std::bad_alloc();
-  bytes.resize(static_cast<std::size_t>(wanted));
+Outcome outcomeOf(const std::error_code& error) {
+  return error ? Outcome(fileError(error)) : Outcome(std::monostate{});
 }
 
 }  // namespace
 
-std::optional<std::filesystem::path> behindLinks(std::filesystem::path path) {
-  std::error_code error;
-  for (int links = 0; links < 40; ++links) {
-    if (!std::filesystem::is_symlink(std::filesystem::symlink_status(path, error))) return path;
-    const std::filesystem::path next = std::filesystem::read_symlink(path, error);
-    if (error) return std::nullopt;
-    path = path.parent_path() / next;
-  }
-  return std::nullopt;
+std::error_code lastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
+
+Error fileError(const std::error_code& error) { return Error(ErrorKind::kFile, error.message()); }
+
+std::size_t nextCapacity(std::size_t size, std::uint64_t expected) {
+  const std::uint64_t wanted =
+      size == 0 ? std::max<std::uint64_t>(expected, kFirstChunk - 1) + 1 : std::uint64_t{2} * size;
+  if (wanted > std::string().max_size()) throw std::bad_alloc();
+  return static_cast<std::size_t>(wanted);
 }
 
-FileContents readWholeFile(std::string_view path) {
-  FileContents contents;
-  contents.failure = ReadFailure::kCannotBeOpened;
-  if (!isPossiblePath(path)) return contents;
+ByteSource sourceOf(std::string_view bytes) {
+  return [bytes](const ByteSink& sink) { return sink(bytes); };
+}
+
+Result<std::string> readWholeFile(std::string_view path) {
+  if (const std::error_code error = errorOfPath(path)) return fileError(error);
   ReadableFile file(std::string{path});
-  if (!file.isOpen()) return contents;
-  contents.failure = ReadFailure::kIsADirectory;
-  if (file.isDirectory()) return contents;
-
-  std::string& bytes = contents.bytes;
+  std::string bytes;
   std::size_t filled = 0;
-  for (;;) {
-    // One byte more than expected, so that the end is seen without growing.
-    if (filled == bytes.size()) makeRoom(bytes, file.expectedSize());
-    const std::ptrdiff_t count = file.read(bytes.data() + filled, bytes.size() - filled);
-    if (count < 0) return {{}, ReadFailure::kCannotBeRead};
+  while (!file.error()) {
+    if (filled == bytes.size()) bytes.resize(nextCapacity(bytes.size(), file.expectedSize()));
+    const std::size_t count = file.read(bytes.data() + filled, bytes.size() - filled);
     if (count == 0) break;
-    filled += static_cast<std::size_t>(count);
+    filled += count;
   }
+  if (file.error()) return fileError(file.error());
   bytes.resize(filled);
-  contents.failure = ReadFailure::kNone;
-  return contents;
+  return bytes;
 }
 
-std::string_view textOf(ReadFailure failure) {
-  constexpr std::array<std::string_view, 4> kTexts = {"", "cannot be opened", "is a directory",
-                                                      "cannot be read"};
-  return kTexts[static_cast<std::size_t>(failure)];
+Outcome writeWholeFile(std::string_view path, const ByteSource& bytes, bool atomically) {
+  const std::error_code error = errorOfPath(path);
+  return outcomeOf(error ? error : writeBytes(std::string(path), bytes, atomically));
 }
 
-bool writeWholeFile(std::string_view path, const ByteSource& bytes, bool atomically) {
-  return isPossiblePath(path) && writeFile(std::string(path), bytes, atomically);
+Outcome writeWholeFile(std::string_view path, std::string_view bytes, bool atomically) {
+  return writeWholeFile(path, sourceOf(bytes), atomically);
 }
 
-bool writeWholeFile(std::string_view path, std::string_view bytes, bool atomically) {
-  const ByteSource source = [bytes](const ByteSink& sink) { return sink(bytes); };
-  return writeWholeFile(path, source, atomically);
+Outcome writeStandardOutput(const ByteSource& bytes) {
+  return outcomeOf(writeBytesToStandardOutput(bytes));
+}
+
+Outcome checkWritablePath(std::string_view path) {
+  const std::error_code error = errorOfPath(path);
+  return outcomeOf(error ? error : writingError(std::string(path)));
 }
 
 }  // namespace veq::internal

@@ -32,8 +32,8 @@ class NetworkText {
   [[nodiscard]] bool giveTo(const ByteSink& sink);
   /// Whether all of it has arrived in the file.
   [[nodiscard]] bool writeTo(std::string_view path, bool atomically) {
-    return writeWholeFile(
-        path, [this](const ByteSink& sink) { return giveTo(sink); }, atomically);
+    const ByteSource source = [this](const ByteSink& sink) { return giveTo(sink); };
+    return writeWholeFile(path, source, atomically).hasValue();
   }
 
  private:
