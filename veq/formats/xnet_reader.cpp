@@ -121,6 +121,7 @@ class XnetReader {
     closeSection();
     return finish();
   }
+  [[nodiscard]] std::size_t position() const { return scanner_.position(); }
 
  private:
   bool readLine() {
@@ -260,6 +261,11 @@ class XnetReader {
 
 }  // namespace
 
-std::optional<NetworkDraft> readXnet(std::string_view text) { return XnetReader(text).read(); }
+std::optional<NetworkDraft> readXnet(std::string_view text, std::size_t* failedAt) {
+  XnetReader reader(text);
+  std::optional<NetworkDraft> draft = reader.read();
+  if (!draft && failedAt) *failedAt = reader.position();
+  return draft;
+}
 
 }  // namespace veq::internal

@@ -20,6 +20,11 @@ class DistinctEnds {
     pending_.push_back(target);
     if (pending_.size() >= kBatch) finish();
   }
+  /// A vertex that no edge brought; it is numbered like the end of an edge.
+  void addAlone(std::string_view name) {
+    finish();
+    names_.table().forEach({&name, 1}, [&](const NameTable::Hashed& h) { names_.indexOf(h); });
+  }
   /// To be called behind the last edge.
   void finish() {
     bool isSource = true;

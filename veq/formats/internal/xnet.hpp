@@ -2,6 +2,7 @@
 /// The xnet text format, as docs/formats/xnet.md describes it.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 
@@ -11,8 +12,10 @@
 
 namespace veq::internal {
 
-/// What the text describes; nothing where it describes no network. O(length).
-[[nodiscard]] std::optional<NetworkDraft> readXnet(std::string_view text);
+/// What the text describes; nothing where it describes no network, and then `failedAt`, if it is
+/// given, is how many bytes had been read. O(length).
+[[nodiscard]] std::optional<NetworkDraft> readXnet(std::string_view text,
+                                                   std::size_t* failedAt = nullptr);
 
 /// The text of a network. Names and values are written as they are, whether UTF-8 or not.
 [[nodiscard]] NetworkText writeXnet(const NetworkCore& core);

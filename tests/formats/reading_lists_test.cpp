@@ -1,0 +1,195 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/formats/reading_support.hpp"
+
+namespace veq::test {
+namespace {
+
+Reading read(std::string text, const ReadOptions& options = {}) {
+  return readNetworkText(std::move(text), options);
+}
+
+TEST(ReadingLists, TakesIntegersForIdsInAscendingOrder) {
+  const Reading reading = read("10 30\n30 20\n");
+  EXPECT_EQ(reading.format(), FileFormat::kList);
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>2 2>1");
+  EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("10", "20", "30"));
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("no column"));
+  EXPECT_EQ(vertexKind(*reading.value().published(), "Id"), PropertyColumn::Kind::kNumber);
+  EXPECT_THAT(notesOf(reading), IsEmpty());
+}
+
+TEST(ReadingLists, FindsIdsThatLieFarApart) {
+  const Reading reading = read("-5 900000000000000000\n7 -5\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>2 1>0");
+  EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("-5", "7", "900000000000000000"));
+}
+
+TEST(ReadingLists, TakesIntegersForIndicesWhereAsked) {
+  ReadOptions options;
+  options.idsAreIndices = true;
+  const Reading reading = read("1 3\n", options);
+  EXPECT_EQ(summaryOf(reading), "undirected 4: 1>3");
+  EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("no column"));
+  EXPECT_EQ(summaryOf(read("1 -3\n", options)), "error 0:0 the id -3 is no index");
+}
+
+TEST(ReadingLists, TakesOtherWordsForNamesByFirstAppearance) {
+  const Reading reading = read("b a\na 7\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("b", "a", "7"));
+  EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("no column"));
+}
+
+TEST(ReadingLists, TakesAThirdColumnOfNumbersForWeights) {
+  EXPECT_EQ(summaryOf(read("1 2 0.5\n2 3 2\n")), "undirected 3: 0>1 1>2 w(0.5, 2)");
+  EXPECT_EQ(summaryOf(read("a b 0.5\nb c -2e1\n")), "undirected 3: 0>1 1>2 w(0.5, -20)");
+}
+
+TEST(ReadingLists, KeepsFurtherColumnsAsPropertiesOfEdges) {
+  const Reading reading = read("1 2 0.5 x 3\n2 3 2 y 4.5\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2 w(0.5, 2)");
+  EXPECT_THAT(edgeTexts(reading, "Column 4"), ElementsAre("x", "y"));
+  EXPECT_THAT(edgeTexts(reading, "Column 5"), ElementsAre("3", "4.5"));
+}
+
+TEST(ReadingLists, KeepsAThirdColumnOfWordsAsAProperty) {
+  const Reading reading = read("1 2 red\n2 3 blue\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2");
+  EXPECT_THAT(edgeTexts(reading, "Column 3"), ElementsAre("red", "blue"));
+}
+
+TEST(ReadingLists, SeparatesByWhatTheFirstLineHas) {
+  EXPECT_EQ(summaryOf(read("1,2\n2, 3\n")), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read("1;2;5\n2;3;6\n")), "undirected 3: 0>1 1>2 w(5, 6)");
+  EXPECT_EQ(summaryOf(read("1\t2\n2\t3\n")), "undirected 3: 0>1 1>2");
+  const Reading tabs = read("New York\tSan Jose\nSan Jose\tReno\n");
+  EXPECT_THAT(vertexTexts(tabs, "Name"), ElementsAre("New York", "San Jose", "Reno"));
+}
+
+TEST(ReadingLists, SkipsCommentsAndBlankLines) {
+  EXPECT_EQ(summaryOf(read("# a\n\n% b\n// c\n1 2\n  # d\n2 3\n")), "undirected 3: 0>1 1>2");
+}
+
+TEST(ReadingLists, ReadsEveryKindOfLineEnd) {
+  EXPECT_EQ(summaryOf(read("1 2\r\n2 3\r\n")), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read("1 2\r2 3")), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read("1 2\n2 3")), "undirected 3: 0>1 1>2");
+}
+
+TEST(ReadingLists, NamesColumnsByTheHeader) {
+  const Reading reading = read("from to weight colour\na b 2 red\nb c 3 \n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2 w(2, 3)");
+  EXPECT_THAT(edgeTexts(reading, "colour"), ElementsAre("red", "<null>"));
+}
+
+TEST(ReadingLists, ReadsExportsOfSpreadsheets) {
+  const Reading reading = read(
+      "Source,Target,Type,Id,Label,Weight\n"
+      "\"Smith, J\",\"the \"\"boss\"\"\",Directed,0,,1.5\n"
+      "b,a,Directed,1,x,2\n");
+  EXPECT_EQ(summaryOf(reading), "directed 4: 0>1 2>3 w(1.5, 2)");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("Smith, J", "the \"boss\"", "b", "a"));
+  EXPECT_THAT(edgeTexts(reading, "Id"), ElementsAre("0", "1"));
+  EXPECT_THAT(edgeTexts(reading, "Label"), ElementsAre("<null>", "x"));
+  EXPECT_THAT(notesOf(reading), IsEmpty());
+}
+
+TEST(ReadingLists, TakesMixedTypesForDirected) {
+  const Reading reading = read("source,target,type\n1,2,Directed\n2,3,Undirected\n");
+  EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>2");
+  EXPECT_THAT(notesOf(reading), ElementsAre("3:1 repaired x1: directed and undirected edges: all "
+                                            "are taken for directed"));
+}
+
+TEST(ReadingLists, HeedsHeadersOfCollections) {
+  EXPECT_EQ(summaryOf(read("% asym weighted\n% 2 3 3\n1 2 4\n2 3 5\n")),
+            "directed 3: 0>1 1>2 w(4, 5)");
+  EXPECT_EQ(summaryOf(read("% sym unweighted\n1 2\n")), "undirected 2: 0>1");
+  EXPECT_EQ(summaryOf(read("# Directed graph (each pair once)\n# FromNodeId\tToNodeId\n0\t1\n")),
+            "directed 2: 0>1");
+}
+
+TEST(ReadingLists, KeepsTheTwoModesOfABipartiteListApart) {
+  const Reading reading = read("% bip unweighted\n% 2 2 3\n1 1\n2 3\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 5: 0>2 1>4");
+  EXPECT_THAT(vertexTexts(reading, "Mode"), ElementsAre("1", "1", "2", "2", "2"));
+}
+
+TEST(ReadingLists, IsDirectedWhereAsked) {
+  ReadOptions options;
+  options.directed = true;
+  EXPECT_EQ(summaryOf(read("2 1\n", options)), "directed 2: 1>0");
+}
+
+TEST(ReadingLists, TakesASingleNameForAVertexWithoutEdges) {
+  const Reading names = read("a b\nc\n");
+  EXPECT_EQ(summaryOf(names), "undirected 3: 0>1");
+  EXPECT_THAT(notesOf(names), ElementsAre("2:1 taken x1: the one end \"c\" is taken for a vertex "
+                                          "without this edge"));
+  const Reading ids = read("3 5\n4\n1\n");
+  EXPECT_EQ(summaryOf(ids), "undirected 4: 1>3");
+  EXPECT_THAT(vertexTexts(ids, "Id"), ElementsAre("1", "3", "4", "5"));
+  EXPECT_THAT(notesOf(ids), ElementsAre("2:1 taken x2: the one end \"4\" is taken for a vertex "
+                                        "without this edge"));
+}
+
+TEST(ReadingLists, TakesAMissingWeightForOne) {
+  const Reading reading = read("a b 2\nb c\nc d x\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 4: 0>1 1>2 2>3 w(2, 1, 1)");
+  EXPECT_THAT(notesOf(reading), ElementsAre("2:1 repaired x2: no weight is taken for 1"));
+}
+
+TEST(ReadingLists, TellsOfWeightsThatAFloatDoesNotHold) {
+  const Reading rounded = read("1 2 0.1\n2 3 16777217\n");
+  EXPECT_EQ(summaryOf(rounded), "undirected 3: 0>1 1>2 w(0.1, 16777216)");
+  EXPECT_THAT(notesOf(rounded), ElementsAre("0:0 repaired x1: 1 weight is rounded to 32 bits: that "
+                                            "of edge 1 from 16777217 to 16777216"));
+  ReadOptions options;
+  options.keepWeights = true;
+  EXPECT_THAT(edgeTexts(read("1 2 0.5\n2 3 16777217\n", options), "Weight"),
+              ElementsAre("0.5", "16777217"));
+}
+
+TEST(ReadingLists, MakesTheFirstNoteTheErrorWhereStrict) {
+  ReadOptions options;
+  options.strict = true;
+  EXPECT_EQ(summaryOf(read("a b 2\nb c\n", options)), "error 2:1 no weight is taken for 1");
+  EXPECT_TRUE(read("a b\nc\n", options));
+}
+
+TEST(ReadingLists, KeepsLargeNumbersOfManyDigitsAsNames) {
+  const Reading reading = read("1234567890123456789012 1\n");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("1234567890123456789012", "1"));
+}
+
+TEST(ReadingLists, RefusesWhatHasNoEdge) {
+  EXPECT_EQ(summaryOf(read("")), "error 0:0 the file is empty");
+  EXPECT_EQ(summaryOf(read("word\n")), "error 0:0 no format that is known");
+  EXPECT_EQ(summaryOf(read("# only a comment\n")), "error 0:0 no format that is known");
+}
+
+TEST(ReadingLists, RefusesMoreIndicesThanATextMayAskFor) {
+  ReadOptions options;
+  options.idsAreIndices = true;
+  EXPECT_EQ(
+      summaryOf(read("0 4000000000\n", options)),
+      "error 0:0 4000000001 vertices, more than the 1000832 that a text of 13 bytes may have");
+}
+
+TEST(ReadingLists, SurvivesDamagedTexts) {
+  const std::string text = "source,target,type,weight\n\"a\",b,Directed,1\nb,\"c\",,2.5\n% x\n";
+  std::uint64_t networks = 0;
+  forMutationsOf(text, {"\"", ",", "\n", "\t", "% bip x", "9999999999", "#"},
+                 [&](const std::string& mutated) {
+                   const Reading reading = read(mutated);
+                   if (reading) networks += reading.value().countVertices() != 0;
+                 });
+  EXPECT_GT(networks, 1000U);
+}
+
+}  // namespace
+}  // namespace veq::test

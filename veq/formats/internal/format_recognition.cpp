@@ -1,0 +1,146 @@
+#include "veq/formats/internal/format_recognition.hpp"
+
+#include <array>
+#include <string>
+
+#include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/list_shape.hpp"
+
+namespace veq {
+namespace {
+
+struct FormatWord {
+  std::string_view word;
+  FileFormat format;
+};
+
+constexpr std::array<FormatWord, 7> kNames{{{"xnet", FileFormat::kXnet},
+                                            {"pajek", FileFormat::kPajek},
+                                            {"list", FileFormat::kList},
+                                            {"matrix-market", FileFormat::kMatrixMarket},
+                                            {"gml", FileFormat::kGml},
+                                            {"graphml", FileFormat::kGraphMl},
+                                            {"archive", FileFormat::kArchive}}};
+
+constexpr std::array<FormatWord, 15> kSuffixes{{{"xnet", FileFormat::kXnet},
+                                                {"net", FileFormat::kPajek},
+                                                {"paj", FileFormat::kPajek},
+                                                {"txt", FileFormat::kList},
+                                                {"edges", FileFormat::kList},
+                                                {"edgelist", FileFormat::kList},
+                                                {"el", FileFormat::kList},
+                                                {"ncol", FileFormat::kList},
+                                                {"csv", FileFormat::kList},
+                                                {"tsv", FileFormat::kList},
+                                                {"mtx", FileFormat::kMatrixMarket},
+                                                {"gml", FileFormat::kGml},
+                                                {"graphml", FileFormat::kGraphMl},
+                                                {"xml", FileFormat::kGraphMl},
+                                                {"veqa", FileFormat::kArchive}}};
+
+}  // namespace
+
+std::string_view nameOf(FileFormat format) {
+  for (const FormatWord& each : kNames) {
+    if (each.format == format) return each.word;
+  }
+  return "";
+}
+
+std::optional<FileFormat> fileFormatNamed(std::string_view name) {
+  for (const FormatWord& each : kNames) {
+    if (each.word == name) return each.format;
+  }
+  return std::nullopt;
+}
+
+namespace internal {
+namespace {
+
+bool beginsWith(std::string_view text, std::string_view beginning) {
+  return sameWord(text.substr(0, beginning.size()), beginning);
+}
+
+bool isLetter(char byte) { return lowerAscii(byte) >= 'a' && lowerAscii(byte) <= 'z'; }
+
+/// GML begins with keys and their values, of which one is "graph" with a list.
+bool isGml(std::string_view text) {
+  LineReader lines(text);
+  constexpr std::uint64_t kMostLines = 100;
+  bool graph = false;
+  while (lines.number() < kMostLines && lines.next()) {
+    const std::string_view line = withoutBlanks(lines.line());
+    if (line.empty() || line.front() == '#') continue;
+    if (graph) return line.front() == '[';
+    if (beginsWith(line, "graph")) {
+      const std::string_view rest = withoutBlanks(line.substr(5));
+      if (!rest.empty()) return rest.front() == '[';
+      graph = true;
+      continue;
+    }
+    if (!beginsWith(line, "creator") && !beginsWith(line, "version") &&
+        !beginsWith(line, "comment")) {
+      return false;
+    }
+  }
+  return false;
+}
+
+/// What the first line says that is neither empty nor a comment, and comments that are headers.
+std::optional<FileFormat> formatOfLines(std::string_view text) {
+  LineReader lines(text);
+  while (lines.next()) {
+    const std::string_view line = withoutBlanks(lines.line());
+    if (line.empty()) continue;
+    if (beginsWith(line, "%%matrixmarket")) return FileFormat::kMatrixMarket;
+    if (beginsWith(line, "#vertices") || beginsWith(line, "#edges")) return FileFormat::kXnet;
+    if (line.front() == '*' && line.size() > 1 && isLetter(line[1])) return FileFormat::kPajek;
+    if (line.substr(0, 2) != "/*" && !isListComment(line)) break;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::string_view compressionOf(std::string_view bytes) {
+  constexpr std::array<std::array<std::string_view, 2>, 4> kMarks{{{"gzip", "\x1F\x8B"},
+                                                                   {"zstd", "\x28\xB5\x2F\xFD"},
+                                                                   {"bzip2", "BZh"},
+                                                                   {"xz",
+                                                                    "\xFD"
+                                                                    "7zXZ"}}};
+  for (const auto& [name, mark] : kMarks) {
+    if (bytes.substr(0, mark.size()) == mark) return name;
+  }
+  return "";
+}
+
+bool isArchive(std::string_view bytes) {
+  if (bytes.empty()) return false;
+  const unsigned majorType = static_cast<unsigned char>(bytes.front()) >> 5;
+  constexpr unsigned kMap = 5;
+  return majorType == kMap && bytes.substr(0, 64).find("VEQ.") != bytes.npos;
+}
+
+std::optional<FileFormat> formatOfSuffix(std::string_view name) {
+  const std::size_t point = name.rfind('.');
+  if (point == name.npos) return std::nullopt;
+  for (const FormatWord& each : kSuffixes) {
+    if (sameWord(name.substr(point + 1), each.word)) return each.format;
+  }
+  return std::nullopt;
+}
+
+std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name) {
+  const std::size_t first = text.find_first_not_of(" \t\r\n\v\f");
+  if (first == text.npos) return std::nullopt;
+  if (text[first] == '<') return FileFormat::kGraphMl;
+  if (const std::optional<FileFormat> format = formatOfLines(text)) return format;
+  if (isGml(text)) return FileFormat::kGml;
+  if (text.find('\0') != text.npos) return std::nullopt;
+  if (shapeOfList(text)) return FileFormat::kList;
+  return formatOfSuffix(name);
+}
+
+}  // namespace internal
+}  // namespace veq

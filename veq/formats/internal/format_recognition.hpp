@@ -1,0 +1,23 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+#include "veq/formats/reading.hpp"
+
+namespace veq::internal {
+
+/// How the bytes of a file are compressed, "" where they are not: "gzip", "zstd", "bzip2", "xz".
+[[nodiscard]] std::string_view compressionOf(std::string_view bytes);
+
+/// Whether the bytes are an archive, which is no text.
+[[nodiscard]] bool isArchive(std::string_view bytes);
+
+/// The format of a text, from its content; the name's suffix decides where the content does not.
+/// Nothing where neither does.
+[[nodiscard]] std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name);
+
+/// The format that goes with the suffix of a file's name, in any case; nothing for other suffixes.
+[[nodiscard]] std::optional<FileFormat> formatOfSuffix(std::string_view name);
+
+}  // namespace veq::internal

@@ -1,0 +1,159 @@
+/// \file
+/// Texts line by line, and lines piece by piece.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+#include <string_view>
+
+#include "veq/base/internal/digit_text.hpp"
+#include "veq/base/internal/text_scanner.hpp"
+#include "veq/base/result.hpp"
+
+namespace veq::internal {
+
+[[nodiscard]] constexpr bool isBlank(char byte) {
+  return byte == ' ' || byte == '\t' || byte == '\r' || byte == '\v' || byte == '\f';
+}
+
+[[nodiscard]] constexpr std::string_view withoutBlanks(std::string_view text) {
+  while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+/// The lines of a text, which end with LF, CR LF, or, where there is no LF at all, CR.
+class LineReader {
+ public:
+  explicit LineReader(std::string_view text)
+      : begin_(text.data()),
+        at_(text.data()),
+        end_(text.data() + text.size()),
+        newline_(text.find('\n') == text.npos && text.find('\r') != text.npos ? '\r' : '\n') {}
+
+  /// Goes to the next line; false behind the last one.
+  bool next() {
+    if (at_ == end_) return false;
+    ++number_;
+    const auto left = static_cast<std::size_t>(end_ - at_);
+    const auto* newline = static_cast<const char*>(std::memchr(at_, newline_, left));
+    line_ = {at_, newline ? static_cast<std::size_t>(newline - at_) : left};
+    at_ = newline ? newline + 1 : end_;
+    if (!line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
+    return true;
+  }
+  [[nodiscard]] std::string_view line() const { return line_; }
+  /// The bytes up to behind this line.
+  [[nodiscard]] std::uint64_t position() const { return static_cast<std::uint64_t>(at_ - begin_); }
+  /// From 1.
+  [[nodiscard]] std::uint64_t number() const { return number_; }
+  /// The place of something that stands in this line.
+  [[nodiscard]] Place placeOf(const char* at) const {
+    return {number_, static_cast<std::uint64_t>(at - line_.data()) + 1};
+  }
+  [[nodiscard]] Place place() const { return {number_, 1}; }
+
+ private:
+  const char* begin_;
+  const char* at_;
+  const char* end_;
+  char newline_;
+  std::string_view line_;
+  std::uint64_t number_ = 0;
+};
+
+/// Walks once over a line.
+class LineCursor {
+ public:
+  explicit LineCursor(std::string_view line) : at_(line.data()), end_(line.data() + line.size()) {}
+
+  [[nodiscard]] const char* at() const { return at_; }
+  [[nodiscard]] bool atEnd() const { return at_ == end_; }
+  [[nodiscard]] bool startsWith(char byte) const { return at_ != end_ && *at_ == byte; }
+  [[nodiscard]] std::string_view rest() const {
+    return {at_, static_cast<std::size_t>(end_ - at_)};
+  }
+  bool match(char byte) {
+    if (!startsWith(byte)) return false;
+    ++at_;
+    return true;
+  }
+  void skipBlanks() {
+    while (at_ != end_ && isBlank(*at_)) ++at_;
+  }
+  /// Up to the next blank.
+  std::string_view takeWord() {
+    const char* const from = at_;
+    while (at_ != end_ && !isBlank(*at_)) ++at_;
+    return {from, static_cast<std::size_t>(at_ - from)};
+  }
+  /// A quoted text, from behind its first quote to its last, or to the end of the line, which is
+  /// told by `closed`.
+  std::string_view takeQuoted(bool& closed) {
+    const char* const from = at_;
+    while (at_ != end_ && *at_ != '"') ++at_;
+    const std::string_view text(from, static_cast<std::size_t>(at_ - from));
+    closed = match('"');
+    return text;
+  }
+
+  /// A word that is an integer of up to 18 digits, with a sign or not; it may also end before the
+  /// given byte. Nothing, and nothing consumed, where there is another word.
+  std::optional<std::int64_t> readInteger(char behind = ' ') {
+    const char* at = at_;
+    const bool negative = at != end_ && *at == '-';
+    if (at != end_ && (*at == '-' || *at == '+')) ++at;
+    std::int64_t value = 0;
+    const char* const digits = at;
+    if (kEightDigitsAtOnce && end_ - at >= 8) {
+      const Digits first = leadingDigits(at);
+      value = static_cast<std::int64_t>(first.value);
+      at += first.count;
+    }
+    constexpr std::ptrdiff_t kMostDigits = 18;
+    for (; at != end_ && isDigit(*at); ++at) {
+      if (at - digits >= kMostDigits) return std::nullopt;
+      value = value * 10 + static_cast<std::int64_t>(digitOf(*at));
+    }
+    if (at == digits || (at != end_ && !isBlank(*at) && *at != behind)) return std::nullopt;
+    at_ = at;
+    return negative ? -value : value;
+  }
+  /// A word that is a number. Nothing, and nothing consumed, where there is another word.
+  std::optional<double> readNumber() {
+    TextScanner scanner(rest());
+    const std::optional<double> value = scanner.readDouble();
+    if (!value) return std::nullopt;
+    const char* const behind = at_ + scanner.position();
+    if (behind != end_ && !isBlank(*behind)) return std::nullopt;
+    at_ = behind;
+    return value;
+  }
+
+ private:
+  const char* at_;
+  const char* end_;
+};
+
+/// The whole text as a number; nothing where it is none.
+[[nodiscard]] inline std::optional<double> wholeNumber(std::string_view text) {
+  TextScanner scanner(text);
+  const std::optional<double> value = scanner.readDouble();
+  return value && scanner.atEnd() ? value : std::nullopt;
+}
+
+/// Whether texts are the same but for the case of ASCII letters.
+[[nodiscard]] constexpr char lowerAscii(char byte) {
+  return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
+}
+[[nodiscard]] constexpr bool sameWord(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (lowerAscii(a[i]) != lowerAscii(b[i])) return false;
+  }
+  return true;
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,341 @@
+#include "veq/formats/internal/list_reader.hpp"
+
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "veq/formats/internal/distinct_ends.hpp"
+#include "veq/formats/internal/integer_ids.hpp"
+#include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/list_shape.hpp"
+#include "veq/formats/internal/text_columns.hpp"
+#include "veq/numeric/number_array.hpp"
+
+namespace veq::internal {
+namespace {
+
+enum NoteCode : unsigned {
+  kIsolatedName,
+  kEmptyName,
+  kOpenQuote,
+  kNoWeight,
+  kMixedTypes,
+  kRounded
+};
+
+constexpr std::uint64_t kLinesAtOnce = 4096;
+
+/// What comes out of the lines, with ends that are integers.
+struct IntegerEdges {
+  RawVector<std::int64_t> from;
+  RawVector<std::int64_t> to;
+  WeightColumn weights;
+};
+
+/// Reads a list of two integers a line, with a weight or without, quickly; nothing where a line is
+/// anything else.
+std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListShape& shape,
+                                             ReadContext& context) {
+  if (shape.headerLine != 0 || shape.separator == '"') return std::nullopt;
+  const bool weighted = shape.weight == 2;
+  const char separator = shape.separator == '\t' ? ' ' : shape.separator;
+  IntegerEdges edges;
+  const std::size_t usual = text.size() / 16;
+  edges.from.reserve(usual);
+  edges.to.reserve(usual);
+  if (weighted) edges.weights.reserve(usual);
+  const auto separate = [separator](LineCursor& cursor) {
+    cursor.skipBlanks();
+    if (separator == ' ') return true;
+    const bool matched = cursor.match(separator);
+    cursor.skipBlanks();
+    return matched;
+  };
+  // A comma behind a number is no blank.
+  const auto integer = [separator](LineCursor& cursor) { return cursor.readInteger(separator); };
+  LineReader lines(text);
+  while (lines.next()) {
+    if (lines.number() % kLinesAtOnce == 0) context.pace.reach(lines.position());
+    LineCursor cursor(lines.line());
+    cursor.skipBlanks();
+    const std::optional<std::int64_t> from = integer(cursor);
+    if (!from) {
+      if (isListComment(lines.line())) continue;
+      return std::nullopt;
+    }
+    if (!separate(cursor)) return std::nullopt;
+    const std::optional<std::int64_t> to = integer(cursor);
+    if (!to) return std::nullopt;
+    if (weighted) {
+      if (!separate(cursor)) return std::nullopt;
+      const char* const begin = cursor.at();
+      const std::optional<double> weight = cursor.readNumber();
+      if (!weight) return std::nullopt;
+      edges.weights.append(*weight, static_cast<std::size_t>(cursor.at() - begin));
+    }
+    cursor.skipBlanks();
+    if (!cursor.atEnd()) return std::nullopt;
+    edges.from.push_back(*from);
+    edges.to.push_back(*to);
+  }
+  return edges;
+}
+
+void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
+  draft.vertexCount = ids.size();
+  draft.verticesProperties.set("Id", std::make_shared<VEQNumberArray>(std::move(ids)));
+}
+
+/// Ends that are to be indices as they stand.
+void takeAsIndices(NetworkDraft& draft, const RawVector<std::int64_t>& from,
+                   const RawVector<std::int64_t>& to, ReadContext& context) {
+  std::int64_t most = -1;
+  for (const RawVector<std::int64_t>* ends : {&from, &to}) {
+    for (const std::int64_t end : *ends) {
+      if (end < 0) failAt({}, "the id " + std::to_string(end) + " is no index");
+      most = std::max(most, end);
+    }
+  }
+  context.requireVertices(static_cast<std::uint64_t>(most) + 1, {});
+  draft.vertexCount = static_cast<std::uint64_t>(most) + 1;
+  draft.from = asIndices(from);
+  draft.to = asIndices(to);
+}
+
+/// Two kinds of vertices, each numbered from 1 on its own.
+void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
+                  RawVector<std::int64_t>& to, const ListShape& shape, ReadContext& context) {
+  std::uint64_t sizes[2] = {shape.firstMode, shape.secondMode};
+  const RawVector<std::int64_t>* const sides[2] = {&from, &to};
+  for (int side = 0; side < 2; ++side) {
+    for (const std::int64_t end : *sides[side]) {
+      if (end < 1) failAt({}, "the id " + std::to_string(end) + " is below 1");
+      sizes[side] = std::max(sizes[side], static_cast<std::uint64_t>(end));
+    }
+    context.requireVertices(sizes[side], {});
+  }
+  context.requireVertices(sizes[0] + sizes[1], {});
+  draft.vertexCount = sizes[0] + sizes[1];
+  RawVector<std::uint64_t> sources = asIndices(from);
+  RawVector<std::uint64_t> targets = asIndices(to);
+  for (std::uint64_t& index : sources) --index;
+  for (std::uint64_t& index : targets) index += sizes[0] - 1;
+  draft.from = std::move(sources);
+  draft.to = std::move(targets);
+  draft.verticesProperties.set("Mode", modeColumn(sizes[0], draft.vertexCount));
+}
+
+/// Ends behind the given number of edges name vertices alone.
+void takeIntegerEnds(NetworkDraft& draft, RawVector<std::int64_t> from, RawVector<std::int64_t> to,
+                     std::uint64_t edges, const ListShape& shape, ReadContext& context) {
+  if (context.options.idsAreIndices || shape.twoModes) {
+    from.resize(edges);
+    to.resize(edges);
+    return shape.twoModes ? takeTwoModes(draft, from, to, shape, context)
+                          : takeAsIndices(draft, from, to, context);
+  }
+  setIds(draft, numberVertices(from, to));
+  context.requireVertices(draft.vertexCount, {});
+  from.resize(edges);
+  to.resize(edges);
+  draft.from = asIndices(from);
+  draft.to = asIndices(to);
+}
+
+bool isDirected(const ListShape& shape, const ReadContext& context) {
+  return context.options.directed.value_or(shape.directed.value_or(false));
+}
+
+/// Reads any list, field by field.
+class FieldReader {
+ public:
+  FieldReader(std::string_view text, ListShape shape, ReadContext& context)
+      : lines_(text), shape_(std::move(shape)), splitter_(shape_.separator), context_(context) {}
+
+  NetworkDraft read() {
+    nameColumns();
+    while (lines_.next()) {
+      if (lines_.number() % kLinesAtOnce == 0) context_.pace.reach(lines_.position());
+      if (lines_.number() == shape_.headerLine || isListComment(lines_.line())) continue;
+      splitter_.split(lines_.line(), fields_);
+      readFields();
+    }
+    return finish();
+  }
+
+ private:
+  /// The columns that are neither ends nor weight nor type.
+  void nameColumns() {
+    for (std::size_t i = 0; i < shape_.header.size(); ++i) nameColumn(i);
+  }
+  void nameColumn(std::size_t column) {
+    while (columns_.size() <= column) {
+      const std::size_t i = columns_.size();
+      const bool hasName = i < shape_.header.size() && !shape_.header[i].empty() &&
+                           std::find(shape_.header.begin(), shape_.header.begin() + offset(i),
+                                     shape_.header[i]) == shape_.header.begin() + offset(i);
+      columns_.emplace_back(hasName ? shape_.header[i] : "Column " + std::to_string(i + 1));
+    }
+  }
+
+  [[nodiscard]] static std::ptrdiff_t offset(std::size_t i) {
+    return static_cast<std::ptrdiff_t>(i);
+  }
+
+  void readFields() {
+    if (splitter_.isOpen()) {
+      context_.note(kOpenQuote, NoteKind::kRepaired, lines_.place(),
+                    [] { return std::string("a quote that is not closed ends with its line"); });
+    }
+    const std::string_view source = field(shape_.source);
+    const std::string_view target = field(shape_.target);
+    if (source.empty() || target.empty()) return readIncomplete(source.empty() ? target : source);
+    ends_.add(source, target);
+    for (std::size_t i = 0; i < fields_.size(); ++i) {
+      if (i != shape_.source && i != shape_.target) readFurther(i);
+    }
+    if (shape_.weight != ListShape::kNone && field(shape_.weight).empty()) addWeight("");
+    ++edges_;
+  }
+
+  [[nodiscard]] std::string_view field(std::size_t column) const {
+    return column < fields_.size() ? fields_[column] : std::string_view();
+  }
+
+  void readIncomplete(std::string_view name) {
+    const Place place = lines_.place();
+    if (name.empty()) {
+      context_.note(kEmptyName, NoteKind::kLeftOut, place, [&] {
+        return "no edge in " + shown(lines_.line()) + ": both ends are empty; the line is left out";
+      });
+      return;
+    }
+    context_.note(kIsolatedName, NoteKind::kTaken, place, [&] {
+      return "the one end " + shown(name) + " is taken for a vertex without this edge";
+    });
+    isolated_.push_back(name);
+  }
+
+  void readFurther(std::size_t column) {
+    const std::string_view cell = fields_[column];
+    if (column == shape_.weight) return addWeight(cell);
+    if (column == shape_.type) return addType(cell);
+    if (cell.empty()) return;
+    nameColumn(column);
+    columns_[column].set(edges_, cell);
+  }
+
+  void addWeight(std::string_view cell) {
+    const std::optional<double> weight = wholeNumber(cell);
+    if (!weight) {
+      context_.note(kNoWeight, NoteKind::kRepaired, lines_.place(), [&] {
+        return (cell.empty() ? std::string("no weight") : "the weight " + shown(cell)) +
+               " is taken for 1";
+      });
+    }
+    if (weights_.size() == edges_) weights_.append(weight.value_or(1.0), cell.size());
+  }
+
+  void addType(std::string_view cell) {
+    const bool directed = sameWord(cell, "directed");
+    if (!directed && !sameWord(cell, "undirected")) return;
+    (directed ? directedEdges_ : undirectedEdges_) = true;
+    if (!directedEdges_ || !undirectedEdges_) return;
+    context_.note(kMixedTypes, NoteKind::kRepaired, lines_.place(), [] {
+      return std::string("directed and undirected edges: all are taken for directed");
+    });
+  }
+
+  NetworkDraft finish() {
+    if (directedEdges_ || undirectedEdges_) shape_.directed = directedEdges_;
+    for (const std::string_view name : isolated_) ends_.addAlone(name);
+    ends_.finish();
+    NetworkDraft draft;
+    draft.directed = isDirected(shape_, context_);
+    takeEnds(draft);
+    if (shape_.weight != ListShape::kNone && weights_.size() == edges_ && edges_ != 0) {
+      weights_.finish(draft, context_, kRounded);
+    }
+    for (const TextColumn& column : columns_) {
+      if (!column.empty()) draft.edgesProperties.set(column.key(), column.finish(edges_));
+    }
+    return draft;
+  }
+
+  void takeEnds(NetworkDraft& draft) {
+    const std::vector<std::string_view>& names = ends_.names();
+    context_.requireVertices(names.size(), {});
+    RawVector<std::uint64_t> from = ends_.takeFrom();
+    RawVector<std::uint64_t> to = ends_.takeTo();
+    std::optional<RawVector<std::int64_t>> ids = integers(names);
+    if (!ids) {
+      draft.vertexCount = names.size();
+      draft.from = std::move(from);
+      draft.to = std::move(to);
+      draft.verticesProperties.set("Name", internal::nameColumn(names, names.size()));
+      return;
+    }
+    const auto idsOf = [&](const RawVector<std::uint64_t>& ends) {
+      RawVector<std::int64_t> numbers(ends.size());
+      std::transform(ends.begin(), ends.end(), numbers.begin(),
+                     [&](std::uint64_t index) { return (*ids)[index]; });
+      return numbers;
+    };
+    RawVector<std::int64_t> sources = idsOf(from);
+    RawVector<std::int64_t> targets = idsOf(to);
+    for (const std::string_view name : isolated_) {
+      sources.push_back(*LineCursor(name).readInteger());
+      targets.push_back(sources.back());
+    }
+    takeIntegerEnds(draft, std::move(sources), std::move(targets), edges_, shape_, context_);
+  }
+
+  /// The names as numbers where each is one, however it is written.
+  [[nodiscard]] static std::optional<RawVector<std::int64_t>> integers(
+      const std::vector<std::string_view>& names) {
+    RawVector<std::int64_t> numbers(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) {
+      LineCursor cursor(names[i]);
+      const std::optional<std::int64_t> number = cursor.readInteger();
+      if (!number || !cursor.atEnd()) return std::nullopt;
+      numbers[i] = *number;
+    }
+    return numbers;
+  }
+
+  LineReader lines_;
+  ListShape shape_;
+  FieldSplitter splitter_;
+  ReadContext& context_;
+  std::vector<std::string_view> fields_;
+  DistinctEnds ends_;
+  std::vector<std::string_view> isolated_;
+  std::uint64_t edges_ = 0;
+  WeightColumn weights_;
+  std::vector<TextColumn> columns_;
+  bool directedEdges_ = false;
+  bool undirectedEdges_ = false;
+};
+
+}  // namespace
+
+NetworkDraft readList(std::string_view text, ReadContext& context) {
+  std::optional<ListShape> shape = shapeOfList(text);
+  if (!shape) {
+    failAt({1, 1}, "no list of edges: no line has two columns");
+  }
+  std::optional<IntegerEdges> edges = readIntegerEdges(text, *shape, context);
+  if (!edges) return FieldReader(text, std::move(*shape), context).read();
+  NetworkDraft draft;
+  draft.directed = isDirected(*shape, context);
+  if (edges->weights.size() != 0) edges->weights.finish(draft, context, kRounded);
+  const std::uint64_t count = edges->from.size();
+  takeIntegerEnds(draft, std::move(edges->from), std::move(edges->to), count, *shape, context);
+  return draft;
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "veq/formats/internal/read_context.hpp"
+#include "veq/formats/internal/text_columns.hpp"
+#include "veq/network/internal/network_draft.hpp"
+
+namespace veq::internal {
+
+/// The lines of a Pajek file, from several sections, on their way to the edges of one network.
+class PajekEdges {
+ public:
+  /// What holds for the lines from here on.
+  void begin(bool arcs, std::optional<std::int64_t> relation, std::string_view relationName);
+  void setLayer(std::int64_t layer);
+
+  /// Vertices are numbered from 0.
+  void append(std::uint64_t from, std::uint64_t to, double weight, std::size_t length) {
+    from_.push_back(from);
+    to_.push_back(to);
+    weights_.append(weight, length);
+    if (hasLayers_) layers_.resize(from_.size(), layer_);
+  }
+  void reserve(std::uint64_t edges);
+  [[nodiscard]] std::uint64_t count() const { return from_.size(); }
+
+  /// Gives the draft its edges with what belongs to them. Where there are arcs as well as
+  /// undirected lines, each of these becomes two arcs, and a loop one.
+  void finish(NetworkDraft& draft, ReadContext& context, unsigned mixedCode, unsigned roundedCode);
+
+ private:
+  struct Run {
+    std::uint64_t first;
+    bool arcs;
+    std::optional<std::int64_t> relation;
+    std::string_view relationName;
+  };
+
+  [[nodiscard]] std::uint64_t endOf(std::size_t run) const {
+    return run + 1 < runs_.size() ? runs_[run + 1].first : count();
+  }
+  [[nodiscard]] bool has(bool arcs) const;
+  [[nodiscard]] bool directed() const;
+  void setRelations(NetworkDraft& draft) const;
+  void doubleUndirected();
+
+  std::vector<Run> runs_;
+  RawVector<std::uint64_t> from_;
+  RawVector<std::uint64_t> to_;
+  WeightColumn weights_;
+  bool hasLayers_ = false;
+  std::int64_t layer_ = 0;
+  std::vector<std::int64_t> layers_;
+};
+
+}  // namespace veq::internal

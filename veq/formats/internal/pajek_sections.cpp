@@ -1,0 +1,429 @@
+#include "veq/formats/internal/pajek_sections.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/pajek_edges.hpp"
+#include "veq/formats/internal/pajek_vertices.hpp"
+#include "veq/formats/internal/text_columns.hpp"
+
+namespace veq::internal {
+namespace {
+
+enum NoteCode : unsigned {
+  kVertexCodes,
+  kNoCount = kVertexCodes + PajekVertices::kCodes,
+  kMixed,
+  kRounded,
+  kNoEdge,
+  kFurtherWords,
+  kBeforeSections
+};
+
+enum class Section {
+  kNone,
+  kLeftOut,
+  kNetwork,
+  kVertices,
+  kArcs,
+  kEdges,
+  kArcsList,
+  kEdgesList,
+  kMatrix,
+  kIntra,
+  kLinks,
+  kBipartite,
+  kColumn,
+};
+
+struct SectionWord {
+  std::string_view word;
+  Section section;
+};
+constexpr std::array<SectionWord, 16> kSections{{{"network", Section::kNetwork},
+                                                 {"vertices", Section::kVertices},
+                                                 {"arcs", Section::kArcs},
+                                                 {"arc", Section::kArcs},
+                                                 {"edges", Section::kEdges},
+                                                 {"edge", Section::kEdges},
+                                                 {"arcslist", Section::kArcsList},
+                                                 {"arclist", Section::kArcsList},
+                                                 {"edgeslist", Section::kEdgesList},
+                                                 {"edgelist", Section::kEdgesList},
+                                                 {"matrix", Section::kMatrix},
+                                                 {"intra", Section::kIntra},
+                                                 {"links", Section::kLinks},
+                                                 {"bipartite", Section::kBipartite},
+                                                 {"partition", Section::kColumn},
+                                                 {"vector", Section::kColumn}}};
+
+Section sectionOf(std::string_view word) {
+  for (const SectionWord& each : kSections) {
+    if (sameWord(each.word, word)) return each.section;
+  }
+  return Section::kLeftOut;
+}
+
+std::string_view withoutQuotes(std::string_view text) {
+  text = withoutBlanks(text);
+  if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
+    return text.substr(1, text.size() - 2);
+  }
+  return text;
+}
+
+class PajekSections {
+ public:
+  PajekSections(std::string_view text, ReadContext& context) : lines_(text), context_(context) {
+    edges_.reserve(text.size() / 16);
+  }
+
+  NetworkDraft read() {
+    while (!ended_ && lines_.next()) {
+      if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
+      LineCursor cursor(lines_.line());
+      cursor.skipBlanks();
+      if (cursor.atEnd() || cursor.startsWith('%') || cursor.startsWith('#')) continue;
+      if (cursor.rest().substr(0, 2) == "/*") continue;
+      if (cursor.match('*')) {
+        readHeader(cursor);
+      } else {
+        readLine(cursor);
+      }
+    }
+    return finish();
+  }
+
+ private:
+  // Headers
+
+  void readHeader(LineCursor cursor) {
+    finishColumn();
+    const char* const begin = cursor.at();
+    while (!cursor.atEnd() && !isBlank(*cursor.at()) && *cursor.at() != ':') {
+      cursor = LineCursor(cursor.rest().substr(1));
+    }
+    const std::string_view word(begin, static_cast<std::size_t>(cursor.at() - begin));
+    cursor.skipBlanks();
+    // The size of a partition or vector stands in a header of its own.
+    if (section_ == Section::kColumn && sectionOf(word) == Section::kVertices) return;
+    section_ = sectionOf(word);
+    switch (section_) {
+      case Section::kNetwork:
+        return readNetworkHeader(cursor);
+      case Section::kVertices:
+        return readVerticesHeader(cursor);
+      case Section::kArcs:
+      case Section::kArcsList:
+        return beginEdges(true, cursor);
+      case Section::kEdges:
+      case Section::kEdgesList:
+        return beginEdges(false, cursor);
+      case Section::kMatrix:
+        return beginMatrix(cursor);
+      case Section::kIntra:
+      case Section::kLinks:
+        context_.noteEach(NoteKind::kTaken, lines_.place(),
+                          "the lines of *" + std::string(word) + " are taken for edges");
+        return edges_.begin(false, std::nullopt, {});
+      case Section::kBipartite:
+        return readBipartiteHeader(cursor);
+      case Section::kColumn:
+        return beginColumn(word, cursor);
+      case Section::kLeftOut:
+      case Section::kNone:
+        context_.noteEach(NoteKind::kLeftOut, lines_.place(),
+                          "the section *" + std::string(word) + " is left out");
+    }
+  }
+
+  void readNetworkHeader(LineCursor cursor) {
+    if (count_ || edges_.count() != 0) return beginAnotherNetwork();
+    context_.title = std::string(withoutQuotes(cursor.rest()));
+  }
+
+  void beginAnotherNetwork() {
+    context_.noteEach(NoteKind::kLeftOut, lines_.place(),
+                      "a second network begins here; the rest of the file is left out");
+    ended_ = true;
+  }
+
+  void readVerticesHeader(LineCursor cursor) {
+    const std::optional<std::int64_t> count = cursor.readInteger();
+    if (!count) {
+      if (!cursor.atEnd()) {
+        failAt(lines_.placeOf(cursor.at()), "no number of vertices: " + shown(cursor.rest()));
+      }
+      return;
+    }
+    if (*count < 0) failAt(lines_.placeOf(cursor.at()), "a negative number of vertices");
+    const auto vertices = static_cast<std::uint64_t>(*count);
+    if (count_ && *count_ != vertices) return beginAnotherNetwork();
+    context_.requireVertices(vertices, lines_.place());
+    if (largestEnd_ > vertices) failOutside(largestEnd_, vertices, largestPlace_);
+    count_ = vertices;
+    cursor.skipBlanks();
+    const Place place = lines_.placeOf(cursor.at());
+    if (const std::optional<std::int64_t> first = cursor.readInteger()) {
+      if (*first < 0 || static_cast<std::uint64_t>(*first) > vertices) {
+        failAt(place, "a first mode of " + std::to_string(*first) + " of " +
+                          std::to_string(vertices) + " vertices");
+      }
+      firstMode_ = static_cast<std::uint64_t>(*first);
+    }
+  }
+
+  void readBipartiteHeader(LineCursor cursor) {
+    const std::optional<std::int64_t> second = cursor.readInteger();
+    if (!second || *second < 1) {
+      failAt(lines_.placeOf(cursor.at()), "no number of the second mode's first vertex");
+    }
+    firstMode_ = static_cast<std::uint64_t>(*second - 1);
+    edges_.begin(false, std::nullopt, {});
+  }
+
+  void beginEdges(bool arcs, LineCursor cursor) {
+    std::optional<std::int64_t> relation;
+    std::string_view name;
+    if (cursor.match(':')) {
+      cursor.skipBlanks();
+      relation = cursor.readInteger();
+      cursor.skipBlanks();
+      name = withoutQuotes(cursor.rest());
+    }
+    edges_.begin(arcs, relation, name);
+  }
+
+  // Lines
+
+  void readLine(LineCursor& cursor) {
+    switch (section_) {
+      case Section::kVertices:
+        return readVertex();
+      case Section::kArcs:
+      case Section::kEdges:
+      case Section::kLinks:
+      case Section::kBipartite:
+        return readEdge(cursor);
+      case Section::kIntra:
+        return readLayerEdge(cursor);
+      case Section::kArcsList:
+      case Section::kEdgesList:
+        return readList(cursor);
+      case Section::kMatrix:
+        return readMatrixLine(cursor);
+      case Section::kColumn:
+        return column_->set(columnRow_++, withoutBlanks(lines_.line()));
+      case Section::kNone:
+        context_.note(kBeforeSections, NoteKind::kLeftOut, lines_.place(), [&] {
+          return "what stands before the first section is left out: " + shown(lines_.line());
+        });
+        return;
+      case Section::kNetwork:
+      case Section::kLeftOut:
+        return;
+    }
+  }
+
+  void readVertex() { takeEnd(vertices_.readLine(lines_, context_, kVertexCodes), lines_.place()); }
+
+  /// Makes a number of a vertex an index.
+  std::uint64_t takeEnd(std::int64_t number, Place place) {
+    const auto end = static_cast<std::uint64_t>(number);
+    if (number < 1) {
+      failAt(place, "vertex " + std::to_string(number) + ": vertices are numbered from 1");
+    }
+    if (end > largestEnd_) {
+      if (count_ && end > *count_) failOutside(end, *count_, place);
+      largestEnd_ = end;
+      largestPlace_ = place;
+    }
+    return end - 1;
+  }
+
+  [[noreturn]] static void failOutside(std::uint64_t end, std::uint64_t count, Place place) {
+    failAt(place, "vertex " + std::to_string(end) + " of " + std::to_string(count));
+  }
+
+  void readEdge(LineCursor& cursor) {
+    const char* const first = cursor.at();
+    const std::optional<std::int64_t> from = cursor.readInteger();
+    cursor.skipBlanks();
+    const char* const second = cursor.at();
+    const std::optional<std::int64_t> to = cursor.readInteger();
+    if (!from || !to) {
+      context_.note(kNoEdge, NoteKind::kLeftOut, lines_.place(), [&] {
+        return "no edge in " + shown(lines_.line()) + "; the line is left out";
+      });
+      return;
+    }
+    const std::uint64_t source = takeEnd(*from, lines_.placeOf(first));
+    const std::uint64_t target = takeEnd(*to, lines_.placeOf(second));
+    cursor.skipBlanks();
+    const char* const begin = cursor.at();
+    const std::optional<double> weight = cursor.readNumber();
+    edges_.append(source, target, weight.value_or(1.0),
+                  static_cast<std::size_t>(cursor.at() - begin));
+    cursor.skipBlanks();
+    if (!cursor.atEnd()) {
+      context_.note(kFurtherWords, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
+        return "how an edge is drawn, or when it is there, is left out: " + shown(cursor.rest());
+      });
+    }
+  }
+
+  void readLayerEdge(LineCursor& cursor) {
+    edges_.setLayer(cursor.readInteger().value_or(0));
+    cursor.skipBlanks();
+    readEdge(cursor);
+  }
+
+  void readList(LineCursor& cursor) {
+    const Place place = lines_.placeOf(cursor.at());
+    const std::optional<std::int64_t> first = cursor.readInteger();
+    const std::uint64_t from = first ? takeEnd(*first, place) : 0;
+    for (cursor.skipBlanks(); first && !cursor.atEnd(); cursor.skipBlanks()) {
+      const char* const at = cursor.at();
+      const std::optional<std::int64_t> end = cursor.readInteger();
+      if (!end) break;
+      // A negative end marks a line of weight -1.
+      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
+    }
+    if (cursor.atEnd() && first) return;
+    context_.note(kNoEdge, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
+      return "no number of a vertex in " + shown(cursor.rest()) + "; it is left out";
+    });
+  }
+
+  // Matrices: rows of numbers, wherever their lines end.
+
+  void beginMatrix(LineCursor cursor) {
+    if (!count_) failAt(lines_.place(), "a matrix needs a number of vertices before it");
+    requireWholeMatrix();
+    rows_ = firstMode_.value_or(*count_);
+    columns_ = firstMode_ ? *count_ - *firstMode_ : *count_;
+    row_ = 0;
+    cell_ = 0;
+    beginEdges(!firstMode_, cursor);
+  }
+
+  void readMatrixLine(LineCursor& cursor) {
+    matrixPlace_ = lines_.place();
+    for (; !cursor.atEnd(); cursor.skipBlanks()) {
+      const char* const at = cursor.at();
+      const std::optional<double> value = cursor.readNumber();
+      if (!value) failAt(lines_.placeOf(at), "no number in a matrix: " + shown(cursor.rest()));
+      if (isMatrixWhole()) {
+        failAt(lines_.placeOf(at), "a matrix of more than " + matrixSize() + " numbers");
+      }
+      if (*value != 0.0) {
+        const std::uint64_t target = cell_ + (firstMode_ ? rows_ : 0);
+        edges_.append(row_, target, *value, static_cast<std::size_t>(cursor.at() - at));
+      }
+      if (++cell_ < columns_) continue;
+      cell_ = 0;
+      ++row_;
+    }
+  }
+
+  [[nodiscard]] bool isMatrixWhole() const { return columns_ == 0 || row_ == rows_; }
+  [[nodiscard]] std::string matrixSize() const {
+    return std::to_string(rows_) + " times " + std::to_string(columns_);
+  }
+  void requireWholeMatrix() const {
+    if (isMatrixWhole()) return;
+    failAt(matrixPlace_,
+           "a matrix of " + matrixSize() + " numbers ends in row " + std::to_string(row_ + 1));
+  }
+
+  // Partitions and vectors
+
+  void beginColumn(std::string_view word, LineCursor cursor) {
+    const std::string_view name = withoutQuotes(cursor.rest());
+    column_.emplace(std::string(name.empty() ? word : name));
+    columnRow_ = 0;
+    columnPlace_ = lines_.place();
+  }
+
+  void finishColumn() {
+    if (!column_ || columnRow_ == 0) return;
+    columnsRead_.push_back({std::move(*column_), columnRow_, columnPlace_});
+    column_.reset();
+    section_ = Section::kNone;
+  }
+
+  void setColumns(NetworkDraft& draft) {
+    for (const ColumnRead& read : columnsRead_) {
+      const std::string key = "\"" + read.column.key() + "\"";
+      if (read.rows != draft.vertexCount) {
+        context_.noteEach(NoteKind::kLeftOut, read.place,
+                          key + " has " + std::to_string(read.rows) + " values for " +
+                              std::to_string(draft.vertexCount) + " vertices and is left out");
+        continue;
+      }
+      context_.noteEach(NoteKind::kTaken, read.place,
+                        key + " is taken for a property of the vertices");
+      draft.verticesProperties.set(read.column.key(), read.column.finish(read.rows));
+    }
+  }
+
+  NetworkDraft finish() {
+    finishColumn();
+    requireWholeMatrix();
+    NetworkDraft draft;
+    if (!count_) {
+      context_.note(kNoCount, NoteKind::kTaken, {}, [&] {
+        return "no number of vertices: " + std::to_string(largestEnd_) + " from the lines";
+      });
+      context_.requireVertices(largestEnd_, largestPlace_);
+    }
+    draft.vertexCount = count_.value_or(largestEnd_);
+    edges_.finish(draft, context_, kMixed, kRounded);
+    vertices_.finish(draft, context_, kVertexCodes);
+    if (firstMode_) {
+      draft.verticesProperties.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
+    }
+    setColumns(draft);
+    return draft;
+  }
+
+  struct ColumnRead {
+    TextColumn column;
+    std::uint64_t rows;
+    Place place;
+  };
+
+  LineReader lines_;
+  ReadContext& context_;
+  Section section_ = Section::kNone;
+  bool ended_ = false;
+  std::optional<std::uint64_t> count_;
+  std::optional<std::uint64_t> firstMode_;
+  std::uint64_t largestEnd_ = 0;
+  Place largestPlace_;
+  PajekVertices vertices_;
+  PajekEdges edges_;
+  std::uint64_t rows_ = 0;
+  std::uint64_t columns_ = 0;
+  std::uint64_t row_ = 0;
+  std::uint64_t cell_ = 0;
+  Place matrixPlace_;
+  std::optional<TextColumn> column_;
+  std::uint64_t columnRow_ = 0;
+  Place columnPlace_;
+  std::vector<ColumnRead> columnsRead_;
+};
+
+}  // namespace
+
+NetworkDraft readPajekSections(std::string_view text, ReadContext& context) {
+  return PajekSections(text, context).read();
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,48 @@
+#include "veq/formats/internal/read_context.hpp"
+
+#include <limits>
+
+namespace veq::internal {
+
+std::string shown(std::string_view text) {
+  constexpr std::size_t kMost = 60;
+  std::string result = "\"";
+  std::size_t characters = 0;
+  for (const char byte : text) {
+    const auto code = static_cast<unsigned char>(byte);
+    // Bytes that go on with a character of UTF-8 belong to the one before.
+    if ((code & 0xC0) != 0x80 && ++characters > kMost) return result + "...\"";
+    result += code < 0x20 || code == 0x7F ? '?' : byte;
+  }
+  return result + "\"";
+}
+
+void failAt(Place place, std::string text) {
+  throw Error(ErrorKind::kFormat, std::move(text), place);
+}
+
+void ReadContext::keep(Note note) {
+  if (options.strict && note.kind != NoteKind::kTaken) failAt(note.place, std::move(note.text));
+  if (notes_.size() < options.mostNotes) {
+    notes_.push_back(std::move(note));
+  } else {
+    ++furtherNotes_;
+  }
+}
+
+std::uint64_t ReadContext::mostVertices() const {
+  constexpr std::uint64_t kEachByte = 64;
+  constexpr std::uint64_t kAtLeast = 1'000'000;
+  if (options.mostVertices) return *options.mostVertices;
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max() / 2;
+  return bytes_ > (kMost - kAtLeast) / kEachByte ? kMost : kEachByte * bytes_ + kAtLeast;
+}
+
+void ReadContext::requireVertices(std::uint64_t vertices, Place place) const {
+  if (vertices <= mostVertices()) return;
+  failAt(place, std::to_string(vertices) + " vertices, more than the " +
+                    std::to_string(mostVertices()) + " that a text of " + std::to_string(bytes_) +
+                    " bytes may have");
+}
+
+}  // namespace veq::internal

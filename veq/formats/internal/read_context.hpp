@@ -1,0 +1,69 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "veq/base/internal/pace.hpp"
+#include "veq/formats/reading.hpp"
+
+namespace veq::internal {
+
+/// What a text says, in quotes and printable, at most 60 characters of it.
+[[nodiscard]] std::string shown(std::string_view text);
+
+/// The end of a reader: an error of kind kFormat.
+[[noreturn]] void failAt(Place place, std::string text);
+
+/// What readers share: what they were asked, how far they are, and the notes that they take. A
+/// note costs nothing but a count from its second case on.
+class ReadContext {
+ public:
+  /// The options must outlive this.
+  ReadContext(const ReadOptions& asked, std::uint64_t bytes)
+      : options(asked), pace(asked.progress, bytes), bytes_(bytes) {}
+
+  const ReadOptions& options;
+  Pace pace;
+  std::string title;
+
+  /// Cases of one code are one note, whose text is made for the first of them. A reader numbers its
+  /// codes from 0. In strict reading the first note that is no kTaken ends it.
+  template <class MakeText>
+  void note(unsigned code, NoteKind kind, Place place, MakeText&& makeText) {
+    if (code < seen_.size() && seen_[code] != 0) {
+      if (seen_[code] <= notes_.size()) ++notes_[seen_[code] - 1].count;
+      return;
+    }
+    if (code >= seen_.size()) seen_.resize(code + 1, 0);
+    keep({kind, place, makeText(), 1});
+    seen_[code] = notes_.size() + furtherNotes_;
+  }
+  /// A note of which each case is told.
+  void noteEach(NoteKind kind, Place place, std::string text) {
+    keep({kind, place, std::move(text), 1});
+  }
+
+  /// An error where the text asks for more vertices than it may.
+  void requireVertices(std::uint64_t vertices, Place place) const;
+  [[nodiscard]] std::uint64_t mostVertices() const;
+
+  [[nodiscard]] std::vector<Note> takeNotes() { return std::move(notes_); }
+  [[nodiscard]] std::uint64_t furtherNotes() const { return furtherNotes_; }
+
+ private:
+  void keep(Note note);
+
+  std::uint64_t bytes_;
+  std::vector<Note> notes_;
+  std::uint64_t furtherNotes_ = 0;
+  /// For each code the number of its note, from 1, or 0.
+  std::vector<std::uint64_t> seen_;
+};
+
+}  // namespace veq::internal

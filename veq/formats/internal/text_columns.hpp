@@ -1,0 +1,87 @@
+/// \file
+/// Columns of a text on their way into a network.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "veq/formats/internal/read_context.hpp"
+#include "veq/network/internal/network_draft.hpp"
+#include "veq/numeric/property_column.hpp"
+
+namespace veq::internal {
+
+/// The cells of one column, as they stand in a text that outlives this. A cell that is never set is
+/// unset, which differs from one that is empty.
+class TextColumn {
+ public:
+  explicit TextColumn(std::string key) : key_(std::move(key)) {}
+
+  [[nodiscard]] const std::string& key() const { return key_; }
+  [[nodiscard]] bool empty() const { return cells_.empty(); }
+  void set(std::uint64_t row, std::string_view cell) {
+    if (row >= cells_.size()) cells_.resize(row + 1);
+    // An empty view may have no address, which would be no cell.
+    cells_[row] = cell.data() ? cell : std::string_view("");
+  }
+
+  /// Whole numbers where all cells are that, as they are written, doubles where all are numbers,
+  /// and otherwise the texts, with null markers for cells that are unset. Cells beyond the end are
+  /// unset.
+  [[nodiscard]] Shared<PropertyColumn> finish(std::uint64_t rows) const;
+
+ private:
+  std::string key_;
+  std::vector<std::string_view> cells_;
+};
+
+/// The weights of edges: decimals in a text, floats in a network.
+class WeightColumn {
+ public:
+  /// For a weight that comes from no text.
+  static constexpr std::size_t kUnknownLength = SIZE_MAX;
+
+  /// The next edge's weight, with the length of its text.
+  void append(double weight, std::size_t length) {
+    weights_.push_back(static_cast<float>(weight));
+    differsFromOne_ |= weight != 1.0;
+    // A float holds every decimal of six digits.
+    if (length > kSafeLength) look(weight);
+  }
+  void reserve(std::uint64_t edges) { weights_.reserve(edges); }
+  [[nodiscard]] std::uint64_t size() const { return weights_.size(); }
+  /// As the text says it where a float does not.
+  [[nodiscard]] double at(std::uint64_t edge) const;
+  [[nodiscard]] bool differsFromOne() const { return differsFromOne_; }
+
+  /// Gives the draft its weights; with a note where the shortest text of a float is not what the
+  /// text says, and the column "Weight" where that was asked for.
+  void finish(NetworkDraft& draft, ReadContext& context, unsigned noteCode);
+
+ private:
+  struct Exact {
+    std::uint64_t edge;
+    double weight;
+  };
+  static constexpr std::size_t kSafeLength = 6;
+
+  void look(double weight);
+
+  Weights weights_;
+  std::vector<Exact> inexact_;
+  bool differsFromOne_ = false;
+};
+
+/// A column of names, null where there is none.
+[[nodiscard]] Shared<PropertyColumn> nameColumn(const std::vector<std::string_view>& names,
+                                                std::uint64_t rows);
+
+/// The vertex column "Mode" of a network of two kinds of vertices: 1 for the first ones and 2 for
+/// the others.
+[[nodiscard]] Shared<PropertyColumn> modeColumn(std::uint64_t first, std::uint64_t all);
+
+}  // namespace veq::internal
