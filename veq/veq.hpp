@@ -31,4 +31,6 @@
 #include "veq/numeric/property_value.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 #include "veq/numeric/vectors.hpp"
+#include "veq/questions.hpp"
+#include "veq/questions/walk_law.hpp"
 #include "veq/random.hpp"

@@ -1,0 +1,5 @@
+/// \file
+/// Questions to networks.
+#pragma once
+
+#include "veq/questions/walk_law.hpp"
