@@ -10,8 +10,10 @@
 #include "veq/base/files.hpp"
 #include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
+#include "veq/formats/internal/gml.hpp"
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/list_reader.hpp"
+#include "veq/formats/internal/matrix_market.hpp"
 #include "veq/formats/internal/pajek_sections.hpp"
 #include "veq/formats/internal/read_context.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -56,9 +58,12 @@ struct TextReader {
   FileFormat format;
   NetworkDraft (*read)(std::string_view text, ReadContext& context);
 };
-constexpr std::array<TextReader, 3> kTextReaders{{{FileFormat::kXnet, readXnetText},
-                                                  {FileFormat::kPajek, internal::readPajekSections},
-                                                  {FileFormat::kList, internal::readList}}};
+constexpr std::array<TextReader, 5> kTextReaders{
+    {{FileFormat::kXnet, readXnetText},
+     {FileFormat::kPajek, internal::readPajekSections},
+     {FileFormat::kList, internal::readList},
+     {FileFormat::kMatrixMarket, internal::readMatrixMarket},
+     {FileFormat::kGml, internal::readGml}}};
 
 /// The text in UTF-8, whatever the file has.
 std::string decoded(std::string bytes, ReadContext& context) {

@@ -1,0 +1,104 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/formats/reading_support.hpp"
+
+namespace veq::test {
+namespace {
+
+Reading read(std::string text) { return readNetworkText(std::move(text)); }
+
+constexpr std::string_view kTriangle =
+    "Creator \"somebody\"\n"
+    "graph\n[\n"
+    "  directed 1\n  label \"A triangle\"\n"
+    "  node [ id 7 label \"a &amp; b\" size 2 ]\n"
+    "  node [ id 3 label \"c\" size 3.5 ]\n"
+    "  node [ id 9 size 4 ]\n"
+    "  edge [ source 7 target 3 weight 0.5 kind \"x\" ]\n"
+    "  edge [ source 3 target 9 weight 2 ]\n"
+    "]\n";
+
+TEST(ReadingGml, ReadsNodesAndEdgesWithAllTheirValues) {
+  const Reading reading = read(std::string(kTriangle));
+  EXPECT_EQ(reading.format(), FileFormat::kGml);
+  EXPECT_EQ(reading.title(), "A triangle");
+  EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>2 w(0.5, 2)");
+  EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("7", "3", "9"));
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("a & b", "c", "<null>"));
+  EXPECT_THAT(vertexTexts(reading, "size"), ElementsAre("2", "3.5", "4"));
+  EXPECT_THAT(edgeTexts(reading, "kind"), ElementsAre("x", "<null>"));
+  EXPECT_THAT(notesOf(reading), IsEmpty());
+}
+
+TEST(ReadingGml, IsUndirectedWithoutAWord) {
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ] node [ id 2 ] edge [ source 2 target 1 ] ]")),
+            "undirected 2: 1>0");
+}
+
+TEST(ReadingGml, MayNameEdgesBeforeNodes) {
+  EXPECT_EQ(summaryOf(read("graph [ edge [ source 5 target 6 ] node [ id 5 ] node [ id 6 ] ]")),
+            "undirected 2: 0>1");
+}
+
+TEST(ReadingGml, ReadsEntitiesAndTheCharactersOfItsEncoding) {
+  const Reading reading = read(
+      "graph [ node [ id 1 label \"&#233;&#x20AC;&quot;&none;&\" ]\n"
+      "node [ id 2 label \"\xE9\" ] ]");
+  EXPECT_THAT(vertexTexts(reading, "Name"),
+              ElementsAre("\xC3\xA9\xE2\x82\xAC\"&none;&", "\xC3\xA9"));
+}
+
+TEST(ReadingGml, LeavesOutListsInsideNodesAndEdges) {
+  const Reading reading = read("graph [\nnode [ id 1\ngraphics [ x 1 deeper [ y 2 ] ] ]\n]");
+  EXPECT_EQ(summaryOf(reading), "undirected 1:");
+  EXPECT_THAT(notesOf(reading), ElementsAre("3:1 left out x1: the list \"graphics\" is left out"));
+}
+
+TEST(ReadingGml, SkipsComments) {
+  EXPECT_EQ(summaryOf(read("# a [\ngraph [ # b ]\nnode [ id 1 ]\n]")), "undirected 1:");
+}
+
+TEST(ReadingGml, TakesMissingWeightsForOne) {
+  const Reading reading = read(
+      "graph [ node [ id 1 ] node [ id 2 ]\nedge [ source 1 target 2 ]\n"
+      "edge [ source 2 target 1 weight 3 ]\nedge [ source 1 target 1 ] ]");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1 1>0 0>0 w(1, 3, 1)");
+  EXPECT_THAT(notesOf(reading), ElementsAre("2:1 repaired x2: no weight is taken for 1"));
+}
+
+TEST(ReadingGml, RefusesWhatIsNoGraphWithThePlace) {
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ]\n")), "error 2:1 a \"[\" without its \"]\"");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ] ] ]\n")), "error 1:25 a \"]\" without its \"[\"");
+  EXPECT_EQ(summaryOf(read("graph [\n node [ label \"x\" ] ]\n")),
+            "error 2:9 a node without an id");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ]\nnode [ id 1 ] ]")), "error 2:8 a second node 1");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ]\nedge [ source 1 target 2 ] ]")),
+            "error 2:1 an edge of node 2, which is not there");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1 ]\nedge [ source 1 ] ]")),
+            "error 2:1 an edge without a source or a target");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id \"a ] ]")), "error 1:19 a quote that is not closed");
+  EXPECT_EQ(summaryOf(read("graph [ node [ id 1.5 ] ]")), "error 1:19 no integer: \"1.5\"");
+  EXPECT_EQ(summaryOf(read("graph [ 5 6 ]")), "error 1:9 no key: \"5\"");
+  EXPECT_EQ(summaryOf(read("graph [ node ]")), "error 1:14 a key without a value");
+}
+
+TEST(ReadingGml, SurvivesListsOfAnyDepth) {
+  const std::string deep = "graph [ x " + std::string(1'000'000, '[');
+  EXPECT_EQ(summaryOf(read(deep)), "error 1:1000011 a \"[\" without its \"]\"");
+}
+
+TEST(ReadingGml, SurvivesDamagedTexts) {
+  std::uint64_t networks = 0;
+  forMutationsOf(std::string(kTriangle), {"[", "]", "\"", "node [", "#", "-9999999999999999999999"},
+                 [&](const std::string& mutated) {
+                   const Reading reading = read(mutated);
+                   if (reading) networks += reading.value().countVertices() != 0;
+                 });
+  EXPECT_GT(networks, 100U);
+}
+
+}  // namespace
+}  // namespace veq::test

@@ -1,0 +1,255 @@
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "veq/formats/internal/character_entities.hpp"
+#include "veq/formats/internal/gml.hpp"
+#include "veq/formats/internal/gml_tokens.hpp"
+#include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/text_columns.hpp"
+
+namespace veq::internal {
+namespace {
+
+enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight };
+
+/// Columns by their keys, in the order of their first appearance.
+class ColumnSet {
+ public:
+  void set(std::string_view key, std::uint64_t row, std::string_view cell) {
+    const auto [at, isNew] = places_.try_emplace(std::string(key), columns_.size());
+    if (isNew) columns_.emplace_back(std::string(key));
+    columns_[at->second].set(row, cell);
+  }
+  void finish(PropertyTable& table, std::uint64_t rows) const {
+    for (const TextColumn& column : columns_) table.set(column.key(), column.finish(rows));
+  }
+
+ private:
+  std::vector<TextColumn> columns_;
+  std::unordered_map<std::string, std::size_t> places_;
+};
+
+class GmlReader {
+ public:
+  GmlReader(std::string_view text, ReadContext& context) : tokens_(text), context_(context) {}
+
+  NetworkDraft read() {
+    bool found = false;
+    for (Token token = tokens_.next(); token.kind != Kind::kEnd; token = tokens_.next()) {
+      const std::string_view key = requireKey(token);
+      const Token value = tokens_.next();
+      if (value.kind == Kind::kOpen && sameWord(key, "graph") && !found) {
+        readGraph();
+        found = true;
+      } else if (value.kind == Kind::kOpen) {
+        if (sameWord(key, "graph")) {
+          context_.note(kSecondGraph, NoteKind::kLeftOut, token.place,
+                        [] { return std::string("a second graph is left out"); });
+        }
+        skipList();
+      } else {
+        requireValue(value);
+      }
+    }
+    if (!found) failAt({1, 1}, "no \"graph [\"");
+    return finish();
+  }
+
+ private:
+  using Token = GmlTokens::Token;
+  using Kind = GmlTokens::Kind;
+
+  struct Edge {
+    std::int64_t source;
+    std::int64_t target;
+    Place place;
+  };
+
+  static std::string_view requireKey(const Token& token) {
+    if (token.kind == Kind::kKey) return token.text;
+    failAt(token.place, token.kind == Kind::kClose ? "a \"]\" without its \"[\""
+                                                   : "no key: " + shown(token.text));
+  }
+  static void requireValue(const Token& value) {
+    if (value.kind == Kind::kNumber || value.kind == Kind::kString) return;
+    // Words without quotes are no values of GML, but people write them.
+    if (value.kind == Kind::kKey) return;
+    failAt(value.place, "a key without a value");
+  }
+
+  /// To behind the end of the list that has begun. Lists may be nested as deep as they like.
+  void skipList() {
+    for (std::uint64_t depth = 1; depth != 0;) {
+      const Token token = tokens_.next();
+      if (token.kind == Kind::kEnd) failAt(token.place, "a \"[\" without its \"]\"");
+      if (token.kind == Kind::kOpen) ++depth;
+      if (token.kind == Kind::kClose) --depth;
+    }
+  }
+
+  /// Calls use(key token, value) for all pairs of the list that has begun.
+  template <class Use>
+  void forEachPair(Use use) {
+    for (;;) {
+      const Token key = tokens_.next();
+      if (key.kind == Kind::kClose) return;
+      if (key.kind == Kind::kEnd) failAt(key.place, "a \"[\" without its \"]\"");
+      requireKey(key);
+      const Token value = tokens_.next();
+      if (value.kind != Kind::kOpen) requireValue(value);
+      use(key, value);
+    }
+  }
+
+  void readGraph() {
+    forEachPair([this](const Token& key, const Token& value) {
+      const bool isList = value.kind == Kind::kOpen;
+      if (isList && sameWord(key.text, "node")) return readNode();
+      if (isList && sameWord(key.text, "edge")) return readEdge(key.place);
+      if (isList) return leaveOutList(key);
+      if (sameWord(key.text, "directed")) directed_ = value.text != "0";
+      if (sameWord(key.text, "label") || sameWord(key.text, "name")) {
+        context_.title = withoutEntities(value.text);
+      }
+    });
+  }
+
+  void leaveOutList(const Token& key) {
+    context_.note(kNested, NoteKind::kLeftOut, key.place,
+                  [&] { return "the list " + shown(key.text) + " is left out"; });
+    skipList();
+  }
+
+  void readNode() {
+    const std::uint64_t row = ids_.size();
+    std::optional<std::int64_t> id;
+    Place place;
+    forEachPair([&](const Token& key, const Token& value) {
+      place = key.place;
+      if (value.kind == Kind::kOpen) return leaveOutList(key);
+      if (sameWord(key.text, "id")) {
+        id = integerOf(value);
+      } else {
+        vertexColumns_.set(sameWord(key.text, "label") ? "Name" : key.text, row, cellOf(value));
+      }
+    });
+    if (!id) failAt(place, "a node without an id");
+    if (!indices_.try_emplace(*id, row).second) {
+      failAt(place, "a second node " + std::to_string(*id));
+    }
+    ids_.push_back(*id);
+    if ((row + 1) % 1024 == 0) context_.pace.reach(tokens_.position());
+  }
+
+  void readEdge(Place place) {
+    const std::uint64_t row = edges_.size();
+    std::optional<std::int64_t> source;
+    std::optional<std::int64_t> target;
+    std::optional<double> weight;
+    std::size_t length = 0;
+    forEachPair([&](const Token& key, const Token& value) {
+      if (value.kind == Kind::kOpen) return leaveOutList(key);
+      if (sameWord(key.text, "source")) {
+        source = integerOf(value);
+      } else if (sameWord(key.text, "target")) {
+        target = integerOf(value);
+      } else if (sameWord(key.text, "weight") && wholeNumber(value.text)) {
+        weight = wholeNumber(value.text);
+        length = value.text.size();
+      } else {
+        edgeColumns_.set(key.text, row, cellOf(value));
+      }
+    });
+    if (!source || !target) failAt(place, "an edge without a source or a target");
+    edges_.push_back({*source, *target, place});
+    appendWeight(weight, length, place);
+    if ((row + 1) % 1024 == 0) context_.pace.reach(tokens_.position());
+  }
+
+  void appendWeight(std::optional<double> weight, std::size_t length, Place place) {
+    if (weight && weights_.size() == 0) {
+      // Edges before the first weight have none.
+      for (std::size_t i = 0; i + 1 < edges_.size(); ++i) weights_.append(1.0, 1);
+      if (edges_.size() > 1) noteNoWeight(edges_.front().place);
+    }
+    if (weights_.size() == 0 && !weight) return;
+    if (!weight) noteNoWeight(place);
+    weights_.append(weight.value_or(1.0), length);
+  }
+
+  void noteNoWeight(Place place) {
+    context_.note(kNoWeight, NoteKind::kRepaired, place,
+                  [] { return std::string("no weight is taken for 1"); });
+  }
+
+  static std::int64_t integerOf(const Token& value) {
+    std::int64_t number = 0;
+    const char* const end = value.text.data() + value.text.size();
+    const auto [at, error] = std::from_chars(value.text.data(), end, number);
+    if (error != std::errc() || at != end) {
+      failAt(value.place, "no integer: " + shown(value.text));
+    }
+    return number;
+  }
+
+  /// The value's text; one that has entities is kept beside the text that has it.
+  std::string_view cellOf(const Token& value) {
+    if (value.kind != Kind::kString || value.text.find('&') == value.text.npos) return value.text;
+    texts_.push_back(std::make_unique<std::string>(withoutEntities(value.text)));
+    return *texts_.back();
+  }
+
+  std::uint64_t indexOf(std::int64_t id, Place place) const {
+    const auto at = indices_.find(id);
+    if (at == indices_.end())
+      failAt(place, "an edge of node " + std::to_string(id) + ", which is not there");
+    return at->second;
+  }
+
+  NetworkDraft finish() {
+    NetworkDraft draft;
+    draft.vertexCount = ids_.size();
+    draft.directed = directed_;
+    RawVector<std::uint64_t> from;
+    RawVector<std::uint64_t> to;
+    from.reserve(edges_.size());
+    to.reserve(edges_.size());
+    for (const Edge& edge : edges_) {
+      from.push_back(indexOf(edge.source, edge.place));
+      to.push_back(indexOf(edge.target, edge.place));
+    }
+    draft.from = std::move(from);
+    draft.to = std::move(to);
+    if (weights_.size() != 0) weights_.finish(draft, context_, kRounded);
+    draft.verticesProperties.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
+    vertexColumns_.finish(draft.verticesProperties, draft.vertexCount);
+    edgeColumns_.finish(draft.edgesProperties, edges_.size());
+    return draft;
+  }
+
+  GmlTokens tokens_;
+  ReadContext& context_;
+  bool directed_ = false;
+  RawVector<std::int64_t> ids_;
+  std::unordered_map<std::int64_t, std::uint64_t> indices_;
+  std::vector<Edge> edges_;
+  WeightColumn weights_;
+  ColumnSet vertexColumns_;
+  ColumnSet edgeColumns_;
+  std::vector<std::unique_ptr<std::string>> texts_;
+};
+
+}  // namespace
+
+NetworkDraft readGml(std::string_view text, ReadContext& context) {
+  return GmlReader(text, context).read();
+}
+
+}  // namespace veq::internal
