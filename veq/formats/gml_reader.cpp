@@ -1,4 +1,3 @@
-#include <array>
 #include <charconv>
 #include <cstdint>
 #include <memory>
@@ -36,9 +35,44 @@ class ColumnSet {
   std::unordered_map<std::string, std::size_t> places_;
 };
 
+/// What keys stand for, by the comments that our own writer puts before the graph:
+/// # node key size2 is "Size (mm)"
+class MappedKeys {
+ public:
+  explicit MappedKeys(std::string_view text) {
+    LineReader lines(text);
+    while (lines.next() && lines.line().substr(0, 2) == "# ") readComment(lines.line().substr(2));
+  }
+
+  [[nodiscard]] std::string_view of(char kind, std::string_view key) const {
+    const auto at = keys_.find(kind + std::string(key));
+    return at == keys_.end() ? key : at->second;
+  }
+
+ private:
+  void readComment(std::string_view comment) {
+    LineCursor cursor(comment);
+    const std::string_view kind = cursor.takeWord();
+    cursor.skipBlanks();
+    if ((kind != "node" && kind != "edge") || cursor.takeWord() != "key") return;
+    cursor.skipBlanks();
+    const std::string_view key = cursor.takeWord();
+    cursor.skipBlanks();
+    if (cursor.takeWord() != "is") return;
+    cursor.skipBlanks();
+    bool closed = false;
+    if (!cursor.match('"')) return;
+    const std::string_view original = cursor.takeQuoted(closed);
+    if (closed) keys_[kind.front() + std::string(key)] = withoutEntities(original);
+  }
+
+  std::unordered_map<std::string, std::string> keys_;
+};
+
 class GmlReader {
  public:
-  GmlReader(std::string_view text, ReadContext& context) : tokens_(text), context_(context) {}
+  GmlReader(std::string_view text, ReadContext& context)
+      : keys_(text), tokens_(text), context_(context) {}
 
   NetworkDraft read() {
     bool found = false;
@@ -137,7 +171,8 @@ class GmlReader {
       if (sameWord(key.text, "id")) {
         id = integerOf(value);
       } else {
-        vertexColumns_.set(sameWord(key.text, "label") ? "Name" : key.text, row, cellOf(value));
+        vertexColumns_.set(sameWord(key.text, "label") ? "Name" : keys_.of('n', key.text), row,
+                           cellOf(value));
       }
     });
     if (!id) failAt(place, "a node without an id");
@@ -164,7 +199,7 @@ class GmlReader {
         weight = wholeNumber(value.text);
         length = value.text.size();
       } else {
-        edgeColumns_.set(key.text, row, cellOf(value));
+        edgeColumns_.set(keys_.of('e', key.text), row, cellOf(value));
       }
     });
     if (!source || !target) failAt(place, "an edge without a source or a target");
@@ -234,6 +269,7 @@ class GmlReader {
     return draft;
   }
 
+  MappedKeys keys_;
   GmlTokens tokens_;
   ReadContext& context_;
   bool directed_ = false;

@@ -58,10 +58,11 @@ struct TextReader {
   FileFormat format;
   NetworkDraft (*read)(std::string_view text, ReadContext& context);
 };
-constexpr std::array<TextReader, 5> kTextReaders{
+constexpr std::array<TextReader, 6> kTextReaders{
     {{FileFormat::kXnet, readXnetText},
      {FileFormat::kPajek, internal::readPajekSections},
      {FileFormat::kList, internal::readList},
+     {FileFormat::kCsv, internal::readList},
      {FileFormat::kMatrixMarket, internal::readMatrixMarket},
      {FileFormat::kGml, internal::readGml}}};
 

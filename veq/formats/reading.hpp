@@ -12,28 +12,10 @@
 #include "veq/base/export.hpp"
 #include "veq/base/progress.hpp"
 #include "veq/base/result.hpp"
+#include "veq/formats/file_format.hpp"
 #include "veq/natural/network.hpp"
 
 namespace veq {
-
-/// The formats of files that hold networks.
-/// \ingroup files
-enum class FileFormat {
-  kXnet,
-  kPajek,
-  kList,  ///< A list of edges: columns between blanks, tabs, commas or semicolons.
-  kMatrixMarket,
-  kGml,
-  kGraphMl,
-  kArchive,
-};
-
-/// "xnet", "pajek", "list", "matrix-market", "gml", "graphml", "archive".
-/// \ingroup files
-[[nodiscard]] VEQ_EXPORT std::string_view nameOf(FileFormat format);
-/// The format of this name; nothing for another word.
-/// \ingroup files
-[[nodiscard]] VEQ_EXPORT std::optional<FileFormat> fileFormatNamed(std::string_view name);
 
 /// How to read a network.
 /// \ingroup files

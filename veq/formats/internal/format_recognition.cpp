@@ -6,55 +6,7 @@
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/list_shape.hpp"
 
-namespace veq {
-namespace {
-
-struct FormatWord {
-  std::string_view word;
-  FileFormat format;
-};
-
-constexpr std::array<FormatWord, 7> kNames{{{"xnet", FileFormat::kXnet},
-                                            {"pajek", FileFormat::kPajek},
-                                            {"list", FileFormat::kList},
-                                            {"matrix-market", FileFormat::kMatrixMarket},
-                                            {"gml", FileFormat::kGml},
-                                            {"graphml", FileFormat::kGraphMl},
-                                            {"archive", FileFormat::kArchive}}};
-
-constexpr std::array<FormatWord, 15> kSuffixes{{{"xnet", FileFormat::kXnet},
-                                                {"net", FileFormat::kPajek},
-                                                {"paj", FileFormat::kPajek},
-                                                {"txt", FileFormat::kList},
-                                                {"edges", FileFormat::kList},
-                                                {"edgelist", FileFormat::kList},
-                                                {"el", FileFormat::kList},
-                                                {"ncol", FileFormat::kList},
-                                                {"csv", FileFormat::kList},
-                                                {"tsv", FileFormat::kList},
-                                                {"mtx", FileFormat::kMatrixMarket},
-                                                {"gml", FileFormat::kGml},
-                                                {"graphml", FileFormat::kGraphMl},
-                                                {"xml", FileFormat::kGraphMl},
-                                                {"veqa", FileFormat::kArchive}}};
-
-}  // namespace
-
-std::string_view nameOf(FileFormat format) {
-  for (const FormatWord& each : kNames) {
-    if (each.format == format) return each.word;
-  }
-  return "";
-}
-
-std::optional<FileFormat> fileFormatNamed(std::string_view name) {
-  for (const FormatWord& each : kNames) {
-    if (each.word == name) return each.format;
-  }
-  return std::nullopt;
-}
-
-namespace internal {
+namespace veq::internal {
 namespace {
 
 bool beginsWith(std::string_view text, std::string_view beginning) {
@@ -122,15 +74,6 @@ bool isArchive(std::string_view bytes) {
   return majorType == kMap && bytes.substr(0, 64).find("VEQ.") != bytes.npos;
 }
 
-std::optional<FileFormat> formatOfSuffix(std::string_view name) {
-  const std::size_t point = name.rfind('.');
-  if (point == name.npos) return std::nullopt;
-  for (const FormatWord& each : kSuffixes) {
-    if (sameWord(name.substr(point + 1), each.word)) return each.format;
-  }
-  return std::nullopt;
-}
-
 std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name) {
   const std::size_t first = text.find_first_not_of(" \t\r\n\v\f");
   if (first == text.npos) return std::nullopt;
@@ -139,8 +82,7 @@ std::optional<FileFormat> formatOfText(std::string_view text, std::string_view n
   if (isGml(text)) return FileFormat::kGml;
   if (text.find('\0') != text.npos) return std::nullopt;
   if (shapeOfList(text)) return FileFormat::kList;
-  return formatOfSuffix(name);
+  return fileFormatOfSuffix(name);
 }
 
-}  // namespace internal
-}  // namespace veq
+}  // namespace veq::internal

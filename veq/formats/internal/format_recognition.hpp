@@ -3,7 +3,7 @@
 #include <optional>
 #include <string_view>
 
-#include "veq/formats/reading.hpp"
+#include "veq/formats/file_format.hpp"
 
 namespace veq::internal {
 
@@ -16,8 +16,5 @@ namespace veq::internal {
 /// The format of a text, from its content; the name's suffix decides where the content does not.
 /// Nothing where neither does.
 [[nodiscard]] std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name);
-
-/// The format that goes with the suffix of a file's name, in any case; nothing for other suffixes.
-[[nodiscard]] std::optional<FileFormat> formatOfSuffix(std::string_view name);
 
 }  // namespace veq::internal

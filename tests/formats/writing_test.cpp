@@ -1,0 +1,169 @@
+#include "veq/formats/writing.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "tests/formats/reading_support.hpp"
+#include "tests/support/temporary_folder.hpp"
+#include "veq/base/files.hpp"
+#include "veq/numeric/vector_arrays.hpp"
+
+namespace veq::test {
+namespace {
+
+Network networkOf(Owned<VEQNetwork> network) {
+  return Network(Shared<VEQNetwork>(std::move(network)));
+}
+
+std::string textOf(const Network& network, FileFormat format) {
+  return networkText(network, format).value();
+}
+
+/// 0 > 1 > 2 with weights of both kinds, names that need care, and columns of several kinds.
+Network decorated() {
+  const VEQNumberArray vertexWeights = VEQNumberArray::ofFloats({1, 2, 0.1F});
+  const VEQNumberArray edgeWeights = VEQNumberArray::ofFloats({0.5, 2});
+  Owned<VEQNetwork> network = path3(true, &vertexWeights, &edgeWeights);
+  network->setPropertiesOfVertices_forKey(
+      generic({PropertyValue("a & \"b\""), PropertyValue("\xC3\xA9"), PropertyValue()}), "Name");
+  network->setPropertiesOfVertices_forKey(
+      std::make_shared<VEQNumberArray>(VEQNumberArray::ofIntegers({7, -8, 9})), "Age (y)");
+  network->setPropertiesOfEdges_forKey(
+      std::make_shared<VEQNumberArray>(VEQNumberArray::ofDoubles({1e-7, 3})), "long");
+  return networkOf(std::move(network));
+}
+
+TEST(Writing, GraphMl) {
+  EXPECT_EQ(textOf(decorated(), FileFormat::kGraphMl),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+            "<graphml xmlns=\"http://graphml.graphdrawing.org/xmlns\" xmlns:veq=\"urn:veq\">\n"
+            "<key id=\"vw\" for=\"node\" attr.name=\"weight\" attr.type=\"float\" "
+            "veq:kind=\"weight\"/>\n"
+            "<key id=\"v0\" for=\"node\" attr.name=\"Name\" attr.type=\"string\"/>\n"
+            "<key id=\"v1\" for=\"node\" attr.name=\"Age (y)\" attr.type=\"long\"/>\n"
+            "<key id=\"ew\" for=\"edge\" attr.name=\"weight\" attr.type=\"float\" "
+            "veq:kind=\"weight\"/>\n"
+            "<key id=\"e0\" for=\"edge\" attr.name=\"long\" attr.type=\"double\"/>\n"
+            "<graph edgedefault=\"directed\">\n"
+            "<node id=\"n0\"><data key=\"vw\">1</data><data key=\"v0\">a &amp; &quot;b&quot;</data>"
+            "<data key=\"v1\">7</data></node>\n"
+            "<node id=\"n1\"><data key=\"vw\">2</data><data key=\"v0\">\xC3\xA9</data>"
+            "<data key=\"v1\">-8</data></node>\n"
+            "<node id=\"n2\"><data key=\"vw\">0.1</data><data key=\"v1\">9</data></node>\n"
+            "<edge source=\"n0\" target=\"n1\"><data key=\"ew\">0.5</data>"
+            "<data key=\"e0\">1e-07</data></edge>\n"
+            "<edge source=\"n1\" target=\"n2\"><data key=\"ew\">2</data>"
+            "<data key=\"e0\">3</data></edge>\n"
+            "</graph>\n</graphml>\n");
+}
+
+TEST(Writing, GraphMlReplacesWhatXmlForbids) {
+  Owned<VEQNetwork> network = VEQNetwork::initWithVerticesCount_linksIndexedFrom_toIndices(
+      1, VEQNumberArray(), VEQNumberArray());
+  network->setPropertiesOfVertices_forKey(
+      generic({PropertyValue(std::string("\x01<\t>\n\xEF\xBF\xBF", 8))}), "Name");
+  EXPECT_THAT(textOf(networkOf(std::move(network)), FileFormat::kGraphMl),
+              testing::HasSubstr("<data key=\"v0\">?&lt;&#9;&gt;&#10;?</data>"));
+}
+
+TEST(Writing, Gml) {
+  EXPECT_EQ(
+      textOf(decorated(), FileFormat::kGml),
+      "# node key Agey is \"Age (y)\"\n"
+      "graph [\n  directed 1\n"
+      "  node [\n    id 0\n    weight 1.0\n    label \"a &#38; &#34;b&#34;\"\n    Agey 7\n  ]\n"
+      "  node [\n    id 1\n    weight 2.0\n    label \"&#233;\"\n    Agey -8\n  ]\n"
+      "  node [\n    id 2\n    weight 0.1\n    Agey 9\n  ]\n"
+      "  edge [\n    source 0\n    target 1\n    weight 0.5\n    long 1.0e-07\n  ]\n"
+      "  edge [\n    source 1\n    target 2\n    weight 2.0\n    long 3.0\n  ]\n"
+      "]\n");
+}
+
+TEST(Writing, GmlComesBack) {
+  const Reading back = readNetworkText(textOf(decorated(), FileFormat::kGml));
+  EXPECT_EQ(summaryOf(back), "directed 3: 0>1 1>2 w(0.5, 2)");
+  EXPECT_THAT(vertexTexts(back, "Name"), ElementsAre("a & \"b\"", "\xC3\xA9", "<null>"));
+  EXPECT_THAT(vertexTexts(back, "Age (y)"), ElementsAre("7", "-8", "9"));
+  EXPECT_THAT(edgeTexts(back, "long"), ElementsAre("1e-07", "3"));
+}
+
+TEST(Writing, MatrixMarket) {
+  EXPECT_EQ(textOf(decorated(), FileFormat::kMatrixMarket),
+            "%%MatrixMarket matrix coordinate real general\n3 3 2\n1 2 0.5\n2 3 2\n");
+  EXPECT_EQ(textOf(networkOf(path3()), FileFormat::kMatrixMarket),
+            "%%MatrixMarket matrix coordinate pattern symmetric\n3 3 2\n2 1\n3 2\n");
+}
+
+TEST(Writing, CsvCallsVerticesByIndexWhereOneHasNoName) {
+  EXPECT_EQ(textOf(decorated(), FileFormat::kCsv),
+            "Source,Target,Type,Weight,long\n0,1,Directed,0.5,1e-07\n1,2,Directed,2,3\n");
+  EXPECT_EQ(vertexTableText(decorated()).value(),
+            "Id,Weight,Label,Age (y)\n0,1,\"a & \"\"b\"\"\",7\n1,2,\xC3\xA9,-8\n2,0.1,,9\n");
+}
+
+TEST(Writing, CsvCallsVerticesByTheirNames) {
+  Owned<VEQNetwork> network = path3();
+  network->setPropertiesOfVertices_forKey(
+      generic({PropertyValue("x,y"), PropertyValue(" b"), PropertyValue("#c")}), "Name");
+  const Network named = networkOf(std::move(network));
+  const std::string text = textOf(named, FileFormat::kCsv);
+  EXPECT_EQ(text, "Source,Target,Type\n\"x,y\",\" b\",Undirected\n\" b\",\"#c\",Undirected\n");
+  const Reading back = readNetworkText(text);
+  EXPECT_EQ(summaryOf(back), "undirected 3: 0>1 1>2");
+  EXPECT_THAT(vertexTexts(back, "Name"), ElementsAre("x,y", " b", "#c"));
+  EXPECT_EQ(vertexTableText(named).value(),
+            "Id,Label\n\"x,y\",\"x,y\"\n\" b\",\" b\"\n\"#c\",\"#c\"\n");
+}
+
+TEST(Writing, PublishedFormatsAsTheirOwnWriters) {
+  const Network network = networkOf(path3());
+  EXPECT_EQ(textOf(network, FileFormat::kXnet), network.published()->formattedStringValue());
+  EXPECT_EQ(textOf(network, FileFormat::kPajek), network.published()->pajekFormattedStringValue());
+  EXPECT_EQ(textOf(network, FileFormat::kList), "0 1\r\n1 2\r\n");
+}
+
+TEST(Writing, WritesFilesByTheirSuffix) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("net.mtx");
+  EXPECT_TRUE(writeNetwork(networkOf(path3()), path));
+  EXPECT_EQ(summaryOf(readNetwork(path)), "undirected 3: 1>0 2>1");
+}
+
+TEST(Writing, RefusesASuffixThatItDoesNotKnow) {
+  const Outcome outcome = writeNetwork(networkOf(path3()), "net.foo");
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().kind(), ErrorKind::kArgument);
+  EXPECT_EQ(outcome.error().text(),
+            "no format goes with this name; known are .xnet, .net, .edges, .csv, .mtx, .gml, "
+            ".graphml and .veqa");
+}
+
+TEST(Writing, RefusesNamesThatAFormatCannotHold) {
+  Owned<VEQNetwork> network = path3();
+  network->setPropertyValue_forKey_atVertexIndex(PropertyValue("\xE2\x82\xAC"), "Name", 0);
+  const Result<std::string> text = networkText(networkOf(std::move(network)), FileFormat::kPajek);
+  ASSERT_FALSE(text);
+  EXPECT_EQ(text.error().text(), "Pajek cannot hold a name beyond ISO-8859-1");
+}
+
+TEST(Writing, StopsAndLeavesTheOldFile) {
+  const TemporaryFolder folder;
+  const std::string path = folder.path("net.csv");
+  ASSERT_TRUE(writeFile(path, "old"));
+  const StopSource source;
+  source.requestStop();
+  WriteOptions options;
+  options.progress.stop = source.token();
+  const Outcome outcome = writeNetwork(networkOf(path3()), path, options);
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().kind(), ErrorKind::kStopped);
+  EXPECT_EQ(readFile(path).value(), "old");
+}
+
+}  // namespace
+}  // namespace veq::test

@@ -1,0 +1,120 @@
+// Tables of edges and of vertices, for spreadsheets and for programs that draw networks.
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "veq/base/internal/number_text.hpp"
+#include "veq/formats/internal/table_columns.hpp"
+#include "veq/formats/internal/writers.hpp"
+
+namespace veq::internal {
+namespace {
+
+/// A field is quoted where it must be, a quote inside it doubled.
+void appendField(std::string& out, std::string_view text) {
+  const bool isPlain = !text.empty() && text.find_first_of(",;\"\t\r\n") == text.npos &&
+                       text.front() != ' ' && text.back() != ' ' && text.front() != '#' &&
+                       text.front() != '%' && text.front() != '/';
+  if (isPlain) {
+    out += text;
+    return;
+  }
+  if (text.empty()) return;
+  out += '"';
+  for (const char byte : text) {
+    if (byte == '"') out += '"';
+    out += byte;
+  }
+  out += '"';
+}
+
+/// What vertices are called in both tables: their names where each has one of its own, and
+/// otherwise their indices.
+class VertexIds {
+ public:
+  explicit VertexIds(const NetworkCore& core) {
+    const Shared<PropertyColumn>* const names = core.properties->vertices.find("Name");
+    if (!names) return;
+    std::unordered_set<std::string> seen;
+    for (std::uint64_t v = 0; v < core.store.vertexCount(); ++v) {
+      const PropertyValue name = valueOrNull(**names, v);
+      if (name.isNull() || name.text().empty() || !seen.insert(name.text()).second) return;
+    }
+    names_ = names->get();
+  }
+
+  void append(std::string& out, std::uint64_t vertex) const {
+    if (names_) {
+      appendField(out, valueOrNull(*names_, vertex).text());
+    } else {
+      appendInteger(out, vertex);
+    }
+  }
+
+ private:
+  const PropertyColumn* names_ = nullptr;
+};
+
+void appendHeader(std::string& out, const std::vector<TableColumn>& columns) {
+  for (const TableColumn& column : columns) {
+    out += ',';
+    appendField(out, column.key);
+  }
+  out += '\n';
+}
+
+void appendRow(std::string& out, const std::vector<TableColumn>& columns, std::uint64_t row) {
+  for (const TableColumn& column : columns) {
+    out += ',';
+    const PropertyValue value = column.at(row);
+    if (!value.isNull()) appendField(out, value.text());
+  }
+  out += '\n';
+}
+
+}  // namespace
+
+void writeEdgeTable(const NetworkCore& core, TextOutput& out) {
+  const VertexIds ids(core);
+  const std::vector<TableColumn> columns = columnsOf(core.properties->edges);
+  out.text += core.edgesWeights ? "Source,Target,Type,Weight" : "Source,Target,Type";
+  appendHeader(out.text, columns);
+  for (std::uint64_t edge = 0; edge < core.store.edgeCount(); ++edge) {
+    ids.append(out.text, core.store.from(edge));
+    out.text += ',';
+    ids.append(out.text, core.store.to(edge));
+    out.text += core.store.directed() ? ",Directed" : ",Undirected";
+    if (core.edgesWeights) {
+      out.text += ',';
+      appendShortest(out.text, (*core.edgesWeights)[edge]);
+    }
+    appendRow(out.text, columns, edge);
+    out.endRow();
+  }
+  out.flush();
+}
+
+void writeVertexTable(const NetworkCore& core, TextOutput& out) {
+  const VertexIds ids(core);
+  std::vector<TableColumn> columns = columnsOf(core.properties->vertices);
+  for (TableColumn& column : columns) {
+    if (column.key == "Name") column.key = "Label";
+  }
+  out.text += core.verticesWeights ? "Id,Weight" : "Id";
+  appendHeader(out.text, columns);
+  for (std::uint64_t vertex = 0; vertex < core.store.vertexCount(); ++vertex) {
+    ids.append(out.text, vertex);
+    if (core.verticesWeights) {
+      out.text += ',';
+      appendShortest(out.text, (*core.verticesWeights)[vertex]);
+    }
+    appendRow(out.text, columns, vertex);
+    out.endRow();
+  }
+  out.flush();
+}
+
+}  // namespace veq::internal

@@ -1,0 +1,150 @@
+#include "veq/formats/writing.hpp"
+
+#include <array>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "veq/base/files.hpp"
+#include "veq/base/internal/encodings.hpp"
+#include "veq/formats/internal/edge_list.hpp"
+#include "veq/formats/internal/pajek.hpp"
+#include "veq/formats/internal/writers.hpp"
+#include "veq/formats/internal/xnet.hpp"
+#include "veq/formats/keyed_archiver.hpp"
+#include "veq/network/internal/network_core.hpp"
+
+namespace veq {
+namespace {
+
+using internal::CoreAccess;
+using internal::NetworkCore;
+using internal::TextOutput;
+
+void giveAll(internal::NetworkText&& text, TextOutput& out) {
+  const bool all = text.giveTo([&out](std::string_view piece) {
+    out.text += piece;
+    out.endRow();
+    return true;
+  });
+  static_cast<void>(all);
+  out.flush();
+}
+
+void writeXnetText(const NetworkCore& core, TextOutput& out) {
+  internal::NetworkText text = internal::writeXnet(core);
+  if (!internal::isValidUtf8(text.beforeEdges) || !internal::isValidUtf8(text.behindEdges)) {
+    throw Error(ErrorKind::kUnsupported, "xnet cannot hold a text that is not UTF-8");
+  }
+  giveAll(std::move(text), out);
+}
+
+void writePajekText(const NetworkCore& core, TextOutput& out) {
+  internal::NetworkText text = internal::writePajek(core);
+  std::optional<std::string> latin1 = internal::latin1FromUtf8(std::move(text.beforeEdges));
+  if (!latin1) {
+    throw Error(ErrorKind::kUnsupported, "Pajek cannot hold a name beyond ISO-8859-1");
+  }
+  text.beforeEdges = std::move(*latin1);
+  giveAll(std::move(text), out);
+}
+
+void writeListText(const NetworkCore& core, TextOutput& out) {
+  giveAll(internal::writeEdgeList(core), out);
+}
+
+void writeArchiveBytes(const NetworkCore& core, TextOutput& out) {
+  VEQKeyedArchiver archiver;
+  core.network->encodeWithCoder(archiver);
+  out.text = archiver.bytes();
+  out.flush();
+}
+
+struct Writer {
+  FileFormat format;
+  void (*write)(const NetworkCore& core, TextOutput& out);
+};
+constexpr std::array<Writer, 8> kWriters{{{FileFormat::kXnet, writeXnetText},
+                                          {FileFormat::kPajek, writePajekText},
+                                          {FileFormat::kList, writeListText},
+                                          {FileFormat::kMatrixMarket, internal::writeMatrixMarket},
+                                          {FileFormat::kGml, internal::writeGml},
+                                          {FileFormat::kGraphMl, internal::writeGraphMl},
+                                          {FileFormat::kArchive, writeArchiveBytes},
+                                          {FileFormat::kCsv, internal::writeEdgeTable}}};
+
+/// Calls use(source of the bytes), and turns what a writer throws into errors.
+template <class Use>
+auto withSource(const Network& network, void (*write)(const NetworkCore&, TextOutput&),
+                const Progress& progress, Use use) -> decltype(use(ByteSource())) {
+  const NetworkCore& core = CoreAccess::of(*network.published());
+  const ByteSource source = [&](const ByteSink& sink) {
+    internal::Pace pace(progress, core.store.vertexCount() + core.store.edgeCount());
+    TextOutput out(sink, pace);
+    try {
+      write(core, out);
+    } catch (const internal::SinkClosed&) {
+      return false;
+    }
+    return true;
+  };
+  try {
+    return use(source);
+  } catch (const Error& error) {
+    return error;
+  } catch (const internal::Stopped&) {
+    return Error(ErrorKind::kStopped, "stopped");
+  } catch (const std::bad_alloc&) {
+    return Error(ErrorKind::kMemory, "not enough memory");
+  } catch (const std::invalid_argument& refused) {
+    return Error(ErrorKind::kUnsupported, refused.what());
+  }
+}
+
+Result<std::string> textOf(const ByteSource& source) {
+  std::string text;
+  static_cast<void>(source([&text](std::string_view piece) {
+    text += piece;
+    return true;
+  }));
+  return text;
+}
+
+const Writer* writerOf(FileFormat format) {
+  for (const Writer& writer : kWriters) {
+    if (writer.format == format) return &writer;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+Outcome writeNetwork(const Network& network, const std::string& path, const WriteOptions& options) {
+  const std::optional<FileFormat> format =
+      options.format ? options.format : fileFormatOfSuffix(path);
+  const Writer* const writer = format ? writerOf(*format) : nullptr;
+  if (!writer) {
+    return Error(ErrorKind::kArgument,
+                 "no format goes with this name; known are .xnet, .net, .edges, .csv, .mtx, .gml, "
+                 ".graphml and .veqa");
+  }
+  return withSource(network, writer->write, options.progress,
+                    [&](const ByteSource& source) { return writeFile(path, source); });
+}
+
+Result<std::string> networkText(const Network& network, FileFormat format,
+                                const Progress& progress) {
+  return withSource(network, writerOf(format)->write, progress, textOf);
+}
+
+Outcome writeVertexTable(const Network& network, const std::string& path,
+                         const Progress& progress) {
+  return withSource(network, internal::writeVertexTable, progress,
+                    [&](const ByteSource& source) { return writeFile(path, source); });
+}
+
+Result<std::string> vertexTableText(const Network& network, const Progress& progress) {
+  return withSource(network, internal::writeVertexTable, progress, textOf);
+}
+
+}  // namespace veq
