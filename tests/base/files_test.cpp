@@ -82,5 +82,41 @@ TEST(WholeFiles, OfANameWithADashAreFiles) {
   EXPECT_EQ(readFile(folder.path("-")).value(), "x");
 }
 
+TEST(WholeFiles, WhoseSourceGivesUpOrThrowsStayAsTheyWere) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("a", "old");
+  const auto half = [](const ByteSink& sink) { return sink("half") && false; };
+  const auto broken = [](const ByteSink& sink) -> bool {
+    static_cast<void>(sink("half"));
+    throw std::runtime_error("broken");
+  };
+  EXPECT_EQ(writeFile(path, half).error().text(), "Operation canceled");
+  EXPECT_THROW(writeFile(path, broken), std::runtime_error);
+  EXPECT_THROW(writeFile(folder.path("new"), broken), std::runtime_error);
+  EXPECT_EQ(bytesOf(path), "old");
+  EXPECT_THAT(folder.names(), ElementsAre("a"));
+}
+
+TEST(WholeFiles, AreCheckedWithoutATrace) {
+  const TemporaryFolder folder;
+  const std::string path = folder.write("a", "old");
+  std::filesystem::create_directory(folder.path("dir"));
+  ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
+  const auto before = std::filesystem::last_write_time(path);
+  EXPECT_TRUE(checkWritable(path));
+  EXPECT_TRUE(checkWritable(folder.path("new")));
+  EXPECT_TRUE(checkWritable(folder.path("pipe"))) << "It must not be opened.";
+  EXPECT_TRUE(checkWritable("/dev/full")) << "That is seen only by writing.";
+  EXPECT_TRUE(checkWritable("-"));
+  EXPECT_EQ(checkWritable(folder.path("dir")).error().text(), "Is a directory");
+  EXPECT_EQ(checkWritable(folder.path("new/")).error().text(), "Is a directory");
+  EXPECT_EQ(checkWritable(folder.path("no/new")).error().text(), "No such file or directory");
+  EXPECT_EQ(checkWritable(folder.path("a/new")).error().text(), "Not a directory");
+  EXPECT_EQ(checkWritable("").error().text(), "No such file or directory");
+  EXPECT_EQ(bytesOf(path), "old");
+  EXPECT_EQ(std::filesystem::last_write_time(path), before);
+  EXPECT_THAT(folder.names(), ElementsAre("a", "dir", "pipe"));
+}
+
 }  // namespace
 }  // namespace veq

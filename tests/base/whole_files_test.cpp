@@ -13,6 +13,8 @@
 #include <set>
 #include <thread>
 
+#include "tests/support/child_process.hpp"
+
 namespace veq::internal {
 namespace {
 
@@ -367,20 +369,24 @@ TEST_F(Files, ABrokenPipeIsAFailureAndNoSignal) {
   EXPECT_EQ(sigismember(&blocked, SIGXFSZ), 0);
 }
 
-// The system's link to an open file names where it was, with " (deleted)" behind it.
+// The system's link to the open file of another process names where it was, with " (deleted)"
+// behind it.
 TEST_F(Files, AFileThatNoPathNamesIsWrittenInPlace) {
   if (!fs::exists("/proc/self/fd")) GTEST_SKIP() << "no links to open files";
   make("f", "old and longer");
   const int file = ::open(path("f").c_str(), O_RDWR);
   ASSERT_GE(file, 0);
   fs::remove(path("f"));
-  const std::string link = "/proc/self/fd/" + std::to_string(file);
-  EXPECT_TRUE(writeWholeFile(link, "first", true));
+  const std::string link = "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(file);
+  const auto writeInAChild = [&link](std::string_view bytes) {
+    return test::statusOfChild([&] { return writeWholeFile(link, bytes, true) ? 0 : 1; });
+  };
+  EXPECT_EQ(writeInAChild("first"), 0);
   EXPECT_EQ(readWholeFile(link).value(), "first");
   EXPECT_EQ(names(), std::set<std::string>{});
   // Somebody else's file under that very name is not the one that the link leads to.
   make("f (deleted)", "another");
-  EXPECT_TRUE(writeWholeFile(link, "second", true));
+  EXPECT_EQ(writeInAChild("second"), 0);
   EXPECT_EQ(readWholeFile(link).value(), "second");
   EXPECT_EQ(contentsOf("f (deleted)"), "another");
   EXPECT_EQ(names(), std::set<std::string>{"f (deleted)"});

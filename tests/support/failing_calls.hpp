@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 namespace veq::test {
 
@@ -30,8 +31,22 @@ class FailingCall {
 
   /// Whether a call was made to fail.
   static bool happened();
-  /// The calls that this thread has made while the last one of these lived.
+  /// The calls that this thread has made while the last one of these lived: their number, and their
+  /// names with a blank behind each, "fsync_directory" for that of a directory.
   static std::uint64_t calls();
+  static const std::string& trace();
+};
+
+/// While this lives, this thread's file system knows no files without names.
+class OnlyNamedFiles {
+ public:
+  OnlyNamedFiles();
+  ~OnlyNamedFiles();
+  OnlyNamedFiles(const OnlyNamedFiles&) = delete;
+  OnlyNamedFiles& operator=(const OnlyNamedFiles&) = delete;
+
+ private:
+  bool before_;
 };
 
 }  // namespace veq::test

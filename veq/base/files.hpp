@@ -46,4 +46,10 @@ VEQ_EXPORT Outcome writeFile(std::string_view path, const ByteSource& bytes);
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT Outcome checkWritable(std::string_view path);
 
+/// Removes the files that unfinished atomic writes of this process have made beside their targets.
+/// For a program that is about to end by a signal, and safe in its handler. What nobody removes, as
+/// when a process is killed, the next atomic write of the same target does.
+/// \ingroup files
+VEQ_EXPORT void removeTemporaryFiles() noexcept;
+
 }  // namespace veq

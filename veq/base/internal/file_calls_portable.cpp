@@ -190,4 +190,11 @@ std::error_code writingError(const std::string& path) {
 
 }  // namespace veq::internal
 
+namespace veq {
+
+// The standard library has nothing that a signal handler may call for this.
+void removeTemporaryFiles() noexcept {}
+
+}  // namespace veq
+
 #endif

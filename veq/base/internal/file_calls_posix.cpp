@@ -2,169 +2,29 @@
 
 #if VEQ_POSIX_FILES
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
-#include <filesystem>
-#include <optional>
-#include <random>
-#include <stdexcept>
-#include <utility>
+#include <string_view>
 
+#include "veq/base/internal/descriptor.hpp"
 #include "veq/base/internal/quiet_write_signals.hpp"
+#include "veq/base/internal/replacement.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
 namespace veq::internal {
+
+namespace fs = std::filesystem;
+
 namespace {
 
-/// Repeats a call that a signal interrupted.
-template <class Call>
-auto uninterrupted(Call call) {
-  auto result = call();
-  while (result == -1 && errno == EINTR) result = call();
-  return result;
-}
-
-/// A file descriptor, closed when this dies.
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  ~Descriptor() { close(); }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  int number() const { return number_; }
-  bool isOpen() const { return number_ >= 0; }
-  /// Some file systems report a failed write only here. An interrupted close has closed.
-  bool close() {
-    const int number = std::exchange(number_, -1);
-    return number < 0 || ::close(number) == 0 || errno == EINTR;
-  }
-
- private:
-  int number_;
-};
-
-int openAt(int directory, const char* path, int flags, mode_t mode = 0) {
-  return uninterrupted(
-      [&] { return ::openat(directory, path, flags | O_CLOEXEC | O_NOCTTY, mode); });
-}
-
 constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // Some systems refuse 2^31 and more.
-
-bool writePiece(int file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = uninterrupted(
-        [&] { return ::write(file, bytes.data(), std::min(bytes.size(), kLargestPiece)); });
-    if (count <= 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return true;
-}
-
-bool writeAll(int file, const ByteSource& bytes) {
-  return bytes([file](std::string_view piece) { return writePiece(file, piece); });
-}
-
-bool sync(int file) {
-  return uninterrupted([&] { return ::fsync(file); }) == 0;
-}
-
-bool isSameFile(const struct stat& a, const struct stat& b) {
-  return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-}
-
-/// A name that nobody can foresee, so that nobody can lie in wait under it. Nothing where the
-/// system gives no randomness.
-std::optional<std::string> temporaryName() try {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::random_device device;
-  std::string name = ".veq-";
-  for (int word = 0; word < 2; ++word) {
-    std::uint32_t bits = device();
-    for (int i = 0; i < 8; ++i, bits >>= 4) name += kDigits[bits & 15];
-  }
-  return name + ".tmp";
-} catch (const std::runtime_error&) {
-  return std::nullopt;
-}
-
-/// Owner and permissions of `old`. Where the owner cannot be kept, the bits that lend its rights to
-/// others are not kept either.
-bool takeOver(int file, const struct stat& old) {
-  struct stat now {};
-  if (::fstat(file, &now) != 0) return false;
-  const bool isOwnerKept = (now.st_uid == old.st_uid && now.st_gid == old.st_gid) ||
-                           ::fchown(file, old.st_uid, old.st_gid) == 0;
-  return ::fchmod(file, old.st_mode & (isOwnerKept ? 07777u : 0777u)) == 0;
-}
-
-/// Puts a complete new file in the place of `target`, whose status is `old` if there is one. From
-/// the moment there is a temporary file nothing here throws.
-bool replaceFile(const std::filesystem::path& target, const ByteSource& bytes,
-                 const struct stat* old) {
-  const std::string name = target.filename().string();
-  const std::filesystem::path parent = target.parent_path();
-  const std::optional<std::string> temporary = temporaryName();
-  if (name.empty()) errno = EISDIR;
-  if (name.empty() || !temporary) return false;
-  // All names below are looked up in this directory, even if it is itself renamed meanwhile.
-  const Descriptor directory(
-      openAt(AT_FDCWD, parent.empty() ? "." : parent.c_str(), O_RDONLY | O_DIRECTORY));
-  if (!directory.isOpen()) return false;
-  const int in = directory.number();
-  // Renaming would not ask for the permission to write to the old file.
-  if (old != nullptr && ::faccessat(in, name.c_str(), W_OK, AT_EACCESS) != 0) return false;
-
-  const mode_t mode = old != nullptr ? 0600 : 0666;
-  Descriptor file(openAt(in, temporary->c_str(), O_WRONLY | O_CREAT | O_EXCL, mode));
-  if (!file.isOpen()) return false;
-  const bool isWritten = writeAll(file.number(), bytes) &&
-                         (old == nullptr || takeOver(file.number(), *old)) && sync(file.number()) &&
-                         file.close();
-  if (!isWritten || ::renameat(in, temporary->c_str(), in, name.c_str()) != 0) {
-    ::unlinkat(in, temporary->c_str(), 0);
-    return false;
-  }
-  // The new file stands; whether its name survives a power cut is up to the file system.
-  sync(in);
-  return true;
-}
-
-bool createInPlace(const std::filesystem::path& target, const ByteSource& bytes) {
-  Descriptor file(openAt(AT_FDCWD, target.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666));
-  if (!file.isOpen()) return false;
-  if (writeAll(file.number(), bytes) && file.close()) return true;
-  ::unlink(target.c_str());
-  return false;
-}
-
-/// Whether `target` is the file that opening `path` leads to: a link such as /dev/stdout may lead
-/// to a file that no path names. Somebody else may replace the file between the two looks, so that
-/// a difference counts only if it stays.
-bool isWhereLinksLead(const std::string& path, const std::filesystem::path& target) {
-  for (int look = 0; look < 100; ++look) {
-    struct stat opened {};
-    struct stat named {};
-    if (::stat(path.c_str(), &opened) != 0 || ::stat(target.c_str(), &named) != 0) return false;
-    if (isSameFile(opened, named)) return true;
-  }
-  return false;
-}
-
-bool overwriteInPlace(const std::string& path, const ByteSource& bytes) {
-  Descriptor file(openAt(AT_FDCWD, path.c_str(), O_WRONLY | O_TRUNC));
-  return file.isOpen() && writeAll(file.number(), bytes) && file.close();
-}
 
 }  // namespace
 
 struct ReadableFile::State {
-  explicit State(const std::string& path) : file(openAt(AT_FDCWD, path.c_str(), O_RDONLY)) {
+  explicit State(const std::string& path) : file(openedAt(AT_FDCWD, path.c_str(), O_RDONLY)) {
     if (!file.isOpen() || ::fstat(file.number(), &status) != 0) error = lastError();
     if (S_ISDIR(status.st_mode)) error = std::make_error_code(std::errc::is_a_directory);
   }
@@ -192,43 +52,185 @@ std::size_t ReadableFile::read(char* into, std::size_t capacity) {
 
 namespace {
 
-bool writeFile(const std::string& path, const ByteSource& bytes, bool atomically) {
-  struct stat old {};
-  const bool exists = ::stat(path.c_str(), &old) == 0;
-  if (!exists && errno != ENOENT) return false;
-  // Pipes and devices hold nothing that could be replaced; a directory refuses to be opened.
-  if (exists && (!atomically || !S_ISREG(old.st_mode))) return overwriteInPlace(path, bytes);
-
-  const std::optional<std::filesystem::path> target =
-      behindLinks(path, [](const std::filesystem::path&) { return false; });
-  if (!target) return false;
-  if (!exists) {
-    return atomically ? replaceFile(*target, bytes, nullptr) : createInPlace(*target, bytes);
+std::error_code writePiece(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = uninterrupted(
+        [&] { return ::write(file, bytes.data(), std::min(bytes.size(), kLargestPiece)); });
+    if (count < 0) return lastError();
+    if (count == 0) return std::make_error_code(std::errc::io_error);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
   }
-  const bool isLink = *target != std::filesystem::path(path);
-  if (isLink && !isWhereLinksLead(path, *target)) return overwriteInPlace(path, bytes);
-  return replaceFile(*target, bytes, &old);
+  return {};
 }
+
+std::error_code writeAll(int file, const ByteSource& bytes) {
+  std::error_code error;
+  const bool gaveAll = bytes([file, &error](std::string_view piece) {
+    error = writePiece(file, piece);
+    return !error;
+  });
+  return gaveAll || error ? error : std::make_error_code(std::errc::operation_canceled);
+}
+
+std::error_code writeAndClose(Descriptor file, const ByteSource& bytes) {
+  if (!file.isOpen()) return lastError();
+  const std::error_code error = writeAll(file.number(), bytes);
+  return error || file.close() ? error : lastError();
+}
+
+std::error_code replaceFile(const fs::path& target, const ByteSource& bytes,
+                            const struct stat* old) {
+  Replacement file(target, old);
+  if (file.error()) return file.error();
+  const std::error_code error = writeAll(file.number(), bytes);
+  return error ? error : file.putInPlace();
+}
+
+/// A file that did not exist, and that vanishes with this unless it is kept.
+class NewFile {
+ public:
+  explicit NewFile(const fs::path& path)
+      : path_(path), file_(openedAt(AT_FDCWD, path.c_str(), O_WRONLY | O_CREAT | O_EXCL, 0666)) {}
+  ~NewFile() {
+    struct stat status {};
+    // Somebody else may have put another one in its place.
+    if (file_.isOpen() && ::fstat(file_.number(), &status) == 0 &&
+        isNameOf(AT_FDCWD, path_.c_str(), status)) {
+      ::unlink(path_.c_str());
+    }
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  bool isOpen() const { return file_.isOpen(); }
+  int number() const { return file_.number(); }
+  bool keep() {
+    if (!wouldCloseWell(file_.number())) return false;
+    file_.close();
+    return true;
+  }
+
+ private:
+  const fs::path& path_;
+  Descriptor file_;
+};
+
+std::error_code createInPlace(const fs::path& target, const ByteSource& bytes) {
+  NewFile file(target);
+  if (!file.isOpen()) return lastError();
+  const std::error_code error = writeAll(file.number(), bytes);
+  return error || file.keep() ? error : lastError();
+}
+
+/// The open file of this process that a path in a folder such as /proc/self/fd stands for.
+std::optional<int> ownDescriptor(const fs::path& path) {
+  const std::string name = path.filename().string();
+  const bool isNumber = !name.empty() && name.find_first_not_of("0123456789") == name.npos;
+  if (!isNumber || name.size() > 9 || (name[0] == '0' && name != "0")) return std::nullopt;
+  std::error_code error;
+  const fs::path folder = fs::canonical(path.parent_path(), error);
+  if (error) return std::nullopt;
+  for (const char* own : {"/proc/self/fd", "/proc/thread-self/fd", "/dev/fd"}) {
+    if (fs::canonical(own, error) == folder) return std::stoi(name);
+  }
+  return std::nullopt;
+}
+
+bool isOwnDescriptor(const fs::path& path) { return ownDescriptor(path).has_value(); }
+
+/// Where the file stands and in its mode, as if it had been written to all along: opening its link
+/// anew would begin at the file's start and cut off what has been written before.
+std::error_code writeToDescriptor(int file, const ByteSource& bytes) {
+  // What the process has printed comes first.
+  if (file == STDOUT_FILENO && std::fflush(stdout) != 0) return lastError();
+  return writeAll(file, bytes);
+}
+
+/// Whether `target` is the file that opening `path` leads to: a link of the system's may lead to a
+/// file that no path names. Somebody else may replace the file between the two looks, so that a
+/// difference counts only if it stays.
+bool isWhereLinksLead(const std::string& path, const fs::path& target) {
+  for (int look = 0; look < 100; ++look) {
+    struct stat opened {};
+    struct stat named {};
+    if (::stat(path.c_str(), &opened) != 0 || ::stat(target.c_str(), &named) != 0) return false;
+    if (isSameFile(opened, named)) return true;
+  }
+  return false;
+}
+
+/// What a path leads to, and how it is to be written.
+struct Destination {
+  enum class Way { kReplace, kCreate, kOverwrite, kDescriptor };
+
+  Destination(const std::string& path, bool atomically)
+      : target(behindLinks(path, isOwnDescriptor)) {
+    if (target) descriptor = ownDescriptor(*target);
+    exists = ::stat(path.c_str(), &status) == 0;
+    if (!exists && errno != ENOENT) error = lastError();
+    if (S_ISDIR(status.st_mode)) error = std::make_error_code(std::errc::is_a_directory);
+    if (!exists && !target) error = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    way = chosenWay(path, atomically);
+  }
+
+  std::optional<fs::path> target;
+  std::optional<int> descriptor;
+  struct stat status {};
+  bool exists = false;
+  std::error_code error;
+  Way way;
+
+ private:
+  Way chosenWay(const std::string& path, bool atomically) const {
+    if (descriptor) return Way::kDescriptor;
+    if (!exists) return atomically ? Way::kReplace : Way::kCreate;
+    // Pipes and devices hold nothing that could be replaced.
+    if (!atomically || !S_ISREG(status.st_mode) || !target) return Way::kOverwrite;
+    const bool isLink = *target != fs::path(path);
+    return isLink && !isWhereLinksLead(path, *target) ? Way::kOverwrite : Way::kReplace;
+  }
+};
+
+using Way = Destination::Way;
 
 }  // namespace
 
 std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically) {
   const QuietWriteSignals quiet;
-  return writeFile(path, bytes, atomically) ? std::error_code() : lastError();
+  const Destination to(path, atomically);
+  if (to.error) return to.error;
+  switch (to.way) {
+    case Way::kDescriptor:
+      return writeToDescriptor(*to.descriptor, bytes);
+    case Way::kReplace:
+      return replaceFile(*to.target, bytes, to.exists ? &to.status : nullptr);
+    case Way::kCreate:
+      return createInPlace(*to.target, bytes);
+    case Way::kOverwrite:
+      break;
+  }
+  return writeAndClose(openedAt(AT_FDCWD, path.c_str(), O_WRONLY | O_TRUNC), bytes);
 }
 
 std::error_code writeBytesToStandardOutput(const ByteSource& bytes) {
   const QuietWriteSignals quiet;
-  return std::fflush(stdout) == 0 && writeAll(STDOUT_FILENO, bytes) ? std::error_code()
-                                                                    : lastError();
+  return writeToDescriptor(STDOUT_FILENO, bytes);
 }
 
 std::error_code writingError(const std::string& path) {
-  struct stat old {};
-  if (::stat(path.c_str(), &old) != 0) return errno == ENOENT ? std::error_code() : lastError();
-  if (S_ISDIR(old.st_mode)) return std::make_error_code(std::errc::is_a_directory);
-  if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return lastError();
-  return {};
+  const Destination to(path, true);
+  if (to.error) return to.error;
+  if (to.way == Way::kReplace) {
+    return Replacement(*to.target, to.exists ? &to.status : nullptr).error();
+  }
+  if (to.way == Way::kOverwrite) {
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 ? std::error_code()
+                                                                      : lastError();
+  }
+  const int mode = ::fcntl(*to.descriptor, F_GETFL);
+  if (mode < 0) return lastError();
+  return (mode & O_ACCMODE) != O_RDONLY ? std::error_code()
+                                        : std::make_error_code(std::errc::bad_file_descriptor);
 }
 
 }  // namespace veq::internal
