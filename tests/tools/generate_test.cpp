@@ -91,7 +91,7 @@ TEST(GenerateCommand, OutputIsCheckedBeforehand) {
   const ProgramRun run = runVeq(
       {"generate", "random", "--vertices", "1000000", "--degree", "9", "no/such/directory/n.xnet"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.errors, "veq: no/such/directory/n.xnet: cannot be written\n");
+  EXPECT_EQ(run.errors, "veq: no/such/directory/n.xnet: No such file or directory\n");
 }
 
 }  // namespace

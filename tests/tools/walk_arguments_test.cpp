@@ -88,11 +88,11 @@ TEST(WalkArguments, OutputsThatCannotBeWrittenAreRefusedBeforeTheWalk) {
     ProgramRun run = walkWith({option, nowhere});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.errors, "veq: " + nowhere + ": cannot be written\n");
+    EXPECT_EQ(run.errors, "veq: " + nowhere + ": No such file or directory\n");
     run = walkWith({option, directory.path("")});
     EXPECT_EQ(run.exitCode, 1);
     EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.errors, "veq: " + directory.path("") + ": is a directory\n");
+    EXPECT_EQ(run.errors, "veq: " + directory.path("") + ": Is a directory\n");
   }
   EXPECT_TRUE(directory.names().empty());
 }

@@ -8,6 +8,7 @@
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "terminal.hpp"
 #include "text.hpp"
 
 namespace {
@@ -21,6 +22,7 @@ int fail(std::string_view reason) {
 
 int main(int argc, char** argv) {
   veq::setDiagnosticSink({});
+  veq::tool::tidyUpOnSignals();
   try {
     veq::tool::CommandLine commandLine;
     veq::tool::addInfo(commandLine);

@@ -117,13 +117,8 @@ void note(const std::string& file, std::string_view text) {
 }
 
 void requireWritable(const std::string& file) {
-  std::error_code ignored;
-  if (fs::is_directory(file, ignored)) throw Failure(file, "is a directory");
-  const bool isNew = !fs::exists(file, ignored);
-  // A pipe whose other end sees it closed would take that for the end.
-  if (!isNew && !fs::is_regular_file(file, ignored)) return;
-  if (!std::ofstream(file, std::ios::app)) throw Failure(file, "cannot be written");
-  if (isNew) fs::remove(file, ignored);
+  const Outcome writable = checkWritable(file);
+  if (!writable) throw Failure(file, writable.error().text());
 }
 
 std::string sizeText(const VEQNetwork& network) {

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include <veq/base/files.hpp>
+
 #if __has_include(<sys/ioctl.h>) && __has_include(<unistd.h>)
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -16,6 +18,18 @@ namespace {
 volatile std::sig_atomic_t interruptNoted = 0;
 
 void noteInterrupt(int) { interruptNoted = 1; }
+
+void tidyUpAndEnd(int signal) {
+  removeTemporaryFiles();
+  static_cast<void>(std::signal(signal, SIG_DFL));
+  static_cast<void>(std::raise(signal));
+}
+
+#ifdef SIGHUP
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+#else
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM};
+#endif
 
 }  // namespace
 
@@ -34,6 +48,15 @@ void writeToTerminal(std::string_view text) {
   // Whoever closes the terminal can be told nothing.
   static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
   static_cast<void>(std::fflush(stderr));
+}
+
+void tidyUpOnSignals() {
+  for (const int signal : kEndingSignals) {
+    // A program that was started with a signal ignored, as nohup does, goes on ignoring it.
+    if (std::signal(signal, tidyUpAndEnd) == SIG_IGN) {
+      static_cast<void>(std::signal(signal, SIG_IGN));
+    }
+  }
 }
 
 InterruptWatch::InterruptWatch() {

@@ -1,5 +1,5 @@
 /// \file
-/// Standard error as a terminal.
+/// Standard error as a terminal, and the signals that come from one.
 #pragma once
 
 #include <cstddef>
@@ -12,6 +12,10 @@ namespace veq::tool {
 
 /// Writes at once, whatever the text ends with.
 void writeToTerminal(std::string_view text);
+
+/// From now on a signal that ends the program, from the keyboard or by somebody's wish, first
+/// removes the files that it has in the making.
+void tidyUpOnSignals();
 
 /// While it lives, an interrupt from the keyboard is only noted.
 class InterruptWatch {
