@@ -19,6 +19,8 @@
 #include "veq/handles/edge.hpp"
 #include "veq/handles/handle_array.hpp"
 #include "veq/handles/vertex.hpp"
+#include "veq/models.hpp"
+#include "veq/models/model_networks.hpp"
 #include "veq/models/random_generator.hpp"
 #include "veq/models/random_state.hpp"
 #include "veq/natural/choice.hpp"

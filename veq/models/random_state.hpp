@@ -10,8 +10,8 @@
 #include <span>
 
 #include "veq/base/export.hpp"
-#include "veq/base/result.hpp"
 #include "veq/base/internal/uint128.hpp"
+#include "veq/base/result.hpp"
 #include "veq/models/internal/random_stream.hpp"
 
 namespace veq {

@@ -1,0 +1,82 @@
+/// \file
+/// What all model networks share.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "veq/base/internal/pace.hpp"
+#include "veq/models/internal/draw_blocks.hpp"
+#include "veq/models/model_networks.hpp"
+#include "veq/network/internal/network_core.hpp"
+
+namespace veq::internal {
+
+[[nodiscard]] inline Error argumentError(std::string text) {
+  return {ErrorKind::kArgument, std::move(text)};
+}
+/// "p = 0.25", in the shortest form.
+[[nodiscard]] std::string namedNumber(const std::string& name, double value);
+[[nodiscard]] inline std::string namedNumber(const std::string& name, std::uint64_t value) {
+  return name + " = " + std::to_string(value);
+}
+
+/// "n = 0: give at least 1", and beyond the most.
+[[nodiscard]] std::optional<Error> countError(std::uint64_t n, std::uint64_t most);
+/// Outside 0 to 1.
+[[nodiscard]] std::optional<Error> probabilityError(const std::string& name, double p);
+/// A network that memory could not hold. `arguments` says of what. Vertices without edges take
+/// address space only, but for what a model itself keeps of each.
+[[nodiscard]] std::optional<Error> memoryError(const std::string& arguments, double vertices,
+                                               double edges, double bytesPerVertex = 0);
+
+/// Ends of edges that are being found.
+struct GrowingEnds {
+  RawVector<std::uint64_t> from;
+  RawVector<std::uint64_t> to;
+
+  void reserve(std::uint64_t edges) {
+    from.reserve(edges);
+    to.reserve(edges);
+  }
+  void add(std::uint64_t source, std::uint64_t target) {
+    from.push_back(source);
+    to.push_back(target);
+  }
+  [[nodiscard]] std::uint64_t count() const { return from.size(); }
+};
+
+[[nodiscard]] NetworkDraft draftOf(std::uint64_t vertices, GrowingEnds ends, bool directed = false);
+
+/// The network of the draft that `make(draws)` returns, with the draws that the options name. The
+/// work may throw Stopped.
+template <class Make>
+[[nodiscard]] Result<Network> generated(const ModelOptions& options, Make make) {
+  if (options.random && options.seed) {
+    return argumentError("a seed and a random state: give one of them");
+  }
+  std::optional<RandomState> state;
+  if (options.random) state = *options.random;
+  if (options.seed) {
+    const Result<RandomState> seeded = RandomState::seeded(*options.seed);
+    if (!seeded) return seeded.error();
+    state = seeded.value();
+  }
+  try {
+    DrawBlocks draws(state ? &*state : nullptr);
+    Network network(CoreAccess::shared(CoreAccess::buildCore(make(draws))));
+    if (options.random) *options.random = *state;
+    return network;
+  } catch (const Stopped&) {
+    return Error(ErrorKind::kStopped, "stopped");
+  } catch (const std::out_of_range& end) {  // of a substream
+    return argumentError(end.what());
+  } catch (const std::length_error&) {
+    throw std::bad_alloc();
+  }
+}
+
+}  // namespace veq::internal
