@@ -7,14 +7,14 @@
 #include <random>
 #include <utility>
 
+#include "veq/base/internal/uint128.hpp"
+
 namespace veq::internal {
 namespace {
 
-__extension__ using Wide = unsigned __int128;
-
 /// Both halves of the product, of which every bit depends on all bits of the factors.
 std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
-  const Wide product = static_cast<Wide>(a) * b;
+  const Uint128 product = Uint128{a} * b;
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 

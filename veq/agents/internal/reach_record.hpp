@@ -7,6 +7,7 @@
 
 #include "veq/agents/agent_information.hpp"
 #include "veq/agents/internal/move_block.hpp"
+#include "veq/base/internal/atomic_ref.hpp"
 
 namespace veq::internal {
 
@@ -45,21 +46,21 @@ class ReachRecord {
       met = isMet(target);
     }
     addSteps(taken);
-    if (met) std::atomic_ref(information_.finished).store(true, std::memory_order_relaxed);
+    if (met) AtomicRef<bool>(information_.finished).store(true, std::memory_order_relaxed);
     return taken;
   }
   /// Counts further steps, in which nobody moved.
   void addSteps(std::uint64_t steps) {
-    std::atomic_ref(information_.walkCount).fetch_add(steps, std::memory_order_relaxed);
+    AtomicRef<std::uint64_t>(information_.walkCount).fetch_add(steps, std::memory_order_relaxed);
   }
 
-  // The const_cast is what std::atomic_ref needs to read.
+  // The const_cast is what an AtomicRef needs to read.
   [[nodiscard]] bool finished() const {
-    return std::atomic_ref(const_cast<bool&>(information_.finished))
+    return AtomicRef<bool>(const_cast<bool&>(information_.finished))
         .load(std::memory_order_relaxed);
   }
   [[nodiscard]] std::uint64_t walkCount() const {
-    return std::atomic_ref(const_cast<std::uint64_t&>(information_.walkCount))
+    return AtomicRef<std::uint64_t>(const_cast<std::uint64_t&>(information_.walkCount))
         .load(std::memory_order_relaxed);
   }
 
@@ -89,7 +90,8 @@ class ReachRecord {
   std::uint64_t vertices_;
   double shareOfOne_;
   std::uint64_t marked_ = 0;
-  VEQAgentInformation information_ = newVEQAgentInformation();
+  // Some 32-bit targets align its count of steps to 4 bytes only.
+  alignas(8) VEQAgentInformation information_ = newVEQAgentInformation();
 };
 
 }  // namespace veq::internal

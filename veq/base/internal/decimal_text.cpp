@@ -6,6 +6,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <optional>
@@ -18,7 +19,7 @@ namespace {
 constexpr std::int64_t kLeadingDigits = 19;  // 10^19 - 1 fits into 64 bits.
 // Far beyond every range, and far enough from the ends of 64 bits for any number of digits.
 constexpr std::int64_t kExponentLimit = 100'000'000'000'000'000;
-// A double lies half-way between two others in at most 767 digits; the rest only breaks the tie.
+// A double lies half-way between two others in at most 768 digits; the rest only breaks the tie.
 constexpr std::size_t kDecidingDigits = 770;
 
 /// A decimal number in text: the value is the sign, `leading` and 10^exponent, and digits that did
@@ -96,6 +97,26 @@ double roundedOnce(const DecimalText& decimal) {
                               : leading * kExactPowers[static_cast<std::size_t>(decimal.exponent)];
 }
 
+/// Reads digits with an exponent, behind which stands a NUL. False where the number is out of
+/// range.
+#if defined(__cpp_lib_to_chars)
+template <class Number>
+bool readByLibrary(const char* text, const char* end, Number& value) {
+  return std::from_chars(text, end, value).ec != std::errc::result_out_of_range;
+}
+#else
+// Without a point in the text the C library reads the same in every locale. What is out of range it
+// gives as an infinity or zero.
+bool readByLibrary(const char* text, const char* /*end*/, double& value) {
+  value = std::strtod(text, nullptr);
+  return true;
+}
+bool readByLibrary(const char* text, const char* /*end*/, float& value) {
+  value = std::strtof(text, nullptr);
+  return true;
+}
+#endif
+
 /// The number written as digits and one exponent, which is short however long the text is. The
 /// standard library reads it; what it leaves open (signs, ranges) is decided here.
 template <class Number>
@@ -130,8 +151,9 @@ Number roundedByLibrary(const DecimalText& decimal) {
   if (magnitude < -400) return 0;
   *out++ = 'e';
   out = std::to_chars(out, text + sizeof text, exponent).ptr;
+  *out = '\0';
   Number value = 0;
-  if (std::from_chars(text, out, value).ec == std::errc::result_out_of_range) {
+  if (!readByLibrary(text, out, value)) {
     return magnitude > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
   }
   return value;

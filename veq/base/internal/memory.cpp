@@ -1,5 +1,6 @@
 #include "veq/base/internal/memory.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -18,13 +19,15 @@ constexpr std::uint64_t kLarge = std::uint64_t{4} << 20;
 // No object is larger, whatever the allocator would say.
 constexpr std::uint64_t kLargest = PTRDIFF_MAX;
 
-/// Of this machine in bytes; the largest of all objects where the system does not say.
+/// Of this machine in bytes, as far as one object can use it.
 std::uint64_t physicalMemory() {
 #if defined(_SC_PHYS_PAGES) && defined(_SC_PAGESIZE)
   const long pages = sysconf(_SC_PHYS_PAGES);
   const long pageSize = sysconf(_SC_PAGESIZE);
   if (pages > 0 && pageSize > 0) {
-    return static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+    const std::uint64_t all =
+        static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
+    return std::min(all, kLargest);
   }
 #endif
   return kLargest;
@@ -38,7 +41,7 @@ void askForHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_
   static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto address = reinterpret_cast<std::uintptr_t>(block);
   const auto begin = (address + page - 1) / page * page;
-  const auto end = (address + bytes) / page * page;
+  const auto end = (address + static_cast<std::uintptr_t>(bytes)) / page * page;
   // A refusal costs speed only.
   if (begin < end) {
     madvise(static_cast<char*>(block) + (begin - address), end - begin, MADV_HUGEPAGE);
@@ -54,7 +57,7 @@ void requireMemory(std::uint64_t count, std::uint64_t elementSize) {
 void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize) {
   if (count == 0) return nullptr;
   if (count > kLargest / elementSize) throw std::bad_alloc();
-  void* block = std::calloc(count, elementSize);
+  void* block = std::calloc(static_cast<std::size_t>(count), static_cast<std::size_t>(elementSize));
   if (!block) throw std::bad_alloc();
   askForHugePages(block, count * elementSize);
   return block;
@@ -62,7 +65,7 @@ void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize) {
 
 void* reallocate(void* block, std::uint64_t count, std::uint64_t elementSize) {
   if (count > kLargest / elementSize) throw std::bad_alloc();
-  const std::uint64_t bytes = count * elementSize;
+  const auto bytes = static_cast<std::size_t>(count * elementSize);
   if (bytes == 0) {
     release(block);
     return nullptr;

@@ -7,6 +7,7 @@
 #include <new>
 #include <type_traits>
 
+#include "veq/base/internal/atomic_ref.hpp"
 #include "veq/base/internal/make_once.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/ownership.hpp"
@@ -52,7 +53,7 @@ class HandleTable {
         [](Kind** unused) { release(unused); });
     const std::uint64_t first = (place - 1) * kSegmentSize;
     Kind* segment = makeOnce(
-        std::atomic_ref<Kind*>(group[place - (std::uint64_t{1} << g)]),
+        AtomicRef<Kind*>(group[place - (std::uint64_t{1} << g)]),
         [this, first] { return makeSegment(first); },
         [](Kind* unused) { ::operator delete(unused); });
     return segment[index - first];
@@ -67,8 +68,8 @@ class HandleTable {
     const unsigned g = static_cast<unsigned>(std::bit_width(place)) - 1;
     Kind** group = directory->groups[g].load(std::memory_order_acquire);
     if (!group) return nullptr;
-    const Kind* segment = std::atomic_ref<Kind*>(group[place - (std::uint64_t{1} << g)])
-                              .load(std::memory_order_acquire);
+    const Kind* segment =
+        AtomicRef<Kind*>(group[place - (std::uint64_t{1} << g)]).load(std::memory_order_acquire);
     return segment ? &segment[index % kSegmentSize] : nullptr;
   }
   /// Whether find() can give anything.
