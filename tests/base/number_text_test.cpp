@@ -56,8 +56,6 @@ TEST(NumberText, ShortestTextOfADouble) {
   EXPECT_EQ(shortest(5e-324), "5e-324");
   EXPECT_EQ(shortest(kInfinity), "inf");
   EXPECT_EQ(shortest(-kInfinity), "-inf");
-  EXPECT_EQ(shortest(kNan), "nan");
-  EXPECT_EQ(shortest(std::copysign(kNan, -1.0)), "-nan");
 }
 
 TEST(NumberText, ShortestTextOfAFloat) {
@@ -106,8 +104,15 @@ TEST(NumberText, SixDecimals) {
   EXPECT_EQ(sixDecimals(5e-324), "0.000000");
   EXPECT_EQ(sixDecimals(kInfinity), "inf");
   EXPECT_EQ(sixDecimals(-kInfinity), "-inf");
-  EXPECT_EQ(sixDecimals(kNan), "nan");
-  EXPECT_EQ(sixDecimals(std::copysign(kNan, -1.0)), "-nan");
+}
+
+// inf - inf has the sign on x86 and none on ARM.
+TEST(NumberText, ANanHasNoSign) {
+  for (const double nan : {kNan, std::copysign(kNan, -1.0), std::copysign(kNan, 1.0)}) {
+    EXPECT_EQ(shortest(nan), "nan");
+    EXPECT_EQ(shortest(static_cast<float>(nan)), "nan");
+    EXPECT_EQ(sixDecimals(nan), "nan");
+  }
 }
 
 TEST(NumberText, SixDecimalsOfExactHalvesGoToTheEvenDigit) {
@@ -127,6 +132,7 @@ TEST(NumberText, TheGreatestDoubleHas309DigitsBeforeThePoint) {
 }
 
 void expectLikePrintf(double value) {
+  if (std::isnan(value)) return;
   char text[400];
   std::snprintf(text, sizeof text, "%f", value);
   ASSERT_EQ(sixDecimals(value), text);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -126,6 +127,23 @@ TEST(MatrixDump, PrintsSixDecimalsOfEachFloat) {
             "16777216.000000  0.100000  0.000000  \n"
             "0.000000  -2.500000  inf  \n"
             "0.000000  0.000000  -0.000000  \n");
+}
+
+// The sign of inf - inf differs between processors, and its text does not.
+TEST(MatrixDump, SumsThatAreNoNumberHaveNoSignAndNeitherHaveStrengths) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const VEQNumberArray weights =
+      VEQNumberArray::ofFloats({kInfinity, -kInfinity, std::copysign(nan, -1.0F), nan});
+  const auto network =
+      VEQNetwork::initWithLinksIndexedFrom_toIndices_directed_verticesWeights_edgesWeights(
+          VEQNumberArray::ofIndices({0, 0, 1, 1}), VEQNumberArray::ofIndices({0, 0, 0, 1}), true,
+          nullptr, &weights);
+  EXPECT_EQ(network->VEQ_MatrixDebug(),
+            "nan  0.000000  \n"
+            "nan  nan  \n");
+  EXPECT_EQ(network->calcStrengths()->description(), "(nan, nan)");
+  EXPECT_EQ(weights.description(), "(inf, -inf, nan, nan)");
 }
 
 TEST(MatrixDump, CountsAnUndirectedSelfLoopTwice) {

@@ -19,10 +19,10 @@ void appendDigits(std::string& out, Integer value) {
   out.append(text, std::to_chars(text, text + sizeof text, value).ptr);
 }
 
-/// The text of what is no finite number.
+/// The text of what is no finite number. The sign of a NaN differs between processors: 0 / 0 has
+/// one on x86 and none on ARM.
 char* writeNonFinite(char* at, double value) {
-  if (std::signbit(value)) *at++ = '-';
-  const std::string_view text = std::isnan(value) ? "nan" : "inf";
+  const std::string_view text = std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf";
   return std::copy(text.begin(), text.end(), at);
 }
 

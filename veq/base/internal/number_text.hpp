@@ -17,12 +17,12 @@ void appendInteger(std::string& out, std::uint64_t value);
 
 /// The shortest decimal text that reads back as the same number. Whole numbers below 2^53 are
 /// written out ("100000", "-0"); other numbers take an exponent where that is shorter ("1e-07").
-/// Infinities and NaN give "inf", "-inf", "nan" and "-nan".
+/// Infinities give "inf" and "-inf", every NaN "nan".
 void appendShortest(std::string& out, double value);
 void appendShortest(std::string& out, float value);
 
 /// Six decimals, as "%f" gives them: halves of the exact value to even, up to 309 digits before the
-/// point, "-0.000000" for what rounds to zero from below, "inf", "-inf", "nan" and "-nan".
+/// point, "-0.000000" for what rounds to zero from below, "inf" and "-inf". Every NaN gives "nan".
 void appendSixDecimals(std::string& out, double value);
 
 /// The same into a buffer with room for the longest of them, for a loop that puts a line together
