@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <clocale>
 #include <cmath>
@@ -133,6 +134,43 @@ TEST(NumberReading, RoundsTiesToEvenAndEveryFurtherDigitCounts) {
   EXPECT_EQ(readWhole(longText("9007199254740993.", 2000, '0', "")), 9007199254740992.0);
   EXPECT_EQ(readWhole(longText("9007199254740993.", 2000, '0', "1")), 9007199254740994.0);
   EXPECT_EQ(readWhole(longText("9007199254740993", 2000, '0', "e-2000")), 9007199254740992.0);
+}
+
+/// The digits of n x 5^power, which are those of n x 2^-power: multiplied on paper.
+std::string timesPowerOfFive(std::uint64_t n, int power) {
+  std::string digits = std::to_string(n);  // the last first
+  std::reverse(digits.begin(), digits.end());
+  for (; power > 0; --power) {
+    int carry = 0;
+    for (char& digit : digits) {
+      carry += 5 * (digit - '0');
+      digit = static_cast<char>('0' + carry % 10);
+      carry /= 10;
+    }
+    if (carry > 0) digits += static_cast<char>('0' + carry);
+  }
+  std::reverse(digits.begin(), digits.end());
+  return digits;
+}
+
+// The longest decimals that lie half-way between two doubles: odd multiples of 2^-1075. Their last
+// digit decides, and so does one behind it.
+TEST(NumberReading, EveryDigitOfATieBetweenTheLeastDoublesCounts) {
+  const std::string three = timesPowerOfFive(3, 1075);
+  ASSERT_EQ(three.size(), 752U);
+  EXPECT_EQ(three.substr(0, 8), "74109846");  // 3 x 2.4703282292062327e-324, the half of the least
+  EXPECT_EQ(bitsOf(readWhole(three + "e-1075")), 2U);
+  EXPECT_EQ(bitsOf(readWhole(three + "1e-1076")), 2U);
+  EXPECT_EQ(bitsOf(readWhole(three.substr(0, 751) + "4e-1075")), 1U);
+  EXPECT_EQ(bitsOf(readWhole("0." + three.substr(0, 400) + "e-323")), 1U);
+  const std::string five = timesPowerOfFive(5, 1075);
+  EXPECT_EQ(bitsOf(readWhole(five + "e-1075")), 2U);
+  EXPECT_EQ(bitsOf(readWhole(five + "00000000000000000000000001e-1101")), 3U);
+  // Half a unit below 2^-1021: no tie has more digits.
+  const std::string most = timesPowerOfFive(18014398509481983, 1075);
+  ASSERT_EQ(most.size(), 768U);
+  EXPECT_EQ(bitsOf(readWhole(most + "e-1075")), 0x0020000000000000U);
+  EXPECT_EQ(bitsOf(readWhole(most.substr(0, 767) + "4e-1075")), 0x001FFFFFFFFFFFFFU);
 }
 
 TEST(NumberReading, RoundsOnceToAFloat) {

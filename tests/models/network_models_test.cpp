@@ -119,6 +119,13 @@ TEST(PreferentialAttachment, EqualsTheLiteralFormBeyondOneBlockOfDraws) {
   EXPECT_EQ(nextDraw(), generator.draw());
 }
 
+// The first draw of seed 996 is 1987296140, and 5743043 x 1987296140 / 2147483647 lies 2^-32 below
+// 5314651.5, which is the double that the product gives.
+TEST(PreferentialAttachment, AHalfChoosesTheHigherEntry) {
+  seed(996);
+  EXPECT_EQ(edgesOf(*barabasi(5743044, 1, 1)), (EdgeList{{5743044, 5314652}}));
+}
+
 TEST(PreferentialAttachment, HasNoSelfLoopsAndNoParallelEdges) {
   seed(3);
   const auto network = barabasi(60, 50, 100);
@@ -189,8 +196,10 @@ TEST(RandomNetwork, LinksThePairsOfSeedOneAndDrawsWholeBatches) {
 
 // The first draw is 1804289383, and half the degree is the probability that a pair is linked.
 TEST(RandomNetwork, LinksAPairWhoseDrawLiesBelowByAFraction) {
-  seed(1);
-  EXPECT_EQ(edgesOf(*randomNetwork(2, 1804289383.5 / 0x1p30)), (EdgeList{{0, 1}}));
+  for (const double threshold : {1804289384.0, 1804289383.5, 1804289383.25}) {
+    seed(1);
+    EXPECT_EQ(edgesOf(*randomNetwork(2, threshold / 0x1p30)), (EdgeList{{0, 1}})) << threshold;
+  }
   seed(1);
   EXPECT_EQ(edgesOf(*randomNetwork(2, 1804289383.0 / 0x1p30)), EdgeList());
 }
