@@ -1,5 +1,14 @@
 # The library, and one function for each kind of program that the project builds around it.
 include(GoogleTest OPTIONAL)
+include(CheckCXXSourceCompiles)
+
+# What the library and everything that includes its headers must be compiled with. 32-bit x86 computes
+# with more bits than a double has unless it is told not to.
+check_cxx_source_compiles("#ifndef __i386__\n#error\n#endif\nint main() {}" VEQ_IS_I386)
+set(VEQ_PUBLIC_OPTIONS "")
+if(VEQ_IS_I386)
+  set(VEQ_PUBLIC_OPTIONS -msse2 -mfpmath=sse)
+endif()
 
 # veq_library(NAME [STATIC] [EXCLUDE_FROM_ALL]): the library from VEQ_SOURCES, static or shared as
 # BUILD_SHARED_LIBS says. What is PRIVATE here reaches no project that uses the library.
@@ -8,6 +17,7 @@ function(veq_library name)
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>"
                                             "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
   target_compile_features(${name} PUBLIC cxx_std_20)
+  target_compile_options(${name} PUBLIC ${VEQ_PUBLIC_OPTIONS})
   target_link_libraries(${name} PUBLIC Threads::Threads)
   set_target_properties(${name} PROPERTIES CXX_EXTENSIONS OFF CXX_VISIBILITY_PRESET hidden
                                            VISIBILITY_INLINES_HIDDEN ON VERSION ${PROJECT_VERSION}
