@@ -3,9 +3,12 @@
 # warnings are errors in the presets alone.
 option(VEQ_WERROR "Treat warnings as errors" OFF)
 
+# Indices have 64 bits everywhere. Where pointers have 32, each use of one would be a conversion to
+# warn of, although the sizes have been compared with what memory can hold.
 function(veq_developer_options target)
   if(PROJECT_IS_TOP_LEVEL)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow
+                                             $<$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>:-Wconversion>
                                              -Wnon-virtual-dtor -Woverloaded-virtual
                                              $<$<BOOL:${VEQ_WERROR}>:-Werror>)
   endif()

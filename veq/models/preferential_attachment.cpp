@@ -12,6 +12,7 @@
 
 #include "veq/base/internal/memory.hpp"
 #include "veq/models/internal/random_engine.hpp"
+#include "veq/numeric/internal/element_storage.hpp"
 
 namespace veq::internal {
 namespace {
@@ -93,8 +94,8 @@ template <class Index>
 NetworkDraft grow(std::uint64_t initialVertices, std::uint64_t degreeGrowth,
                   std::uint64_t iterations) {
   const std::uint64_t edges = degreeGrowth * iterations;
-  RawVector<std::uint64_t> from(edges);
-  RawVector<std::uint64_t> to(edges);
+  RawVector<std::uint64_t> from(sizeOf<std::uint64_t>(edges));
+  RawVector<std::uint64_t> to(from.size());
   Block<Index> pool(initialVertices + 2 * edges);
   for (std::uint64_t v = 0; v < initialVertices; ++v) pool[v] = static_cast<Index>(v);
   TargetSet targets(degreeGrowth);

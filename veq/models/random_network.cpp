@@ -11,6 +11,7 @@
 #include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
 #include "veq/models/internal/random_hits.hpp"
+#include "veq/numeric/internal/element_storage.hpp"
 
 namespace veq::internal {
 namespace {
@@ -52,8 +53,9 @@ void reserve(PairRows& rows, Uint128 pairs, double probability) {
   const double expected = static_cast<double>(pairs) * std::min(probability, 1.0);
   const double most = expected + 4 * std::sqrt(expected);
   if (most > 0x1p60) throw std::bad_alloc();
-  rows.from.reserve(static_cast<std::uint64_t>(most));
-  rows.to.reserve(static_cast<std::uint64_t>(most));
+  const auto size = sizeOf<std::uint64_t>(static_cast<std::uint64_t>(most));
+  rows.from.reserve(size);
+  rows.to.reserve(size);
 }
 
 // A draw r stands for r x 2^-31, so p > r x 2^-31 means r < p x 2^31, which is exact.
