@@ -48,6 +48,9 @@ TEST(PortableUint128, Divides) {
   expectWords(~Wide{0} / ~Wide{0}, 0, 1);
   expectWords((~Wide{0} - 1) / ~Wide{0}, 0, 0);
   expectWords(wide(7, 0) / 2, 3, std::uint64_t{1} << 63);
+  expectWords(wide(7, 9) % wide(2, 1), 1, 6);  // 3 (2^65 + 1) + 2^64 + 6
+  Wide halved = 9;
+  expectWords(halved /= 2, 0, 4);
 }
 
 TEST(PortableUint128, ComparesTheHigherWordFirst) {
@@ -90,7 +93,10 @@ TEST(PortableUint128, AgreesWithTheTypeOfTheCompiler) {
     expectSame(a + b, x + y);
     expectSame(a - b, x - y);
     expectSame(a * b, x * y);
-    if (y != 0) expectSame(a / b, x / y);
+    if (y != 0) {
+      expectSame(a / b, x / y);
+      expectSame(a % b, x % y);
+    }
     expectSame(a & b, x & y);
     expectSame(a | b, x | y);
     expectSame(~a, ~x);

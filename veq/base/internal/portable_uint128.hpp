@@ -63,6 +63,9 @@ class PortableUint128 {
     }
     return quotient;
   }
+  friend constexpr PortableUint128 operator%(PortableUint128 a, PortableUint128 b) {
+    return a - a / b * b;
+  }
   friend constexpr PortableUint128 operator&(PortableUint128 a, PortableUint128 b) {
     return {a.high_ & b.high_, a.low_ & b.low_};
   }
@@ -82,6 +85,7 @@ class PortableUint128 {
     return {high_ >> bits, high_ << (64 - bits) | low_ >> bits};
   }
   constexpr PortableUint128& operator+=(PortableUint128 other) { return *this = *this + other; }
+  constexpr PortableUint128& operator/=(PortableUint128 other) { return *this = *this / other; }
   constexpr PortableUint128& operator++() { return *this += 1; }
 
  private:
