@@ -23,17 +23,23 @@ function(veq_library name)
                                            VISIBILITY_INLINES_HIDDEN ON VERSION ${PROJECT_VERSION}
                                            SOVERSION ${VEQ_ABI_VERSION})
   veq_developer_options(${name})
+  # Not by default, since it hides an include that is missing.
+  if(VEQ_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE <algorithm> <charconv> <cmath> <filesystem> <functional>
+                              <memory> <mutex> <random> <string> "${PROJECT_SOURCE_DIR}/veq/veq.hpp")
+  endif()
   # A fused multiply-add would change the last bit of a walk or a strength between machines.
   target_compile_options(${name} PRIVATE -ffp-contract=off)
 endfunction()
 
-# veq_test(NAME SOURCE...): a GoogleTest program, each of its tests known to ctest by name.
+# veq_test(NAME SOURCE...): a GoogleTest program, each of its tests known to ctest by name and, as its
+# label, by the program's.
 function(veq_test name)
   add_executable(${name} ${ARGN})
   target_link_libraries(${name} PRIVATE veq_internals veq_test_support GTest::gmock GTest::gtest_main)
   target_precompile_headers(${name} REUSE_FROM veq_test_support)
   veq_developer_options(${name})
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES LABELS ${name})
 endfunction()
 
 # veq_benchmark(NAME SOURCE...): a Google Benchmark program.
