@@ -224,7 +224,8 @@ TEST(RandomBlocks, BothFormsGiveThePlainSequence) {
       WordBlock plain;
       for (std::uint32_t* words = plain.words; words != plain.words + kHistory; words += 31) {
         stream.advance(31);
-        std::ranges::copy(stream.recent(), words);
+        const RandomStream::Words recent = stream.recent();
+        std::copy(recent.begin(), recent.end(), words);
       }
       WordBlock wide = plain;
       const std::vector<std::uint32_t> expected = stepped(stream, count);
