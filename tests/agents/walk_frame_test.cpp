@@ -17,7 +17,7 @@ namespace veq::test {
 namespace {
 
 /// Sends all agents to the next vertex of a cycle, and asks before each call of the frame.
-template <class Index>
+template <class Word>
 class CyclicMover {
  public:
   static constexpr bool kCanRewind = false;
@@ -27,11 +27,11 @@ class CyclicMover {
       : vertices_(vertices), agents_(agents), before_(before) {}
   void draw(std::uint64_t) {}
   [[nodiscard]] bool skip(std::uint64_t) const { return true; }
-  void walk(Index* positions, Index* moves, std::uint64_t steps) {
+  void walk(Word* positions, Word* moves, std::uint64_t steps) {
     before_(done_);
     for (std::uint64_t s = 0; s < steps; ++s) {
       for (std::uint64_t a = 0; a < agents_; ++a) {
-        positions[a] = static_cast<Index>((positions[a] + 1) % vertices_);
+        positions[a] = static_cast<Word>((positions[a] + 1) % vertices_);
         moves[s * agents_ + a] = positions[a];
       }
     }
@@ -55,9 +55,9 @@ class CyclicGroup final : public VEQNetworkAgentsGroup {
                                                                    bool returnPath,
                                                                    float untilReach) override {
     return internal::runWalk(state(), {steps, returnPath, untilReach},
-                             [&]<class Index>(const internal::Topology<Index>&) {
-                               return CyclicMover<Index>(state().network->countVertices(),
-                                                         state().agents, before);
+                             [&]<class Word>(const auto&, const internal::WalkHistory<Word>&) {
+                               return CyclicMover<Word>(state().network->countVertices(),
+                                                        state().agents, before);
                              });
   }
 

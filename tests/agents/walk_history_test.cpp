@@ -1,5 +1,6 @@
 #include "veq/agents/internal/walk_history.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
@@ -15,28 +16,26 @@ namespace {
 using test::Integers;
 using test::integers;
 
+using Narrow = WalkHistory<std::uint32_t>;
+using Wide = WalkHistory<std::uint64_t>;
+
 constexpr std::uint32_t kNone = kStayed<std::uint32_t>;
+constexpr HistoryLimits kNoLog{UINT32_MAX, 0, 0, 0, 0};
 
-template <class Index>
-void append(WalkHistory& history, std::uint64_t agents, const std::vector<Index>& moves) {
-  auto block = std::make_shared<MoveBlock>();
-  Block<Index> entries(moves.size());
-  std::copy(moves.begin(), moves.end(), entries.data());
-  block->moves = std::move(entries);
-  block->steps = moves.size() / agents;
-  block->walk = history.currentWalk();
-  history.reserve();
-  history.append(std::move(block));
-}
-
-void foldAll(WalkHistory& history) {
-  while (history.foldSome() != 0) {
-  }
+template <class Word>
+void append(WalkHistory<Word>& history, std::uint64_t agents,
+            const std::vector<std::uint32_t>& moves) {
+  const std::uint64_t steps = moves.size() / agents;
+  const MoveRoom<Word> room = history.roomFor(steps, true);
+  std::transform(moves.begin(), moves.end(), room.first, [](std::uint32_t to) {
+    return to == kNone ? kStayed<Word> : static_cast<Word>(to);
+  });
+  history.append(steps);
 }
 
 TEST(WalkHistory, CountsAndStampsArrivalsInOrder) {
-  WalkHistory history(4, 2, 0);
-  append<std::uint32_t>(history, 2, {1, 3, 2, kNone, 1, 0});
+  Narrow history(4, 2, 0);
+  append(history, 2, {1, 3, 2, kNone, 1, 0});
   history.endWalk();
   EXPECT_EQ(integers(*history.arraysOf(0).visits), (Integers{0, 2, 1, 0}));
   EXPECT_EQ(integers(*history.arraysOf(0).order), (Integers{0, 2, 1, 0}));
@@ -47,14 +46,14 @@ TEST(WalkHistory, CountsAndStampsArrivalsInOrder) {
 
 TEST(WalkHistory, FoldingEmptiesTheLogAndChangesNothing) {
   for (const bool fold : {false, true}) {
-    WalkHistory history(4, 2, 1);
-    append<std::uint32_t>(history, 2, {1, 3, 2, kNone});
+    Narrow history(4, 2, 1);
+    append(history, 2, {1, 3, 2, kNone});
     history.endWalk();
-    if (fold) foldAll(history);
-    append<std::uint64_t>(history, 2, {1, kStayed<std::uint64_t>});
+    if (fold) history.fold();
+    append(history, 2, {1, kNone});
     history.endWalk();
     if (fold) {
-      foldAll(history);
+      history.fold();
       EXPECT_EQ(history.logBytes(), 0U);
       EXPECT_GT(history.compactBytes(), 0U);
     }
@@ -66,24 +65,32 @@ TEST(WalkHistory, FoldingEmptiesTheLogAndChangesNothing) {
 }
 
 TEST(WalkHistory, TakesTwelveBytesForEachVertexVisitedAndEightForEachThereIsWhenDense) {
-  WalkHistory history(90, 1, 0);
+  Narrow history(90, 1, 0);
   std::vector<std::uint32_t> moves;
-  for (std::uint32_t v = 0; v < 60; ++v) moves.push_back(v);
+  // From the last on, so that no tally lies where it belongs once all vertices have one.
+  for (std::uint32_t v = 60; v-- > 0;) moves.push_back(89 - v);
   append(history, 1, moves);
   append(history, 1, moves);
-  foldAll(history);
+  history.fold();
   EXPECT_EQ(history.compactBytes(), 60U * 12);
-  append<std::uint32_t>(history, 1, {60});
-  foldAll(history);
+  append(history, 1, {29});
+  history.fold();
   EXPECT_EQ(history.compactBytes(), 90U * 8);
+  append(history, 1, {29});
+  history.fold();
   // Arrays that are out count no longer.
-  EXPECT_EQ(integers(*history.arraysOf(0).visits)[59], 2);
-  EXPECT_EQ(integers(*history.arraysOf(0).order)[60], 120);
+  const Integers visits = integers(*history.arraysOf(0).visits);
+  const Integers order = integers(*history.arraysOf(0).order);
   EXPECT_EQ(history.compactBytes(), 0U);
+  for (std::size_t v = 0; v < 90; ++v) {
+    EXPECT_EQ(visits[v], v < 29 ? 0 : 2) << v;
+    EXPECT_EQ(order[v], v < 29 ? 0 : v == 29 ? 121 : static_cast<std::int64_t>(v) + 30) << v;
+  }
 }
 
 // Tells whether two histories have come to the same.
-void expectSame(WalkHistory& one, WalkHistory& other, std::uint64_t agents) {
+template <class Word, class OtherWord>
+void expectSame(WalkHistory<Word>& one, WalkHistory<OtherWord>& other, std::uint64_t agents) {
   EXPECT_EQ(integers(one.totals()), integers(other.totals()));
   for (std::uint64_t a = 0; a < agents; ++a) {
     ASSERT_EQ(integers(*one.arraysOf(a).visits), integers(*other.arraysOf(a).visits)) << a;
@@ -91,57 +98,63 @@ void expectSame(WalkHistory& one, WalkHistory& other, std::uint64_t agents) {
   }
 }
 
-// With a word limit far below that of 32 bits, arrivals outgrow their words and networks theirs.
+// With a limit far below that of 32 bits, agents' arrivals outgrow their words one after the other,
+// some in the midst of those that are counted together with them.
 TEST(WalkHistory, DoesNotDependOnTheWidthOfItsWords) {
   constexpr std::uint64_t kAgents = 20;
   for (const std::uint64_t vertices : std::initializer_list<std::uint64_t>{10, 400}) {
-    WalkHistory usual(vertices, kAgents, 1);
-    WalkHistory small(vertices, kAgents, 1, HistoryLimits{50, 0});
+    Narrow usual(vertices, kAgents, 1);
+    Narrow widening(vertices, kAgents, 1, HistoryLimits{50, 0, 0, 0, 0});
+    Wide wide(vertices, kAgents, 1, kNoLog);
     std::mt19937 draw(7);
     for (int walk = 0; walk < 6; ++walk) {
       for (int block = 0; block < 3; ++block) {
         std::vector<std::uint32_t> moves(kAgents * 5);
-        for (auto& to : moves) {
-          to = draw() % 5 == 0 ? kNone : static_cast<std::uint32_t>(draw() % vertices);
+        for (std::size_t i = 0; i < moves.size(); ++i) {
+          // The agents of higher numbers stay where they are more often.
+          const bool stays = draw() % kAgents < i % kAgents;
+          moves[i] = stays ? kNone : static_cast<std::uint32_t>(draw() % vertices);
         }
         append(usual, kAgents, moves);
-        append(small, kAgents, moves);
+        append(widening, kAgents, moves);
+        append(wide, kAgents, moves);
       }
-      foldAll(small);
+      widening.fold();
       usual.endWalk();
-      small.endWalk();
-      if (walk == 3) (void)small.arraysOf(4);
+      widening.endWalk();
+      wide.endWalk();
+      if (walk == 3) (void)widening.arraysOf(4);
+      if (walk == 4) (void)wide.arraysOf(19);
     }
-    expectSame(usual, small, kAgents);
+    expectSame(usual, widening, kAgents);
+    expectSame(usual, wide, kAgents);
   }
 }
 
-TEST(WalkHistory, CanBeAskedInTheMiddleOfAFolding) {
+TEST(WalkHistory, CanBeAskedBetweenFoldings) {
   constexpr std::uint64_t kAgents = 40;
   constexpr std::uint64_t kVertices = 100;
-  WalkHistory usual(kVertices, kAgents, 0);
-  WalkHistory folded(kVertices, kAgents, 0);
+  Narrow usual(kVertices, kAgents, 0);
+  Narrow folded(kVertices, kAgents, 0, kNoLog);
   std::mt19937 draw(8);
   for (int walk = 0; walk < 10; ++walk) {
     std::vector<std::uint32_t> moves(kAgents * 3);
     for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % kVertices);
     append(usual, kAgents, moves);
     append(folded, kAgents, moves);
-    (void)folded.foldSome();
-    (void)folded.foldSome();
     if (walk == 4) (void)folded.arraysOf(3);
     if (walk == 5) (void)folded.arraysOf(39);
     if (walk == 6) (void)folded.totals();
     usual.endWalk();
     folded.endWalk();
   }
-  foldAll(folded);
+  folded.fold();
   expectSame(usual, folded, kAgents);
 }
 
 TEST(WalkHistory, OfAWalkUnderWayCountsIntoTheTotalsAtItsEnd) {
-  WalkHistory history(2, 1, 0);
-  append<std::uint32_t>(history, 1, {1});
+  Narrow history(2, 1, 0);
+  append(history, 1, {1});
   EXPECT_EQ(integers(history.totals()), (Integers{0, 0}));
   history.endWalk();
   EXPECT_EQ(integers(history.totals()), (Integers{0, 1}));
@@ -149,32 +162,75 @@ TEST(WalkHistory, OfAWalkUnderWayCountsIntoTheTotalsAtItsEnd) {
   EXPECT_EQ(integers(history.totals()), (Integers{0, 2}));
 }
 
-// The size at which a log of 10 agents is to be folded.
-std::uint64_t bytesBeforeFolding(std::uint64_t vertices) {
-  WalkHistory history(vertices, 10, 0);
-  while (!history.shouldFold()) append(history, 10, std::vector<std::uint32_t>(100000, 1));
-  return history.logBytes();
+// The most that the log of 10 agents holds in the course of 1.2 million steps in blocks of 0.4 MB,
+// and what is left of it after the walk.
+struct LogSizes {
+  std::uint64_t most = 0;
+  std::uint64_t left = 0;
+};
+LogSizes logSizes(std::uint64_t vertices) {
+  Narrow history(vertices, 10, 0);
+  LogSizes sizes;
+  const std::vector<std::uint32_t> moves(100000, 1);
+  for (int i = 0; i < 120; ++i) {
+    append(history, 10, moves);
+    sizes.most = std::max(sizes.most, history.logBytes());
+  }
+  history.endWalk();
+  sizes.left = history.logBytes();
+  return sizes;
 }
 
-TEST(WalkHistory, AsksToBeFoldedBeforeTheLogOutgrowsTheArrays) {
-  // In blocks of 0.4 MB: 16 MiB however small the arrays are, 5 bytes for each agent and vertex
-  // where the arrays take 16, and 45 MiB however large the arrays are.
-  EXPECT_NEAR(static_cast<double>(bytesBeforeFolding(100)), 17.0e6, 0.25e6);
-  EXPECT_NEAR(static_cast<double>(bytesBeforeFolding(500000)), 25.2e6, 0.25e6);
-  EXPECT_NEAR(static_cast<double>(bytesBeforeFolding(100000000)), 47.4e6, 0.25e6);
+// 1 MiB however small the arrays are, and what tallies would take otherwise, up to 12 MiB; besides
+// half of the arrays of all agents but one, which all together take 160 bytes a vertex.
+TEST(WalkHistory, FoldsTheLogBeforeItOutgrowsWhatTheArraysLeave) {
+  const LogSizes small = logSizes(100);
+  EXPECT_NEAR(static_cast<double>(small.most), 1.0e6, 0.41e6);
+  EXPECT_LE(small.left, 524288U + 8000U);
+  const LogSizes medium = logSizes(200000);
+  EXPECT_NEAR(static_cast<double>(medium.most), 27.0e6, 0.41e6);
+  EXPECT_LE(medium.left, 16500000U);
+}
+
+// A move takes 4 bytes, and a tally 12: while few vertices are visited again, counting takes more.
+TEST(WalkHistory, KeepsMovesAsTheyAreWhereTalliesWouldTakeMore) {
+  Narrow history(100000, 1000, 0);
+  std::vector<std::uint32_t> step(1000);
+  for (std::uint32_t s = 0; s < 40000; ++s) {
+    const MoveRoom<std::uint32_t> room = history.roomFor(1, false);
+    std::fill_n(room.first, 1000, s);
+    history.append(1);
+    history.endWalk();
+  }
+  EXPECT_EQ(history.compactBytes(), 0U);
+  EXPECT_LT(history.logBytes(), 162000000U);
 }
 
 TEST(WalkHistory, MayBeOfMoreAgentsAndVerticesThanCanBeMultiplied) {
-  const WalkHistory history(std::uint64_t{1} << 62, 4, 0);
-  EXPECT_EQ(history.bytesPerBlock(), 8388608U);
+  const Wide history(std::uint64_t{1} << 62, 4, 0);
+  EXPECT_EQ(history.stepsPerRun(), 8388608U / 32);
 }
 
 TEST(WalkHistory, NeedsNoMoreFoldingOnceTheLogIsFolded) {
-  WalkHistory history(10, 10, 0, HistoryLimits{UINT32_MAX, 100});
+  Narrow history(10, 10, 0, kNoLog);
   append(history, 10, std::vector<std::uint32_t>(1000, 1));
-  EXPECT_TRUE(history.shouldFold());
-  foldAll(history);
-  EXPECT_FALSE(history.shouldFold());
+  EXPECT_EQ(history.logBytes(), 0U);
+  EXPECT_EQ(history.compactBytes(), 10U * 12);
+}
+
+// Paths are views of the block in which the moves lie, and nobody may write there again.
+TEST(WalkHistory, WritesABlockAgainUnlessItIsHeld) {
+  Narrow history(10, 1, 0, kNoLog);
+  append(history, 1, {1, 2, 3});
+  const std::uint32_t* const first = history.roomFor(3, true).first;
+  append(history, 1, {4, 5, 6});
+  EXPECT_EQ(history.roomFor(3, true).first, first);
+  const Shared<const void> held = history.block();
+  append(history, 1, {7, 8, 9});
+  EXPECT_NE(history.roomFor(3, true).first, first);
+  EXPECT_EQ(first[0], 7U);
+  history.endWalk();
+  EXPECT_EQ(integers(history.totals()), (Integers{0, 1, 1, 1, 1, 1, 1, 1, 1, 1}));
 }
 
 }  // namespace

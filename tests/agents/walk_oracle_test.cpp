@@ -178,10 +178,14 @@ class FoldingGroup final : public VEQNetworkAgentsGroup {
   FoldingGroup(Shared<const VEQNetwork> network, const Indices& start)
       : VEQNetworkAgentsGroup(
             internal::GroupState::make(std::move(network), [&] { return start; })) {
-    state().history = internal::WalkHistory(state().network->countVertices(), start.size(), 0,
-                                            {UINT32_MAX, std::uint64_t{64} << 10});
+    constexpr std::uint64_t kLog = std::uint64_t{64} << 10;
+    state().history = History(state().network->countVertices(), start.size(), 0,
+                              {UINT32_MAX, kLog, kLog, kLog, 0});
   }
-  std::uint64_t compactBytes() { return state().history.compactBytes(); }
+  std::uint64_t compactBytes() { return std::get<History>(state().history).compactBytes(); }
+
+ private:
+  using History = internal::WalkHistory<std::uint32_t>;
 };
 
 // Long enough for the log of moves to be folded several times, in the middle of a walk, with dense

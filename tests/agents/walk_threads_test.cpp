@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <numeric>
 #include <vector>
@@ -146,6 +147,39 @@ TEST_P(WalkersAndWatchers, AHistoryIsNotForgottenDuringAWalk) {
   }
 }
 
+// One thread walks, one asks for histories and looks at them, and one tries to flush all the time,
+// which succeeds between the walks. Arrays that were given out live on.
+TEST_P(WalkersAndWatchers, HistoriesMayBeAskedForAndFlushedMeanwhile) {
+  constexpr std::uint64_t kWalks = 300;
+  const auto group = groupOn(ringWithChords(), GetParam());
+  std::atomic<bool> done{false};
+  std::atomic<std::uint64_t> flushes{0};
+  inThreads(3, [&](int number) {
+    if (number == 0) {
+      for (std::uint64_t w = 0; w < kWalks || flushes == 0; ++w) {
+        group->walkForSteps_returnPath_untilReach(50, w % 3 == 0, w % 2 == 0 ? -1.0F : 2.0F);
+        if (w % 16 == 0) std::this_thread::yield();
+      }
+      done = true;
+    }
+    for (std::uint64_t a = 0; !done; a = (a + 1) % kAgents) {
+      if (number == 2) {
+        flushes += group->flushWalkHistory();
+        continue;
+      }
+      const auto agent = static_cast<std::int64_t>(a);
+      const auto visits = group->visitFrequencyOfVerticesForAgent(agent);
+      const auto order = group->orderOfVisitedVerticesForAgent(agent);
+      EXPECT_EQ(visits->count(), 100U);
+      EXPECT_EQ(order->count(), 100U);
+      EXPECT_EQ(group->globalVisitFrequencyOfVertices()->count(), 100U);
+      EXPECT_EQ(group->globalOrderOfVisitedVertices()->count(), 100U);
+    }
+  });
+  EXPECT_TRUE(group->flushWalkHistory());
+  EXPECT_EQ(sum(integers(group->visitFrequencyOfVerticesForAgent(0))), 0U);
+}
+
 INSTANTIATE_TEST_SUITE_P(Groups, WalkersAndWatchers, testing::Bool(), [](const auto& parameter) {
   return std::string(parameter.param ? "WithMemory" : "Plain");
 });
@@ -160,7 +194,7 @@ class Folding final : public VEQNetworkAgentsGroup {
           return start;
         })) {
     state().history =
-        internal::WalkHistory(100, kAgents, 0, internal::HistoryLimits{UINT32_MAX, 0});
+        internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {UINT32_MAX, 0, 0, 0, 0});
   }
 };
 
@@ -195,6 +229,37 @@ TEST(WalkHistoryThreads, ArraysMayBeAskedForWhileTheLogIsFolded) {
   if (totals[1]) {
     EXPECT_EQ(totals[1], group.globalVisitFrequencyOfVertices());
   }
+}
+
+// Where totals are out, what is left to do at the end of a walk takes milliseconds. Who asks for the
+// progress in that time, now and then, is answered again and again, and not when all is over.
+TEST(WalkHistoryThreads, NobodyWaitsForTheProgressWhileArraysAreBroughtUpToDate) {
+  constexpr std::int64_t kSteps = 3;
+  constexpr std::uint64_t kVertices = 4000000;
+  constexpr int kRounds = 15;
+  const auto group = groupAt(networkOf(kVertices, {{0, 1}, {1, 0}}, true), {0});
+  const auto totals = group->globalVisitFrequencyOfVertices();
+  // Either thread may be kept from its work by others that have nothing to do with it, but not in
+  // most rounds.
+  int answeredOften = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    std::atomic<bool> done{false};
+    int answers = 0;
+    group->cancelWork();  // sets the progress back
+    inThreads(2, [&](int number) {
+      if (number == 0) {
+        group->walkForSteps_returnPath(kSteps, false);
+        done = true;
+        return;
+      }
+      while (!done) {
+        std::this_thread::sleep_for(std::chrono::microseconds(50));
+        answers += group->currentProgress() == kSteps && group->isWorking();
+      }
+    });
+    answeredOften += answers >= 5;
+  }
+  EXPECT_GT(answeredOften, kRounds / 2);
 }
 
 // Two groups on one network draw from one sequence, each walk all its numbers at once: the result

@@ -2,11 +2,13 @@
 
 #include <malloc.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 // The linker sends every call of these functions in the program's own objects and in the library to
 // __wrap_..., and calls of __real_... to the functions themselves.
@@ -26,6 +28,7 @@ struct State {
   bool happened = false;
   std::uint64_t countdown = 0;
   LiveMemory live;
+  std::int64_t peak = 0;
   std::uint64_t bytes = 0;
 };
 
@@ -59,6 +62,7 @@ void* counted(void* block, std::size_t size) {
   if (block) {
     ++state.live.blocks;
     state.live.bytes += static_cast<std::int64_t>(malloc_usable_size(block));
+    state.peak = std::max(state.peak, state.live.bytes);
   }
   return block;
 }
@@ -83,6 +87,10 @@ FailingAllocation::~FailingAllocation() { state.armed = false; }
 bool FailingAllocation::happened() { return state.happened; }
 
 LiveMemory FailingAllocation::liveMemory() { return state.live; }
+
+std::int64_t FailingAllocation::takePeakBytes() {
+  return std::exchange(state.peak, state.live.bytes);
+}
 
 std::uint64_t FailingAllocation::allocatedBytes() { return state.bytes; }
 

@@ -32,6 +32,9 @@ class FailingAllocation {
 
   static LiveMemory liveMemory();
 
+  /// The most bytes that liveMemory() has told of since the last call.
+  static std::int64_t takePeakBytes();
+
   /// Bytes that this thread has asked for so far, whether or not it has freed them.
   static std::uint64_t allocatedBytes();
 };

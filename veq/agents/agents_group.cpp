@@ -4,6 +4,7 @@
 #include <new>
 #include <stdexcept>
 #include <utility>
+#include <variant>
 
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -49,12 +50,15 @@ std::uint64_t requirePosition(const GroupState& state, std::uint64_t agent) {
   return agent;
 }
 
-const internal::AgentArrays& arraysOf(GroupState& state, std::int64_t agent) {
-  const std::lock_guard guard(state.work.lock());
+// Shares of the arrays are taken under the lock, for another thread may flush the history.
+internal::AgentArrays arraysOf(GroupState& state, std::int64_t agent) {
   if (agent < 0 || static_cast<std::uint64_t>(agent) >= state.agents) {
     throw std::out_of_range("The group has no agent of this number.");
   }
-  return state.history.arraysOf(static_cast<std::uint64_t>(agent));
+  const std::lock_guard guard(state.historyLock);
+  return std::visit(
+      [&](auto& history) { return history.arraysOf(static_cast<std::uint64_t>(agent)); },
+      state.history);
 }
 
 AgentsProperty entryOrWhole(const AgentsProperty& property, std::uint64_t agent) {
@@ -117,13 +121,13 @@ void VEQNetworkAgentsGroup::setCurrentVertex_forAgent(const VEQVertex& vertex,
 }
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::globalVisitFrequencyOfVertices() const {
-  const std::lock_guard guard(state_->work.lock());
-  return state_->history.totals();
+  const std::lock_guard guard(state_->historyLock);
+  return std::visit([](auto& history) { return history.totals(); }, state_->history);
 }
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::globalOrderOfVisitedVertices() const {
-  const std::lock_guard guard(state_->work.lock());
-  return state_->history.zeros();
+  const std::lock_guard guard(state_->historyLock);
+  return std::visit([](auto& history) { return history.zeros(); }, state_->history);
 }
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::visitFrequencyOfVerticesForAgent(
@@ -137,11 +141,10 @@ Shared<const VEQNumberArray> VEQNetworkAgentsGroup::orderOfVisitedVerticesForAge
 }
 
 bool VEQNetworkAgentsGroup::flushWalkHistory() {
-  // A walk goes on when its work is cancelled.
-  if (state_->work.isWorking() || state_->work.isWalkUnderWay()) return false;
-  const std::lock_guard guard(state_->work.lock());
+  const std::lock_guard guard(state_->historyLock);
+  if (state_->walksUnderWay != 0) return false;
   state_->reached.clear();
-  state_->history = internal::WalkHistory(state_->network->countVertices(), state_->agents, 1);
+  state_->history = state_->makeHistory(state_->history.index() == 1, 1);
   return true;
 }
 

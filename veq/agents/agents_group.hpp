@@ -19,6 +19,7 @@ namespace veq {
 
 namespace internal {
 struct GroupState;
+struct GroupAccess;
 }  // namespace internal
 
 /// A fixed number of agents, each standing on a vertex of one network, which the group keeps alive.
@@ -30,10 +31,10 @@ struct GroupState;
 ///
 /// Threads: one thread walks. Any others may meanwhile ask for the progress, walkCount() and
 /// reachedWalkPercentage(), pause, resume or cancel the work, ask for the arrays of the history,
-/// whose elements are to be read when no walk runs, and try to flush it, which is refused; only the
-/// moment in which a walk begins must not be met by a flush. Everything else is for times when no
-/// walk runs, and the network must not be edited during a walk. Any number of groups may walk at
-/// once on one network. Asking a const group from several threads is safe.
+/// whose elements are to be read when no walk runs, and try to flush it, which is refused from
+/// before the first step until the walk has returned. Everything else is for times when no walk
+/// runs, and the network must not be edited during a walk. Any number of groups may walk at once on
+/// one network. Asking a const group from several threads is safe.
 /// \ingroup walks
 class VEQ_EXPORT VEQNetworkAgentsGroup {
  public:
@@ -91,7 +92,7 @@ class VEQ_EXPORT VEQNetworkAgentsGroup {
   [[nodiscard]] Shared<const VEQNumberArray> orderOfVisitedVerticesForAgent(
       std::int64_t agent) const;
   /// Forgets all visits and what has been reached; positions and properties stay. False, and
-  /// nothing happens, while a walk runs.
+  /// nothing happens, while a walk runs, also one whose work was cancelled.
   virtual bool flushWalkHistory();
   /// @}
 
@@ -185,6 +186,8 @@ class VEQ_EXPORT VEQNetworkAgentsGroup {
   [[nodiscard]] internal::GroupState& state() { return *state_; }
 
  private:
+  friend struct internal::GroupAccess;
+
   std::unique_ptr<internal::GroupState> state_;
 };
 

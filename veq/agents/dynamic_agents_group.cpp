@@ -71,7 +71,7 @@ bool fitsNarrow(std::uint64_t vertices, const std::vector<AgentAbility>& abiliti
 
 // Null where the errors or memory sizes are no good; std::bad_alloc where memory cannot hold the
 // rings.
-std::unique_ptr<DynamicState> makeDynamicState(const GroupState& group,
+std::unique_ptr<DynamicState> makeDynamicState(GroupState& group,
                                                Shared<const VEQNetwork> agentsNetwork,
                                                const VEQNumberArray& errors,
                                                const VEQNumberArray& memorySizes) {
@@ -85,7 +85,9 @@ std::unique_ptr<DynamicState> makeDynamicState(const GroupState& group,
     return std::make_unique<DynamicState>(
         DynamicState{agentsNetwork, AgentMemories<decltype(word)>(vertices, abilities)});
   };
-  return fitsNarrow(vertices, abilities) ? make(std::uint32_t{}) : make(std::uint64_t{});
+  if (fitsNarrow(vertices, abilities)) return make(std::uint32_t{});
+  group.history = group.makeHistory(true, 0);  // in the same words
+  return make(std::uint64_t{});
 }
 
 }  // namespace
@@ -130,16 +132,14 @@ VEQNetworkDynamicAgentsGroup::initAtNetwork_initialVertices_agentsNetwork_agents
 
 std::optional<VEQVertexPaths> VEQNetworkDynamicAgentsGroup::walkForSteps_returnPath_untilReach(
     std::uint64_t steps, bool returnPath, float untilReach) {
-  return std::visit(
-      [&]<class Word>(AgentMemories<Word>& memories) {
-        return internal::runWalk(state(), {steps, returnPath, untilReach},
-                                 [&]<class Index>(const internal::Topology<Index>& topology) {
-                                   return internal::DynamicMover<Index, Word>(
-                                       topology, state().network->countVertices(), state().agents,
-                                       steps, memories, dynamicState_->agentsNetwork.get());
-                                 });
-      },
-      dynamicState_->memories);
+  return internal::runWalk(state(), {steps, returnPath, untilReach},
+                           [&]<class Index, class Word>(const internal::Topology<Index>& topology,
+                                                        const internal::WalkHistory<Word>&) {
+                             return internal::DynamicMover<Index, Word>(
+                                 topology, state().network->countVertices(), state().agents, steps,
+                                 std::get<AgentMemories<Word>>(dynamicState_->memories),
+                                 dynamicState_->agentsNetwork.get());
+                           });
 }
 
 bool VEQNetworkDynamicAgentsGroup::flushWalkHistory() {

@@ -12,6 +12,7 @@ namespace veq {
 
 namespace internal {
 struct DynamicState;
+struct GroupAccess;
 }  // namespace internal
 
 /// Agents that avoid the vertices in their memory. A memory is a ring: every visit takes the next
@@ -68,6 +69,8 @@ class VEQ_EXPORT VEQNetworkDynamicAgentsGroup final : public VEQNetworkAgentsGro
   bool flushWalkHistory() override;
 
  private:
+  friend struct internal::GroupAccess;
+
   template <class Places>
   static Owned<VEQNetworkDynamicAgentsGroup> make(Shared<const VEQNetwork> network,
                                                   const Places& places,

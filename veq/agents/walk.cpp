@@ -1,5 +1,3 @@
-#include <mutex>
-#include <new>
 #include <optional>
 #include <stdexcept>
 
@@ -20,27 +18,15 @@ void requireAgentsWithin(const GroupState& group) {
   }
 }
 
-void GroupState::relieveLog(std::uint64_t moves) noexcept {
-  for (std::uint64_t treated = 0; treated < moves;) {
-    const std::lock_guard guard(work.lock());
-    if (!history.shouldFold()) return;
-    try {
-      const std::uint64_t some = history.foldSome();
-      if (some == 0) return;
-      treated += some;
-    } catch (const std::bad_alloc&) {
-      return;
-    }
-  }
-}
-
 }  // namespace internal
 
 std::optional<VEQVertexPaths> VEQNetworkAgentsGroup::walkForSteps_returnPath_untilReach(
     std::uint64_t steps, bool returnPath, float untilReach) {
   return internal::runWalk(*state_, {steps, returnPath, untilReach},
-                           [&]<class Index>(const internal::Topology<Index>& t) {
-                             return internal::PlainMover<Index>(t.out, state_->agents, steps);
+                           [&]<class Index, class Word>(const internal::Topology<Index>& topology,
+                                                        const internal::WalkHistory<Word>&) {
+                             return internal::PlainMover<Index, Word>(topology.out, state_->agents,
+                                                                      steps);
                            });
 }
 

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <span>
 #include <utility>
-#include <variant>
-#include <vector>
 
-#include "veq/agents/internal/move_block.hpp"
+#include "veq/agents/internal/tiles.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/numeric/number_array.hpp"
@@ -36,151 +35,165 @@ struct AgentArrays {
   std::int64_t* orderData;
 };
 
-/// What an agent has done at one vertex.
+/// What an agent has done at one vertex: its visits, and its arrivals before the last of them.
 template <class Word>
 struct Tally {
   Word count;
   Word stamp;
 };
-template <class Word>
-struct VertexTally {
-  Word vertex;
-  Tally<Word> tally;
-};
 
-/// One agent's visits in the least memory: a tally for each vertex visited, in no order; once more
-/// than two thirds of the vertices are visited, a tally for each vertex there is; and arrays from
-/// when somebody asks for them, or when the number of arrivals no longer fits into a word.
+/// What one agent has done, as far as its moves have been counted: a tally for each vertex that it
+/// has visited, in no order, or for each there is once that takes no more; and arrays instead from
+/// when they are made.
 template <class Word>
 struct AgentHistory {
-  using Pairs = Block<VertexTally<Word>>;
-  using Dense = Block<Tally<Word>>;
-
-  /// How often the agent has arrived, as far as the log has been folded in.
   std::uint64_t arrivals = 0;
-  /// The number of the first block of the log that has not been folded in.
-  std::uint64_t folded = 0;
-  std::variant<Pairs, Dense, std::unique_ptr<AgentArrays>> form;
-  /// Whether somebody has asked for the arrays.
-  bool live = false;
+  /// The number of the first run of moves in the log that has not been counted.
+  std::uint64_t counted = 0;
+  std::uint64_t size = 0;  // of the tallies that count; their blocks may have room for more
+  Block<Tally<Word>> tallies;
+  Block<Word> vertices;  // whose tallies these are; none where they are those of all vertices
+  std::unique_ptr<AgentArrays> arrays;
 
-  [[nodiscard]] AgentArrays* arrays() const {
-    const auto* arrays = std::get_if<std::unique_ptr<AgentArrays>>(&form);
-    return arrays ? arrays->get() : nullptr;
-  }
-  /// What the form takes while it is not arrays.
+  [[nodiscard]] bool isOfAllVertices() const { return vertices.empty() && size != 0; }
   [[nodiscard]] std::uint64_t compactBytes() const {
-    if (const auto* pairs = std::get_if<Pairs>(&form))
-      return pairs->size() * sizeof(*pairs->data());
-    if (const auto* dense = std::get_if<Dense>(&form))
-      return dense->size() * sizeof(*dense->data());
-    return 0;
+    return size * (sizeof(Tally<Word>) + (isOfAllVertices() ? 0 : sizeof(Word)));
+  }
+  /// Calls f(vertex, count, stamp) for each vertex that has been visited, if there are no arrays.
+  template <class F>
+  void forEachTally(F f) const {
+    for (std::uint64_t i = 0; i < size; ++i) {
+      const auto [count, stamp] = tallies[i];
+      if (count != 0) f(vertices.empty() ? i : vertices[i], count, stamp);
+    }
   }
 };
 
-/// Folds moves into the histories of agents, one agent at a time, with memory that all share.
+/// Memory that is needed while moves are counted.
+template <class Word>
+struct FoldingSpace {
+  Block<Word> columns;  // moves of some agents, agent by agent
+  Block<Word> places;   // for each vertex its place in an agent's list plus 1, or 0
+};
+
+/// Adds moves to the histories of agents, one at a time.
 template <class Word>
 class HistoryFolder {
  public:
   /// The first arrival is stamped `firstStamp`, with wrap-around.
-  HistoryFolder(std::uint64_t vertices, std::uint64_t firstStamp, std::uint64_t wordLimit)
-      : vertices_(vertices), firstStamp_(firstStamp), wordLimit_(wordLimit) {}
+  HistoryFolder(std::uint64_t vertices, std::uint64_t firstStamp)
+      : vertices_(vertices), firstStamp_(firstStamp) {}
 
-  /// Adds arrivals in their order. std::bad_alloc leaves the history as it was.
-  void add(AgentHistory<Word>& agent, std::span<const Word> arrivals) {
-    if (agent.arrivals + arrivals.size() > wordLimit_) makeArrays(agent);
-    if (AgentArrays* arrays = agent.arrays()) {
-      for (const Word vertex : arrivals) arrays->add(vertex, 1, firstStamp_ + agent.arrivals++);
-    } else if (auto* dense = std::get_if<typename AgentHistory<Word>::Dense>(&agent.form)) {
-      addToDense(agent, dense->data(), arrivals);
-    } else {
-      addToPairs(agent, arrivals);
-    }
+  /// Adds moves of an agent. It must have arrays if its arrivals outgrow a word. std::bad_alloc
+  /// leaves its history as it was.
+  void add(AgentHistory<Word>& agent, std::span<const Word> moves,
+           FoldingSpace<Word>& space) const {
+    if (agent.arrays) return addToArrays(agent, moves.data(), 1, moves.size());
+    if (!agent.isOfAllVertices()) return addToList(agent, moves, space.places);
+    Tally<Word>* const tallies = agent.tallies.data();
+    auto stamp = static_cast<Word>(agent.arrivals);
+    forEachArrival(moves.data(), 1, moves.size(), [&](Word to) { count(tallies[to], stamp++); });
+    agent.arrivals = stamp;
+  }
+  /// The same for one that has arrays, from moves that lie `stride` words apart.
+  void addToArrays(AgentHistory<Word>& agent, const Word* moves, std::uint64_t stride,
+                   std::uint64_t steps) const noexcept {
+    AgentArrays& arrays = *agent.arrays;
+    std::uint64_t stamp = firstStamp_ + agent.arrivals;
+    forEachArrival(moves, stride, steps, [&](Word to) { arrays.add(to, 1, stamp++); });
+    agent.arrivals = stamp - firstStamp_;
   }
 
-  /// Adds the moves of one agent to its arrays, straight from a block.
-  template <class Index>
-  void addToArrays(AgentHistory<Word>& agent, const Index* moves, std::uint64_t stride,
-                   std::uint64_t steps) noexcept {
-    AgentArrays& arrays = *agent.arrays();
-    for (std::uint64_t s = 0; s < steps; ++s) {
-      const Index vertex = moves[s * stride];
-      if (vertex != kStayed<Index>) arrays.add(vertex, 1, firstStamp_ + agent.arrivals++);
-    }
-  }
-
-  /// Gives the agent arrays, if it has none. std::bad_alloc leaves the history as it was.
-  void makeArrays(AgentHistory<Word>& agent) {
-    if (agent.arrays()) return;
+  /// Gives the agent arrays. std::bad_alloc leaves the history as it was.
+  void makeArrays(AgentHistory<Word>& agent) const {
     auto arrays = std::make_unique<AgentArrays>(vertices_);
-    if (const auto* pairs = std::get_if<typename AgentHistory<Word>::Pairs>(&agent.form)) {
-      for (std::uint64_t i = 0; i < pairs->size(); ++i) {
-        const auto& [vertex, tally] = (*pairs)[i];
-        arrays->add(vertex, tally.count, widened(tally.stamp));
-      }
-    } else {
-      const auto& dense = std::get<typename AgentHistory<Word>::Dense>(agent.form);
-      for (std::uint64_t v = 0; v < dense.size(); ++v) {
-        if (dense[v].count != 0) arrays->add(v, dense[v].count, widened(dense[v].stamp));
-      }
-    }
-    agent.form = std::move(arrays);
+    agent.forEachTally([&](std::uint64_t vertex, std::uint64_t count, std::uint64_t stamp) {
+      arrays->add(vertex, count, firstStamp_ + stamp);
+    });
+    agent.arrays = std::move(arrays);
+    agent.tallies = {};
+    agent.vertices = {};
+    agent.size = 0;
   }
 
  private:
-  // A stamp is kept as the number of arrivals before it, which fits into a word.
-  [[nodiscard]] std::uint64_t widened(Word stamp) const { return firstStamp_ + stamp; }
-
-  void addToDense(AgentHistory<Word>& agent, Tally<Word>* dense, std::span<const Word> arrivals) {
-    Word stamp = static_cast<Word>(agent.arrivals);
-    for (const Word vertex : arrivals) {
-      Tally<Word>& tally = dense[vertex];
-      tally = {static_cast<Word>(tally.count + 1), stamp++};
+  template <class F>
+  static void forEachArrival(const Word* moves, std::uint64_t stride, std::uint64_t steps, F f) {
+    for (std::uint64_t s = 0; s < steps; ++s, moves += stride) {
+      if (*moves != kStayed<Word>) f(*moves);
     }
-    agent.arrivals += arrivals.size();
   }
 
-  void addToPairs(AgentHistory<Word>& agent, std::span<const Word> arrivals) {
-    using Pairs = typename AgentHistory<Word>::Pairs;
-    using Dense = typename AgentHistory<Word>::Dense;
-    const Pairs& pairs = std::get<Pairs>(agent.form);
-    if (slots_.empty()) slots_ = Block<Word>(vertices_);
-    list_.clear();
-    list_.reserve(pairs.size() + std::min<std::uint64_t>(arrivals.size(), vertices_));
-    for (std::uint64_t i = 0; i < pairs.size(); ++i) {
-      list_.push_back(pairs[i]);
-      slots_[pairs[i].vertex] = static_cast<Word>(i + 1);
-    }
-    Word stamp = static_cast<Word>(agent.arrivals);
-    for (const Word vertex : arrivals) {
-      Word& slot = slots_[vertex];
-      if (slot == 0) {
-        list_.push_back({vertex, {0, 0}});
-        slot = static_cast<Word>(list_.size());
-      }
-      Tally<Word>& tally = list_[slot - 1].tally;
-      tally = {static_cast<Word>(tally.count + 1), stamp++};
-    }
-    for (const auto& pair : list_) slots_[pair.vertex] = 0;
+  static void count(Tally<Word>& tally, Word stamp) {
+    tally = {static_cast<Word>(tally.count + 1), stamp};
+  }
 
-    if (list_.size() > vertices_ / 3 * 2) {
-      Dense dense(vertices_);
-      for (const auto& pair : list_) dense[pair.vertex] = pair.tally;
-      agent.form = std::move(dense);
-    } else {
-      Pairs grown;
-      grown.resize(list_.size());
-      std::copy(list_.begin(), list_.end(), grown.data());
-      agent.form = std::move(grown);
+  void addToList(AgentHistory<Word>& agent, std::span<const Word> moves,
+                 Block<Word>& placesOfAll) const {
+    if (placesOfAll.empty()) placesOfAll = Block<Word>(vertices_);
+    // One more, for what is written at the end whether or not the vertex is new.
+    const std::uint64_t most =
+        agent.size + std::min<std::uint64_t>(moves.size(), vertices_ - agent.size) + 1;
+    agent.tallies.resize(most);
+    agent.vertices.resize(most);
+    Tally<Word>* const tallies = agent.tallies.data();
+    Word* const vertices = agent.vertices.data();
+    Word* const places = placesOfAll.data();
+    std::fill(tallies + agent.size, tallies + most, Tally<Word>{0, 0});
+
+    auto size = static_cast<Word>(agent.size);
+    for (Word i = 0; i < size; ++i) places[vertices[i]] = i + 1;
+    auto stamp = static_cast<Word>(agent.arrivals);
+    // Without branches, which would be guessed wrong half of the time.
+    forEachArrival(moves.data(), 1, moves.size(), [&](Word to) {
+      const bool isNew = places[to] == 0;
+      vertices[size] = to;
+      size += isNew;
+      const Word place = isNew ? size : places[to];
+      places[to] = place;
+      count(tallies[place - 1], stamp++);
+    });
+    for (Word i = 0; i < size; ++i) places[vertices[i]] = 0;
+    agent.size = size;
+    agent.arrivals = stamp;
+    settle(agent);
+  }
+
+  // Brings the tallies into the form that takes less. Memory that is lacking for that leaves them.
+  void settle(AgentHistory<Word>& agent) const noexcept {
+    try {
+      if (agent.size > vertices_ / 3 * 2) return spread(agent);
+      agent.tallies.resize(agent.size);
+      agent.vertices.resize(agent.size);
+    } catch (const std::bad_alloc&) {
     }
-    agent.arrivals += arrivals.size();
+  }
+
+  // Puts each tally to the place of its vertex among all, within the block, which is most of the
+  // memory that there is for a lone agent. A place that is left holds nobody's tally, kStayed.
+  void spread(AgentHistory<Word>& agent) const {
+    agent.tallies.resize(vertices_);
+    Tally<Word>* const tallies = agent.tallies.data();
+    Word* const vertices = agent.vertices.data();
+    std::fill(tallies + agent.size, tallies + vertices_, Tally<Word>{0, 0});
+    for (std::uint64_t i = 0; i < agent.size; ++i) {
+      while (vertices[i] != i && vertices[i] != kStayed<Word>) {
+        const Word to = vertices[i];
+        if (to < agent.size) {
+          std::swap(tallies[i], tallies[to]);
+          std::swap(vertices[i], vertices[to]);
+        } else {
+          tallies[to] = std::exchange(tallies[i], {0, 0});
+          vertices[i] = kStayed<Word>;
+        }
+      }
+    }
+    agent.vertices = {};
+    agent.size = vertices_;
   }
 
   std::uint64_t vertices_;
   std::uint64_t firstStamp_;
-  std::uint64_t wordLimit_;
-  Block<Word> slots_;                    // for each vertex its place in the list plus 1, or 0
-  std::vector<VertexTally<Word>> list_;  // the agent's pairs while they grow
 };
 
 }  // namespace veq::internal

@@ -7,9 +7,8 @@
 #include <span>
 
 #include "veq/agents/internal/agent_memories.hpp"
-#include "veq/agents/internal/move_block.hpp"
-#include "veq/agents/internal/plain_mover.hpp"
-#include "veq/agents/internal/walk_frame.hpp"
+#include "veq/agents/internal/choice.hpp"
+#include "veq/agents/internal/tiles.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
@@ -42,7 +41,7 @@ class DynamicMover {
     }
   }
 
-  void walk(Index* positions, Index* moves, std::uint64_t steps) {
+  void walk(Word* positions, Word* moves, std::uint64_t steps) {
     for (Numbers& numbers : numbers_) numbers.stream->fill(numbers.draws.data(), agents_ * steps);
     for (std::uint64_t s = 0; s < steps; ++s, moves += agents_) {
       const std::uint64_t first = agents_ * s;
@@ -50,7 +49,7 @@ class DynamicMover {
       for (std::uint64_t a = 0; a < agents_; ++a) {
         fetchAhead(positions, a);
         moves[a] = move(a, positions[a], first + a);
-        moved |= moves[a] != kStayed<Index>;
+        moved |= moves[a] != kStayed<Word>;
       }
       const bool shared = agentsNetwork_ && shareAll();
       if (moved) {
@@ -86,10 +85,10 @@ class DynamicMover {
     std::uint64_t patience = 1;
   };
 
-  Index move(std::uint64_t agent, Index& position, std::uint64_t number) {
+  Word move(std::uint64_t agent, Word& position, std::uint64_t number) {
     const std::span<const Index> list = lists_.neighbours(position);
-    if (list.empty()) return kStayed<Index>;
-    position = choose(agent, list, numbers_[kNextVertex].draws[number]);
+    if (list.empty()) return kStayed<Word>;
+    position = static_cast<Word>(choose(agent, list, numbers_[kNextVertex].draws[number]));
     std::uint64_t remembered = position;
     if (memories_.isMistaken(agent, numbers_[kError].draws[number])) {
       remembered = chooseEntry(vertices_, numbers_[kWrongVertex].draws[number]);
@@ -113,7 +112,7 @@ class DynamicMover {
   }
 
   // Lists and their places, for agents that come soon: each waits for memory on its own otherwise.
-  void fetchAhead(const Index* positions, std::uint64_t agent) const {
+  void fetchAhead(const Word* positions, std::uint64_t agent) const {
     constexpr std::uint64_t kAgentsAhead = 4;
     if (agent + 2 * kAgentsAhead >= agents_) return;
     lists_.fetchRow(positions[agent + 2 * kAgentsAhead]);

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "veq/agents/agents_property_table.hpp"
@@ -16,6 +17,9 @@
 
 namespace veq::internal {
 
+/// In words that hold the vertices of the network, whatever it takes to hold its edges.
+using GroupHistory = std::variant<WalkHistory<std::uint32_t>, WalkHistory<std::uint64_t>>;
+
 /// What a group consists of.
 struct GroupState {
   using Positions = std::vector<std::uint64_t>;
@@ -25,7 +29,7 @@ struct GroupState {
         agents(initial.size()),
         positions(std::move(initial)),
         reached(network->countVertices()),
-        history(network->countVertices(), agents, 0) {}
+        history(makeHistory(network->countVertices() > UINT32_MAX, 0)) {}
 
   /// The state of a new group; null without a network or where memory is lacking. `positions()`
   /// gives the start of each agent.
@@ -40,19 +44,40 @@ struct GroupState {
     }
   }
 
+  /// A history of nothing, whose first arrivals are stamped `firstStamp`.
+  [[nodiscard]] GroupHistory makeHistory(bool wide, std::uint64_t firstStamp) const {
+    const std::uint64_t vertices = network->countVertices();
+    if (wide) return WalkHistory<std::uint64_t>(vertices, agents, firstStamp);
+    return WalkHistory<std::uint32_t>(vertices, agents, firstStamp);
+  }
+
   const Shared<const VEQNetwork> network;
   const std::uint64_t agents;
   /// At least one for each agent.
   Positions positions;
   WorkControl work;
   ReachRecord reached;
-  WalkHistory history;  // guarded by the lock of `work`
+  /// Held while moves are counted, which may take long: nobody who watches a walk waits for it.
+  mutable std::mutex historyLock;
+  GroupHistory history;             // guarded by the lock
+  std::uint64_t walksUnderWay = 0;  // guarded by the lock; until then the history is not forgotten
   Shared<AgentsPropertyTable> properties = std::make_shared<AgentsPropertyTable>();
+};
 
-  /// Folds some of the log if it has grown too long, about `moves` moves of it or all. The lock is
-  /// given back between pieces, so that nobody who watches a walk waits for long. Memory that is
-  /// lacking puts the folding off: the log keeps everything.
-  void relieveLog(std::uint64_t moves) noexcept;
+/// Keeps the history from being forgotten as long as a walk needs it.
+class WalkUnderWay {
+ public:
+  explicit WalkUnderWay(GroupState& group) : group_(group) { count(1); }
+  ~WalkUnderWay() { count(UINT64_MAX); }
+  WalkUnderWay(const WalkUnderWay&) = delete;
+  WalkUnderWay& operator=(const WalkUnderWay&) = delete;
+
+ private:
+  void count(std::uint64_t more) {
+    const std::lock_guard guard(group_.historyLock);
+    group_.walksUnderWay += more;
+  }
+  GroupState& group_;
 };
 
 /// The vertices named by indices or handles.

@@ -6,7 +6,7 @@
 #include <new>
 
 #include "veq/agents/agent_information.hpp"
-#include "veq/agents/internal/move_block.hpp"
+#include "veq/agents/internal/tiles.hpp"
 #include "veq/base/internal/atomic_ref.hpp"
 
 namespace veq::internal {

@@ -3,14 +3,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
-#include <mutex>
 #include <new>
 #include <optional>
-#include <stdexcept>
+#include <variant>
 #include <vector>
 
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/agents/internal/move_log.hpp"
+#include "veq/agents/internal/tiles.hpp"
+#include "veq/agents/internal/walk_history.hpp"
 #include "veq/agents/vertex_paths.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -22,35 +23,28 @@ struct WalkRequest {
   float untilReach;
 };
 
-/// The moves that are made before the progress climbs: few enough to take no more than a few
-/// milliseconds, and enough to draw their numbers and to look at the log for all of them together.
-inline constexpr std::uint64_t kMovesPerTile = std::uint64_t{1} << 15;
-
-[[nodiscard]] inline std::uint64_t stepsPerTile(std::uint64_t agents) {
-  return std::max<std::uint64_t>(kMovesPerTile / std::max<std::uint64_t>(agents, 1), 1);
-}
-
 /// All of a walk except the moves: its beginning and end, progress, reach target, history and
 /// paths. The moves are a Mover's:
 ///   static constexpr bool kCanRewind: whether the last steps can be taken back by putting the
 ///     agents back to where they stood;
 ///   void draw(steps): takes its numbers from the shared sequence; must not fail;
-///   void walk(positions, moves, steps): moves all agents by some steps (up to stepsPerTile), and
+///   void walk(Word* positions, Word* moves, steps): moves all agents by some steps (up to
+///   stepsPerTile), and
 ///     writes for each step where each agent arrived, or kStayed;
 ///   bool skip(steps): if it can, brings itself at once to where so many further steps would bring
 ///     it in which nobody moves, as nobody did in the last one; must not fail.
-template <class Index, class Mover>
+template <class Word, class Mover>
 class WalkFrame {
  public:
   /// Throws before anything is changed or drawn.
-  WalkFrame(GroupState& group, const WalkRequest& request, Mover& mover)
+  WalkFrame(GroupState& group, WalkHistory<Word>& history, const WalkRequest& request, Mover& mover)
       : group_(group),
         request_(request),
         mover_(mover),
         positions_(group.positions.begin(),
                    group.positions.begin() + static_cast<std::ptrdiff_t>(group.agents)),
         hasTarget_(request.untilReach > 0.0F),
-        log_(group, request.steps, request.returnPath) {
+        log_(group, history, request.steps, request.returnPath) {
     if (!hasTarget_) return;
     before_.resize(positions_.size());
     group.reached.prepare();
@@ -87,7 +81,7 @@ class WalkFrame {
 
   // Answers whether the walk is over.
   bool walkTile(std::uint64_t steps) {
-    Index* const moves = log_.next();
+    Word* const moves = log_.next();
     if (hasTarget_) before_ = positions_;
     mover_.walk(positions_.data(), moves, steps);
     std::uint64_t taken = steps;
@@ -102,10 +96,7 @@ class WalkFrame {
     if (met) return true;
     // Where nobody moved nobody will ever move again.
     const std::uint64_t idle = request_.steps - done_;
-    if (somebodyMoved(moves + (steps - 1) * group_.agents) || !mover_.skip(idle)) {
-      relieveLog(steps);
-      return false;
-    }
+    if (somebodyMoved(moves + (steps - 1) * group_.agents) || !mover_.skip(idle)) return false;
     if (hasTarget_) group_.reached.addSteps(idle);
     log_.commitIdle(idle);
     complete(idle);
@@ -117,56 +108,52 @@ class WalkFrame {
     group_.work.reach(done_);
   }
 
-  [[nodiscard]] bool somebodyMoved(const Index* moves) const {
-    return std::any_of(moves, moves + group_.agents, [](Index to) { return to != kStayed<Index>; });
+  [[nodiscard]] bool somebodyMoved(const Word* moves) const {
+    return std::any_of(moves, moves + group_.agents, [](Word to) { return to != kStayed<Word>; });
   }
 
   // Puts the agents to where they stood after the first steps of a tile.
-  void rewind(const Index* moves, std::uint64_t steps) {
+  void rewind(const Word* moves, std::uint64_t steps) {
     positions_ = before_;
     for (std::uint64_t s = 0; s < steps; ++s, moves += group_.agents) {
       for (std::uint64_t a = 0; a < group_.agents; ++a) {
-        if (moves[a] != kStayed<Index>) positions_[a] = moves[a];
+        if (moves[a] != kStayed<Word>) positions_[a] = moves[a];
       }
     }
   }
 
   void finish() noexcept {
     std::copy(positions_.begin(), positions_.end(), group_.positions.begin());
-    log_.publish();
-    {
-      const std::lock_guard guard(group_.work.lock());
-      group_.history.endWalk();
-    }
-    // The one block of a walk with paths comes all at once.
-    if (request_.returnPath) relieveLog(done_);
+    log_.end();
     group_.work.end(request_.steps);
   }
-
-  // Each move is treated twice when it is folded; at this pace a log that has grown too long grows
-  // by half before it is gone.
-  void relieveLog(std::uint64_t steps) noexcept { group_.relieveLog(4 * steps * group_.agents); }
 
   GroupState& group_;
   WalkRequest request_;
   Mover& mover_;
-  std::vector<Index> positions_;
-  std::vector<Index> before_;  // the positions at a tile's beginning
+  std::vector<Word> positions_;
+  std::vector<Word> before_;  // the positions at a tile's beginning
   bool hasTarget_;
-  MoveLog<Index> log_;
+  MoveLog<Word> log_;
   std::uint64_t done_ = 0;
 };
 
-/// Walks with the movers that `makeMover(topology)` makes for the network's lists in their width.
+/// Walks with the movers that `makeMover(topology, history)` makes for the network's lists and the
+/// group's history in their widths.
 template <class MakeMover>
 std::optional<VEQVertexPaths> runWalk(GroupState& group, const WalkRequest& request,
                                       MakeMover makeMover) {
+  const WalkUnderWay walk(group);
   requireAgentsWithin(group);
-  return CoreAccess::of(*group.network)
-      .store.visit([&]<class Index>(const Topology<Index>& topology) {
-        auto mover = makeMover(topology);
-        return WalkFrame<Index, decltype(mover)>(group, request, mover).run();
-      });
+  const auto& store = CoreAccess::of(*group.network).store;
+  return std::visit(
+      [&]<class Word>(WalkHistory<Word>& history) {
+        return store.visit([&](const auto& topology) {
+          auto mover = makeMover(topology, history);
+          return WalkFrame<Word, decltype(mover)>(group, history, request, mover).run();
+        });
+      },
+      group.history);
 }
 
 }  // namespace veq::internal

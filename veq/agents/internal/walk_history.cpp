@@ -1,109 +1,174 @@
 #include "veq/agents/internal/walk_history.hpp"
 
 #include <algorithm>
+#include <memory>
+#include <new>
 #include <span>
 #include <utility>
 
 namespace veq::internal {
 namespace {
 
-// Even where the arrays would take far more.
-constexpr std::uint64_t kLargeLog = std::uint64_t{45} << 20;
 constexpr std::uint64_t kLargestBlock = std::uint64_t{8} << 20;
-// What the moves of some agents may take while they are sorted by agent.
-constexpr std::uint64_t kColumnsBytes = std::uint64_t{16} << 20;
+// What the moves of some agents take while they are counted, agent by agent.
+constexpr std::uint64_t kColumnsBytes = std::uint64_t{2} << 20;
+constexpr std::uint64_t kAgentsAtOnce = 16;  // whose moves of one step fill a cache line
+constexpr std::uint64_t kStepsAhead = 16;
+// Columns lie a line and a word further apart, or all would fall on the same place in the cache.
+constexpr std::uint64_t kBetweenColumns = 17;
 
-std::uint64_t timesUpTo(std::uint64_t limit, std::uint64_t a, std::uint64_t b) {
-  return b != 0 && a > limit / b ? limit : std::min(limit, a * b);
+std::uint64_t product(std::uint64_t a, std::uint64_t b) {
+  return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;
+}
+
+template <class T>
+void reserveOneMore(std::vector<T>& vector) {
+  if (vector.size() == vector.capacity()) vector.reserve(2 * vector.size() + 8);
 }
 
 }  // namespace
 
-WalkHistory::WalkHistory(std::uint64_t vertices, std::uint64_t agents, std::uint64_t firstStamp,
-                         const HistoryLimits& limits)
-    : vertices_(vertices),
-      agentCount_(agents),
-      limits_(limits),
-      agents_(agentsFor(vertices, firstStamp, limits)) {}
+template <class Word>
+WalkHistory<Word>::WalkHistory(std::uint64_t vertices, std::uint64_t agents,
+                               std::uint64_t firstStamp, const HistoryLimits& limits)
+    : vertices_(vertices), agents_(agents), limits_(limits), folder_(vertices, firstStamp) {}
 
-WalkHistory::AgentsOfAnyWidth WalkHistory::agentsFor(std::uint64_t vertices,
-                                                     std::uint64_t firstStamp,
-                                                     const HistoryLimits& limits) {
-  if (vertices <= limits.word) {
-    return Agents<std::uint32_t>{{vertices, firstStamp, limits.word}, {}, {}, {}};
-  }
-  return Agents<std::uint64_t>{{vertices, firstStamp, UINT64_MAX}, {}, {}, {}};
-}
-
-// While a folding is under way the log grows by half. Then log and compact histories together take
-// no more than 16 bytes for each vertex that an agent has visited, beyond a constant, and never
-// more than the arrays of all agents would.
-std::uint64_t WalkHistory::logLimit() const {
-  const std::uint64_t much = std::max(kLargeLog, compactBytes_ / 5);
-  const std::uint64_t arrays = timesUpTo(UINT64_MAX / 8, agentCount_, vertices_);
-  return std::max(limits_.smallLog, std::min(much, 5 * arrays));
-}
-
-std::uint64_t WalkHistory::bytesPerBlock() const { return std::min(kLargestBlock, logLimit() / 2); }
-
-void WalkHistory::append(Shared<const MoveBlock> block) noexcept {
-  logBytes_ += block->bytes();
-  log_.push_back(std::move(block));
+// Tallies take two words for each vertex at most, and the arrays of an agent 16 bytes. An agent
+// that is being treated may take as much as its arrays.
+template <class Word>
+std::uint64_t WalkHistory<Word>::leftByArrays(std::uint64_t agentsAtWork) const {
+  const std::uint64_t agents = agents_ - live_.size();
+  const std::uint64_t atRest = agents - std::min(agents, agentsAtWork);
+  const std::uint64_t left = product(product(atRest, vertices_), 16 - 2 * sizeof(Word));
+  return std::min(left, std::max(limits_.largeLog, compactBytes_));
 }
 
 template <class Word>
-void WalkHistory::makeAgents(Agents<Word>& agents) {
-  if (!agents.all.empty()) return;
-  agents.all.resize(agentCount_);
-  for (auto& agent : agents.all) agent.folded = logBegin_;
+std::uint64_t WalkHistory<Word>::limitDuringWalk() const {
+  const std::uint64_t tallies = product(product(agents_, vertices_), sizeof(Tally<Word>));
+  return leftByArrays(1) + std::clamp(tallies, limits_.leastDuringWalk, limits_.mostDuringWalk);
 }
 
 template <class Word>
-void WalkHistory::bringArraysUpToDate(Agents<Word>& agents, std::uint64_t agent) noexcept {
-  AgentHistory<Word>& history = agents.all[agent];
-  for (; history.folded < logEnd(); ++history.folded) {
-    const MoveBlock& block = *log_[history.folded - logBegin_];
-    block.visit([&](const auto* moves) {
-      agents.folder.addToArrays(history, moves + agent, agentCount_, block.steps);
-    });
+std::uint64_t WalkHistory<Word>::limitAfterWalk() const {
+  return std::min(leftByArrays(0) + limits_.afterWalk, limitDuringWalk());
+}
+
+template <class Word>
+std::uint64_t WalkHistory<Word>::stepsIn(std::uint64_t bytes) const {
+  return std::max<std::uint64_t>(bytes / (agents_ * sizeof(Word)), 1);
+}
+
+template <class Word>
+std::uint64_t WalkHistory<Word>::stepsPerRun() const {
+  return stepsIn(std::min(kLargestBlock, limitDuringWalk()));
+}
+
+template <class Word>
+MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
+  if (log_.size() == log_.capacity()) log_.reserve(2 * log_.size() + 8);
+  if (room_.steps == 0 || (forAll && room_.steps < steps)) {
+    // Short walks share a block, which is larger each time.
+    const std::uint64_t before = block_ ? block_->size() / agents_ : 0;
+    const std::uint64_t shared = std::min(2 * before, stepsIn(limitAfterWalk() / 4));
+    const std::uint64_t own = forAll ? steps : std::min(steps, stepsPerRun());
+    auto block = std::make_shared<Block<Word>>();
+    block->resize(product(std::max(shared, own), agents_));
+    block_ = std::move(block);
+    room_ = {block_->data(), std::max(shared, own)};
+  }
+  return room_;
+}
+
+template <class Word>
+void WalkHistory<Word>::append(std::uint64_t steps) noexcept {
+  if (log_.empty() || log_.back().block != block_) blockBytes_ += block_->size() * sizeof(Word);
+  log_.push_back({block_, room_.first, steps, walks_ + 1});
+  logBytes_ += steps * agents_ * sizeof(Word) + sizeof(MoveRun<Word>);
+  room_.first += steps * agents_;
+  room_.steps -= steps;
+  foldBeyond(limitDuringWalk(), logBytes_);
+  // Unless paths are views of it, the block can be written again.
+  if (log_.empty() && block_.use_count() == 1) room_ = {block_->data(), block_->size() / agents_};
+}
+
+template <class Word>
+void WalkHistory<Word>::makeHistories() {
+  if (!histories_.empty()) return;
+  histories_.resize(agents_);
+  for (auto& history : histories_) history.counted = logBegin_;
+}
+
+template <class Word>
+void WalkHistory<Word>::makeArrays(std::uint64_t agent) {
+  AgentHistory<Word>& history = histories_[agent];
+  reserveOneMore(live_);
+  const std::uint64_t compact = history.compactBytes();
+  folder_.makeArrays(history);
+  compactBytes_ -= compact;
+  live_.push_back(agent);
+}
+
+// For an agent with arrays.
+template <class Word>
+void WalkHistory<Word>::bringUpToDate(std::uint64_t agent) noexcept {
+  AgentHistory<Word>& history = histories_[agent];
+  for (; history.counted < logEnd(); ++history.counted) {
+    const MoveRun<Word>& run = log_[history.counted - logBegin_];
+    folder_.addToArrays(history, run.first + agent, agents_, run.steps);
   }
 }
 
-void WalkHistory::endWalk() noexcept {
+template <class Word>
+void WalkHistory<Word>::endWalk() noexcept {
   ++walks_;
-  std::visit(
-      [&](auto& agents) {
-        for (const std::uint64_t agent : agents.live) bringArraysUpToDate(agents, agent);
-      },
-      agents_);
-  if (!totals_) return;
-  countUpTo(logEnd());
-  const auto totals = totals_->values<std::int64_t>();
-  for (std::uint64_t v = 0; v < vertices_; ++v) {
-    totals[v] =
-        static_cast<std::int64_t>(static_cast<std::uint64_t>(totals[v]) + arrivals_[v].count);
+  for (const std::uint64_t agent : live_) bringUpToDate(agent);
+  if (totals_) {
+    countArrivals();
+    const auto totals = totals_->values<std::int64_t>();
+    for (std::uint64_t v = 0; v < vertices_; ++v) {
+      totals[v] =
+          static_cast<std::int64_t>(static_cast<std::uint64_t>(totals[v]) + arrivals_[v].count);
+    }
+  }
+  // Paths that nobody holds any longer must not live on in the log.
+  foldBeyond(limitAfterWalk(), std::max(logBytes_, blockBytes_));
+  if (log_.empty()) {
+    block_ = nullptr;
+    room_ = {};
   }
 }
 
-void WalkHistory::countUpTo(std::uint64_t blockNumber) {
+template <class Word>
+void WalkHistory<Word>::foldBeyond(std::uint64_t limit, std::uint64_t bytes) noexcept {
+  if (bytes <= limit) return;
+  try {
+    fold();
+  } catch (const std::bad_alloc&) {
+  }
+}
+
+template <class Word>
+void WalkHistory<Word>::countArrivals() {
   if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
-  for (; counted_ < blockNumber; ++counted_) {
-    const MoveBlock& block = *log_[counted_ - logBegin_];
-    block.visit([&]<class Index>(const Index* moves) {
-      for (std::uint64_t i = 0; i < block.steps * agentCount_; ++i) {
-        if (moves[i] == kStayed<Index>) continue;
-        Arrivals& at = arrivals_[moves[i]];
-        ++at.count;
-        at.walks += block.walk;
-      }
-    });
+  Arrivals* const arrivals = arrivals_.data();
+  for (; arrivalsCounted_ < logEnd(); ++arrivalsCounted_) {
+    const MoveRun<Word>& run = log_[arrivalsCounted_ - logBegin_];
+    const std::uint64_t walk = run.walk;
+    const Word* const end = run.first + run.steps * agents_;
+    for (const Word* to = run.first; to != end; ++to) {
+      if (*to == kStayed<Word>) continue;
+      ++arrivals[*to].count;
+      arrivals[*to].walks += walk;
+    }
   }
 }
 
-Shared<const VEQNumberArray> WalkHistory::totals() {
+template <class Word>
+Shared<const VEQNumberArray> WalkHistory<Word>::totals() {
   if (totals_) return totals_;
   Shared<VEQNumberArray> made = VEQNumberArray::initWithIntegerScalar_count(0, vertices_);
-  countUpTo(logEnd());
+  countArrivals();
   const auto totals = made->values<std::int64_t>();
   // An arrival in walk k was there at the end of K + 1 - k of the K walks.
   for (std::uint64_t v = 0; v < vertices_; ++v) {
@@ -112,96 +177,79 @@ Shared<const VEQNumberArray> WalkHistory::totals() {
   return totals_ = std::move(made);
 }
 
-Shared<const VEQNumberArray> WalkHistory::zeros() {
+template <class Word>
+Shared<const VEQNumberArray> WalkHistory<Word>::zeros() {
   if (!zeros_) zeros_ = VEQNumberArray::initWithIntegerScalar_count(0, vertices_);
   return zeros_;
 }
 
-const AgentArrays& WalkHistory::arraysOf(std::uint64_t agent) {
-  return std::visit(
-      [&](auto& agents) -> const AgentArrays& {
-        makeAgents(agents);
-        auto& history = agents.all[agent];
-        if (!history.live) {
-          reserveOneMore(agents.live);
-          const std::uint64_t compact = history.compactBytes();
-          agents.folder.makeArrays(history);
-          compactBytes_ -= compact;
-          agents.live.push_back(agent);
-          history.live = true;
-          bringArraysUpToDate(agents, agent);
-        }
-        return *history.arrays();
-      },
-      agents_);
-}
-
-std::uint64_t WalkHistory::foldSome() {
-  if (!folding_) {
-    if (log_.empty()) return 0;
-    std::visit([&](auto& agents) { makeAgents(agents); }, agents_);
-    folding_ = true;
-    foldEnd_ = logEnd();
-    nextToFold_ = 0;
-  }
-  if (counted_ < foldEnd_) {
-    const std::uint64_t moves = agentCount_ * log_[counted_ - logBegin_]->steps;
-    countUpTo(counted_ + 1);
-    return std::max<std::uint64_t>(moves, 1);
-  }
-  if (nextToFold_ < agentCount_) {
-    return std::visit([&](auto& agents) { return foldAgents(agents); }, agents_);
-  }
-  dropFolded();
-  return 0;
-}
-
-// Blocks hold the moves of all agents side by side, so the next few agents are taken at once: of
-// as many as fit into the room for columns, but of one at least, the moves are sorted by agent and
-// added.
 template <class Word>
-std::uint64_t WalkHistory::foldAgents(Agents<Word>& agents) {
-  const std::span<const Shared<const MoveBlock>> blocks(log_.data(), foldEnd_ - logBegin_);
+const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
+  makeHistories();
+  if (!histories_[agent].arrays) {
+    // Who asks for two will ask for all, and each would have to be looked for in the whole log.
+    if (!live_.empty() && logBytes_ > kLargestBlock) fold();
+    makeArrays(agent);
+    bringUpToDate(agent);
+  }
+  return *histories_[agent].arrays;
+}
+
+template <class Word>
+void WalkHistory<Word>::fold() {
+  makeHistories();
+  countArrivals();
+  FoldingSpace<Word> space;
+  for (std::uint64_t agent = 0; agent < agents_;) agent += foldFrom(agent, space);
+  logBegin_ = logEnd();
+  log_ = {};
+  logBytes_ = 0;
+  blockBytes_ = 0;
+}
+
+// Runs hold the moves of all agents side by side, so the next few agents are taken at once: as many
+// as the columns have room for, with as many runs as they have room for then. Answers how many
+// agents are done.
+template <class Word>
+std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word>& space) {
+  AgentHistory<Word>* const histories = histories_.data() + agent;
+  if (histories->arrays) bringUpToDate(agent);
+  const std::uint64_t begin = histories->counted;
+  if (begin == logEnd()) return 1;
+
+  constexpr std::uint64_t kRoom = kColumnsBytes / sizeof(Word);
   std::uint64_t steps = 0;
-  for (const auto& block : blocks) steps += block->steps;
-  const std::uint64_t width =
-      std::clamp<std::uint64_t>(kColumnsBytes / sizeof(Word) / std::max<std::uint64_t>(steps, 1), 1,
-                                std::min(kAgentsAtOnce, agentCount_ - nextToFold_));
-  if (agents.columns.size() < width * steps) agents.columns = Block<Word>(width * steps);
+  std::uint64_t end = begin;
+  do {
+    steps += log_[end++ - logBegin_].steps;
+  } while (end < logEnd() && steps + log_[end - logBegin_].steps <= kRoom);
+  const std::uint64_t apart = steps + kBetweenColumns;
+  const std::uint64_t most =
+      std::min({std::max<std::uint64_t>(kRoom / apart, 1), kAgentsAtOnce, agents_ - agent});
+  std::uint64_t width = 1;
+  while (width < most && !histories[width].arrays && histories[width].counted == begin) ++width;
+  if (space.columns.size() < width * apart) space.columns.resize(width * apart);
 
-  std::array<Word*, kAgentsAtOnce> ends;
-  for (std::uint64_t j = 0; j < width; ++j) ends[j] = agents.columns.data() + j * steps;
-  for (const auto& block : blocks) {
-    block->visit([&]<class Index>(const Index* moves) {
-      const Index* row = moves + nextToFold_;
-      for (std::uint64_t s = 0; s < block->steps; ++s, row += agentCount_) {
-        for (std::uint64_t j = 0; j < width; ++j) {
-          *ends[j] = static_cast<Word>(row[j]);
-          ends[j] += row[j] != kStayed<Index>;
-        }
-      }
-    });
-  }
-  for (std::uint64_t j = 0; j < width; ++j, ++nextToFold_) {
-    AgentHistory<Word>& agent = agents.all[nextToFold_];
-    if (agent.live) {
-      bringArraysUpToDate(agents, nextToFold_);
-      continue;
+  Word* column = space.columns.data();
+  for (std::uint64_t r = begin; r < end; ++r) {
+    const MoveRun<Word>& run = log_[r - logBegin_];
+    const Word* row = run.first + agent;
+    for (std::uint64_t s = 0; s < run.steps; ++s, row += agents_, ++column) {
+      __builtin_prefetch(row + kStepsAhead * agents_);  // mostly in the same block
+      for (std::uint64_t j = 0; j < width; ++j) column[j * apart] = row[j];
     }
-    const std::uint64_t compact = agent.compactBytes();
-    agents.folder.add(agent, {agents.columns.data() + j * steps, ends[j]});
-    compactBytes_ += agent.compactBytes() - compact;
-    agent.folded = foldEnd_;
   }
-  return std::max<std::uint64_t>(width * steps, 1);
+  for (std::uint64_t j = 0; j < width; ++j) {
+    if (histories[j].arrivals + steps > limits_.word) makeArrays(agent + j);
+    const std::uint64_t compact = histories[j].compactBytes();
+    folder_.add(histories[j], {space.columns.data() + j * apart, steps}, space);
+    compactBytes_ += histories[j].compactBytes() - compact;
+    histories[j].counted = end;
+  }
+  return end == logEnd() ? width : 0;
 }
 
-void WalkHistory::dropFolded() noexcept {
-  const auto end = log_.begin() + static_cast<std::ptrdiff_t>(foldEnd_ - logBegin_);
-  for (auto block = log_.begin(); block != end; ++block) logBytes_ -= (*block)->bytes();
-  log_.erase(log_.begin(), end);
-  logBegin_ = foldEnd_;
-  folding_ = false;
-}
+template class WalkHistory<std::uint32_t>;
+template class WalkHistory<std::uint64_t>;
 
 }  // namespace veq::internal

@@ -6,28 +6,24 @@
 
 namespace veq::internal {
 
-/// What a walk tells other threads about itself, and what they ask of it. The lock is held where a
-/// walk begins and ends and where its progress is read, so that nobody sees half of a beginning;
-/// every member is a whole word besides, and may be read and written without it.
+/// What a walk tells other threads about itself, and what they ask of it. The lock is held for a
+/// few stores where a walk begins and ends, and where its progress is read, so that nobody sees
+/// half of a beginning; every member is a whole word besides, and may be read and written without
+/// it.
 class WorkControl {
  public:
-  /// Also guards the history.
-  [[nodiscard]] std::recursive_mutex& lock() const { return lock_; }
-
   void begin(std::uint64_t steps) {
     const std::lock_guard guard(lock_);
     isWorking_.store(true, kRelaxed);
     isWaiting_.store(false, kRelaxed);
     totalWork_.store(static_cast<std::int64_t>(steps), kRelaxed);
     currentProgress_.store(0, kRelaxed);
-    walksUnderWay_.fetch_add(1, kRelaxed);
   }
   void reach(std::uint64_t steps) {
     currentProgress_.store(static_cast<std::int64_t>(steps), kRelaxed);
   }
   void end(std::uint64_t steps) {
     const std::lock_guard guard(lock_);
-    walksUnderWay_.fetch_sub(1, kRelaxed);
     // Whoever sees the end sees what the walk has done.
     isWorking_.store(false, std::memory_order_release);
     totalWork_.store(static_cast<std::int64_t>(steps), kRelaxed);
@@ -46,8 +42,6 @@ class WorkControl {
 
   [[nodiscard]] bool isWorking() const { return isWorking_.load(std::memory_order_acquire); }
   [[nodiscard]] bool isWaiting() const { return isWaiting_.load(kRelaxed); }
-  /// Unlike isWorking() still true in a walk whose work was cancelled.
-  [[nodiscard]] bool isWalkUnderWay() const { return walksUnderWay_.load(kRelaxed) != 0; }
   [[nodiscard]] std::int64_t currentProgress() const {
     const std::lock_guard guard(lock_);
     return currentProgress_.load(kRelaxed);
@@ -67,14 +61,13 @@ class WorkControl {
  private:
   static constexpr std::memory_order kRelaxed = std::memory_order_relaxed;
 
-  mutable std::recursive_mutex lock_;
+  mutable std::mutex lock_;
   std::atomic<std::int64_t> currentProgress_{0};
   std::atomic<std::int64_t> totalWork_{0};
   std::atomic<bool> shouldWait_{false};
   std::atomic<bool> shouldResume_{false};
   std::atomic<bool> isWaiting_{false};
   std::atomic<bool> isWorking_{false};
-  std::atomic<int> walksUnderWay_{0};
   std::atomic<std::uint64_t> synchronizationSteps_{1};
 };
 

@@ -1,4 +1,4 @@
-#include "veq/agents/internal/plain_mover.hpp"
+#include "veq/agents/internal/choice.hpp"
 
 #include <cmath>
 #include <cstdint>
