@@ -10,6 +10,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "veq/numeric/generic_array.hpp"
@@ -276,6 +277,49 @@ TEST_P(PropertyColumns, AppendingMoreThanMemoryHoldsChangesNothing) {
   const auto column = twoValues();
   EXPECT_THROW(column->addObjectsFromArray(EndlessColumn()), std::bad_alloc);
   EXPECT_THAT(valuesOf(*column), ElementsAre(first_, second_));
+}
+
+template <class Column>
+class MovedColumn : public testing::Test {};
+using Columns = testing::Types<GenericArray, VEQNumberArray, VEQVector2dArray, VEQVector3dArray>;
+TYPED_TEST_SUITE(MovedColumn, Columns);
+
+TYPED_TEST(MovedColumn, OutOfAnEditableOneIsItsElementsAndLeavesItEmpty) {
+  TypeParam from;
+  from.appendUnset(3);
+  TypeParam to = std::move(from);
+  EXPECT_EQ(to.count(), 3U);
+  EXPECT_EQ(from.count(), 0U);  // NOLINT(bugprone-use-after-move): it says what it then is
+  from.appendUnset(1);
+  EXPECT_EQ(from.count(), 1U);
+}
+
+TYPED_TEST(MovedColumn, OutOfAFixedOneIsACopyAndLeavesItWhole) {
+  TypeParam original;
+  original.appendUnset(3);
+  const Owned<TypeParam> fixed = original.fixedCopy();
+  TypeParam to = std::move(*fixed);
+  EXPECT_TRUE(to.isEditable());
+  EXPECT_EQ(to.count(), 3U);
+  EXPECT_FALSE(fixed->isEditable());
+  EXPECT_EQ(fixed->count(), 3U);
+  EXPECT_THROW(fixed->appendUnset(1), std::invalid_argument);
+}
+
+TEST(MovedNumberArray, KeepsItsElementType) {
+  VEQNumberArray from = VEQNumberArray::ofFloats({0.5F});
+  const VEQNumberArray to = std::move(from);
+  EXPECT_THAT(to.values<float>(), ElementsAre(0.5F));
+  EXPECT_EQ(from.elementType(), ElementType::kFloat);  // NOLINT(bugprone-use-after-move)
+  EXPECT_EQ(from.count(), 0U);
+}
+
+TEST(MovedNumberArray, IntoAnotherLeavesAFixedOneWhole) {
+  const Owned<VEQNumberArray> fixed = VEQNumberArray::ofIntegers({1, 2}).fixedCopy();
+  VEQNumberArray to;
+  to = std::move(*fixed);
+  EXPECT_THAT(to.values<std::int64_t>(), ElementsAre(1, 2));
+  EXPECT_THAT(fixed->values<std::int64_t>(), ElementsAre(1, 2));
 }
 
 }  // namespace

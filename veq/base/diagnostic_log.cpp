@@ -17,6 +17,7 @@ void writeToStandardError(std::string_view line) {
   static_cast<void>(std::fprintf(stderr, "%.*s\n", static_cast<int>(length), line.data()));
 }
 
+// Never destroyed: static objects of the host may log while they die, in whatever order that is.
 // The sink is shared with the calls that are using it, so that it can be replaced meanwhile and a
 // sink may itself write to the log. None has been set while the pointer is null.
 struct Log {
@@ -25,7 +26,7 @@ struct Log {
 };
 
 Log& sharedLog() {
-  static Log log;
+  static Log& log = *new Log;
   return log;
 }
 

@@ -16,6 +16,10 @@ namespace veq {
 class VEQ_EXPORT GenericArray final : public PropertyColumn {
  public:
   GenericArray() : PropertyColumn(Kind::kGeneric) {}
+  GenericArray(const GenericArray&) = default;
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): a fixed one is copied.
+  GenericArray(GenericArray&& other)
+      : PropertyColumn(other), values_(taken(other, other.values_)) {}
   /// Takes the values as they are.
   explicit GenericArray(std::vector<PropertyValue> values)
       : PropertyColumn(Kind::kGeneric), values_(std::move(values)) {}

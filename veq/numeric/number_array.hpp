@@ -67,7 +67,9 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
 
   /// An editable copy.
   VEQNumberArray(const VEQNumberArray& other);
-  VEQNumberArray(VEQNumberArray&&) = default;
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): a fixed one is copied.
+  VEQNumberArray(VEQNumberArray&& other)
+      : PropertyColumn(other), storage_(taken(other, other.storage_)) {}
   /// Changes the array like any other operation, so that a fixed one refuses it.
   VEQNumberArray& operator=(VEQNumberArray other) {
     requireEditable();

@@ -15,7 +15,8 @@ class VEQNumberArray;
 
 /// What the four kinds of columns have in common. A column starts editable; only fixedCopy() makes
 /// one that is not, and every operation that would change a fixed column throws
-/// std::invalid_argument.
+/// std::invalid_argument. What is moved out of an editable column leaves it empty, of the same
+/// element type and ready for use; out of a fixed one it is a copy, and the column stays as it is.
 /// \ingroup values
 class VEQ_EXPORT PropertyColumn {
  public:
@@ -66,6 +67,13 @@ class VEQ_EXPORT PropertyColumn {
   /// A copy is editable.
   PropertyColumn(const PropertyColumn& other) noexcept : kind_(other.kind_) {}
   PropertyColumn& operator=(const PropertyColumn&) = delete;
+
+  /// What a move takes out of `elements` of a column.
+  template <class Elements>
+  [[nodiscard]] static Elements taken(const PropertyColumn& column, Elements& elements) {
+    if (column.editable_) return std::move(elements);
+    return elements;
+  }
 
   /// Throw where the column is fixed or the index is past the end.
   void requireEditable() const;

@@ -19,6 +19,13 @@ namespace veq {
 class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
  public:
   VEQVector2dArray() : PropertyColumn(Kind::kVector2d) {}
+  VEQVector2dArray(const VEQVector2dArray&) = default;
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): a fixed one is copied.
+  VEQVector2dArray(VEQVector2dArray&& other)
+      : PropertyColumn(other),
+        x_(taken(other, other.x_)),
+        y_(taken(other, other.y_)),
+        precision_(other.precision_) {}
 
   /// Zero vectors; std::bad_alloc where the memory cannot be had.
   [[nodiscard]] static Owned<VEQVector2dArray> initWithSize_precision(std::uint64_t count,
@@ -60,6 +67,14 @@ class VEQ_EXPORT VEQVector2dArray final : public PropertyColumn {
 class VEQ_EXPORT VEQVector3dArray final : public PropertyColumn {
  public:
   VEQVector3dArray() : PropertyColumn(Kind::kVector3d) {}
+  VEQVector3dArray(const VEQVector3dArray&) = default;
+  // NOLINTNEXTLINE(performance-noexcept-move-constructor): a fixed one is copied.
+  VEQVector3dArray(VEQVector3dArray&& other)
+      : PropertyColumn(other),
+        x_(taken(other, other.x_)),
+        y_(taken(other, other.y_)),
+        z_(taken(other, other.z_)),
+        precision_(other.precision_) {}
 
   /// \name Constructors
   /// std::bad_alloc where the memory cannot be had. A pointer is not read where the count is 0.
