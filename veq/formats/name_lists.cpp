@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "veq/base/internal/name_table.hpp"
 #include "veq/formats/internal/distinct_ends.hpp"
-#include "veq/formats/internal/name_table.hpp"
 #include "veq/numeric/generic_array.hpp"
 
 namespace veq::internal {

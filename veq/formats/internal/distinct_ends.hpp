@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "veq/formats/internal/name_table.hpp"
+#include "veq/base/internal/name_table.hpp"
 #include "veq/numeric/number_array.hpp"
 
 namespace veq::internal {

@@ -1,4 +1,4 @@
-#include "veq/formats/internal/name_table.hpp"
+#include "veq/base/internal/name_table.hpp"
 
 #include <algorithm>
 #include <chrono>
