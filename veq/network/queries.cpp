@@ -6,6 +6,7 @@
 #include <span>
 #include <stdexcept>
 
+#include "veq/network/internal/degree_sums.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
@@ -13,7 +14,6 @@ namespace veq {
 
 using internal::AdjacencyStore;
 using internal::NetworkCore;
-using internal::Weights;
 using Side = AdjacencyStore::Side;
 
 namespace {
@@ -29,21 +29,13 @@ std::uint64_t countOf(const NetworkCore& core, std::uint64_t index, Side side) {
   return core.store.count(index, side);
 }
 
-// The sum of the weights of a list's edges, in list order; an edge without a weight counts 1.0.
-template <class Index>
-double sumOfWeights(std::span<const Index> edges, const std::optional<Weights>& weights) {
-  if (!weights) return static_cast<double>(edges.size());
-  double sum = 0.0;
-  for (const Index edge : edges) sum += static_cast<double>((*weights)[edge]);
-  return sum;
-}
-
 double strengthOf(const NetworkCore& core, std::uint64_t index, Side side) {
   requireVertex(core, index);
   // It is the vertices' flag that decides whether the edges' weights are summed.
   if (!core.verticesWeights) return static_cast<double>(core.store.count(index, Side::kOut));
   return core.store.visit([&](const auto& topology) {
-    return sumOfWeights(core.store.lists(topology, side).edges(index), core.edgesWeights);
+    return internal::withWeights(0.0, core.store.lists(topology, side).edges(index),
+                                 core.edgesWeights);
   });
 }
 
@@ -66,39 +58,19 @@ Shared<VEQNumberArray> indicesOf(const NetworkCore& core, std::uint64_t index, S
   return VEQNumberArray::numberArrayWithUnsignedIntegerArray_count(indices.data(), indices.size());
 }
 
-// One double for each vertex, computed from its list.
-template <class F>
-Shared<VEQNumberArray> forEachVertex(const NetworkCore& core, Side side, F f) {
+Shared<VEQNumberArray> degrees(const NetworkCore& core, Side side) {
   internal::RawVector<double> values(core.store.vertexCount());
-  core.store.visit([&](const auto& topology) {
-    const auto& lists = core.store.lists(topology, side);
-    for (std::uint64_t v = 0; v < values.size(); ++v) values[v] = f(lists, v);
+  internal::forEachDegree(core, side, [&values](std::uint64_t v, std::uint64_t degree) {
+    values[v] = static_cast<double>(degree);
   });
   return std::make_shared<VEQNumberArray>(std::move(values));
 }
 
-Shared<VEQNumberArray> degrees(const NetworkCore& core, Side side) {
-  return forEachVertex(core, side, [](const auto& lists, std::uint64_t v) {
-    return static_cast<double>(lists.count(v));
-  });
-}
-
-// Lists are in edge order, so one pass over the edges adds to every vertex what its list holds, in
-// list order, and reads the weights in a row instead of fetching them one by one.
 Shared<VEQNumberArray> strengths(const NetworkCore& core, Side side) {
   if (!core.edgesWeights) return degrees(core, side);
-  const Weights& weights = *core.edgesWeights;
   Shared<VEQNumberArray> sums =
       VEQNumberArray::initWithDoubleScalar_count(0.0, core.store.vertexCount());
-  const std::span<double> sumOf = sums->values<double>();
-  core.store.visit([&](const auto& topology) {
-    const bool bothEnds = !core.store.directed();
-    const auto& ends = side == Side::kOut || bothEnds ? topology.from : topology.to;
-    for (std::uint64_t e = 0; e < weights.size(); ++e) {
-      sumOf[ends[e]] += static_cast<double>(weights[e]);
-      if (bothEnds) sumOf[topology.to[e]] += static_cast<double>(weights[e]);
-    }
-  });
+  internal::addStrengths(core, side, sums->values<double>());
   return sums;
 }
 
