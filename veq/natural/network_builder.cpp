@@ -1,0 +1,98 @@
+#include "veq/natural/network_builder.hpp"
+
+#include <algorithm>
+#include <memory>
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "veq/natural/internal/complaints.hpp"
+
+namespace veq {
+namespace {
+
+// A negative end has become a number from here on.
+constexpr std::uint64_t kNoIndex = std::uint64_t{1} << 63;
+
+void requireEnd(std::uint64_t end, const char* which, std::uint64_t edge) {
+  if (end < kNoIndex) return;
+  throw std::out_of_range("edge " + std::to_string(edge) + ": " + which + " " +
+                          std::to_string(static_cast<std::int64_t>(end)));
+}
+
+// Room for one more, so that appending it cannot fail.
+template <class Vector>
+void reserveOneMore(Vector& values) {
+  if (values.size() == values.capacity()) values.reserve(2 * values.size() + 1);
+}
+
+}  // namespace
+
+std::uint64_t NetworkBuilder::addVertices(std::uint64_t count) {
+  if (count >= kNoIndex || vertices_ + count >= kNoIndex) throw std::bad_alloc();
+  return std::exchange(vertices_, vertices_ + count);
+}
+
+std::uint64_t NetworkBuilder::vertexNamed(std::string_view name) {
+  const auto at = named_.find(name);
+  if (at != named_.end()) return at->second;
+  named_.emplace(name, vertices_);
+  return addVertices(1);
+}
+
+std::uint64_t NetworkBuilder::addEdge(std::uint64_t source, std::uint64_t target) {
+  const std::uint64_t edge = sources_.size();
+  requireEnd(source, "source", edge);
+  requireEnd(target, "target", edge);
+  reserveOneMore(sources_);
+  reserveOneMore(targets_);
+  if (!weights_.empty()) weights_.push_back(1.0);
+  sources_.push_back(source);
+  targets_.push_back(target);
+  vertices_ = std::max(vertices_, std::max(source, target) + 1);
+  return edge;
+}
+
+std::uint64_t NetworkBuilder::addEdge(std::uint64_t source, std::uint64_t target, double weight) {
+  const std::uint64_t edge = sources_.size();
+  requireEnd(source, "source", edge);
+  requireEnd(target, "target", edge);
+  if (weights_.capacity() <= edge) weights_.reserve(2 * edge + 1);
+  reserveOneMore(sources_);
+  reserveOneMore(targets_);
+  // Nothing fails from here on.
+  if (weights_.empty()) weights_.resize(edge, 1.0);
+  weights_.push_back(weight);
+  sources_.push_back(source);
+  targets_.push_back(target);
+  vertices_ = std::max(vertices_, std::max(source, target) + 1);
+  return edge;
+}
+
+std::uint64_t NetworkBuilder::addEdge(std::string_view source, std::string_view target) {
+  const std::uint64_t from = vertexNamed(source);
+  return addEdge(from, vertexNamed(target));
+}
+
+std::uint64_t NetworkBuilder::addEdge(std::string_view source, std::string_view target,
+                                      double weight) {
+  const std::uint64_t from = vertexNamed(source);
+  return addEdge(from, vertexNamed(target), weight);
+}
+
+Result<Network> NetworkBuilder::build(BuildOptions options) const {
+  if (!weights_.empty()) options.edgeWeights = NumberSpan(weights_);
+  if (options.vertices && *options.vertices < vertices_) {
+    return internal::argumentError(internal::counted(vertices_, internal::Item::kVertex) +
+                                   " were added, not " + std::to_string(*options.vertices));
+  }
+  if (!options.vertices) options.vertices = vertices_;
+  if (!named_.empty()) {
+    std::vector<PropertyValue> names(*options.vertices);
+    for (const auto& [name, vertex] : named_) names[vertex] = name;
+    options.vertexColumns.set("Name", std::make_shared<GenericArray>(std::move(names)));
+  }
+  return Network::build(sources_, targets_, options);
+}
+
+}  // namespace veq
