@@ -1,94 +1,7 @@
-// igraph 0.10. The vector that igraph_create wants is filled outside the timing.
-#include <igraph/igraph.h>
-
-#include <algorithm>
-#include <memory>
-
-#include "workload.hpp"
+#include "igraph_graph.hpp"
 
 namespace bench {
 namespace {
-
-class IntVector {
- public:
-  explicit IntVector(std::uint64_t size = 0) {
-    igraph_vector_int_init(&vector_, static_cast<igraph_integer_t>(size));
-  }
-  ~IntVector() { igraph_vector_int_destroy(&vector_); }
-  IntVector(const IntVector&) = delete;
-  IntVector& operator=(const IntVector&) = delete;
-
-  [[nodiscard]] igraph_vector_int_t* get() { return &vector_; }
-  [[nodiscard]] std::uint64_t size() const {
-    return static_cast<std::uint64_t>(igraph_vector_int_size(&vector_));
-  }
-  igraph_integer_t& operator[](std::uint64_t index) { return VECTOR(vector_)[index]; }
-
- private:
-  igraph_vector_int_t vector_;
-};
-
-class RealVector {
- public:
-  explicit RealVector(std::uint64_t size = 0) {
-    igraph_vector_init(&vector_, static_cast<igraph_integer_t>(size));
-  }
-  explicit RealVector(const std::vector<float>& values) : RealVector(values.size()) {
-    std::copy(values.begin(), values.end(), VECTOR(vector_));
-  }
-  ~RealVector() { igraph_vector_destroy(&vector_); }
-  RealVector(const RealVector&) = delete;
-  RealVector& operator=(const RealVector&) = delete;
-
-  [[nodiscard]] igraph_vector_t* get() { return &vector_; }
-  igraph_real_t& operator[](std::uint64_t index) { return VECTOR(vector_)[index]; }
-
- private:
-  igraph_vector_t vector_;
-};
-
-class Graph {
- public:
-  /// `make` fills an igraph_t.
-  template <class Make>
-  explicit Graph(Make make) {
-    make(&graph_);
-  }
-  ~Graph() { igraph_destroy(&graph_); }
-  Graph(const Graph&) = delete;
-  Graph& operator=(const Graph&) = delete;
-
-  [[nodiscard]] igraph_t* get() { return &graph_; }
-  [[nodiscard]] igraph_integer_t edges() const { return igraph_ecount(&graph_); }
-  [[nodiscard]] igraph_integer_t size() const { return igraph_vcount(&graph_) + edges(); }
-
- private:
-  igraph_t graph_;
-};
-
-template <class Make>
-std::unique_ptr<Graph> made(Make make) {
-  return std::make_unique<Graph>(make);
-}
-
-void fillEnds(IntVector& ends, const Edges& edges) {
-  for (std::uint64_t i = 0; i < edges.count(); ++i) {
-    ends[2 * i] = static_cast<igraph_integer_t>(edges.from[i]);
-    ends[2 * i + 1] = static_cast<igraph_integer_t>(edges.to[i]);
-  }
-}
-
-std::unique_ptr<Graph> graphOf(IntVector& ends, const Edges& edges, bool directed) {
-  return made([&](igraph_t* graph) {
-    igraph_create(graph, ends.get(), static_cast<igraph_integer_t>(edges.vertices), directed);
-  });
-}
-
-std::unique_ptr<Graph> graphOf(const Edges& edges) {
-  IntVector ends(2 * edges.count());
-  fillEnds(ends, edges);
-  return graphOf(ends, edges, false);
-}
 
 const auto kCountEdges = [](const std::unique_ptr<Graph>& graph) { return graph->edges(); };
 const auto kSize = [](const std::unique_ptr<Graph>& graph) { return graph->size(); };
@@ -323,18 +236,14 @@ int main(int count, char** values) {
   using namespace bench;
   igraph_set_attribute_table(&igraph_cattribute_table);
   igraph_rng_seed(igraph_rng_default(), 42);
-  return run(count, values,
-             {{"build", measureBuild},
-              {"degrees", measureDegrees},
-              {"strengths", measureStrengths},
-              {"adjmat", measureMatrix},
-              {"decompose", measureSplit},
-              {"largest", measureLargest},
-              {"walk", measureWalk},
-              {"ba", measurePreferentialAttachment},
-              {"gnp", measureUniformNetwork},
-              {"read_pajek", readPajek},
-              {"write_pajek", writePajek},
-              {"read_edges", readEdgeList},
-              {"write_edges", writeEdgeList}});
+  std::vector<Task> tasks{{"build", measureBuild},         {"degrees", measureDegrees},
+                          {"strengths", measureStrengths}, {"adjmat", measureMatrix},
+                          {"decompose", measureSplit},     {"largest", measureLargest},
+                          {"walk", measureWalk},           {"ba", measurePreferentialAttachment},
+                          {"gnp", measureUniformNetwork},  {"read_pajek", readPajek},
+                          {"write_pajek", writePajek},     {"read_edges", readEdgeList},
+                          {"write_edges", writeEdgeList}};
+  const std::vector<Task> questions = questionTasks();
+  tasks.insert(tasks.end(), questions.begin(), questions.end());
+  return run(count, values, tasks);
 }

@@ -80,6 +80,20 @@ def questions():
     yield Line("matrix", "n = 5000, caller's buffer", call, [Peer("igraph", call, 0.5, same=True)])
 
 
+def structure():
+    """What takes long to ask; igraph counts loops into cores, and adds in another order."""
+    for kind, n in (("pl", "2e5"), ("un", "2e5")):
+        where = f"kind={kind} n={n} m=1e6"
+        for name, task, bar, same in (("distances from 100", "distances", 1, True),
+                                      ("PageRank to 1e-10", "pagerank", 1, False),
+                                      ("transitivity", "transitivity", 1, True),
+                                      ("core numbers", "cores", 0.5, False),
+                                      ("weak components", "labels", 0.5, True)):
+            call = f"{task} {where}"
+            yield Line("questions", f"{name}, {kind}, 1e6 edges", call,
+                       [Peer("igraph", call, bar, same=same)])
+
+
 def components():
     for n, m in (("1e4", "6e3"), ("1e5", "6e4"), ("1e6", "6e5")):
         call = f"decompose kind=un n={n} m={m}"
@@ -243,7 +257,7 @@ def main():
     with tempfile.TemporaryDirectory() as temporary:
         work = options.work or temporary
         os.makedirs(work, exist_ok=True)
-        lines = [*building(), *questions(), *components(), *models(), *walks(), *texts(work),
+        lines = [*building(), *questions(), *components(), *structure(), *models(), *walks(), *texts(work),
                  *archives()]
         lines = [l for l in lines if not only or l.group in only]
         lines = [l for l in lines if options.smallest <= l.size <= options.largest]

@@ -40,8 +40,8 @@ Owned<VEQNetwork> namedNetworkOf(const Edges& edges) {
 int main(int count, char** values) {
   veq::setDiagnosticSink({});
   std::vector<bench::Task> tasks;
-  for (const auto& group :
-       {bench::modelTasks(), bench::networkTasks(), bench::formatTasks(), bench::walkTasks()}) {
+  for (const auto& group : {bench::modelTasks(), bench::networkTasks(), bench::questionTasks(),
+                            bench::formatTasks(), bench::walkTasks()}) {
     tasks.insert(tasks.end(), group.begin(), group.end());
   }
   return bench::run(count, values, tasks);

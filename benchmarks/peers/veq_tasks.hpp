@@ -16,6 +16,8 @@ namespace bench {
 std::vector<Task> modelTasks();
 /// Building, inserting, degrees, strengths, the matrix and components.
 std::vector<Task> networkTasks();
+/// Distances, ranks, triangles, cores and components.
+std::vector<Task> questionTasks();
 /// Files and archives.
 std::vector<Task> formatTasks();
 std::vector<Task> walkTasks();
