@@ -1,9 +1,11 @@
 // Every allocation of an operation is made to fail once: the object is as it was, and usable.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "tests/support/failing_allocation.hpp"
@@ -253,7 +255,9 @@ std::uint64_t constructWithFailures(std::uint64_t vertices, std::uint64_t edges)
   std::vector<std::uint64_t> ends(edges, vertices - 1);
   for (std::uint64_t e = 1; e < edges; ++e) ends[e] = e * 7 % vertices;
   const auto from = VEQNumberArray::ofIndices(ends);
-  const VEQNumberArray to(internal::RawVector<double>(ends.begin(), ends.end()));
+  internal::RawVector<double> targets(edges);
+  std::copy(ends.begin(), ends.end(), targets.begin());
+  const VEQNumberArray to(std::move(targets));
   const VEQNumberArray verticesWeights(internal::RawVector<float>(vertices, 2.0F));
   const VEQNumberArray edgesWeights(internal::RawVector<float>(edges, 3.0F));
   std::uint64_t least = UINT64_MAX;
