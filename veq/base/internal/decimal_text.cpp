@@ -4,14 +4,20 @@
 #include <array>
 #include <cfloat>
 #include <charconv>
+#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <optional>
+#include <string>
 
 #include "veq/base/internal/digit_text.hpp"
+
+#if __has_include(<xlocale.h>)
+#include <xlocale.h>
+#endif
 
 namespace veq::internal {
 namespace {
@@ -19,19 +25,16 @@ namespace {
 constexpr std::int64_t kLeadingDigits = 19;  // 10^19 - 1 fits into 64 bits.
 // Far beyond every range, and far enough from the ends of 64 bits for any number of digits.
 constexpr std::int64_t kExponentLimit = 100'000'000'000'000'000;
-// A double lies half-way between two others in at most 768 digits; the rest only breaks the tie.
-constexpr std::size_t kDecidingDigits = 770;
 
 /// A decimal number in text: the value is the sign, `leading` and 10^exponent, and digits that did
 /// not fit into `leading` where `isComplete` is false.
 struct DecimalText {
   bool negative = false;
-  bool isComplete = true;             ///< All significant digits are in `leading`.
-  std::uint64_t leading = 0;          ///< The first significant digits, at most 19.
-  std::int64_t exponent = 0;          ///< Of `leading`, its omitted digits counted.
-  const char* significant = nullptr;  ///< The first digit that is not 0.
-  const char* digitsEnd = nullptr;    ///< Behind the last digit or point.
-  const char* end = nullptr;          ///< Behind the exponent, too.
+  bool isComplete = true;       ///< All significant digits are in `leading`.
+  std::uint64_t leading = 0;    ///< The first significant digits, at most 19.
+  std::int64_t exponent = 0;    ///< Of `leading`, its omitted digits counted.
+  const char* begin = nullptr;  ///< Of what the standard library reads: behind the sign.
+  const char* end = nullptr;    ///< Behind the exponent.
 };
 
 /// The digits around the point, gathered in one pass.
@@ -43,10 +46,7 @@ class DigitReader {
   /// ones and by `taken` if it is not.
   const char* take(const char* at, const char* end, std::int64_t taken, std::int64_t omitted) {
     const char* const begin = at;
-    if (count_ == 0) {
-      while (at != end && *at == '0') ++at;
-      decimal_.significant = at;
-    }
+    while (count_ == 0 && at != end && *at == '0') ++at;
     const char* const first = at;
     const char* const full = std::min<std::int64_t>(end - at, kLeadingDigits - count_) + at;
     for (; at != full && isDigit(*at); ++at) {
@@ -97,66 +97,33 @@ double roundedOnce(const DecimalText& decimal) {
                               : leading * kExactPowers[static_cast<std::size_t>(decimal.exponent)];
 }
 
-/// Reads digits with an exponent, behind which stands a NUL. False where the number is out of
-/// range.
 #if defined(__cpp_lib_to_chars)
+/// False where the number is out of range.
 template <class Number>
 bool readByLibrary(const char* text, const char* end, Number& value) {
   return std::from_chars(text, end, value).ec != std::errc::result_out_of_range;
 }
 #else
-// Without a point in the text the C library reads the same in every locale. What is out of range it
-// gives as an infinity or zero.
-bool readByLibrary(const char* text, const char* /*end*/, double& value) {
-  value = std::strtod(text, nullptr);
-  return true;
-}
-bool readByLibrary(const char* text, const char* /*end*/, float& value) {
-  value = std::strtof(text, nullptr);
+/// Where the standard library reads no such numbers the C library does, in its own locale. What is
+/// out of range it gives as an infinity or zero.
+template <class Number>
+bool readByLibrary(const char* text, const char* end, Number& value) {
+  static const locale_t locale = ::newlocale(LC_ALL_MASK, "C", nullptr);
+  const std::string copy(text, end);
+  if constexpr (sizeof(Number) == sizeof(float)) {
+    value = ::strtof_l(copy.c_str(), nullptr, locale);
+  } else {
+    value = ::strtod_l(copy.c_str(), nullptr, locale);
+  }
   return true;
 }
 #endif
 
-/// The number written as digits and one exponent, which is short however long the text is. The
-/// standard library reads it; what it leaves open (signs, ranges) is decided here.
 template <class Number>
 Number roundedByLibrary(const DecimalText& decimal) {
-  char text[kDecidingDigits + 32];
-  char* out = text;
-  std::int64_t exponent = decimal.exponent;
-  if (decimal.isComplete) {
-    out = std::to_chars(out, text + sizeof text, decimal.leading).ptr;
-  } else {
-    // `exponent` belongs to the first 19 digits.
-    std::size_t count = 0;
-    bool more = false;
-    for (const char* at = decimal.significant; at != decimal.digitsEnd; ++at) {
-      if (*at == '.') continue;
-      if (count < kDecidingDigits) {
-        *out++ = *at;
-        ++count;
-      } else if (*at != '0') {
-        more = true;
-        break;
-      }
-    }
-    exponent -= static_cast<std::int64_t>(count) - kLeadingDigits;
-    if (more) {
-      *out++ = '1';
-      --exponent;
-    }
-  }
-  const std::int64_t magnitude = exponent + (out - text);
-  if (magnitude > 400) return std::numeric_limits<Number>::infinity();
-  if (magnitude < -400) return 0;
-  *out++ = 'e';
-  out = std::to_chars(out, text + sizeof text, exponent).ptr;
-  *out = '\0';
   Number value = 0;
-  if (!readByLibrary(text, out, value)) {
-    return magnitude > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
-  }
-  return value;
+  if (readByLibrary(decimal.begin, decimal.end, value)) return value;
+  return decimal.exponent > 0 ? std::numeric_limits<Number>::infinity() : Number{0};
 }
 
 /// Rounding to a double and then to a float goes wrong only where the double lies half-way between
@@ -172,17 +139,16 @@ std::optional<DecimalText> scanDecimal(const char* at, const char* end) {
   DecimalText decimal;
   decimal.negative = at != end && *at == '-';
   if (at != end && (*at == '-' || *at == '+')) ++at;
+  decimal.begin = at;
   DigitReader reader(decimal);
-  const char* const whole = at;
   at = reader.take(at, end, 0, 1);
-  std::ptrdiff_t digits = at - whole;
+  std::ptrdiff_t digits = at - decimal.begin;
   if (at != end && *at == '.') {
     const char* const fraction = at + 1;
     at = reader.take(fraction, end, -1, 0);
     digits += at - fraction;
   }
   if (digits == 0) return std::nullopt;
-  decimal.digitsEnd = at;
   decimal.exponent += takeExponent(at, end);
   decimal.end = at;
   return decimal;
