@@ -59,8 +59,16 @@ if(VEQ_BUILD_TOOLS)
   file(RELATIVE_PATH to_libraries "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
   set_target_properties(veq_program PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
   install(TARGETS veq_program DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
-  install(FILES "${PROJECT_BINARY_DIR}/tools/veq/veq.1"
-          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
-  install(FILES "${PROJECT_SOURCE_DIR}/tools/veq/completion.bash" RENAME veq
-          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+  foreach(section 1 5)
+    install(DIRECTORY "${PROJECT_BINARY_DIR}/tools/veq/man/" COMPONENT tools
+            DESTINATION "${CMAKE_INSTALL_MANDIR}/man${section}" FILES_MATCHING PATTERN "*.${section}")
+  endforeach()
+  # Where each shell looks for what others install.
+  set(completions "${PROJECT_SOURCE_DIR}/tools/veq/completions")
+  install(FILES "${completions}/veq.bash" RENAME veq COMPONENT tools
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions")
+  install(FILES "${completions}/veq.zsh" RENAME _veq COMPONENT tools
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions")
+  install(FILES "${completions}/veq.fish" COMPONENT tools
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d")
 endif()

@@ -7,6 +7,7 @@
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/vertex_paths.hpp"
 #include "veq/base/diagnostic_log.hpp"
+#include "veq/base/encodings.hpp"
 #include "veq/base/files.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/base/progress.hpp"

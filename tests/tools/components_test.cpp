@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -60,7 +61,8 @@ TEST(ComponentsCommand, SplitsIntoFilesWithoutWeightsAndSaysSo) {
   const std::string parts = directory.path("deep/parts");
   const ProgramRun run = runVeq({"components", file, "--split", parts, "--top", "0"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.errors, "veq: " + parts + ": the weights are lost in these files\n");
+  EXPECT_EQ(run.errors, "veq: " + parts + ": 3 files written\nveq: " + parts +
+                            ": the weights are lost in these files\n");
   EXPECT_EQ(
       contentsOf(parts + "/component-0.xnet"),
       "#vertices 3 nonweighted\n\"a\"\n\"c\"\n\"f\"\n#edges nonweighted directed\n1 0\n1 2\n");
@@ -75,7 +77,81 @@ TEST(ComponentsCommand, ADirectoryThatCannotBeMadeIsAFailure) {
   const std::string file = directory.write("n.xnet", kNetwork);
   const ProgramRun run = runVeq({"components", file, "--split", file + "/parts"});
   EXPECT_EQ(run.exitCode, 1);
-  EXPECT_EQ(run.errors, "veq: " + file + "/parts: cannot be made a directory\n");
+  EXPECT_EQ(run.errors, "veq: " + file + "/parts: Not a directory\n");
+}
+
+TEST(ComponentsCommand, OldPartsAreToldApartFromNewOnes) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", kNetwork);
+  const std::string parts = directory.path("parts");
+  std::filesystem::create_directory(parts);
+  // Three components are written: 0 to 2. The last two names are not those of parts.
+  for (const std::string name : {"component-1.xnet", "component-3.xnet", "component-10.xnet",
+                                 "component-x.xnet", "component-4.net"}) {
+    directory.write("parts/" + name, "old");
+  }
+  const ProgramRun run = runVeq({"components", file, "--split", parts, "--top", "0"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.errors,
+            "veq: " + parts +
+                ": has parts of an earlier split: 1 is replaced, 2 stay\nveq: " + parts +
+                ": 3 files written\nveq: " + parts + ": the weights are lost in these files\n");
+  EXPECT_EQ(contentsOf(parts + "/component-3.xnet"), "old");
+}
+
+TEST(ComponentsCommand, APartNeverReplacesTheNetworkThatIsRead) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("component-1.xnet", kNetwork);
+  const ProgramRun run = runVeq({"components", file, "--split", directory.path(""), "--top", "0"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.errors, "veq: --split would overwrite " + file + " (see veq components --help)\n");
+  EXPECT_EQ(contentsOf(file), kNetwork);
+  EXPECT_EQ(directory.names(), std::vector<std::string>{"component-1.xnet"});
+}
+
+TEST(ComponentsCommand, PartsMayHaveAnotherFormat) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n");
+  const ProgramRun run =
+      runVeq({"components", file, "--split", directory.path("p"), "--to", "list", "--top", "0"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(contentsOf(directory.path("p/component-0.edges")), "0 1\r\n");
+  EXPECT_EQ(runVeq({"components", file, "--to", "list"}).errors,
+            "veq: --to needs --largest or --split (see veq components --help)\n");
+}
+
+TEST(ComponentsCommand, AnswersOtherPrograms) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", kNetwork);
+  EXPECT_EQ(runVeq({"components", file, "--format", "csv", "--top", "2"}).output,
+            "vertices,components,share\n3,1,0.5\n2,1,0.3333333333333333\n");
+  EXPECT_EQ(runVeq({"components", file, "--format", "json", "--top", "1"}).output,
+            "{\n"
+            "  \"file\": \"" +
+                file +
+                "\",\n"
+                "  \"vertices\": 6,\n"
+                "  \"edges\": 3,\n"
+                "  \"directed\": true,\n"
+                "  \"components\": 3,\n"
+                "  \"sizes\": [\n"
+                "    {\n"
+                "      \"vertices\": 3,\n"
+                "      \"components\": 1,\n"
+                "      \"share\": 0.5\n"
+                "    }\n"
+                "  ]\n"
+                "}\n");
+}
+
+TEST(ComponentsCommand, TheLargestToStandardOutputPutsTheTableAside) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", "#vertices 3\n#edges\n0 1\n");
+  const ProgramRun run =
+      runVeq({"components", file, "--largest", "-", "--to", "xnet", "--top", "0"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output, "#vertices 2 nonweighted\n#edges nonweighted undirected\n0 1\n");
+  EXPECT_EQ(run.errors, "3 vertices, 1 edge, undirected\n2 components\n");
 }
 
 }  // namespace

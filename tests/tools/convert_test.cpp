@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <string>
 #include <utility>
 #include <vector>
@@ -122,7 +124,7 @@ TEST(ConvertCommand, PajekCannotHoldNamesOutsideLatin1AndLeavesTheOldFile) {
   const Conversion conversion = convert(directory, "n.xnet", "n.net");
   EXPECT_EQ(conversion.exitCode, 1);
   EXPECT_EQ(conversion.notes,
-            "veq: n.net: not written, because a name has characters outside ISO-8859-1\n");
+            "veq: n.net: not written, because Pajek cannot hold a name beyond ISO-8859-1\n");
   EXPECT_EQ(conversion.result, "old");
 }
 
@@ -141,7 +143,7 @@ TEST(ConvertCommand, PajekNamesThatLookLikeUtf8AreNotLostInSilence) {
 
 TEST(ConvertCommand, AnEmptyNameFitsPajekButNotXnet) {
   const TemporaryDirectory directory;
-  directory.write("n.net", "*Vertices 2\n1 \"a\"\n2\n*Edges\n1 2\n");
+  directory.write("n.net", "*Vertices 2\n1 \"a\"\n2 \"\"\n*Edges\n1 2\n");
   expectRefused(convert(directory, "n.net", "n.xnet"), directory, "n.xnet",
                 "veq: n.xnet: not written, because it could not be read back: it has an empty name "
                 "or property key\n");
@@ -168,7 +170,7 @@ TEST(ConvertCommand, EdgeListsHoldIndicesAndWeightsAlone) {
   EXPECT_EQ(conversion.exitCode, 0);
   EXPECT_EQ(conversion.notes,
             "veq: n.edges: 2 vertices without edges are lost\n"
-            "veq: n.edges: vertices come back in the order of their first edges\n"
+            "veq: n.edges: vertices come back with other indices\n"
             "veq: n.edges: the direction of edges is lost without --directed\n"
             "veq: n.edges: the weights of vertices are lost\n"
             "veq: n.edges: the weights of edges change for 1 of 2\n"
@@ -186,26 +188,96 @@ TEST(ConvertCommand, AnEdgeListWithoutEdgesIsNotWritten) {
 
 TEST(ConvertCommand, DirectionIsOnlyForEdgeLists) {
   const TemporaryDirectory directory;
-  directory.write("n.xnet", "");
+  directory.write("n.xnet", "#vertices 2\n");
   const ProgramRun run =
       runVeq({"convert", "--directed", directory.path("n.xnet"), directory.path("m.xnet")});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.errors, "veq: --directed: is for edge lists, and " + directory.path("n.xnet") +
+  EXPECT_EQ(run.errors, "veq: --directed is for edge lists, and " + directory.path("n.xnet") +
                             " is none (see veq convert --help)\n");
+}
+
+TEST(ConvertCommand, StandardStreamsAreFilesWithoutNames) {
+  const TemporaryDirectory directory;
+  const ProgramRun run = runShell("printf 'a b\\nb c\\n' | '" VEQ_PROGRAM
+                                  "' convert - - --from list --to pajek --directed");
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(run.output,
+            "*Vertices 3\r\n1 \"a\"\r\n2 \"b\"\r\n3 \"c\"\r\n*Arcs\r\n1 2 1.0\r\n2 3 1.0\r\n");
+}
+
+TEST(ConvertCommand, WhatIsReadIsNeverOverwritten) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n");
+  std::filesystem::create_symlink(file, directory.path("link.xnet"));
+  std::filesystem::create_hard_link(file, directory.path("hard.xnet"));
+  const std::string folder =
+      std::filesystem::path(directory.path("")).parent_path().filename().string();
+  const std::vector<std::string> names{"n.xnet", "link.xnet", "hard.xnet",
+                                       "../" + folder + "/n.xnet"};
+  for (const std::string& name : names) {
+    const ProgramRun run = runVeq({"convert", file, directory.path(name)});
+    EXPECT_EQ(run.exitCode, 2);
+    EXPECT_EQ(run.errors,
+              "veq: OUT would overwrite " + file + ", which is read (see veq convert --help)\n");
+  }
+  EXPECT_EQ(contentsOf(file), "#vertices 2\n#edges\n0 1\n");
+}
+
+TEST(ConvertCommand, OptionsNameFormatsThatSuffixesDoNot) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("list.dat", "a b\n");
+  const ProgramRun run =
+      runVeq({"convert", file, directory.path("n.out"), "--from", "list", "--to", "xnet"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(contentsOf(directory.path("n.out")),
+            "#vertices 2 nonweighted\n\"a\"\n\"b\"\n#edges nonweighted undirected\n0 1\n");
+}
+
+TEST(ConvertCommand, PajekIsReadInEveryEncodingOfFiles) {
+  const TemporaryDirectory directory;
+  const std::string xnet = "#vertices 1 nonweighted\n\"\xc3\xa9\"\n#edges nonweighted undirected\n";
+  const std::string utf16 = "*Vertices 1\n1 \"\xe9\"\n";
+  std::string wide = "\xff\xfe";
+  for (const char byte : utf16) wide += {byte, '\0'};
+  for (const std::string& bytes : {std::string("*Vertices 1\n1 \"\xe9\"\n"), wide,
+                                   std::string("*Vertices 1\n1 \"\xc3\xa9\"\n")}) {
+    directory.write("n.net", bytes);
+    const Conversion conversion = convert(directory, "n.net", "n.xnet");
+    EXPECT_EQ(conversion.exitCode, 0);
+    EXPECT_EQ(conversion.result, xnet);
+  }
 }
 
 TEST(ConvertCommand, EachFormatSaysWhatTheFileIsNot) {
   const TemporaryDirectory directory;
-  for (const auto& [name, kind] :
-       {std::pair("x.veqa", "archive"), std::pair("x.net", "Pajek network"),
-        std::pair("x.xnet", "xnet network")}) {
-    directory.write(name, "#vertices x\n*Vertices x\n");
+  directory.write("x.xnet", "#vertices x\n");
+  directory.write("x.net", "*Vertices 1\n5 \"a\"\n*Edges\n1 9\n");
+  for (const std::string name : {"x.xnet", "none.xnet"}) {
     const Conversion conversion = convert(directory, name, "y.xnet");
     EXPECT_EQ(conversion.exitCode, 1);
-    EXPECT_EQ(conversion.notes, std::string("veq: ") + name + ": not a valid " + kind + "\n");
-    EXPECT_EQ(convert(directory, std::string("no-") + name, "y.xnet").notes,
-              std::string("veq: no-") + name + ": cannot be opened\n");
+    EXPECT_EQ(conversion.notes,
+              name == "x.xnet" ? "veq: x.xnet:1: no number of vertices, or an empty name or key\n"
+                               : "veq: none.xnet: No such file or directory\n");
   }
+  const std::vector<std::string> names = directory.names();
+  EXPECT_EQ(std::count(names.begin(), names.end(), "y.xnet"), 0);
+}
+
+TEST(ConvertCommand, WritesFormatsForOtherPrograms) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet",
+                  "#vertices 3\n\"a\"\n\"b\"\n\"c\"\n#edges weighted directed\n0 1 0.5\n");
+  const Conversion csv = convert(directory, "n.xnet", "n.csv");
+  EXPECT_EQ(csv.exitCode, 0);
+  EXPECT_EQ(csv.notes, "veq: n.csv: 1 vertex without edges is lost\n");
+  for (const std::string name : {"n.gml", "n.mtx", "n.graphml"}) {
+    EXPECT_EQ(convert(directory, "n.xnet", name).exitCode, 0) << name;
+  }
+  const Conversion back = convert(directory, "n.gml", "back.xnet");
+  EXPECT_EQ(back.exitCode, 0);
+  EXPECT_NE(back.result.find("\n#edges weighted directed\n0 1 0.500000\n"), std::string::npos)
+      << back.result;
 }
 
 }  // namespace

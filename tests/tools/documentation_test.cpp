@@ -57,25 +57,112 @@ TEST(Documentation, EveryExampleInEveryHelpWorks) {
   }
 }
 
-TEST(Documentation, CompletionsAndManualPageKnowEveryOption) {
-  const std::string completion = contentsOf(VEQ_DATA "/../tools/veq/completion.bash");
-  const std::string page = contentsOf(VEQ_DATA "/../tools/veq/veq.1.in");
-  const std::string plainPage = std::regex_replace(page, std::regex("\\\\-"), "-");
-  const std::regex option("\n  (?:-h,)?(--[a-z-]+)");
-  std::set<std::string> options;
-  for (const auto& command : kCommands) {
-    const std::string help = helpOf(command);
-    EXPECT_NE(completion.find(command.back()), std::string::npos);
-    EXPECT_NE(page.find(command.back()), std::string::npos);
-    for (std::sregex_iterator at(help.begin(), help.end(), option), end; at != end; ++at) {
-      options.insert((*at)[1]);
-    }
+std::set<std::string> matchesIn(const std::string& text, const std::regex& pattern) {
+  std::set<std::string> matches;
+  for (std::sregex_iterator at(text.begin(), text.end(), pattern), end; at != end; ++at) {
+    matches.insert((*at)[1]);
   }
-  EXPECT_EQ(options.size(), 18u);
-  for (const std::string& name : options) {
-    EXPECT_TRUE(std::regex_search(completion, std::regex(name + "\\b"))) << name;
-    if (name == "--help") continue;
-    EXPECT_TRUE(std::regex_search(plainPage, std::regex(name + "\\b"))) << name;
+  return matches;
+}
+
+/// The options in the help of a command and of the commands below it.
+std::set<std::string> optionsOf(const std::string& command) {
+  std::set<std::string> options;
+  for (const auto& path : kCommands) {
+    if (path[0] != command) continue;
+    options.merge(matchesIn(helpOf(path), std::regex("\n  (?:-h,)?(--[a-z-]+)")));
+  }
+  return options;
+}
+
+/// The lines that a shell with its completion file gives for a script.
+std::set<std::string> completions(const std::string& shell, const std::string& script) {
+  const TemporaryDirectory home;
+  const ProgramRun run = runShell("HOME='" + home.path("") + "' " + shell + " '" + script + "'");
+  EXPECT_EQ(run.exitCode, 0) << run.errors;
+  EXPECT_EQ(run.errors, "");
+  return matchesIn(run.output, std::regex("(?:^|\n)([^\t\n]+)"));
+}
+
+bool has(const std::string& program) { return runShell("command -v " + program).exitCode == 0; }
+
+std::string source(const std::string& file) {
+  return "source \"" VEQ_DATA "/../tools/veq/completions/" + file + "\"; ";
+}
+
+std::set<std::string> bashCompletions(const std::string& words) {
+  return completions("bash -c", source("veq.bash") + "COMP_WORDS=(veq " + words +
+                                    " --); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _veq; "
+                                    "printf \"%s\\n\" \"${COMPREPLY[@]}\"");
+}
+
+std::set<std::string> fishCompletions(const std::string& line) {
+  return completions("fish --no-config -c",
+                     source("veq.fish") + "complete -C \"veq " + line + "\"");
+}
+
+/// What the completion hands to the shell's own function, whose first words are the options.
+std::set<std::string> zshOptions(const std::string& command) {
+  const std::set<std::string> lines = completions(
+      "zsh -f -c", "compdef() {}; _arguments() { print -l -- \"$@\" }; " + source("veq.zsh") +
+                       "words=(veq " + command + " --); CURRENT=3; _veq");
+  std::set<std::string> options;
+  for (const std::string& line : lines) {
+    if (line.substr(0, 2) == "--") options.insert(line.substr(0, line.find('[')));
+  }
+  return options;
+}
+
+TEST(Documentation, TheManualPageHasEveryOptionOfEveryCommandAndNoOther) {
+  const std::string page =
+      std::regex_replace(contentsOf(VEQ_MAN_PAGES "/veq.1"), std::regex("\\\\-"), "-");
+  EXPECT_EQ(page.substr(0, 43), ".TH VEQ 1 \"\" \"veq 0.9.0\" \"User Commands\"\n.S");
+  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+    const std::size_t begin = page.find("\n.SS veq " + command + " ");
+    ASSERT_NE(begin, std::string::npos) << command;
+    const std::string section = page.substr(begin, page.find("\n.S", begin + 1) - begin);
+    std::set<std::string> options = optionsOf(command);
+    options.erase("--help");
+    EXPECT_FALSE(options.empty());
+    EXPECT_EQ(matchesIn(section, std::regex("\n\\.TP\n\\.BI? (--[a-z-]+)")), options) << command;
+  }
+}
+
+TEST(Documentation, ManualPagesAreWellFormedAndSayTheVersion) {
+  for (const std::string page :
+       {"veq.1", "veq-xnet.5", "veq-pajek.5", "veq-edges.5", "veq-archive.5"}) {
+    const std::string file = VEQ_MAN_PAGES "/" + page;
+    EXPECT_NE(contentsOf(file).find("\"veq 0.9.0\""), std::string::npos) << page;
+    if (!has("groff")) continue;
+    const ProgramRun run = runShell("groff -man -Tutf8 -ww '" + file + "'");
+    EXPECT_EQ(run.exitCode, 0) << page;
+    EXPECT_EQ(run.errors, "") << page;
+  }
+}
+
+TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
+  if (!has("bash")) GTEST_SKIP() << "this system has no bash";
+  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+    EXPECT_EQ(bashCompletions(command + " x"), optionsOf(command)) << command;
+  }
+  EXPECT_EQ(bashCompletions(""), (std::set<std::string>{"--help", "--version"}));
+}
+
+TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
+  if (!has("fish")) GTEST_SKIP() << "this system has no fish";
+  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+    EXPECT_EQ(fishCompletions(command + " x --"), optionsOf(command)) << command;
+  }
+  EXPECT_EQ(fishCompletions(""),
+            (std::set<std::string>{"info", "walk", "convert", "generate", "components", "help"}));
+  EXPECT_EQ(fishCompletions("generate "), (std::set<std::string>{"barabasi", "random"}));
+  EXPECT_EQ(fishCompletions("walk x --format "), (std::set<std::string>{"table", "csv", "json"}));
+}
+
+TEST(Documentation, ZshCompletesEveryOptionAndNoOther) {
+  if (!has("zsh")) GTEST_SKIP() << "this system has no zsh";
+  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+    EXPECT_EQ(zshOptions(command), optionsOf(command)) << command;
   }
 }
 

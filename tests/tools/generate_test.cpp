@@ -66,25 +66,35 @@ std::string usageErrorOf(const std::string& model, const std::string& vertices,
 
 TEST(GenerateCommand, NumbersThatMakeNoNetworkAreWrongUsage) {
   EXPECT_EQ(usageErrorOf("barabasi", "3", "6"),
-            "veq: --degree: must be less than twice the number of vertices (see veq generate "
-            "barabasi --help)\n");
-  EXPECT_EQ(usageErrorOf("barabasi", "9", "1"),
-            "veq: --degree: must be a whole number from 2 to 18446744073709551615, not 1 (see veq "
+            "veq: --degree needs a number below twice the number of vertices, not 6 (see veq "
             "generate barabasi --help)\n");
+  EXPECT_EQ(usageErrorOf("barabasi", "9", "1"),
+            "veq: --degree needs a whole number from 2 on, not 1 (see veq generate barabasi "
+            "--help)\n");
   EXPECT_EQ(usageErrorOf("random", "0", "1"),
-            "veq: --vertices: must be a whole number from 1 to 18446744073709551615, not 0 (see "
-            "veq generate random --help)\n");
+            "veq: --vertices needs a whole number from 1 on, not 0 (see veq generate random "
+            "--help)\n");
   for (const std::string degree : {"nan", "inf", "-1", "many"}) {
-    EXPECT_EQ(usageErrorOf("random", "9", degree),
-              "veq: --degree: must be a number from 0 on, not " + degree +
-                  " (see veq generate random --help)\n");
+    EXPECT_EQ(usageErrorOf("random", "9", degree), "veq: --degree needs a number from 0 on, not " +
+                                                       degree +
+                                                       " (see veq generate random --help)\n");
   }
   EXPECT_EQ(usageErrorOf("random", "9", "9.5"),
-            "veq: --degree: must not be above the number of vertices (see veq generate random "
-            "--help)\n");
+            "veq: --degree needs a number up to the number of vertices, not 9.5 (see veq generate "
+            "random --help)\n");
   const ProgramRun run = runVeq({"generate"});
   EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.errors, "veq: A subcommand is required (see veq generate --help)\n");
+  EXPECT_EQ(run.errors, "veq: a model is missing: barabasi or random (see veq generate --help)\n");
+}
+
+TEST(GenerateCommand, WritesToStandardOutputAndSaysTheRestAside) {
+  const ProgramRun run = runVeq({"generate", "random", "--vertices", "3", "--degree", "0", "--seed",
+                                 "1", "-", "--to", "xnet"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output, "#vertices 1 nonweighted\n#edges nonweighted undirected\n");
+  EXPECT_EQ(
+      run.errors,
+      "1 vertex, 0 edges, undirected, seed 1\nwithout the last 2 of 3, which have no edges\n");
 }
 
 TEST(GenerateCommand, OutputIsCheckedBeforehand) {

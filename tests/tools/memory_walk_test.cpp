@@ -89,14 +89,13 @@ TEST(MemoryWalk, BadOptionsAreWrongUsage) {
     EXPECT_EQ(run.exitCode, 2);
     return run.errors;
   };
-  EXPECT_EQ(errorOf("--errors", "0.5"), "veq: --errors: needs --memory (see veq walk --help)\n");
+  EXPECT_EQ(errorOf("--errors", "0.5"), "veq: --errors needs --memory (see veq walk --help)\n");
   EXPECT_EQ(errorOf("--agents-network", kKarate),
-            "veq: --agents-network: needs --memory (see veq walk --help)\n");
+            "veq: --agents-network needs --memory (see veq walk --help)\n");
   EXPECT_EQ(errorOf("--memory", "0"),
-            "veq: --memory: must be a whole number from 1 to 9223372036854775807, not 0 (see veq "
-            "walk --help)\n");
+            "veq: --memory needs a whole number from 1 on, not 0 (see veq walk --help)\n");
   EXPECT_EQ(errorOf("--errors", "1.5"),
-            "veq: --errors: must be a number from 0 to 1, not 1.5 (see veq walk --help)\n");
+            "veq: --errors needs a number from 0 to 1, not 1.5 (see veq walk --help)\n");
 }
 
 TEST(MemoryWalk, RingsThatMemoryCannotHoldAreAFailure) {

@@ -1,29 +1,47 @@
 #include <gtest/gtest.h>
 #include <pty.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <regex>
 #include <string>
+#include <thread>
 #include <vector>
+
+#include "tests/tools/program.hpp"
 
 namespace veq::test {
 namespace {
 
+/// Variables of the environment, as "NAME=value".
+using Variables = std::vector<const char*>;
+
 /// A veq that runs on a terminal of its own.
 class TerminalRun {
  public:
-  explicit TerminalRun(const char* steps) {
+  TerminalRun(std::vector<std::string> arguments, unsigned short columns,
+              Variables variables = {}) {
     winsize size{};
     size.ws_row = 24;
-    size.ws_col = 60;
+    size.ws_col = columns;
+    arguments.insert(arguments.begin(), "veq");
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    variables.insert(variables.begin(), "TERM=xterm");
     pid_ = forkpty(&terminal_, nullptr, nullptr, &size);
     if (pid_ == 0) {
       // Programs inherit it when interrupts are ignored, as by what a shell starts in the
       // background.
       signal(SIGINT, SIG_DFL);
-      execl(VEQ_PROGRAM, "veq", "walk", VEQ_DATA "/karate.xnet", "--agents", "2", "--steps", steps,
-            "--top", "0", "--seed", "1", static_cast<char*>(nullptr));
+      for (const char* variable : variables) putenv(const_cast<char*>(variable));
+      execv(VEQ_PROGRAM, argv.data());
       _exit(127);
     }
   }
@@ -42,6 +60,9 @@ class TerminalRun {
     return shown_;
   }
 
+  /// What readUntil() has returned last.
+  [[nodiscard]] const std::string& shown() const { return shown_; }
+
   void type(char key) { ASSERT_EQ(write(terminal_, &key, 1), 1); }
 
   int status() {
@@ -56,10 +77,6 @@ class TerminalRun {
   std::string shown_;
 };
 
-bool endsWith(const std::string& text, const std::string& end) {
-  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
-}
-
 std::vector<std::string> split(const std::string& text, const std::string& separator) {
   std::vector<std::string> pieces;
   std::size_t at = 0;
@@ -70,34 +87,92 @@ std::vector<std::string> split(const std::string& text, const std::string& separ
   return pieces;
 }
 
-const std::string kErase = "\r\x1b[K";
+/// A walk of hours.
+const std::vector<std::string> kLongWalk{"walk",     VEQ_DATA "/karate.xnet",
+                                         "--agents", "2",
+                                         "--steps",  "1000000000000",
+                                         "--top",    "0",
+                                         "--seed",   "1"};
 
-TEST(ProgressLine, FitsTheTerminalAndIsGoneAfterAnInterrupt) {
-  TerminalRun run("1000000000000");  // hours
-  const std::string first = run.readUntil("/s, ");
-  EXPECT_NE(first.find(kErase + "[-"), std::string::npos);
-  EXPECT_NE(first.find(" of 1.0 T steps"), std::string::npos);
+/// Runs the long walk on a terminal until it has drawn its progress, interrupts it, and returns
+/// what it had shown before.
+std::string progressIn(unsigned short columns) {
+  TerminalRun run(kLongWalk, columns);
+  run.readUntil(" left");
+  run.readUntil(" left\r");
+  const std::string shown = run.shown();
+  run.type('\x03');
+  run.readUntil("nothing more");
+  run.status();
+  return shown;
+}
+
+TEST(ProgressLine, FitsTheTerminal) {
+  for (const unsigned short columns : std::vector<unsigned short>{100, 60, 40}) {
+    // A full line would wrap.
+    for (const std::string& line : split(progressIn(columns), "\r")) {
+      EXPECT_LT(line.size(), columns) << line;
+    }
+  }
+}
+
+TEST(ProgressLine, ShowsABarWhereThereIsRoomAndElseWholeNumbersAlone) {
+  const std::string time = "[0-9a-z: ]+ left";
+  const std::string steps = "[0-9.]+( [kM])? of 1\\.0 T steps";
+  EXPECT_TRUE(std::regex_search(
+      progressIn(100), std::regex("\r\\[-{24}\\] " + steps + ", [0-9.]+( [kMG])?/s, " + time)));
+  EXPECT_TRUE(std::regex_search(progressIn(60), std::regex("\r\\[-{12}\\] " + steps)));
+  const std::string narrow = progressIn(40);
+  EXPECT_TRUE(std::regex_search(narrow, std::regex("\r" + steps + ", " + time))) << narrow;
+  EXPECT_EQ(narrow.find('['), std::string::npos);
+}
+
+TEST(ProgressLine, IsGoneAfterAnInterrupt) {
+  TerminalRun run(kLongWalk, 60);
+  run.readUntil(" left");
   run.type('\x03');
   const std::string all = run.readUntil("nothing more");
-  EXPECT_TRUE(endsWith(all, kErase)) << all.substr(all.size() - 80);
-  // The terminal is 60 characters wide, and a full line would wrap. It echoes the key as "^C".
-  for (const std::string& line : split(all, kErase)) {
-    EXPECT_LT(line.substr(0, line.find('^')).size(), 60u) << line;
-  }
+  // Blanks over the last line.
+  EXPECT_TRUE(std::regex_search(all, std::regex("\r {30,59}\r$"))) << all.substr(all.size() - 80);
   const int status = run.status();
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(WTERMSIG(status), SIGINT);
 }
 
-TEST(ProgressLine, IsGoneBeforeTheResultStands) {
-  TerminalRun run("40000000");
+TEST(ProgressLine, TellsWhatTakesLongBeforeTheResultStandsInItsPlace) {
+  const TemporaryDirectory directory;
+  const std::string pipe = directory.path("n.xnet");
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  TerminalRun run({"info", pipe}, 200);
+  const std::string before = run.readUntil(", 0:0");
+  EXPECT_NE(before.find("\rreading " + pipe + ", 0:0"), std::string::npos);
+  std::ofstream(pipe) << "#vertices 2\n#edges\n0 1\n";
   const std::string all = run.readUntil("nothing more");
   EXPECT_EQ(run.status(), 0);
-  const std::size_t result = all.find("34 vertices, 78 edges, undirected\r\n");
-  ASSERT_NE(result, std::string::npos);
-  ASSERT_GE(result, kErase.size());
-  EXPECT_EQ(all.substr(result - kErase.size(), kErase.size()), kErase);
-  EXPECT_TRUE(endsWith(all, "34 of 34 vertices reached (100.00 %)\r\n"));
+  const std::string blanks(("reading " + pipe + ", 0:01").size(), ' ');
+  EXPECT_NE(all.find("\r" + blanks + "\rdirection           undirected\r\n"), std::string::npos)
+      << all;
+}
+
+TEST(ProgressLine, IsPlainTextAndOnDumbTerminalsNothing) {
+  const TemporaryDirectory directory;
+  for (const char* const variable : {"NO_COLOR=1", "TERM=dumb", "TERM="}) {
+    const std::string pipe = directory.path("n.xnet");
+    std::filesystem::remove(pipe);
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    TerminalRun run({"info", pipe}, 200, {variable});
+    const bool draws = std::string(variable) == "NO_COLOR=1";
+    if (draws) run.readUntil("reading");
+    // Longer than the second after which a line is drawn.
+    if (!draws) std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+    std::ofstream(pipe) << "#vertices 2\n#edges\n0 1\n";
+    const std::string all = run.readUntil("nothing more");
+    EXPECT_EQ(run.status(), 0);
+    EXPECT_EQ(all.find('\x1b'), std::string::npos);
+    if (!draws) {
+      EXPECT_EQ(all.substr(0, 34), "direction           undirected\r\nwe");
+    }
+  }
 }
 
 }  // namespace

@@ -118,29 +118,39 @@ TEST(WalkCommand, ListsTheVisitsOfTheWalkThatTheSeedStandsFor) {
       runVeq({"walk", kLesMis, "--agents", "100", "--steps", "50", "--seed", "7", "--top", "77"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.errors, "");  // no progress where standard error is no terminal
-  EXPECT_EQ(withoutPadding(run.output),
-            "77 vertices, 254 edges, undirected\n"
-            "100 agents, 50 steps each, seed 7\n"
-            "77 of 77 vertices reached (100.00 %)\n"
-            "\n"
-            "vertex degree visits share degree/2m\n" +
-                rowsOf(network, walk, 77));
+  EXPECT_EQ(withoutPadding(run.output), "network " + kLesMis +
+                                            ": 77 vertices, 254 edges, undirected\n"
+                                            "agents 100, agent i starting at vertex i\n"
+                                            "memory none\n"
+                                            "walk 50 steps each, choice published, seed 7\n"
+                                            "reached 77 of 77 vertices (100.00 %)\n"
+                                            "\n"
+                                            "vertex degree visits share degree/2m\n" +
+                                            rowsOf(network, walk, 77));
 }
 
 TEST(WalkCommand, StopsWithTheStepInWhichTheTargetIsMet) {
   const NamedNetwork network(kKarate);
   // 33 / 34 is below 0.98, and 32 / 34 below 0.95: all but one vertex are needed for the latter.
   for (const auto& [target, value, reached] :
-       {std::tuple("0.98", 0.98f, "34 of 34 vertices reached (100.00 %)\n"),
-        std::tuple("0.95", 0.95f, "33 of 34 vertices reached (97.06 %)\n")}) {
+       {std::tuple(std::string("0.98"), 0.98f, "34 of 34 vertices (100.00 %)\n"),
+        std::tuple(std::string("0.95"), 0.95f, "33 of 34 vertices (97.06 %)\n")}) {
     const NamedWalk walk(network, {33, 0, 33}, 5000, 1, value);
     const std::string steps = std::to_string(walk.paths[0].size() - 1);
     ASSERT_LT(walk.paths[0].size(), 5000u);
     const ProgramRun run = runVeq({"walk", kKarate, "--agents", "3", "--steps", "5000", "--seed",
                                    "0", "--start", "34,1", "--until-reach", target, "--top", "0"});
     EXPECT_EQ(run.exitCode, 0);
-    EXPECT_EQ(run.output, "34 vertices, 78 edges, undirected\n3 agents, " + steps +
-                              " steps each, seed 0\n" + reached);
+    EXPECT_EQ(run.output, "network  " + kKarate +
+                              ": 34 vertices, 78 edges, undirected\n"
+                              "agents   3, starting at 34,1\n"
+                              "memory   none\n"
+                              "walk     " +
+                              steps + " of at most 5000 steps each, until reaching " +
+                              target.substr(2) +
+                              ".00 %, choice published, seed 0\n"
+                              "reached  " +
+                              reached);
   }
 }
 
@@ -151,14 +161,17 @@ TEST(WalkCommand, SaysWhenTheTargetWasNotMet) {
       {"walk", file, "--agents", "1", "--steps", "4", "--until-reach", "0.9", "--seed", "5"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.output,
-            "3 vertices, 1 edge, undirected\n"
-            "1 agent, 4 steps each, seed 5\n"
-            "2 of 3 vertices reached (66.67 %), less than the 90.00 % asked for\n"
-            "\n"
-            "vertex  degree  visits    share  degree/2m\n"
-            "0            1       2  50.00 %    50.00 %\n"
-            "1            1       2  50.00 %    50.00 %\n"
-            "2            0       0   0.00 %     0.00 %\n");
+            "network  " + file +
+                ": 3 vertices, 1 edge, undirected\n"
+                "agents   1, agent i starting at vertex i\n"
+                "memory   none\n"
+                "walk     4 of at most 4 steps, until reaching 90.00 %, choice published, seed 5\n"
+                "reached  2 of 3 vertices (66.67 %), less than was asked for\n"
+                "\n"
+                "vertex  degree  visits    share  degree/2m\n"
+                "0            1       2  50.00 %    50.00 %\n"
+                "1            1       2  50.00 %    50.00 %\n"
+                "2            0       0   0.00 %     0.00 %\n");
 }
 
 TEST(WalkCommand, DirectedNetworksListBothDegreesAndNoLongRunShare) {
@@ -167,27 +180,31 @@ TEST(WalkCommand, DirectedNetworksListBothDegreesAndNoLongRunShare) {
       "d.xnet", "#vertices 3\n\"\xc3\xa9t\xc3\xa9\"\n\"b\"\n\"c\"\n#edges directed\n0 1\n1 2\n");
   const ProgramRun run =
       runVeq({"walk", file, "--agents", "1", "--steps", "9", "--seed", "1", "--top", "2"});
-  EXPECT_EQ(run.output,
-            "3 vertices, 2 edges, directed\n"
-            "1 agent, 9 steps each, seed 1\n"
-            "2 of 3 vertices reached (66.67 %)\n"
-            "\n"
-            "vertex  out-degree  in-degree  visits    share\n"
-            "b                1          1       1  50.00 %\n"
-            "c                0          1       1  50.00 %\n");
+  EXPECT_EQ(run.output, "network  " + file +
+                            ": 3 vertices, 2 edges, directed\n"
+                            "agents   1, agent i starting at vertex i\n"
+                            "memory   none\n"
+                            "walk     9 steps, choice published, seed 1\n"
+                            "reached  2 of 3 vertices (66.67 %)\n"
+                            "\n"
+                            "vertex  out-degree  in-degree  visits    share\n"
+                            "b                1          1       1  50.00 %\n"
+                            "c                0          1       1  50.00 %\n");
 }
 
 TEST(WalkCommand, WithoutEdgesNobodyMovesAndThereAreNoShares) {
   const TemporaryDirectory directory;
-  const std::string file = directory.write("one.xnet", "");
+  const std::string file = directory.write("one.xnet", "#vertices 1\n");
   const ProgramRun run = runVeq({"walk", file, "--agents", "2", "--steps", "3", "--seed", "1"});
-  EXPECT_EQ(run.output,
-            "1 vertex, 0 edges, undirected\n"
-            "2 agents, 3 steps each, seed 1\n"
-            "0 of 1 vertex reached (0.00 %)\n"
-            "\n"
-            "vertex  degree  visits  share  degree/2m\n"
-            "0            0       0      -          -\n");
+  EXPECT_EQ(run.output, "network  " + file +
+                            ": 1 vertex, 0 edges, undirected\n"
+                            "agents   2, agent i starting at vertex i\n"
+                            "memory   none\n"
+                            "walk     3 steps each, choice published, seed 1\n"
+                            "reached  0 of 1 vertex (0.00 %)\n"
+                            "\n"
+                            "vertex  degree  visits  share  degree/2m\n"
+                            "0            0       0      -          -\n");
 }
 
 TEST(WalkCommand, StartsByNameThenByIndexCyclically) {
@@ -239,6 +256,133 @@ TEST(WalkCommand, OutputIsTheNetworkWithItsVisits) {
   std::string expected = contentsOf(kKarate) + "#v \"Visits\" n\n";
   for (const std::int64_t count : walk.visits) expected += std::to_string(count) + "\n";
   EXPECT_EQ(contentsOf(output), expected);
+}
+
+TEST(WalkCommand, StartsMayStandInAFileOrHaveCommasInTheirNames) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write(
+      "n.xnet", "#vertices 3\n\"a, b\"\n\"c\"\n\"say <quote>d<quote>\"\n#edges\n0 1\n1 2\n");
+  const std::string paths = directory.path("paths.csv");
+  // The first column of the lines of step 0: agent, 0, index, name.
+  const auto startsOf = [&](const std::string& value) {
+    const ProgramRun run = runVeq({"walk", file, "--agents", "3", "--steps", "1", "--start", value,
+                                   "--paths", paths, "--top", "0"});
+    EXPECT_EQ(run.exitCode, 0) << run.errors;
+    std::string starts;
+    std::istringstream lines(contentsOf(paths));
+    for (std::string line; std::getline(lines, line);) {
+      if (line.substr(1, 3) == ",0,") starts += line[4];
+    }
+    return starts;
+  };
+  EXPECT_EQ(startsOf("a, b"), "000");                 // a name alone needs no quotes
+  EXPECT_EQ(startsOf("\"a, b\",c"), "010");           // in a list it does
+  EXPECT_EQ(startsOf("2,\"say \"\"d\"\"\""), "222");  // quotes inside are doubled
+  EXPECT_EQ(startsOf(directory.write("starts", "c\r\na, b\r\nsay \"d\"")), "102");
+  directory.write("c", "0\n");  // a vertex of that name counts, not the file
+  const ProgramRun run = runShell("cd '" + directory.path("") +
+                                  "' && '" VEQ_PROGRAM
+                                  "' walk n.xnet --agents 1 --steps 1 --start c --paths p --top 0");
+  EXPECT_EQ(contentsOf(directory.path("p")).substr(22, 8), "0,0,1,c\n");
+}
+
+TEST(WalkCommand, AVisitsPropertyOfTheUsersIsKeptUnlessForced) {
+  const TemporaryDirectory directory;
+  const std::string file =
+      directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n#v \"Visits\" n\n7\n8\n");
+  const std::string output = directory.path("out.xnet");
+  std::vector<std::string> arguments{"walk", file,    "--agents", "1",        "--steps",
+                                     "4",    "--top", "0",        "--output", output};
+  ProgramRun run = runVeq(arguments);
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.errors, "veq: " + file +
+                            ": has a vertex property \"Visits\", which --output would replace; "
+                            "--force does so\n");
+  EXPECT_EQ(directory.names(), std::vector<std::string>{"n.xnet"});
+  arguments.emplace_back("--force");
+  EXPECT_EQ(runVeq(arguments).exitCode, 0);
+  EXPECT_EQ(contentsOf(output),
+            "#vertices 2 nonweighted\n#edges nonweighted undirected\n0 1\n#v \"Visits\" n\n2\n2\n");
+}
+
+TEST(WalkCommand, SaysEverythingThatIsNeededToRepeatIt) {
+  const ProgramRun run =
+      runVeq({"walk", kKarate, "--agents", "2", "--steps", "30", "--seed", "9", "--memory", "5",
+              "--errors", "0.25", "--agents-network", kLesMis, "--start", "1,34", "--top", "0"});
+  const std::string beforeReach = run.output.substr(0, run.output.find("reached"));
+  EXPECT_EQ(beforeReach, "network  " + kKarate +
+                             ": 34 vertices, 78 edges, undirected\n"
+                             "agents   2, starting at 1,34\n"
+                             "memory   5 visits, errors 0.25, agents linked as in " +
+                             kLesMis + "\nwalk     30 steps each, choice published, seed 9\n");
+}
+
+TEST(WalkCommand, AnswersOtherPrograms) {
+  const TemporaryDirectory directory;
+  // One way only: from 0 to 1 and from there to 0.
+  const std::string file = directory.write("n.xnet", "#vertices 2\n#edges directed\n0 1\n1 0\n");
+  const std::vector<std::string> walk{"walk", file,     "--agents", "1",       "--steps",
+                                      "3",    "--seed", "1",        "--format"};
+  std::vector<std::string> csv = walk;
+  csv.emplace_back("csv");
+  ProgramRun run = runVeq(csv);
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output,
+            "index,name,outDegree,inDegree,visits,share\n"
+            "1,1,1,1,2,0.6666666666666666\n"
+            "0,0,1,1,1,0.3333333333333333\n");
+  EXPECT_EQ(run.errors, "network  " + file +
+                            ": 2 vertices, 2 edges, directed\n"
+                            "agents   1, agent i starting at vertex i\n"
+                            "memory   none\n"
+                            "walk     3 steps, choice published, seed 1\n"
+                            "reached  2 of 2 vertices (100.00 %)\n");
+  std::vector<std::string> json = walk;
+  json.insert(json.end(), {"json", "--top", "1"});
+  run = runVeq(json);
+  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(run.output,
+            "{\n"
+            "  \"network\": \"" +
+                file +
+                "\",\n"
+                "  \"vertices\": 2,\n"
+                "  \"edges\": 2,\n"
+                "  \"directed\": true,\n"
+                "  \"agents\": 1,\n"
+                "  \"starts\": null,\n"
+                "  \"memory\": null,\n"
+                "  \"errors\": 0,\n"
+                "  \"agentsNetwork\": null,\n"
+                "  \"stepsAsked\": 3,\n"
+                "  \"steps\": 3,\n"
+                "  \"untilReach\": null,\n"
+                "  \"interrupted\": false,\n"
+                "  \"choice\": \"published\",\n"
+                "  \"seed\": 1,\n"
+                "  \"reached\": 2,\n"
+                "  \"visits\": [\n"
+                "    {\n"
+                "      \"index\": 1,\n"
+                "      \"name\": \"1\",\n"
+                "      \"outDegree\": 1,\n"
+                "      \"inDegree\": 1,\n"
+                "      \"visits\": 2,\n"
+                "      \"share\": 0.6666666666666666\n"
+                "    }\n"
+                "  ]\n"
+                "}\n");
+}
+
+TEST(WalkCommand, PathsToStandardOutputPutTheTableAside) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n");
+  const ProgramRun run = runVeq(
+      {"walk", file, "--agents", "1", "--steps", "2", "--seed", "1", "--paths", "-", "--top", "0"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output, "agent,step,index,name\n0,0,0,0\n0,1,1,1\n0,2,0,0\n");
+  EXPECT_EQ(run.errors.substr(0, 9), "network  ");
 }
 
 TEST(WalkCommand, TellsTheSeedThatItChoseSoThatTheWalkCanBeRepeated) {

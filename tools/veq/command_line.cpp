@@ -1,76 +1,197 @@
 #include "command_line.hpp"
 
 #include <CLI/CLI.hpp>
-#include <charconv>
-#include <cmath>
+#include <algorithm>
 #include <iostream>
-#include <system_error>
 #include <utility>
-#include <vector>
 
 #include "failure.hpp"
+#include "option_values.hpp"
+#include "suggestions.hpp"
 #include "text.hpp"
 
 namespace veq::tool {
+
+/// An option or argument. CLI11 only collects the texts that it was given; they are read when all
+/// of them are known, so that what is missing is told before what is wrong.
+struct OptionRecord {
+  std::string name;
+  std::string needs;  // empty for arguments without a dash
+  bool required = false;
+  std::function<void(const std::string&)> read;
+  std::vector<std::string> texts;
+};
+
+struct CommandRecord {
+  std::unique_ptr<CLI::App> root;  // nothing owns the application above all others
+  CLI::App* app = nullptr;
+  std::string what;  // what the commands below this one are called
+  std::vector<std::unique_ptr<OptionRecord>> options;
+  std::vector<std::unique_ptr<CommandRecord>> commands;
+  std::function<void()> action;
+};
+
 namespace {
 
 constexpr int kWrongUsage = 2;
 
 constexpr auto kHelp = R"(Try
-  veq info data/lesmis.xnet
-  veq walk data/lesmis.xnet --agents 5 --steps 1000 --seed 1
-and veq COMMAND --help, which teaches each command by example.
+  veq info karate
+  veq walk lesmis --agents 5 --steps 1000 --seed 1
+with the two networks that come with the program, and veq help COMMAND, which
+teaches each command by example.
 
 Exit codes: 0, 1 where a file cannot be used, 2 for wrong usage.)";
 
-/// The number that the whole text is.
-template <class T>
-std::optional<T> parsed(const std::string& text) {
-  T value{};
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, value);
-  if (error != std::errc() || rest != end) return std::nullopt;
-  return value;
-}
-
-/// CLI11 itself would take -1 and 2^64 for 2^64 - 1, and 010 for 8.
-template <class Target>
-CLI::Option* addInteger(CLI::App& app, const std::string& option, Target& target,
-                        std::uint64_t least, std::uint64_t most, const std::string& description) {
-  const auto read = [option, &target, least, most](const std::string& text) {
-    const auto value = parsed<std::uint64_t>(text);
-    if (!value || *value < least || *value > most) {
-      throw WrongUsage(option, "must be a whole number from " + std::to_string(least) + " to " +
-                                   std::to_string(most) + ", not " + text);
-    }
-    target = *value;
+CLI::Option* addOption(CommandRecord& command, const std::string& name, const std::string& needs,
+                       bool required, std::function<void(const std::string&)> read,
+                       const std::string& description) {
+  command.options.push_back(
+      std::make_unique<OptionRecord>(OptionRecord{name, needs, required, std::move(read), {}}));
+  OptionRecord* const record = command.options.back().get();
+  const auto collect = [record](const CLI::results_t& texts) {
+    record->texts = texts;
+    return true;
   };
-  return app.add_option_function<std::string>(option, read, description)->type_name("N");
+  CLI::Option* const option = command.app->add_option(name, collect, description);
+  option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  return option->required(required);
 }
 
-Command addCommandTo(CLI::App& app, const std::string& name, const std::string& summary,
-                     const std::string& examples) {
-  CLI::App* const command = app.add_subcommand(name, summary);
-  command->footer("Examples:\n" + examples);
-  return Command(*command);
+void addWholeNumberTo(CommandRecord& command, const std::string& option, WholeNumbers range,
+                      bool required, const std::function<void(std::uint64_t)>& store,
+                      const std::string& description) {
+  const auto read = [option, range, store](const std::string& text) {
+    const auto value = readWholeNumber(text, range);
+    if (!value) {
+      throw WrongUsage(option + " needs " + wordsFor(range) + ", " + refusalOf(text, range));
+    }
+    store(*value);
+  };
+  addOption(command, option, "a number", required, read, description)->type_name("N");
 }
 
-/// CLI11's reason, and for an unknown command the reason that it lacks.
-std::string reasonOf(const CLI::App& app, const CLI::ParseError& error) {
-  const std::vector<std::string> unknown = app.remaining();
-  if (app.get_subcommands().empty() && !unknown.empty()) {
-    return "there is no command \"" + unknown.front() + "\"";
+/// The command that was named last.
+CommandRecord& chosenFrom(CommandRecord& root) {
+  CommandRecord* at = &root;
+  for (bool found = true; found;) {
+    found = false;
+    for (const auto& command : at->commands) {
+      if (!command->app->parsed()) continue;
+      at = command.get();
+      found = true;
+      break;
+    }
   }
-  return error.what();
+  return *at;
 }
 
-int reportWrongUsage(const CLI::App& app, const std::string& reason) {
-  std::string help = "veq";
-  for (const CLI::App* at = &app; !at->get_subcommands().empty();) {
-    at = at->get_subcommands().front();
-    help += " " + at->get_name();
+std::vector<std::string> namesOfCommands(const CommandRecord& command) {
+  std::vector<std::string> names;
+  for (const auto& below : command.commands) names.push_back(below->app->get_name());
+  return names;
+}
+
+std::vector<std::string> namesOfOptions(const CommandRecord& command) {
+  std::vector<std::string> names{"--help"};
+  if (!command.app->get_parent()) names.emplace_back("--version");
+  for (const CLI::Option* option : command.app->get_options()) {
+    if (!option->get_positional()) names.push_back(option->get_name());
   }
-  std::cerr << "veq: " << printable(reason) << " (see " << help << " --help)\n";
+  return names;
+}
+
+std::string meant(const std::string& typed, const std::vector<std::string>& words) {
+  const std::string nearest = nearestWord(typed, words);
+  return nearest.empty() ? std::string() : ", did you mean " + nearest + "?";
+}
+
+/// Why no command was chosen of those below this one.
+std::string noCommandReason(const CommandRecord& command, const std::string& typed) {
+  const std::vector<std::string> names = namesOfCommands(command);
+  if (typed.empty()) return "a " + command.what + " is missing: " + wordList(names, "or");
+  const std::string reason = "there is no " + command.what + " \"" + typed + "\"";
+  const std::string nearest = meant(typed, names);
+  return reason + (nearest.empty() ? ": there are " + wordList(names) : nearest);
+}
+
+std::string surplusReason(const CommandRecord& command, const std::string& argument) {
+  if (argument.size() < 2 || argument[0] != '-') {
+    return "\"" + argument + "\" is one argument too many";
+  }
+  const std::string option = argument.substr(0, argument.find('='));
+  return "there is no option " + option + meant(option, namesOfOptions(command));
+}
+
+/// What is missing, all of it; empty where nothing is.
+std::string missingReason(const CommandRecord& command, const CLI::App& app) {
+  std::string reason;
+  for (const auto& option : command.options) {
+    if (!option->required || app.count(option->name) > 0) continue;
+    if (!reason.empty()) reason += "; ";
+    reason += option->name + (option->needs.empty() ? " is missing" : " needs " + option->needs);
+  }
+  return reason;
+}
+
+/// What CLI11 says is worded otherwise in each version, and names one missing option of several.
+std::string reasonOf(CommandRecord& root, const std::vector<std::string>& arguments,
+                     const CLI::ParseError& error) {
+  const CommandRecord& command = chosenFrom(root);
+  const std::vector<std::string> surplus = root.app->remaining(true);
+  if (!command.commands.empty() && (surplus.empty() || surplus[0][0] != '-')) {
+    return noCommandReason(command, surplus.empty() ? "" : surplus[0]);
+  }
+  if (!surplus.empty()) return surplusReason(command, surplus[0]);
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error)) {
+    for (const auto& option : command.options) {
+      if (option->name == arguments.back()) return option->name + " needs " + option->needs;
+    }
+    for (const std::string& argument : arguments) {
+      const std::string name = argument.substr(0, argument.find('='));
+      if (name != argument && name[0] == '-') return name + " takes no value";
+    }
+  }
+  const std::string missing = missingReason(command, *command.app);
+  return missing.empty() ? error.what() : missing;
+}
+
+/// "veq dance --help" asks for help with nothing.
+bool isCommandUnknown(CommandRecord& root) {
+  const std::vector<std::string> surplus = root.app->remaining(true);
+  return !chosenFrom(root).commands.empty() && !surplus.empty();
+}
+
+/// "veq help walk" is "veq walk --help", and CLI11 takes the argument behind "--start=" for its
+/// value.
+std::vector<std::string> plainArguments(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  if (!arguments.empty() && arguments[0] == "help") {
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
+  }
+  for (const std::string& argument : arguments) {
+    if (argument == "--") break;
+    if (argument.size() > 3 && argument.substr(0, 2) == "--" && argument.back() == '=') {
+      throw WrongUsage(argument.substr(0, argument.size() - 1) + " has no value");
+    }
+  }
+  return arguments;
+}
+
+void readValues(const CommandRecord& command) {
+  for (const auto& option : command.options) {
+    if (option->texts.size() > 1) throw WrongUsage(option->name + " is given twice");
+    if (!option->texts.empty()) option->read(option->texts[0]);
+  }
+}
+
+int reportWrongUsage(CommandRecord& root, const std::string& reason) {
+  std::string help;
+  for (const CLI::App* at = chosenFrom(root).app; at; at = at->get_parent()) {
+    help = at->get_name() + " " + help;
+  }
+  std::cerr << "veq: " << printable(reason) << " (see " << help << "--help)\n";
   return kWrongUsage;
 }
 
@@ -78,85 +199,127 @@ int reportWrongUsage(const CLI::App& app, const std::string& reason) {
 
 void Command::addPositional(const std::string& name, std::string& target,
                             const std::string& description) {
-  app_->add_option(name, target, description)->required()->type_name("");
+  const auto read = [name, &target](const std::string& text) {
+    if (text.empty()) throw WrongUsage(name + " is empty");
+    target = text;
+  };
+  addOption(*record_, name, "", true, read, description)->type_name("");
 }
 
 void Command::addFlag(const std::string& option, bool& target, const std::string& description) {
-  app_->add_flag(option, target, description);
+  record_->app->add_flag(option, target, description)->disable_flag_override();
 }
 
-void Command::addText(const std::string& option, const std::string& valueName, std::string& target,
+void Command::addText(const std::string& option, const std::string& valueName,
+                      const std::string& needs, std::string& target,
                       const std::string& description) {
-  app_->add_option(option, target, description)->type_name(valueName);
+  const auto read = [option, needs, &target](const std::string& text) {
+    if (text.empty()) throw WrongUsage(option + " needs " + needs);
+    target = text;
+  };
+  addOption(*record_, option, needs, false, read, description)->type_name(valueName);
+}
+
+void Command::addChoice(const std::string& option, const std::string& valueName,
+                        const std::vector<std::string>& words, std::optional<std::size_t>& target,
+                        const std::string& description) {
+  const std::string needs = wordList(words, "or");
+  const auto read = [option, words, needs, &target](const std::string& text) {
+    const auto at = std::find(words.begin(), words.end(), text);
+    if (at == words.end()) throw WrongUsage(option + " needs " + needs + ", not " + text);
+    target = static_cast<std::size_t>(at - words.begin());
+  };
+  addOption(*record_, option, needs, false, read, description)->type_name(valueName);
 }
 
 void Command::addWholeNumber(const std::string& option, std::uint64_t& target, std::uint64_t least,
                              std::uint64_t most, const std::string& description) {
-  addInteger(*app_, option, target, least, most, description)->required();
+  addWholeNumberTo(
+      *record_, option, {least, most}, true, [&target](std::uint64_t value) { target = value; },
+      description);
 }
 
 void Command::addWholeNumber(const std::string& option, std::optional<std::uint64_t>& target,
                              std::uint64_t least, std::uint64_t most,
                              const std::string& description) {
-  addInteger(*app_, option, target, least, most, description);
+  addWholeNumberTo(
+      *record_, option, {least, most}, false, [&target](std::uint64_t value) { target = value; },
+      description);
 }
 
-void Command::addFraction(const std::string& option, std::optional<float>& target,
-                          const std::string& description) {
-  const auto read = [option, &target](const std::string& text) {
-    const auto value = parsed<float>(text);
-    if (!value || !(*value >= 0 && *value <= 1)) {
-      throw WrongUsage(option, "must be a number from 0 to 1, not " + text);
+void Command::addShare(const std::string& option, bool aboveZero, std::optional<float>& target,
+                       const std::string& description) {
+  const auto read = [option, aboveZero, &target](const std::string& text) {
+    const auto value = readShare(text);
+    if (!value || (aboveZero && !(*value > 0))) {
+      throw WrongUsage(option + " needs a number " +
+                       (aboveZero ? "above 0 and up to 1" : "from 0 to 1") + ", not " + text);
     }
     target = *value;
   };
-  app_->add_option_function<std::string>(option, read, description)->type_name("F");
+  addOption(*record_, option, "a number", false, read, description)->type_name("F");
 }
 
 void Command::addNumber(const std::string& option, double& target, const std::string& description) {
   const auto read = [option, &target](const std::string& text) {
-    const auto value = parsed<double>(text);
-    if (!value || !(*value >= 0 && std::isfinite(*value))) {
-      throw WrongUsage(option, "must be a number from 0 on, not " + text);
+    const auto value = readNumber(text);
+    if (!value || !(*value >= 0)) {
+      throw WrongUsage(option + " needs a number from 0 on, not " + text);
     }
     target = *value;
   };
-  app_->add_option_function<std::string>(option, read, description)->type_name("X")->required();
+  addOption(*record_, option, "a number", true, read, description)->type_name("X");
 }
 
-Command Command::addCommand(const std::string& name, const std::string& summary,
-                            const std::string& examples) {
-  app_->require_subcommand(1);
-  return addCommandTo(*app_, name, summary, examples);
+Command Command::addCommand(const std::string& what, const std::string& name,
+                            const std::string& summary, const std::string& examples) {
+  record_->what = what;
+  record_->app->require_subcommand(1);
+  CLI::App* const app = record_->app->add_subcommand(name, summary);
+  app->footer("Examples:\n" + examples);
+  app->group("Commands");
+  record_->commands.push_back(std::make_unique<CommandRecord>());
+  record_->commands.back()->app = app;
+  return Command(*record_->commands.back());
 }
 
-void Command::onRun(std::function<void()> action) { app_->callback(std::move(action)); }
+void Command::onRun(std::function<void()> action) { record_->action = std::move(action); }
 
-CommandLine::CommandLine()
-    : app_(std::make_unique<CLI::App>("Looks at complex networks and lets agents walk over them.",
-                                      "veq")) {
-  app_->set_version_flag("--version", "veq " VEQ_VERSION, "Print the version and exit");
-  app_->require_subcommand(1);
-  app_->footer(kHelp);
+CommandLine::CommandLine() : root_(std::make_unique<CommandRecord>()) {
+  root_->root = std::make_unique<CLI::App>(
+      "Looks at complex networks and lets agents walk over them.", "veq");
+  CLI::App* const app = root_->app = root_->root.get();
+  app->get_formatter()->label("REQUIRED", "(required)");
+  app->get_formatter()->label("Positionals", "Arguments");
+  app->get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app->set_version_flag("-V,--version", "veq " VEQ_VERSION, "Print the version and exit");
+  app->footer(kHelp);
 }
 
 CommandLine::~CommandLine() = default;
 
 Command CommandLine::addCommand(const std::string& name, const std::string& summary,
                                 const std::string& examples) {
-  return addCommandTo(*app_, name, summary, examples);
+  return Command(*root_).addCommand("command", name, summary, examples);
 }
 
 int CommandLine::run(int argc, char** argv) {
   try {
-    app_->parse(argc, argv);
+    const std::vector<std::string> arguments = plainArguments(argc, argv);
+    try {
+      root_->app->parse(std::vector<std::string>(arguments.rbegin(), arguments.rend()));
+    } catch (const CLI::Success& help) {
+      if (isCommandUnknown(*root_)) throw WrongUsage(reasonOf(*root_, arguments, help));
+      return root_->app->exit(help);
+    } catch (const CLI::ParseError& error) {
+      throw WrongUsage(reasonOf(*root_, arguments, error));
+    }
+    const CommandRecord& command = chosenFrom(*root_);
+    readValues(command);
+    command.action();
     return 0;
-  } catch (const CLI::Success& help) {
-    return app_->exit(help);
-  } catch (const CLI::ParseError& error) {
-    return reportWrongUsage(*app_, reasonOf(*app_, error));
   } catch (const WrongUsage& error) {
-    return reportWrongUsage(*app_, error.what());
+    return reportWrongUsage(*root_, error.what());
   }
 }
 

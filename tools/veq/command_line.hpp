@@ -7,26 +7,30 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
-
-namespace CLI {
-class App;
-}  // namespace CLI
+#include <vector>
 
 namespace veq::tool {
 
-/// Adds options to one subcommand. What an option gives is stored in its target, which must live as
+/// A command as it was set up, in command_line.cpp.
+struct CommandRecord;
+
+/// Adds options to one command. What an option gives is stored in its target, which must live as
 /// long as the command line. Wrong values are wrong usage.
 class Command {
  public:
-  explicit Command(CLI::App& app) : app_(&app) {}
+  explicit Command(CommandRecord& record) : record_(&record) {}
 
   /// A required argument, or one of several, without a dash.
   void addPositional(const std::string& name, std::string& target, const std::string& description);
   void addFlag(const std::string& option, bool& target, const std::string& description);
-  /// The target stays empty where the option is not given.
-  void addText(const std::string& option, const std::string& valueName, std::string& target,
-               const std::string& description);
+  /// The target stays empty where the option is not given; an empty value is wrong usage. What it
+  /// needs is said where there is none, as in "a file".
+  void addText(const std::string& option, const std::string& valueName, const std::string& needs,
+               std::string& target, const std::string& description);
+  /// One of several words; the target becomes its index.
+  void addChoice(const std::string& option, const std::string& valueName,
+                 const std::vector<std::string>& words, std::optional<std::size_t>& target,
+                 const std::string& description);
   /// A whole number in decimal digits; required.
   void addWholeNumber(const std::string& option, std::uint64_t& target, std::uint64_t least,
                       std::uint64_t most, const std::string& description);
@@ -34,17 +38,18 @@ class Command {
                       std::uint64_t least, std::uint64_t most, const std::string& description);
   /// A number in decimal digits from 0 on; required.
   void addNumber(const std::string& option, double& target, const std::string& description);
-  /// A number from 0 to 1.
-  void addFraction(const std::string& option, std::optional<float>& target,
-                   const std::string& description);
-  /// A command below this one. One of them must be chosen.
-  Command addCommand(const std::string& name, const std::string& summary,
+  /// A number from 0 to 1, or one that is above 0.
+  void addShare(const std::string& option, bool aboveZero, std::optional<float>& target,
+                const std::string& description);
+  /// A command below this one. One of them must be chosen. What they are is said in messages, as
+  /// in "command".
+  Command addCommand(const std::string& what, const std::string& name, const std::string& summary,
                      const std::string& examples);
   /// What the command does once its arguments are read.
   void onRun(std::function<void()> action);
 
  private:
-  CLI::App* app_;
+  CommandRecord* record_;
 };
 
 class CommandLine {
@@ -63,10 +68,10 @@ class CommandLine {
   int run(int argc, char** argv);
 
  private:
-  std::unique_ptr<CLI::App> app_;
+  std::unique_ptr<CommandRecord> root_;
 };
 
-/// \name The subcommands
+/// \name The commands
 /// @{
 void addInfo(CommandLine& commandLine);
 void addWalk(CommandLine& commandLine);

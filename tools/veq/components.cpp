@@ -1,19 +1,20 @@
-#include <algorithm>
-#include <filesystem>
 #include <functional>
 #include <iostream>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "data.hpp"
 #include "failure.hpp"
 #include "network_files.hpp"
+#include "outputs.hpp"
+#include "parts.hpp"
+#include "progress_line.hpp"
 #include "table.hpp"
 #include "text.hpp"
 
@@ -21,11 +22,14 @@ namespace veq::tool {
 namespace {
 
 struct Options {
-  std::string file;
+  Input input;
   std::optional<std::uint64_t> top;
-  std::string largestFile;
+  Output largest;
   std::string splitDirectory;
+  std::optional<std::size_t> format;
 };
+
+using Components = std::vector<Shared<VEQNetwork>>;
 
 constexpr auto kExamples = R"(  veq components network.xnet
       How many connected components the network has, and how large they are.
@@ -34,58 +38,99 @@ constexpr auto kExamples = R"(  veq components network.xnet
   veq components network.xnet --split parts
       Also writes every component into the directory parts, which is made if it
       does not exist: component-0.xnet, component-1.xnet and so on, in the order
-      of their lowest vertices. These files do not keep weights, which is said.
+      of their lowest vertices. These files do not keep weights, which is said;
+      parts of an earlier split that stay behind are said, too.
+  veq components network.xnet --format csv
+      For other programs, as is --format json.
 
 In directed networks, too, two vertices are connected where a path links them
 whatever the direction of its edges.)";
 
-void printSizes(const VEQNetwork& network, const std::vector<Shared<VEQNetwork>>& components,
-                std::uint64_t top) {
-  std::map<std::uint64_t, std::uint64_t, std::greater<>> numberOfSize;
-  for (const auto& component : components) ++numberOfSize[component->countVertices()];
-  std::cout << sizeText(network) << '\n'
-            << counted(components.size(), "component", "components") << '\n';
+/// How many components there are of each size, the largest first.
+using Sizes = std::map<std::uint64_t, std::uint64_t, std::greater<>>;
+
+Sizes sizesOf(const Components& components) {
+  Sizes sizes;
+  for (const auto& component : components) ++sizes[component->countVertices()];
+  return sizes;
+}
+
+void printSizes(std::ostream& out, const VEQNetwork& network, std::uint64_t count,
+                const Sizes& sizes, std::uint64_t top) {
+  out << sizeText(network) << '\n' << counted(count, "component", "components") << '\n';
   if (top == 0) return;
   Table table({"vertices", "components", "share of all vertices"});
   const auto n = static_cast<double>(network.countVertices());
   std::uint64_t rows = 0;
-  for (const auto& [size, number] : numberOfSize) {
+  for (const auto& [size, number] : sizes) {
     if (rows++ == top) break;
     table.addRow({std::to_string(size), std::to_string(number),
                   percentage(static_cast<double>(size) * static_cast<double>(number), n)});
   }
-  std::cout << '\n' << table;
-  if (numberOfSize.size() > top) {
-    std::cout << "and " << counted(numberOfSize.size() - top, "smaller size", "smaller sizes")
-              << '\n';
+  out << '\n' << table;
+  if (sizes.size() > top) {
+    out << "and " << counted(sizes.size() - top, "smaller size", "smaller sizes") << '\n';
   }
 }
 
-void split(const std::vector<Shared<VEQNetwork>>& components, const std::string& directory) {
-  std::error_code error;
-  std::filesystem::create_directories(directory, error);
-  if (!std::filesystem::is_directory(directory, error)) {
-    throw Failure(directory, "cannot be made a directory");
+/// The same for other programs; all sizes, unless fewer are asked for.
+Records recordsOf(const VEQNetwork& network, const Sizes& sizes, std::uint64_t top) {
+  Records records({"vertices", "components", "share"});
+  const auto n = static_cast<double>(network.countVertices());
+  std::uint64_t rows = 0;
+  for (const auto& [size, number] : sizes) {
+    if (rows++ == top) break;
+    records.add({size, number, static_cast<double>(size) * static_cast<double>(number) / n});
   }
-  for (std::size_t i = 0; i < components.size(); ++i) {
-    saveNetwork(*components[i], directory + "/component-" + std::to_string(i) + ".xnet");
+  return records;
+}
+
+void answer(std::ostream& out, const std::string& file, const VEQNetwork& network,
+            std::uint64_t count, const Sizes& sizes, const Options& options) {
+  const auto format = static_cast<Answer>(options.format.value_or(0));
+  if (format == Answer::kTable) {
+    printSizes(out, network, count, sizes, options.top.value_or(10));
+    return;
   }
+  const Records records = recordsOf(network, sizes, options.top.value_or(UINT64_MAX));
+  if (format == Answer::kCsv) {
+    records.writeCsv(out);
+    return;
+  }
+  Data::object()
+      .set("file", file)
+      .set("vertices", network.countVertices())
+      .set("edges", network.countEdges())
+      .set("directed", network.isDirected())
+      .set("components", count)
+      .set("sizes", records.asList())
+      .writeJson(out);
 }
 
 void runComponents(const Options& options) {
-  const Shared<VEQNetwork> network = loadNetwork(options.file);
-  if (!options.largestFile.empty()) requireWritable(options.largestFile);
-  const std::vector<Shared<VEQNetwork>> components = network->connectedSubNetworksArray();
-  printSizes(*network, components, options.top.value_or(10));
-  std::cout.flush();
-  if (!options.largestFile.empty()) {
-    saveNetwork(*network->largestConnectedSubNetwork(), options.largestFile);
+  const std::vector<NamedFile> outputs{{"--largest", options.largest.file}};
+  requireDistinct({options.input.file}, outputs);
+  if (options.largest.to && options.largest.file.empty() && options.splitDirectory.empty()) {
+    throw WrongUsage("--to needs --largest or --split");
   }
-  if (!options.splitDirectory.empty()) {
-    split(components, options.splitDirectory);
-    if (network->isVertexWeighted() || network->isEdgeWeighted()) {
-      note(options.splitDirectory, "the weights are lost in these files");
-    }
+  if (!options.largest.file.empty()) requireWritable(options.largest);
+  const LoadedNetwork loaded = loadNetwork(options.input);
+  const VEQNetwork& network = *loaded.network;
+  Components components;
+  watch("finding components", [&] { components = network.connectedSubNetworksArray(); });
+  std::ostream& out = reportFor(outputs);
+  answer(out, loaded.name, network, components.size(), sizesOf(components), options);
+  out.flush();
+  if (!options.largest.file.empty()) {
+    Shared<VEQNetwork> largest;
+    watch("finding the largest component", [&] { largest = network.largestConnectedSubNetwork(); });
+    saveNetwork(largest, options.largest);
+  }
+  if (options.splitDirectory.empty()) return;
+  splitInto(options.splitDirectory, options.largest.to, components,
+            {options.input.file, options.largest.file});
+  if (network.isVertexWeighted() || network.isEdgeWeighted()) {
+    note(options.splitDirectory, "the weights are lost in these files");
   }
 }
 
@@ -95,11 +140,15 @@ void addComponents(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
   Command command =
       commandLine.addCommand("components", "Find the connected components", kExamples);
-  command.addPositional("FILE", options->file, "The network");
+  addInput(command, "FILE", options->input);
   command.addWholeNumber("--top", options->top, 0, UINT64_MAX,
-                         "How many sizes to list, by default 10");
-  command.addText("--largest", "OUT", options->largestFile, "Write the largest component");
-  command.addText("--split", "DIR", options->splitDirectory, "Write every component");
+                         "How many sizes to list, by default 10, or all as CSV or JSON");
+  command.addText("--largest", "OUT", "a file", options->largest.file,
+                  "Write the largest component; - for standard output");
+  command.addText("--split", "DIR", "a directory", options->splitDirectory,
+                  "Write every component into this directory");
+  addOutputFormat(command, options->largest);
+  addAnswer(command, options->format);
   command.onRun([options] { runComponents(*options); });
 }
 

@@ -15,12 +15,11 @@ class Failure : public std::runtime_error {
       : std::runtime_error(std::string(file) + ": " + std::string(cause)) {}
 };
 
-/// Wrong usage: the program prints "veq: OPTION: reason (see veq COMMAND --help)" and ends with
-/// exit code 2.
+/// Wrong usage: the program prints "veq: REASON (see veq COMMAND --help)" and ends with exit code
+/// 2. A reason begins with the option or argument that it is about.
 class WrongUsage : public std::runtime_error {
  public:
-  WrongUsage(std::string_view option, std::string_view reason)
-      : std::runtime_error(std::string(option) + ": " + std::string(reason)) {}
+  explicit WrongUsage(const std::string& reason) : std::runtime_error(reason) {}
 };
 
 }  // namespace veq::tool

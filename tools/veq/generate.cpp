@@ -9,6 +9,8 @@
 #include "command_line.hpp"
 #include "failure.hpp"
 #include "network_files.hpp"
+#include "outputs.hpp"
+#include "progress_line.hpp"
 #include "seed.hpp"
 #include "text.hpp"
 
@@ -20,7 +22,7 @@ struct Options {
   std::uint64_t evenDegree = 0;
   double degree = 0;
   std::optional<std::uint64_t> seed;
-  std::string output;
+  Output output;
 };
 
 constexpr auto kExamples =
@@ -48,42 +50,50 @@ constexpr auto kRandomExamples =
       of vertices. Vertices after the last one with an edge are left out, which
       is said.)";
 
-void save(const Shared<VEQNetwork>& network, const Options& options, std::uint64_t seed) {
+/// Grows the network of a function, saves it and says what it is.
+template <class Grow>
+void generate(const Options& options, Grow grow) {
+  requireWritable(options.output);
+  const std::uint64_t seed = useSeed(options.seed);
+  Shared<VEQNetwork> network;
+  watch("growing the network", [&] { network = grow(); });
   if (!network) throw std::bad_alloc();
-  saveNetwork(*network, options.output);
+  saveNetwork(network, options.output);
   const std::uint64_t n = network->countVertices();
-  std::cout << sizeText(*network) << ", seed " << seed << '\n';
+  std::ostream& report = reportFor({{"OUT", options.output.file}});
+  report << sizeText(*network) << ", seed " << seed << '\n';
   if (n < options.vertices) {
-    std::cout << "without the last " << options.vertices - n << " of " << options.vertices
-              << ", which have no edges\n";
+    report << "without the last " << options.vertices - n << " of " << options.vertices
+           << ", which have no edges\n";
   }
 }
 
 void generateBarabasi(const Options& options) {
   if (options.evenDegree / 2 >= options.vertices) {
-    throw WrongUsage("--degree", "must be less than twice the number of vertices");
+    throw WrongUsage("--degree needs a number below twice the number of vertices, not " +
+                     std::to_string(options.evenDegree));
   }
-  requireWritable(options.output);
-  const std::uint64_t seed = useSeed(options.seed);
-  save(VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(options.vertices,
-                                                                        options.evenDegree),
-       options, seed);
+  generate(options, [&options] {
+    return VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(options.vertices,
+                                                                            options.evenDegree);
+  });
 }
 
 void generateRandom(const Options& options) {
   if (options.degree > static_cast<double>(options.vertices)) {
-    throw WrongUsage("--degree", "must not be above the number of vertices");
+    throw WrongUsage("--degree needs a number up to the number of vertices, not " +
+                     shortNumber(options.degree));
   }
-  requireWritable(options.output);
-  const std::uint64_t seed = useSeed(options.seed);
-  save(VEQNetwork::randomNetworkWithNumberOfVertices_degree(options.vertices, options.degree),
-       options, seed);
+  generate(options, [&options] {
+    return VEQNetwork::randomNetworkWithNumberOfVertices_degree(options.vertices, options.degree);
+  });
 }
 
 void addSeedAndOutput(Command& command, Options& options) {
   command.addWholeNumber("--seed", options.seed, 0, UINT32_MAX,
                          "Choose the random numbers; 0 counts as 1");
-  command.addPositional("OUT", options.output, "The file to write");
+  command.addPositional("OUT", options.output.file, "The file to write; - for standard output");
+  addOutputFormat(command, options.output);
 }
 
 }  // namespace
@@ -92,14 +102,15 @@ void addGenerate(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
   Command generate = commandLine.addCommand("generate", "Grow a model network", kExamples);
 
-  Command barabasi = generate.addCommand("barabasi", "Preferential attachment", kBarabasiExamples);
+  Command barabasi =
+      generate.addCommand("model", "barabasi", "Preferential attachment", kBarabasiExamples);
   barabasi.addWholeNumber("--vertices", options->vertices, 2, UINT64_MAX, "How many vertices");
   barabasi.addWholeNumber("--degree", options->evenDegree, 2, UINT64_MAX, "The mean degree");
   addSeedAndOutput(barabasi, *options);
   barabasi.onRun([options] { generateBarabasi(*options); });
 
-  Command random =
-      generate.addCommand("random", "Every pair linked with one probability", kRandomExamples);
+  Command random = generate.addCommand("model", "random", "Every pair linked with one probability",
+                                       kRandomExamples);
   random.addWholeNumber("--vertices", options->vertices, 1, UINT64_MAX, "How many vertices");
   random.addNumber("--degree", options->degree, "The mean degree");
   addSeedAndOutput(random, *options);

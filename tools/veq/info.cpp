@@ -1,83 +1,164 @@
-#include <algorithm>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "data.hpp"
 #include "failure.hpp"
+#include "network_facts.hpp"
 #include "network_files.hpp"
+#include "progress_line.hpp"
 #include "text.hpp"
 
 namespace veq::tool {
 namespace {
 
 struct Options {
-  std::string file;
+  Input input;
+  bool raw = false;
   bool matrix = false;
+  std::optional<std::size_t> format;
 };
 
 /// Beyond this the matrix is neither read nor looked at by anybody.
 constexpr std::uint64_t kLargestMatrix = 1000;
 
 constexpr auto kExamples = R"(  veq info data/karate.xnet
-      What the network is: its size, its density (the share of all possible
-      edges that exist), its degrees and what is known about its vertices.
+      What the network is: its direction and weights, its size and components,
+      its density (the share of all possible edges that exist), the least, mean
+      and greatest degree, and what is known about its vertices and edges.
+  veq info karate
+      The same: where no such file is there, a plain name stands for a network
+      that comes with the program.
   veq info --matrix small.xnet
       Also the adjacency matrix, rows being sources. Up to 1000 vertices.
+  veq info --format json data/lesmis.xnet
+      For other programs; --format csv has lines "key,value".
 
-In directed networks out-degrees and in-degrees are listed separately. A
-self-loop counts twice in the degree of an undirected network's vertex.)";
+In directed networks out-degrees and in-degrees are listed separately, and
+reciprocity is the share of arcs between two vertices whose reverse exists. A
+self-loop counts twice in the degree of an undirected network's vertex. A
+strength is the sum of the weights of a vertex's edges. Parallel edges are those
+that link what an edge before them links already, in the same direction.)";
 
 void printLine(std::string_view name, std::string_view value) {
   std::cout << name << std::string(20 - name.size(), ' ') << value << '\n';
 }
 
-std::string keyList(const std::vector<std::string>& keys) {
-  std::string list;
-  for (const std::string& key : keys) list += (list.empty() ? "" : ", ") + printable(key);
-  return list.empty() ? "none" : list;
+std::string spreadText(const Spread& spread) {
+  return shortNumber(spread.least) + " to " + shortNumber(spread.most) + ", mean " +
+         shortNumber(spread.mean);
 }
 
-/// Edges over the pairs that they could link; parallel edges and self-loops count as well.
-std::string density(const VEQNetwork& network) {
-  const auto n = static_cast<double>(network.countVertices());
-  const double pairs = network.isDirected() ? n * (n - 1) : n * (n - 1) / 2;
-  return pairs > 0 ? shortNumber(static_cast<double>(network.countEdges()) / pairs) : "-";
+void printSpread(std::string_view name, const std::optional<Spread>& spread) {
+  if (spread) printLine(name, spreadText(*spread));
 }
 
-std::string range(const VEQNumberArray& degrees) {
-  const auto values = degrees.values<double>();
-  if (values.empty()) return "-";
-  const auto [least, most] = std::minmax_element(values.begin(), values.end());
-  double sum = 0;
-  for (const double value : values) sum += value;
-  return fixedNumber(*least, 0) + " to " + fixedNumber(*most, 0) + ", mean " +
-         shortNumber(sum / static_cast<double>(values.size()));
+std::string weightsText(const NetworkFacts& facts) {
+  if (facts.vertexWeight && facts.edgeWeight) return "of vertices and edges";
+  if (facts.vertexWeight) return "of vertices";
+  return facts.edgeWeight ? "of edges" : "none";
+}
+
+std::string densityText(const NetworkFacts& facts) {
+  if (!facts.density) return "-";
+  const std::string number = shortNumber(*facts.density);
+  return *facts.density > 1 ? number + ", above 1 as parallel edges and self-loops count" : number;
+}
+
+void printColumns(std::string_view name, const std::vector<ColumnFact>& columns) {
+  for (const ColumnFact& column : columns) {
+    std::string text = printable(column.key) + ": " + column.kind;
+    if (!column.example.empty()) text += ", as " + shortened(printable(column.example), 40);
+    printLine(name, text);
+  }
+}
+
+void printFacts(const NetworkFacts& facts) {
+  printLine("direction", facts.directed ? "directed" : "undirected");
+  printLine("weights", weightsText(facts));
+  printLine("vertices", std::to_string(facts.vertices));
+  printLine("edges", std::to_string(facts.edges));
+  printLine("components", std::to_string(facts.components));
+  printLine("self-loops", std::to_string(facts.selfLoops));
+  printLine("parallel edges", std::to_string(facts.parallelEdges));
+  printLine("density", densityText(facts));
+  printSpread(facts.directed ? "out-degree" : "degree", facts.outDegree);
+  printSpread("in-degree", facts.inDegree);
+  printSpread(facts.directed ? "out-strength" : "strength", facts.outStrength);
+  printSpread("in-strength", facts.inStrength);
+  printSpread("edge weight", facts.edgeWeight);
+  printSpread("vertex weight", facts.vertexWeight);
+  if (facts.directed) {
+    printLine("reciprocity", facts.reciprocity ? shortNumber(*facts.reciprocity) : "-");
+  }
+  printColumns("vertex property", facts.vertexColumns);
+  printColumns("edge property", facts.edgeColumns);
+}
+
+Data dataOf(const std::optional<double>& number) { return number ? Data(*number) : Data(); }
+
+Data dataOf(const std::optional<Spread>& spread) {
+  if (!spread) return {};
+  return Data::object()
+      .set("least", spread->least)
+      .set("mean", spread->mean)
+      .set("most", spread->most);
+}
+
+Data dataOf(const std::vector<ColumnFact>& columns) {
+  Data data = Data::object();
+  for (const ColumnFact& column : columns) {
+    data.set(column.key, Data::object().set("kind", column.kind).set("example", column.example));
+  }
+  return data;
+}
+
+Data dataOf(const NetworkFacts& facts, const std::string& file) {
+  Data data = Data::object();
+  data.set("file", file)
+      .set("directed", facts.directed)
+      .set("vertices", facts.vertices)
+      .set("edges", facts.edges)
+      .set("components", facts.components)
+      .set("selfLoops", facts.selfLoops)
+      .set("parallelEdges", facts.parallelEdges)
+      .set("density", dataOf(facts.density))
+      .set(facts.directed ? "outDegree" : "degree", dataOf(facts.outDegree));
+  if (facts.directed) data.set("inDegree", dataOf(facts.inDegree));
+  data.set(facts.directed ? "outStrength" : "strength", dataOf(facts.outStrength));
+  if (facts.directed) data.set("inStrength", dataOf(facts.inStrength));
+  data.set("edgeWeight", dataOf(facts.edgeWeight))
+      .set("vertexWeight", dataOf(facts.vertexWeight))
+      .set("reciprocity", dataOf(facts.reciprocity))
+      .set("vertexProperties", dataOf(facts.vertexColumns))
+      .set("edgeProperties", dataOf(facts.edgeColumns));
+  return data;
 }
 
 void printInfo(const Options& options) {
-  const Shared<VEQNetwork> network = loadNetwork(options.file);
-  if (options.matrix && network->countVertices() > kLargestMatrix) {
-    throw Failure(options.file, "too large for --matrix: it has " +
-                                    std::to_string(network->countVertices()) +
-                                    " vertices, and 1000 is the limit");
+  const auto answer = static_cast<Answer>(options.format.value_or(0));
+  if (answer != Answer::kTable && (options.raw || options.matrix)) {
+    throw WrongUsage(std::string(options.raw ? "--raw" : "--matrix") + " needs --format table");
   }
-  std::cout << network->description() << '\n';
-  printLine("vertices", std::to_string(network->countVertices()));
-  printLine("edges", std::to_string(network->countEdges()));
-  printLine("density", density(*network));
-  if (network->isDirected()) {
-    printLine("out-degree", range(*network->calcDegrees()));
-    printLine("in-degree", range(*network->calcInDegrees()));
-  } else {
-    printLine("degree", range(*network->calcDegrees()));
+  const LoadedNetwork loaded = loadNetwork(options.input);
+  const VEQNetwork& network = *loaded.network;
+  if (options.matrix && network.countVertices() > kLargestMatrix) {
+    throw Failure(loaded.name, "too large for --matrix: it has " +
+                                   std::to_string(network.countVertices()) +
+                                   " vertices, and 1000 is the limit");
   }
-  printLine("vertex properties", keyList(network->keysForPropertiesOfVertices()));
-  printLine("edge properties", keyList(network->keysForPropertiesOfEdges()));
-  if (options.matrix) std::cout << '\n' << network->VEQ_MatrixDebug();
+  NetworkFacts facts;
+  watch("counting", [&] { facts = factsOf(network); });
+  if (answer == Answer::kJson) dataOf(facts, loaded.name).writeJson(std::cout);
+  if (answer == Answer::kCsv) dataOf(facts, loaded.name).writeCsv(std::cout);
+  if (answer == Answer::kTable) printFacts(facts);
+  if (options.raw) std::cout << '\n' << network.description();
+  if (options.matrix) std::cout << '\n' << network.VEQ_MatrixDebug();
 }
 
 }  // namespace
@@ -85,8 +166,10 @@ void printInfo(const Options& options) {
 void addInfo(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
   Command command = commandLine.addCommand("info", "Say what a network is", kExamples);
-  command.addPositional("FILE", options->file, "The network");
+  addInput(command, "FILE", options->input);
+  command.addFlag("--raw", options->raw, "Print the library's own description, too");
   command.addFlag("--matrix", options->matrix, "Print the adjacency matrix, too");
+  addAnswer(command, options->format);
   command.onRun([options] { printInfo(*options); });
 }
 

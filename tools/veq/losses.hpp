@@ -7,8 +7,6 @@
 
 #include <veq/veq.hpp>
 
-#include "network_files.hpp"
-
 namespace veq::tool {
 
 struct Losses {
@@ -20,7 +18,9 @@ struct Losses {
   [[nodiscard]] bool isTotal() const { return !total.empty(); }
 };
 
-/// Writes and reads the network in memory, and compares. O(length of the file).
-[[nodiscard]] Losses lossesOf(const VEQNetwork& network, Format format);
+/// What a file of these bytes, made of the network, would not keep: reads them back and compares.
+/// O(length of the file).
+[[nodiscard]] Losses lossesOf(const VEQNetwork& network, FileFormat format,
+                              const std::string& bytes);
 
 }  // namespace veq::tool

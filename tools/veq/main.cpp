@@ -8,6 +8,7 @@
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "streams.hpp"
 #include "terminal.hpp"
 #include "text.hpp"
 
@@ -31,7 +32,7 @@ int main(int argc, char** argv) {
     veq::tool::addGenerate(commandLine);
     veq::tool::addComponents(commandLine);
     const int code = commandLine.run(argc, argv);
-    if (!std::cout.flush()) return fail("standard output: cannot be written");
+    veq::tool::flushStandardOutput();
     return code;
   } catch (const std::bad_alloc&) {
     return fail("not enough memory");

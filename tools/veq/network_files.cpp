@@ -1,139 +1,149 @@
 #include "network_files.hpp"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
+#include <atomic>
 #include <iostream>
-#include <iterator>
-#include <system_error>
-#include <vector>
+#include <new>
+#include <utility>
 
-#include "edge_list.hpp"
+#include "data.hpp"
+#include "example_data.hpp"
 #include "failure.hpp"
+#include "format.hpp"
 #include "losses.hpp"
+#include "progress_line.hpp"
+#include "streams.hpp"
+#include "suggestions.hpp"
 #include "text.hpp"
 
 namespace veq::tool {
 namespace {
 
-namespace fs = std::filesystem;
+/// The file that is meant.
+std::string fileFor(const std::string& name) {
+  const std::string example = exampleNetwork(name);
+  if (example.empty()) return name;
+  note(name, "no such file; reading the example " + example);
+  return example;
+}
 
-std::string_view kindOf(Format format) {
-  switch (format) {
-    case Format::kXnet:
-      return "xnet network";
-    case Format::kArchive:
-      return "archive";
-    case Format::kPajek:
-      return "Pajek network";
-    case Format::kEdgeList:
-      return "edge list";
+constexpr std::uint64_t kUsualNotes = 10;
+
+ReadOptions readOptions(const Input& input) {
+  ReadOptions options;
+  if (input.from) options.format = static_cast<FileFormat>(*input.from);
+  if (input.directed) options.directed = true;
+  options.strict = input.strict;
+  options.mostNotes = input.allNotes ? UINT64_MAX : input.quiet ? 0 : kUsualNotes;
+  return options;
+}
+
+/// "FILE:LINE", or the file alone where no line is known.
+std::string placeIn(const std::string& file, const std::optional<Place>& place) {
+  return place && place->line > 0 ? file + ":" + std::to_string(place->line) : file;
+}
+
+void printNotes(const Reading& reading, const std::string& file) {
+  for (const Note& note : reading.notes()) {
+    std::cerr << printable(placeIn(file, note.place)) << ": " << printable(note.text);
+    if (note.count > 1) std::cerr << " (" << note.count << " times)";
+    std::cerr << '\n';
   }
-  return "network";
-}
-
-/// The bytes of a file; Failure where it cannot be read.
-std::string contentsOf(const std::string& file) {
-  std::error_code ignored;
-  if (fs::is_directory(file, ignored)) throw Failure(file, "is a directory");
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream) throw Failure(file, "cannot be opened");
-  std::string bytes((std::istreambuf_iterator<char>(stream)), {});
-  if (stream.bad()) throw Failure(file, "cannot be read");
-  return bytes;
-}
-
-/// Why the library made no network of the file, as far as can be seen from here.
-[[noreturn]] void failToLoad(const std::string& file, Format format) {
-  std::error_code ignored;
-  // A pipe cannot be read twice.
-  const bool readable = !fs::exists(file, ignored) || fs::is_regular_file(file, ignored) ||
-                        fs::is_directory(file, ignored);
-  if (readable) {
-    const std::string bytes = contentsOf(file);
-    if (format == Format::kXnet && !isUtf8(bytes)) throw Failure(file, "not UTF-8");
+  if (reading.furtherNotes() > 0) {
+    std::cerr << printable(file) << ": "
+              << counted(reading.furtherNotes(), "more note", "more notes")
+              << ", which --notes prints\n";
   }
-  throw Failure(file, "not a valid " + std::string(kindOf(format)));
 }
 
-Shared<VEQNetwork> loadEdgeList(const std::string& file, bool directed) {
-  std::vector<std::string> notes;
-  Shared<VEQNetwork> network = networkWithEdgeList(file, contentsOf(file), directed, notes);
-  for (const std::string& text : notes) note(file, text);
-  return network;
+/// Reads, and shows how far it has come.
+Reading readWatched(const std::string& file, const std::string& name, ReadOptions options) {
+  std::atomic<std::uint64_t> done = 0;
+  std::atomic<std::uint64_t> all = 0;
+  options.progress.observer = [&](std::uint64_t read, std::uint64_t length) {
+    done = read;
+    all = length;
+  };
+  std::optional<Reading> reading;
+  const std::string what = "reading " + printable(name);
+  watch(
+      [&](Elapsed elapsed, std::size_t width) { return workText(what, done, all, elapsed, width); },
+      [&] { reading = readNetwork(file, options); });
+  return std::move(*reading);
 }
 
-bool write(const VEQNetwork& network, const std::string& file) {
-  switch (formatOf(file)) {
-    case Format::kXnet:
-      return network.writeToFile_atomically(file, true);
-    case Format::kArchive:
-      return writeArchiveToFile(network, file, true);
-    case Format::kPajek:
-      return network.writeToPajekFile_atomically(file, true);
-    case Format::kEdgeList:
-      return network.writeToEdgesFile_atomically(file, true);
-  }
-  return false;
+/// The bytes of a file of the format.
+std::string bytesOf(const Shared<VEQNetwork>& network, const std::string& name, FileFormat format) {
+  Result<std::string> text = networkText(Network(network), format);
+  if (text) return std::move(text).value();
+  if (text.error().kind() == ErrorKind::kMemory) throw std::bad_alloc();
+  throw Failure(name, "not written, because " + text.error().text());
 }
 
 }  // namespace
 
-Format formatOf(std::string_view file) {
-  std::string suffix = fs::path(file).extension().string();
-  std::transform(suffix.begin(), suffix.end(), suffix.begin(), [](char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a')
-                                                : character;
-  });
-  if (suffix == ".veqa") return Format::kArchive;
-  if (suffix == ".net") return Format::kPajek;
-  if (suffix == ".edges" || suffix == ".txt") return Format::kEdgeList;
-  return Format::kXnet;
+void addInput(Command& command, const std::string& name, Input& input) {
+  command.addPositional(name, input.file, "The network; - for standard input");
+  command.addChoice("--from", "FORMAT", wordsForReading(), input.from,
+                    "The format of " + name +
+                        ", where it is not to be guessed: " + wordList(wordsForReading(), "or"));
+  command.addFlag("--directed", input.directed, "Take an edge list for a list of arcs");
+  command.addFlag("--strict", input.strict, "Refuse a file of which something is lost or mended");
+  command.addFlag("--quiet", input.quiet, "Say nothing of what is odd in the file");
+  command.addFlag("--notes", input.allNotes, "Say all that is odd, not only the first ten things");
 }
 
-Shared<VEQNetwork> loadNetwork(const std::string& file, bool directed) {
-  const Format format = formatOf(file);
-  if (format == Format::kEdgeList) return loadEdgeList(file, directed);
-  Shared<VEQNetwork> network;
-  if (format == Format::kXnet) network = VEQNetwork::networkWithContentsOfFile(file);
-  if (format == Format::kArchive) network = networkWithArchiveFile(file);
-  if (format == Format::kPajek) network = VEQNetwork::networkWithContentsOfPajekFile(file);
-  if (!network) failToLoad(file, format);
-  return network;
+void addOutputFormat(Command& command, Output& output) {
+  command.addChoice("--to", "FORMAT", wordsForWriting(), output.to,
+                    "The format to write: " + wordList(wordsForWriting(), "or"));
 }
 
-void saveNetwork(const VEQNetwork& network, const std::string& file) {
-  requireWritable(file);
-  const Losses losses = lossesOf(network, formatOf(file));
-  if (losses.isTotal()) {
-    throw Failure(file, "not written, because " + losses.total);
+void addAnswer(Command& command, std::optional<std::size_t>& format) {
+  command.addChoice("--format", "FORMAT", answerWords(), format,
+                    "How to answer: " + wordList(answerWords(), "or"));
+}
+
+LoadedNetwork loadNetwork(const Input& input) {
+  const std::string file = fileFor(input.file);
+  const std::string name = inputName(file);
+  const Reading reading = readWatched(file, name, readOptions(input));
+  if (!input.quiet) printNotes(reading, name);
+  if (!reading) {
+    const Error& error = reading.error();
+    if (error.kind() == ErrorKind::kMemory) throw std::bad_alloc();
+    throw Failure(placeIn(name, error.place()), error.text());
   }
-  if (!write(network, file)) throw Failure(file, "cannot be written");
-  for (const std::string& text : losses.notes) note(file, text);
+  if (input.directed && reading.format() != FileFormat::kList) {
+    throw WrongUsage("--directed is for edge lists, and " + name + " is none");
+  }
+  return {reading.value().published(), name};
+}
+
+void saveNetwork(const Shared<VEQNetwork>& network, const Output& output) {
+  const std::string name = outputName(output.file);
+  const FileFormat format = formatToWrite(output.file, output.to);
+  Losses losses;
+  watch("writing " + printable(name), [&] {
+    const std::string bytes = bytesOf(network, name, format);
+    losses = lossesOf(*network, format, bytes);
+    if (losses.isTotal()) throw Failure(name, "not written, because " + losses.total);
+    writeTo(output.file, bytes);
+  });
+  for (const std::string& text : losses.notes) note(name, text);
+}
+
+void requireWritable(const Output& output) {
+  static_cast<void>(formatToWrite(output.file, output.to));
+  requireWritable(output.file);
 }
 
 void note(const std::string& file, std::string_view text) {
   std::cerr << "veq: " << printable(file) << ": " << printable(text) << '\n';
 }
 
-void requireWritable(const std::string& file) {
-  const Outcome writable = checkWritable(file);
-  if (!writable) throw Failure(file, writable.error().text());
-}
-
 std::string sizeText(const VEQNetwork& network) {
   return counted(network.countVertices(), "vertex", "vertices") + ", " +
          counted(network.countEdges(), "edge", "edges") + ", " +
          (network.isDirected() ? "directed" : "undirected");
-}
-
-std::string vertexName(const VEQNetwork& network, std::uint64_t index) {
-  const auto* names = network.propertiesOfVertices()->find("Name");
-  if (names && index < (*names)->count()) {
-    const PropertyValue name = (*names)->objectAtIndex(index);
-    if (!name.isNull()) return name.text();
-  }
-  return std::to_string(index);
 }
 
 }  // namespace veq::tool

@@ -1,37 +1,65 @@
 /// \file
-/// Networks in files whose suffix names the format.
+/// Networks in files and standard streams.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include <veq/veq.hpp>
 
+#include "command_line.hpp"
+
 namespace veq::tool {
 
-enum class Format { kXnet, kArchive, kPajek, kEdgeList };
+/// A network to read, as the options of a command name it.
+struct Input {
+  std::string file;
+  std::optional<std::size_t> from;
+  bool directed = false;
+  bool strict = false;
+  bool quiet = false;
+  bool allNotes = false;
+};
 
-/// By suffix, in any case: .veqa archives, .net Pajek, .edges and .txt edge lists, all others xnet.
-[[nodiscard]] Format formatOf(std::string_view file);
+/// Adds the argument FILE, or what it is called, and the options of reading.
+void addInput(Command& command, const std::string& name, Input& input);
 
-/// Reads a network; a Failure says why that cannot be done. Only edge lists heed the direction, as
-/// all other formats have their own.
-[[nodiscard]] Shared<VEQNetwork> loadNetwork(const std::string& file, bool directed = false);
+/// A network to write.
+struct Output {
+  std::string file;
+  std::optional<std::size_t> to;
+};
+
+/// Adds the option --to.
+void addOutputFormat(Command& command, Output& output);
+
+/// Adds the option --format, whose value is an Answer.
+void addAnswer(Command& command, std::optional<std::size_t>& format);
+
+struct LoadedNetwork {
+  Shared<VEQNetwork> network;
+  /// The file that was read; "standard input" for that.
+  std::string name;
+};
+
+/// Reads a network, and says on standard error what was made of the file where that is not plain; a
+/// Failure says why it cannot be read. A plain name that is no file stands for a network that comes
+/// with the program, which is said as well.
+[[nodiscard]] LoadedNetwork loadNetwork(const Input& input);
 
 /// Writes a network atomically, and says on standard error what the format does not keep. Failure,
 /// and nothing is written, where the file could not be read back or cannot be written.
-void saveNetwork(const VEQNetwork& network, const std::string& file);
+void saveNetwork(const Shared<VEQNetwork>& network, const Output& output);
+
+/// Failure where the output's format is not known or the file cannot possibly be written, so that
+/// nobody computes for an hour in vain.
+void requireWritable(const Output& output);
 
 /// Says on standard error what people should know about a file.
 void note(const std::string& file, std::string_view text);
 
-/// Failure where the file cannot possibly be written, so that nobody computes for an hour in vain.
-void requireWritable(const std::string& file);
-
 /// "34 vertices, 78 edges, undirected".
 [[nodiscard]] std::string sizeText(const VEQNetwork& network);
-
-/// The name of a vertex; its index where it has none.
-[[nodiscard]] std::string vertexName(const VEQNetwork& network, std::uint64_t index);
 
 }  // namespace veq::tool

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
+#include <iterator>
 
 #include "terminal.hpp"
 #include "text.hpp"
@@ -9,7 +11,10 @@
 namespace veq::tool {
 namespace {
 
-constexpr std::size_t kBarWidth = 24;
+constexpr std::size_t kWideBar = 24;
+constexpr std::size_t kNarrowBar = 12;
+constexpr std::chrono::milliseconds kRedraw{100};
+constexpr Elapsed kSilence{1.0};
 
 /// "0:05", "12:34", "3:00:00", and days beyond that.
 std::string durationText(double seconds) {
@@ -35,41 +40,105 @@ std::string countText(double value) {
   return fixedNumber(value, unit == 0 ? 0 : 1) + units[unit];
 }
 
-}  // namespace
-
-std::string progressText(std::uint64_t done, std::uint64_t total,
-                         std::chrono::duration<double> elapsed, std::size_t width) {
-  const double share = total == 0 ? 1 : static_cast<double>(done) / static_cast<double>(total);
-  const auto filled = std::min(kBarWidth, static_cast<std::size_t>(share * kBarWidth));
-  std::string text = std::string("[") + std::string(filled, '#') +
-                     std::string(kBarWidth - filled, '-') + "] " +
-                     countText(static_cast<double>(done)) + " of " +
-                     countText(static_cast<double>(total)) + " steps";
-  if (done > 0 && elapsed.count() > 0) {
-    const double rate = static_cast<double>(done) / elapsed.count();
-    text += ", " + countText(rate) + "/s, " +
-            durationText(static_cast<double>(total - done) / rate) + " left";
-  }
-  // A line that fills the last column would wrap, and could not be drawn over.
-  if (text.size() >= width) text.resize(width - std::min<std::size_t>(width, 1));
-  return text;
+std::string bar(double share, std::size_t width) {
+  const auto filled =
+      static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(width));
+  return "[" + std::string(filled, '#') + std::string(width - filled, '-') + "] ";
 }
 
-ProgressLine::ProgressLine()
-    : visible_(terminalWidth() > 0), start_(std::chrono::steady_clock::now()) {}
+/// The first form that leaves the last column free; a line that fills it would wrap, and could not
+/// be drawn over.
+std::string fitting(const std::vector<std::string>& forms, std::size_t width) {
+  for (const std::string& form : forms) {
+    if (characterCount(form) < width) return form;
+  }
+  return {};
+}
 
-ProgressLine::~ProgressLine() { erase(); }
+std::string rateText(std::uint64_t done, Elapsed elapsed) {
+  if (done == 0 || !(elapsed.count() > 0)) return {};
+  return ", " + countText(static_cast<double>(done) / elapsed.count()) + "/s";
+}
 
-void ProgressLine::draw(std::uint64_t done, std::uint64_t total) {
-  if (!visible_) return;
-  const auto elapsed = std::chrono::steady_clock::now() - start_;
-  writeToTerminal("\r\x1b[K" + progressText(done, total, elapsed, terminalWidth()));
-  drawn_ = true;
+}  // namespace
+
+std::string stepsText(std::uint64_t done, std::uint64_t all, Elapsed elapsed, std::size_t width) {
+  const double share = all == 0 ? 1 : static_cast<double>(done) / static_cast<double>(all);
+  const std::string counts = countText(static_cast<double>(done)) + " of " +
+                             countText(static_cast<double>(all)) + " steps";
+  const std::string rate = rateText(done, elapsed);
+  const std::string left =
+      rate.empty() ? "" : ", " + durationText(elapsed.count() * (1 / share - 1)) + " left";
+  const std::string wide = bar(share, kWideBar);
+  const std::string narrow = bar(share, kNarrowBar);
+  return fitting(
+      {wide + counts + rate + left, narrow + counts + rate + left, narrow + counts + left,
+       counts + rate + left, counts + left, counts, percentage(share, 1)},
+      width);
+}
+
+std::string reachText(double reached, double target, std::uint64_t steps, Elapsed elapsed,
+                      std::size_t width) {
+  const std::string shares =
+      fixedNumber(100 * reached, 1) + " % of " + shortNumber(100 * target) + " % reached";
+  const std::string counts = ", " + countText(static_cast<double>(steps)) + " steps";
+  const std::string rate = rateText(steps, elapsed);
+  const double share = target > 0 ? reached / target : 1;
+  return fitting(
+      {bar(share, kWideBar) + shares + counts + rate,
+       bar(share, kNarrowBar) + shares + counts + rate, bar(share, kNarrowBar) + shares + counts,
+       shares + counts, shares, percentage(reached, 1)},
+      width);
+}
+
+std::string workText(const std::string& what, std::uint64_t done, std::uint64_t all,
+                     Elapsed elapsed, std::size_t width) {
+  const std::string time = durationText(elapsed.count());
+  const double share = static_cast<double>(done) / static_cast<double>(all);
+  const std::string part = all == 0 ? "" : ", " + fixedNumber(100 * share, 0) + " %";
+  return fitting({what + part + ", " + time, what + ", " + time, time}, width);
+}
+
+void ProgressLine::draw(const std::string& text) {
+  const std::size_t length = characterCount(text);
+  // Blanks over what was longer; escape sequences are not for every terminal.
+  const std::size_t blanks = drawn_ - std::min(drawn_, length);
+  writeToTerminal("\r" + text + std::string(blanks, ' '));
+  drawn_ = length;
 }
 
 void ProgressLine::erase() {
-  if (drawn_) writeToTerminal("\r\x1b[K");
-  drawn_ = false;
+  if (drawn_ == 0) return;
+  writeToTerminal("\r" + std::string(drawn_, ' ') + "\r");
+  drawn_ = 0;
+}
+
+void watch(const LineText& text, const std::function<void()>& work,
+           const std::function<void()>& onInterrupt) {
+  const auto start = std::chrono::steady_clock::now();
+  const InterruptWatch interrupts;
+  bool told = false;
+  auto result = std::async(std::launch::async, work);
+  ProgressLine line;
+  while (result.wait_for(kRedraw) != std::future_status::ready) {
+    if (interrupts.interrupted() && !told) {
+      line.erase();
+      if (!onInterrupt) endByInterrupt();
+      onInterrupt();
+      told = true;
+    }
+    const Elapsed elapsed = std::chrono::steady_clock::now() - start;
+    const std::size_t width = terminalWidth();
+    if (width > 0 && elapsed >= kSilence) line.draw(text(elapsed, width));
+  }
+  line.erase();
+  result.get();
+}
+
+void watch(const std::string& what, const std::function<void()>& work) {
+  watch(
+      [&what](Elapsed elapsed, std::size_t width) { return workText(what, 0, 0, elapsed, width); },
+      work);
 }
 
 }  // namespace veq::tool

@@ -2,39 +2,120 @@
 
 #include <algorithm>
 #include <charconv>
+#include <filesystem>
 #include <new>
+#include <optional>
+#include <string_view>
 #include <system_error>
+#include <unordered_map>
 
 #include "failure.hpp"
+#include "streams.hpp"
+#include "text.hpp"
+#include "vertex_names.hpp"
 
 namespace veq::tool {
 namespace {
 
-std::uint64_t vertexCalled(const VEQNetwork& network, const std::string& file,
-                           std::string_view text) {
-  if (const Shared<VEQVertex> vertex = network.vertexWithName(text)) {
-    return vertex->identification();
+/// Finds vertices by name or id, else by index.
+class VertexFinder {
+ public:
+  explicit VertexFinder(const VEQNetwork& network) : count_(network.countVertices()) {
+    const auto names = columnOfNames(network);
+    if (!names) return;
+    for (std::uint64_t i = 0; i < std::min(count_, names->count()); ++i) {
+      const PropertyValue name = names->objectAtIndex(i);
+      if (!name.isNull()) indexOf_.emplace(name.text(), i);  // the first of that name
+    }
   }
-  std::uint64_t index = 0;
-  const char* const end = text.data() + text.size();
-  const auto [rest, error] = std::from_chars(text.data(), end, index);
-  if (error != std::errc() || rest != end || index >= network.countVertices()) {
-    throw Failure(file, "has no vertex \"" + std::string(text) + "\"");
+
+  [[nodiscard]] std::optional<std::uint64_t> find(const std::string& text) const {
+    if (const auto named = indexOf_.find(text); named != indexOf_.end()) return named->second;
+    std::uint64_t index = 0;
+    const char* const end = text.data() + text.size();
+    const auto [rest, error] = std::from_chars(text.data(), end, index);
+    if (error != std::errc() || rest != end || index >= count_) return std::nullopt;
+    return index;
   }
-  return index;
+
+ private:
+  std::uint64_t count_;
+  std::unordered_map<std::string, std::uint64_t> indexOf_;
+};
+
+/// The fields of "a,b" and "\"a, b\",c"; all of it as one where a quote is not closed.
+std::vector<std::string> fieldsOf(const std::string& text) {
+  std::vector<std::string> fields(1);
+  bool quoted = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (quoted && text.compare(i, 2, "\"\"") == 0) {
+      fields.back() += text[i++];
+    } else if (text[i] == '"') {
+      quoted = !quoted;
+    } else if (text[i] == ',' && !quoted) {
+      fields.emplace_back();
+    } else {
+      fields.back() += text[i];
+    }
+  }
+  return quoted ? std::vector<std::string>{text} : fields;
+}
+
+/// The vertices of a file, one a line.
+std::vector<std::uint64_t> startsInFile(const VertexFinder& finder, const std::string& network,
+                                        const std::string& file) {
+  const std::string name = inputName(file);
+  const std::string bytes = bytesIn(file);
+  std::string_view rest = bytes;
+  std::vector<std::uint64_t> starts;
+  for (std::uint64_t number = 1; !rest.empty(); ++number) {
+    std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+    const std::string place = "line " + std::to_string(number);
+    if (line.empty()) throw Failure(name, place + " is empty where a vertex is needed");
+    const auto vertex = finder.find(std::string(line));
+    if (!vertex) {
+      throw Failure(name, place + ": " + network + " has no vertex \"" + std::string(line) + "\"");
+    }
+    starts.push_back(*vertex);
+  }
+  if (starts.empty()) throw Failure(name, "has no vertices to start at");
+  return starts;
+}
+
+std::vector<std::uint64_t> startsOf(const VertexFinder& finder, const std::string& network,
+                                    const std::string& value) {
+  if (const auto one = finder.find(value)) return {*one};
+  std::vector<std::uint64_t> starts;
+  std::optional<std::string> unknown;
+  for (const std::string& field : fieldsOf(value)) {
+    const auto vertex = finder.find(field);
+    if (vertex) {
+      starts.push_back(*vertex);
+    } else if (!unknown) {
+      unknown = field;
+    }
+  }
+  if (!unknown) return starts;
+  std::error_code none;
+  if (isStandardStream(value) || std::filesystem::exists(value, none)) {
+    return startsInFile(finder, network, value);
+  }
+  if (unknown->empty()) throw WrongUsage("--start lists an empty vertex");
+  throw Failure(network, "has no vertex \"" + *unknown + "\"");
 }
 
 }  // namespace
 
 std::vector<std::uint64_t> startVertices(const VEQNetwork& network, const std::string& file,
-                                         std::string_view list, std::uint64_t agents) {
+                                         const std::string& value, std::uint64_t agents) {
   if (network.countVertices() == 0) throw Failure(file, "has no vertices to walk on");
   std::vector<std::uint64_t> listed;
-  for (bool more = !list.empty(); more;) {
-    const std::size_t comma = list.find(',');
-    listed.push_back(vertexCalled(network, file, list.substr(0, comma)));
-    more = comma != std::string_view::npos;
-    if (more) list.remove_prefix(comma + 1);
+  if (!value.empty()) listed = startsOf(VertexFinder(network), file, value);
+  if (listed.size() > agents) {
+    throw WrongUsage("--start has " + std::to_string(listed.size()) + " vertices for " +
+                     counted(agents, "agent", "agents"));
   }
   std::vector<std::uint64_t> starts;
   if (agents > starts.max_size()) throw std::bad_alloc();

@@ -4,18 +4,20 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <veq/veq.hpp>
 
 namespace veq::tool {
 
-/// One vertex for each agent: agent i starts at the i-th of the listed vertices, "V,V,...", each a
-/// name or else an index, and again at the first after the last. An empty list stands for all
-/// vertices. Failure, naming the network's file, for a vertex that the network lacks.
+/// One vertex for each agent: agent i starts at the i-th of those that the value of --start lists,
+/// and again at the first after the last. The value is one vertex, or a list "V,V,..." in which a
+/// name with commas stands in double quotes, or else the name of a file with one vertex a line. A
+/// vertex is called by its name, or else by its index. An empty value stands for all vertices. What
+/// is no vertex, empty or more than the agents ends the command.
 [[nodiscard]] std::vector<std::uint64_t> startVertices(const VEQNetwork& network,
                                                        const std::string& file,
-                                                       std::string_view list, std::uint64_t agents);
+                                                       const std::string& value,
+                                                       std::uint64_t agents);
 
 }  // namespace veq::tool

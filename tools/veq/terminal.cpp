@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <string_view>
 
 #include <veq/base/files.hpp>
 
@@ -35,6 +36,8 @@ constexpr int kEndingSignals[] = {SIGINT, SIGTERM};
 
 std::size_t terminalWidth() {
 #ifdef VEQ_HAS_TERMINAL
+  const char* const kind = std::getenv("TERM");
+  if (!kind || *kind == '\0' || std::string_view(kind) == "dumb") return 0;
   if (isatty(STDERR_FILENO) == 0) return 0;
   winsize size{};
   if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0) return size.ws_col;
@@ -70,7 +73,8 @@ InterruptWatch::~InterruptWatch() { static_cast<void>(std::signal(SIGINT, previo
 
 bool InterruptWatch::interrupted() const { return interruptNoted != 0; }
 
-void InterruptWatch::endProgram() {
+void endByInterrupt() {
+  removeTemporaryFiles();
   static_cast<void>(std::signal(SIGINT, SIG_DFL));
   static_cast<void>(std::raise(SIGINT));
   std::_Exit(130);

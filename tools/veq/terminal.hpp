@@ -7,7 +7,8 @@
 
 namespace veq::tool {
 
-/// The width of the terminal that standard error is; 0 where it is none.
+/// The width of the terminal that standard error is; 0 where it is none, or one that cannot go back
+/// to the beginning of a line.
 [[nodiscard]] std::size_t terminalWidth();
 
 /// Writes at once, whatever the text ends with.
@@ -27,11 +28,11 @@ class InterruptWatch {
 
   [[nodiscard]] bool interrupted() const;
 
-  /// Ends the program as the interrupt would have done.
-  [[noreturn]] static void endProgram();
-
  private:
   void (*previous_)(int);
 };
+
+/// Ends the program as an interrupt would have done, so that a shell sees it.
+[[noreturn]] void endByInterrupt();
 
 }  // namespace veq::tool

@@ -6,23 +6,6 @@
 namespace veq::tool {
 namespace {
 
-/// The length of the well-formed UTF-8 character at the beginning of the bytes, 0 if there is none.
-std::size_t utf8Length(std::string_view bytes) {
-  const auto byte = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned char first = byte(0);
-  if (first < 0x80) return 1;
-  const std::size_t length = first >= 0xf0 ? 4 : first >= 0xe0 ? 3 : 2;
-  if (first < 0xc2 || first > 0xf4 || bytes.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xc0) != 0x80) return 0;
-  }
-  // Longer forms than needed, surrogates, and numbers beyond the last character.
-  const unsigned char second = byte(1);
-  if ((first == 0xe0 && second < 0xa0) || (first == 0xed && second > 0x9f)) return 0;
-  if ((first == 0xf0 && second < 0x90) || (first == 0xf4 && second > 0x8f)) return 0;
-  return length;
-}
-
 template <class... Arguments>
 std::string formatted(const char* format, Arguments... arguments) {
   char buffer[400];  // A double in fixed form has up to 309 digits before its point.
@@ -31,15 +14,6 @@ std::string formatted(const char* format, Arguments... arguments) {
 }
 
 }  // namespace
-
-bool isUtf8(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const std::size_t length = utf8Length(bytes);
-    if (length == 0) return false;
-    bytes.remove_prefix(length);
-  }
-  return true;
-}
 
 std::string printable(std::string_view text) {
   std::string result;
@@ -57,6 +31,17 @@ std::string printable(std::string_view text) {
     }
   }
   return result;
+}
+
+std::string shortened(const std::string& text, std::size_t characters) {
+  if (characterCount(text) <= characters) return text;
+  std::size_t end = 0;
+  for (std::size_t count = 0; count < characters; ++count) {
+    // A character goes on in bytes of the form 10xxxxxx.
+    do ++end;
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xc0) == 0x80);
+  }
+  return text.substr(0, end) + "...";
 }
 
 std::size_t characterCount(std::string_view text) {

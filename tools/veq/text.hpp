@@ -9,11 +9,12 @@
 
 namespace veq::tool {
 
-[[nodiscard]] bool isUtf8(std::string_view bytes);
-
 /// The text with every control character, line ends included, replaced by "?", so that names and
 /// file names neither break a line nor steer the terminal.
 [[nodiscard]] std::string printable(std::string_view text);
+
+/// The first so many characters of UTF-8 text, and "..." where there are more.
+[[nodiscard]] std::string shortened(const std::string& text, std::size_t characters);
 
 /// The number of characters in UTF-8 text.
 [[nodiscard]] std::size_t characterCount(std::string_view text);

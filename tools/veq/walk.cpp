@@ -1,33 +1,32 @@
-#include <algorithm>
-#include <chrono>
-#include <future>
 #include <iostream>
 #include <memory>
 #include <new>
-#include <numeric>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "data.hpp"
 #include "failure.hpp"
 #include "network_files.hpp"
+#include "outputs.hpp"
 #include "progress_line.hpp"
 #include "seed.hpp"
 #include "starts.hpp"
-#include "table.hpp"
-#include "terminal.hpp"
+#include "streams.hpp"
 #include "text.hpp"
 #include "walk_paths.hpp"
+#include "walk_report.hpp"
 
 namespace veq::tool {
 namespace {
 
 struct Options {
-  std::string file;
+  Input input;
   std::uint64_t agents = 0;
   std::uint64_t steps = 0;
   std::optional<float> target;
@@ -38,7 +37,9 @@ struct Options {
   std::optional<float> errors;
   std::string agentsFile;
   std::string pathsFile;
-  std::string outputFile;
+  Output output;
+  bool force = false;
+  std::optional<std::size_t> format;
 };
 
 /// Steps and progress are signed 64-bit numbers in the library.
@@ -53,8 +54,10 @@ constexpr auto kExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 100
   veq walk data/lesmis.xnet --agents 2 --steps 100 --start Valjean,Javert
       Agent 0 starts at Valjean and agent 1 at Javert. With more agents than
       starts the list begins again; without a list agent i starts at vertex i,
-      and again at vertex 0 after the last. A name is looked for first, then
-      an index, which counts from 0.
+      and again at vertex 0 after the last. A name (or an "Id") is looked for
+      first, then an index, which counts from 0. A name with commas stands in
+      double quotes inside a list. What is no vertex may be a file with one
+      vertex a line.
   veq walk data/lesmis.xnet --agents 5 --steps 1000 --memory 10
       They remember their last ten visits and avoid them where they can.
   veq walk data/lesmis.xnet --agents 34 --steps 1000 --memory 10 \
@@ -66,6 +69,10 @@ constexpr auto kExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 100
       Also writes where every agent stood after every step.
   veq walk data/karate.xnet --agents 3 --steps 50 --output walked.xnet
       Also writes the network with the visits as the vertex property "Visits".
+      If it has such a property already, that is kept, and --force is needed.
+  veq walk data/karate.xnet --agents 3 --steps 50 --format csv
+      The table for other programs, with all vertices; what else is said goes to
+      standard error. --format json has everything.
 
 The table: a visit is an arrival, so that starts do not count; the share is
 that of all visits. In an undirected network, degree/2m is the share that a
@@ -76,27 +83,51 @@ Directed networks have no such simple share, and list both degrees instead.
 
 Edge weights play no part. An agent at a vertex without outgoing edges stays.)";
 
+/// The key under which visits are written.
+constexpr std::string_view kVisits = "Visits";
+
+std::vector<NamedFile> outputsOf(const Options& options) {
+  return {{"--paths", options.pathsFile}, {"--output", options.output.file}};
+}
+
 void checkOptions(const Options& options) {
-  if (options.target && !(*options.target > 0)) {
-    throw WrongUsage("--until-reach", "must be above 0");
+  const auto requireOption = [](bool given, std::string_view option, bool neededGiven,
+                                std::string_view needed) {
+    if (!given || neededGiven) return;
+    throw WrongUsage(std::string(option) + " needs " + std::string(needed));
+  };
+  requireOption(options.errors.has_value(), "--errors", options.memory.has_value(), "--memory");
+  requireOption(!options.agentsFile.empty(), "--agents-network", options.memory.has_value(),
+                "--memory");
+  requireOption(options.output.to.has_value(), "--to", !options.output.file.empty(), "--output");
+  requireOption(options.force, "--force", !options.output.file.empty(), "--output");
+  requireDistinct({options.input.file, options.agentsFile, options.starts}, outputsOf(options));
+  if (isStandardStream(options.input.file) && isStandardStream(options.starts)) {
+    throw WrongUsage("--start and FILE are both standard input");
   }
-  if (!options.memory && options.errors) throw WrongUsage("--errors", "needs --memory");
-  if (!options.memory && !options.agentsFile.empty()) {
-    throw WrongUsage("--agents-network", "needs --memory");
-  }
+  if (!options.pathsFile.empty()) requireWritable(options.pathsFile);
+  if (!options.output.file.empty()) requireWritable(options.output);
+}
+
+/// A property of the user's is worth more than the visits of a walk.
+void requireNoVisits(const LoadedNetwork& loaded, const Options& options) {
+  if (options.output.file.empty() || options.force) return;
+  if (!loaded.network->propertiesOfVertices()->contains(kVisits)) return;
+  throw Failure(loaded.name,
+                "has a vertex property \"Visits\", which --output would replace; --force does so");
 }
 
 /// The network that links the agents, if there is one.
 Shared<VEQNetwork> loadAgentsNetwork(const Options& options) {
   if (options.agentsFile.empty()) return nullptr;
-  Shared<VEQNetwork> network = loadNetwork(options.agentsFile);
-  if (network->countVertices() < options.agents) {
+  const LoadedNetwork loaded = loadNetwork({options.agentsFile, std::nullopt, false});
+  if (loaded.network->countVertices() < options.agents) {
     // The library would leave it out of account.
-    throw Failure(options.agentsFile, "has " +
-                                          counted(network->countVertices(), "vertex", "vertices") +
-                                          " for " + counted(options.agents, "agent", "agents"));
+    throw Failure(loaded.name, "has " +
+                                   counted(loaded.network->countVertices(), "vertex", "vertices") +
+                                   " for " + counted(options.agents, "agent", "agents"));
   }
-  return network;
+  return loaded.network;
 }
 
 Owned<VEQNetworkAgentsGroup> makeGroup(const Shared<VEQNetwork>& network,
@@ -120,104 +151,63 @@ Owned<VEQNetworkAgentsGroup> makeGroup(const Shared<VEQNetwork>& network,
   return group;
 }
 
-/// Walks on another thread, so that this one can draw the progress.
 std::optional<VEQVertexPaths> walk(VEQNetworkAgentsGroup& group, const Options& options) {
-  const auto work = [&group, &options] {
-    return group.walkForSteps_returnPath_untilReach(options.steps, !options.pathsFile.empty(),
-                                                    options.target.value_or(-1.0f));
+  std::optional<VEQVertexPaths> paths;
+  const auto text = [&group](Elapsed elapsed, std::size_t width) {
+    return stepsText(static_cast<std::uint64_t>(group.currentProgress()),
+                     static_cast<std::uint64_t>(group.currentWork()), elapsed, width);
   };
-  auto result = std::async(std::launch::async, work);
-  ProgressLine line;
-  if (!line.isVisible()) return result.get();
-
-  const InterruptWatch watch;
-  while (result.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready) {
-    if (watch.interrupted()) {
-      line.erase();
-      InterruptWatch::endProgram();
-    }
-    if (group.currentWork() > 0) {
-      line.draw(static_cast<std::uint64_t>(group.currentProgress()),
-                static_cast<std::uint64_t>(group.currentWork()));
-    }
-  }
-  return result.get();
+  watch(text, [&] {
+    paths = group.walkForSteps_returnPath_untilReach(options.steps, !options.pathsFile.empty(),
+                                                     options.target.value_or(-1.0f));
+  });
+  return paths;
 }
 
-void printSummary(const VEQNetwork& network, const VEQNetworkAgentsGroup& group,
-                  const Options& options) {
-  const auto visits = group.globalVisitFrequencyOfVertices()->values<std::int64_t>();
-  const std::uint64_t n = network.countVertices();
-  const auto missed = static_cast<std::uint64_t>(std::count(visits.begin(), visits.end(), 0));
-  std::cout << sizeText(network) << '\n'
-            << counted(options.agents, "agent", "agents") << ", "
-            << counted(static_cast<std::uint64_t>(group.currentProgress()), "step", "steps")
-            << " each, seed " << *options.seed << '\n'
-            << n - missed << " of " << counted(n, "vertex", "vertices") << " reached ("
-            << percentage(static_cast<double>(n - missed), static_cast<double>(n)) << ")";
-  if (options.target && !group.reachedWalkPercentage()) {
-    std::cout << ", less than the " << percentage(static_cast<double>(*options.target), 1)
-              << " asked for";
-  }
-  std::cout << '\n';
+WalkReport reportOf(const LoadedNetwork& loaded, const VEQNetworkAgentsGroup& group,
+                    const Options& options, std::uint64_t seed) {
+  WalkReport report;
+  report.network = loaded.network;
+  report.networkFile = loaded.name;
+  report.agents = options.agents;
+  report.starts = options.starts;
+  report.memory = options.memory;
+  report.errors = options.errors.value_or(0);
+  report.agentsFile = options.agentsFile;
+  report.seed = seed;
+  report.stepsAsked = options.steps;
+  report.steps = static_cast<std::uint64_t>(group.currentProgress());
+  report.target = options.target;
+  // One walk of a fresh group: its totals are the visits.
+  const auto totals = group.globalVisitFrequencyOfVertices();
+  const auto visits = totals->values<std::int64_t>();
+  report.visits.assign(visits.begin(), visits.end());
+  return report;
 }
 
-std::vector<std::string> tableHeader(bool directed) {
-  if (directed) return {"vertex", "out-degree", "in-degree", "visits", "share"};
-  return {"vertex", "degree", "visits", "share", "degree/2m"};
-}
-
-void printMostVisited(const VEQNetwork& network, const VEQNumberArray& totals, std::uint64_t top) {
-  const auto visits = totals.values<std::int64_t>();
-  std::vector<std::uint64_t> order(visits.size());
-  std::iota(order.begin(), order.end(), std::uint64_t{0});
-  const auto rows = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(top, order.size()));
-  std::partial_sort(order.begin(), order.begin() + rows, order.end(),
-                    [&visits](std::uint64_t a, std::uint64_t b) {
-                      return std::pair(-visits[a], a) < std::pair(-visits[b], b);
-                    });
-  const double all = std::accumulate(visits.begin(), visits.end(), 0.0);
-  const double ends = 2 * static_cast<double>(network.countEdges());
-
-  Table table(tableHeader(network.isDirected()));
-  for (std::ptrdiff_t i = 0; i < rows; ++i) {
-    const std::uint64_t vertex = order[static_cast<std::size_t>(i)];
-    const std::uint64_t degree = network.countEdgesOfVertexAtIndex(vertex);
-    std::vector<std::string> row{printable(vertexName(network, vertex)), std::to_string(degree)};
-    if (network.isDirected()) {
-      row.push_back(std::to_string(network.countInEdgesOfVertexAtIndex(vertex)));
-    }
-    row.push_back(std::to_string(visits[vertex]));
-    row.push_back(percentage(static_cast<double>(visits[vertex]), all));
-    if (!network.isDirected()) row.push_back(percentage(static_cast<double>(degree), ends));
-    table.addRow(std::move(row));
-  }
-  std::cout << '\n' << table;
-}
-
-void runWalk(Options options) {
+void runWalk(const Options& options) {
   checkOptions(options);
-  const Shared<VEQNetwork> network = loadNetwork(options.file);
+  const LoadedNetwork loaded = loadNetwork(options.input);
+  requireNoVisits(loaded, options);
   const std::vector<std::uint64_t> starts =
-      startVertices(*network, options.file, options.starts, options.agents);
+      startVertices(*loaded.network, loaded.name, options.starts, options.agents);
   const Shared<VEQNetwork> agentsNetwork = loadAgentsNetwork(options);
-  for (const std::string& file : {options.pathsFile, options.outputFile}) {
-    if (!file.empty()) requireWritable(file);
-  }
-  options.seed = useSeed(options.seed);
-  const auto group = makeGroup(network, starts, agentsNetwork, options);
+  const std::uint64_t seed = useSeed(options.seed);
+  const auto group = makeGroup(loaded.network, starts, agentsNetwork, options);
   const auto paths = walk(*group, options);
 
-  // One walk of a fresh group: its totals are the visits.
-  const Shared<const VEQNumberArray> visits = group->globalVisitFrequencyOfVertices();
-  printSummary(*network, *group, options);
-  if (options.top != 0) printMostVisited(*network, *visits, options.top.value_or(10));
-  std::cout.flush();
-  if (paths) writePaths(options.pathsFile, *network, starts, *paths);
-  if (!options.outputFile.empty()) {
-    network->setPropertiesOfVertices_forKey(visits->editableCopy(), "Visits");
-    saveNetwork(*network, options.outputFile);
+  std::ostream& out = reportFor(outputsOf(options));
+  writeReport(reportOf(loaded, *group, options, seed),
+              static_cast<Answer>(options.format.value_or(0)), options.top, out, std::cerr);
+  out.flush();
+  if (paths) {
+    watch("writing " + printable(outputName(options.pathsFile)),
+          [&] { writePaths(options.pathsFile, *loaded.network, starts, *paths); });
   }
+  if (options.output.file.empty()) return;
+  loaded.network->setPropertiesOfVertices_forKey(
+      group->globalVisitFrequencyOfVertices()->editableCopy(), kVisits);
+  saveNetwork(loaded.network, options.output);
 }
 
 }  // namespace
@@ -226,24 +216,30 @@ void addWalk(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
   Command command =
       commandLine.addCommand("walk", "Let agents walk at random over a network", kExamples);
-  command.addPositional("FILE", options->file, "The network");
+  addInput(command, "FILE", options->input);
   command.addWholeNumber("--agents", options->agents, 1, UINT64_MAX, "How many agents walk");
   command.addWholeNumber("--steps", options->steps, 1, kMostSteps, "How many steps each takes");
-  command.addFraction("--until-reach", options->target,
-                      "Stop once this share of the vertices was reached, above 0 and up to 1");
+  command.addShare("--until-reach", true, options->target,
+                   "Stop once this share of the vertices was reached, above 0 and up to 1");
   command.addWholeNumber("--seed", options->seed, 0, UINT32_MAX,
                          "Choose the random numbers; 0 counts as 1");
-  command.addText("--start", "V,V,...", options->starts, "Where agents start, by name or index");
+  command.addText("--start", "V,V,...|FILE", "vertices or a file", options->starts,
+                  "Where agents start, by name or index, or a file with one vertex a line");
   command.addWholeNumber("--top", options->top, 0, UINT64_MAX,
-                         "How many vertices to list, by default 10");
+                         "How many vertices to list, by default 10, or all as CSV or JSON");
   command.addWholeNumber("--memory", options->memory, 1, kMostSteps,
                          "How many visits each agent remembers and avoids");
-  command.addFraction("--errors", options->errors,
-                      "The probability of remembering a wrong vertex, by default 0");
-  command.addText("--agents-network", "FILE", options->agentsFile,
+  command.addShare("--errors", false, options->errors,
+                   "The probability of remembering a wrong vertex, by default 0");
+  command.addText("--agents-network", "FILE", "a file", options->agentsFile,
                   "The network in which agents tell each other what they remember");
-  command.addText("--paths", "OUT.csv", options->pathsFile, "Write every agent's path, as CSV");
-  command.addText("--output", "OUT.xnet", options->outputFile, "Write the network with its visits");
+  command.addText("--paths", "OUT.csv", "a file", options->pathsFile,
+                  "Write every agent's path, as CSV; - for standard output");
+  command.addText("--output", "OUT", "a file", options->output.file,
+                  "Write the network with its visits; - for standard output");
+  addOutputFormat(command, options->output);
+  command.addFlag("--force", options->force, "Let --output replace a property \"Visits\"");
+  addAnswer(command, options->format);
   command.onRun([options] { runWalk(*options); });
 }
 

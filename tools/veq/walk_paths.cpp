@@ -1,24 +1,11 @@
 #include "walk_paths.hpp"
 
-#include <filesystem>
-#include <fstream>
-#include <system_error>
-
-#include "failure.hpp"
-#include "network_files.hpp"
+#include "data.hpp"
+#include "streams.hpp"
+#include "vertex_names.hpp"
 
 namespace veq::tool {
 namespace {
-
-std::string csvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char character : text) {
-    if (character == '"') quoted += '"';
-    quoted += character;
-  }
-  return quoted + '"';
-}
 
 /// How the line of each vertex ends.
 std::vector<std::string> lineEnds(const VEQNetwork& network) {
@@ -34,26 +21,25 @@ std::vector<std::string> lineEnds(const VEQNetwork& network) {
 void writePaths(const std::string& file, const VEQNetwork& network,
                 const std::vector<std::uint64_t>& starts, const VEQVertexPaths& paths) {
   const std::vector<std::string> ends = lineEnds(network);
-  std::error_code ignored;
-  const bool isNew = !std::filesystem::exists(file, ignored);
-  std::ofstream stream(file, std::ios::binary);
-  stream << "agent,step,index,name\n";
-  for (std::uint64_t agent = 0; agent < paths.count() && stream; ++agent) {
-    const std::string agentText = std::to_string(agent);
-    const VEQVertexArray path = paths[agent];
-    std::uint64_t place = starts[agent];
-    stream << agentText << ",0" << ends[place];
-    for (std::uint64_t step = 0; step < path.count(); ++step) {
-      // A path shows vertex 0 where the agent could not move. This file says where it stood.
-      if (network.countEdgesOfVertexAtIndex(place) > 0) place = path.identificationAtIndex(step);
-      stream << agentText << ',' << step + 1 << ends[place];
+  constexpr std::size_t kBlock = 1 << 16;
+  writeTo(file, [&](const ByteSink& sink) {
+    std::string lines = "agent,step,index,name\n";
+    for (std::uint64_t agent = 0; agent < paths.count(); ++agent) {
+      const std::string begin = std::to_string(agent) + ',';
+      const VEQVertexArray path = paths[agent];
+      std::uint64_t place = starts[agent];
+      lines += begin + '0' + ends[place];
+      for (std::uint64_t step = 0; step < path.count(); ++step) {
+        // A path shows vertex 0 where the agent could not move. This file says where it stood.
+        if (network.countEdgesOfVertexAtIndex(place) > 0) place = path.identificationAtIndex(step);
+        lines.append(begin).append(std::to_string(step + 1)).append(ends[place]);
+        if (lines.size() < kBlock) continue;
+        if (!sink(lines)) return false;
+        lines.clear();
+      }
     }
-  }
-  stream.close();
-  if (!stream) {
-    if (isNew) std::filesystem::remove(file, ignored);
-    throw Failure(file, "cannot be written");
-  }
+    return sink(lines);
+  });
 }
 
 }  // namespace veq::tool

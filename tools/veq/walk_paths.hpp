@@ -11,7 +11,8 @@
 namespace veq::tool {
 
 /// Writes a CSV file, "agent,step,index,name", with one line for each agent and step; step 0 is the
-/// start. Failure where not everything can be written; no new file is left then.
+/// start, to a file or to standard output for "-". Failure where not everything can be written; the
+/// old file, if there is one, stays.
 void writePaths(const std::string& file, const VEQNetwork& network,
                 const std::vector<std::uint64_t>& starts, const VEQVertexPaths& paths);
 

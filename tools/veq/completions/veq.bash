@@ -1,0 +1,42 @@
+# Completes the veq program's commands, options and files in bash.
+_veq() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local command=${COMP_WORDS[1]} words=
+  local reading="--from --directed --strict --quiet --notes"
+  COMPREPLY=()
+  [[ $command == help ]] && command=
+  case $previous in
+    --agents | --steps | --until-reach | --seed | --top | --memory | --errors | --vertices | \
+      --degree) return ;;
+    --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
+    --start | --paths | --output | --agents-network | --largest)
+      mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
+    --from) words="xnet pajek list matrix-market gml graphml archive" ;;
+    --to) words="xnet pajek list matrix-market gml graphml archive csv" ;;
+    --format) words="table csv json" ;;
+  esac
+  if [[ -n $words ]]; then
+    :
+  elif [[ $COMP_CWORD -eq 1 || ${COMP_WORDS[1]} == help && $COMP_CWORD -eq 2 ]]; then
+    words="info walk convert generate components"
+    [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
+  elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
+    words="barabasi random --help"
+  elif [[ $current == -* ]]; then
+    case $command in
+      info) words="$reading --raw --matrix --format" ;;
+      walk) words="$reading --agents --steps --until-reach --seed --start --top --memory
+                   --errors --agents-network --paths --output --to --force --format" ;;
+      convert) words="$reading --to" ;;
+      generate) words="--vertices --degree --seed --to" ;;
+      components) words="$reading --top --largest --split --to --format" ;;
+    esac
+    words+=" --help"
+  fi
+  if [[ -n $words ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$current")
+  else
+    mapfile -t COMPREPLY < <(compgen -f -- "$current")
+  fi
+}
+complete -o filenames -F _veq veq

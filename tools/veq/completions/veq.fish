@@ -1,0 +1,55 @@
+# Completes the veq program's commands, options and files in fish.
+function __veq_command
+    set -l words (commandline -opc)
+    test (count $words) -ge 2; and contains -- $words[2] $argv
+end
+function __veq_nothing_yet
+    test (count (commandline -opc)) -eq 1
+end
+function __veq_second_word
+    test (count (commandline -opc)) -eq 2; and __veq_command $argv
+end
+
+set -l formats 'xnet pajek list matrix-market gml graphml archive'
+set -l answers 'table csv json'
+
+complete -c veq -n __veq_nothing_yet -f -a info -d 'Say what a network is'
+complete -c veq -n __veq_nothing_yet -f -a walk -d 'Let agents walk at random over a network'
+complete -c veq -n __veq_nothing_yet -f -a convert -d 'Write a network in another format'
+complete -c veq -n __veq_nothing_yet -f -a generate -d 'Grow a model network'
+complete -c veq -n __veq_nothing_yet -f -a components -d 'Find the connected components'
+complete -c veq -n __veq_nothing_yet -f -a help -d 'Teach a command by example'
+complete -c veq -n __veq_nothing_yet -l version -d 'Print the version'
+complete -c veq -l help -d 'Print help'
+complete -c veq -n '__veq_second_word help' -f -a 'info walk convert generate components'
+complete -c veq -n '__veq_second_word generate' -f -a 'barabasi random'
+
+complete -c veq -n '__veq_command info walk convert components' -l from -x -a $formats -d 'The format to read'
+complete -c veq -n '__veq_command info walk convert components' -l directed -d 'Take an edge list for a list of arcs'
+complete -c veq -n '__veq_command info walk convert components' -l strict -d 'Refuse a file of which something is lost or mended'
+complete -c veq -n '__veq_command info walk convert components' -l quiet -d 'Say nothing of what is odd in the file'
+complete -c veq -n '__veq_command info walk convert components' -l notes -d 'Say all that is odd'
+complete -c veq -n '__veq_command walk convert generate components' -l to -x -a "$formats csv" -d 'The format to write'
+complete -c veq -n '__veq_command info walk components' -l format -x -a $answers -d 'How to answer'
+
+complete -c veq -n '__veq_command info' -l raw -d 'Print the own description of the library, too'
+complete -c veq -n '__veq_command info' -l matrix -d 'Print the adjacency matrix, too'
+
+complete -c veq -n '__veq_command walk' -l agents -x -d 'How many agents walk'
+complete -c veq -n '__veq_command walk' -l steps -x -d 'How many steps each takes'
+complete -c veq -n '__veq_command walk' -l until-reach -x -d 'Stop once this share was reached'
+complete -c veq -n '__veq_command walk generate' -l seed -x -d 'Choose the random numbers'
+complete -c veq -n '__veq_command walk' -l start -r -d 'Where agents start'
+complete -c veq -n '__veq_command walk components' -l top -x -d 'How many lines to list'
+complete -c veq -n '__veq_command walk' -l memory -x -d 'How many visits each agent remembers'
+complete -c veq -n '__veq_command walk' -l errors -x -d 'The probability of remembering a wrong vertex'
+complete -c veq -n '__veq_command walk' -l agents-network -r -d 'The network that links the agents'
+complete -c veq -n '__veq_command walk' -l paths -r -d 'Write the path of every agent'
+complete -c veq -n '__veq_command walk' -l output -r -d 'Write the network with its visits'
+complete -c veq -n '__veq_command walk' -l force -d 'Replace a property Visits'
+
+complete -c veq -n '__veq_command generate' -l vertices -x -d 'How many vertices'
+complete -c veq -n '__veq_command generate' -l degree -x -d 'The mean degree'
+
+complete -c veq -n '__veq_command components' -l largest -r -d 'Write the largest component'
+complete -c veq -n '__veq_command components' -l split -x -a '(__fish_complete_directories)' -d 'Write every component'
