@@ -11,6 +11,7 @@
 #include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/gml.hpp"
+#include "veq/formats/internal/guarded_reading.hpp"
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/list_reader.hpp"
 #include "veq/formats/internal/matrix_market.hpp"
@@ -154,15 +155,23 @@ Result<Network> readBytes(std::string bytes, std::string_view name, ReadContext&
 
 }  // namespace
 
-Reading readNetworkText(std::string bytes, const ReadOptions& options, std::string_view name) {
-  ReadContext context(options, bytes.size());
+namespace internal {
+
+Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
+  return networkOf(std::move(draft), context);
+}
+
+Reading guardedReading(
+    const ReadOptions& options, std::uint64_t bytes,
+    const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read) {
+  ReadContext context(options, bytes);
   std::optional<FileFormat> format = options.format;
   Result<Network> result = [&]() -> Result<Network> {
     try {
-      return readBytes(std::move(bytes), name, context, format);
+      return read(context, format);
     } catch (const Error& error) {
       return error;
-    } catch (const internal::Stopped&) {
+    } catch (const Stopped&) {
       return Error(ErrorKind::kStopped, "stopped");
     } catch (const std::bad_alloc&) {
       return Error(ErrorKind::kMemory, "not enough memory");
@@ -172,6 +181,15 @@ Reading readNetworkText(std::string bytes, const ReadOptions& options, std::stri
   }();
   return {std::move(result), format, context.takeNotes(), context.furtherNotes(),
           std::move(context.title)};
+}
+
+}  // namespace internal
+
+Reading readNetworkText(std::string bytes, const ReadOptions& options, std::string_view name) {
+  return internal::guardedReading(options, bytes.size(),
+                                  [&](ReadContext& context, std::optional<FileFormat>& format) {
+                                    return readBytes(std::move(bytes), name, context, format);
+                                  });
 }
 
 Reading readNetwork(const std::string& path, const ReadOptions& options) {

@@ -3,18 +3,20 @@
 #include <optional>
 #include <string_view>
 
+#include "veq/base/export.hpp"
 #include "veq/formats/file_format.hpp"
 
 namespace veq::internal {
 
 /// How the bytes of a file are compressed, "" where they are not: "gzip", "zstd", "bzip2", "xz".
-[[nodiscard]] std::string_view compressionOf(std::string_view bytes);
+[[nodiscard]] VEQ_EXPORT std::string_view compressionOf(std::string_view bytes);
 
 /// Whether the bytes are an archive, which is no text.
 [[nodiscard]] bool isArchive(std::string_view bytes);
 
 /// The format of a text, from its content; the name's suffix decides where the content does not.
 /// Nothing where neither does.
-[[nodiscard]] std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name);
+[[nodiscard]] VEQ_EXPORT std::optional<FileFormat> formatOfText(std::string_view text,
+                                                                std::string_view name);
 
 }  // namespace veq::internal

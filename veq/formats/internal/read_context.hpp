@@ -9,20 +9,21 @@
 #include <utility>
 #include <vector>
 
+#include "veq/base/export.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/formats/reading.hpp"
 
 namespace veq::internal {
 
 /// What a text says, in quotes and printable, at most 60 characters of it.
-[[nodiscard]] std::string shown(std::string_view text);
+[[nodiscard]] VEQ_EXPORT std::string shown(std::string_view text);
 
 /// The end of a reader: an error of kind kFormat.
-[[noreturn]] void failAt(Place place, std::string text);
+[[noreturn]] VEQ_EXPORT void failAt(Place place, std::string text);
 
 /// What readers share: what they were asked, how far they are, and the notes that they take. A
 /// note costs nothing but a count from its second case on.
-class ReadContext {
+class VEQ_EXPORT ReadContext {
  public:
   /// The options must outlive this.
   ReadContext(const ReadOptions& asked, std::uint64_t bytes)

@@ -7,17 +7,23 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "veq/base/export.hpp"
 #include "veq/formats/internal/read_context.hpp"
 #include "veq/network/internal/network_draft.hpp"
 #include "veq/numeric/property_column.hpp"
 
 namespace veq::internal {
 
+/// A column of texts, null where there is none.
+[[nodiscard]] VEQ_EXPORT Shared<PropertyColumn> nameColumn(
+    const std::vector<std::string_view>& texts, std::uint64_t rows);
+
 /// The cells of one column, as they stand in a text that outlives this. A cell that is never set is
 /// unset, which differs from one that is empty.
-class TextColumn {
+class VEQ_EXPORT TextColumn {
  public:
   explicit TextColumn(std::string key) : key_(std::move(key)) {}
 
@@ -29,10 +35,19 @@ class TextColumn {
     cells_[row] = cell.data() ? cell : std::string_view("");
   }
 
+  /// No address where the cell is unset.
+  [[nodiscard]] std::string_view at(std::uint64_t row) const {
+    return row < cells_.size() ? cells_[row] : std::string_view();
+  }
+
   /// Whole numbers where all cells are that, as they are written, doubles where all are numbers,
   /// and otherwise the texts, with null markers for cells that are unset. Cells beyond the end are
   /// unset.
   [[nodiscard]] Shared<PropertyColumn> finish(std::uint64_t rows) const;
+  /// The texts, whatever they say.
+  [[nodiscard]] Shared<PropertyColumn> finishAsText(std::uint64_t rows) const {
+    return nameColumn(cells_, rows);
+  }
 
  private:
   std::string key_;
@@ -40,7 +55,7 @@ class TextColumn {
 };
 
 /// The weights of edges: decimals in a text, floats in a network.
-class WeightColumn {
+class VEQ_EXPORT WeightColumn {
  public:
   /// For a weight that comes from no text.
   static constexpr std::size_t kUnknownLength = SIZE_MAX;
@@ -57,6 +72,9 @@ class WeightColumn {
   /// As the text says it where a float does not.
   [[nodiscard]] double at(std::uint64_t edge) const;
   [[nodiscard]] bool differsFromOne() const { return differsFromOne_; }
+
+  /// The weights, without a word about those that were rounded.
+  [[nodiscard]] Weights take() { return std::move(weights_); }
 
   /// Gives the draft its weights; with a note where the shortest text of a float is not what the
   /// text says, and the column "Weight" where that was asked for.
@@ -75,10 +93,6 @@ class WeightColumn {
   std::vector<Exact> inexact_;
   bool differsFromOne_ = false;
 };
-
-/// A column of names, null where there is none.
-[[nodiscard]] Shared<PropertyColumn> nameColumn(const std::vector<std::string_view>& names,
-                                                std::uint64_t rows);
 
 /// The vertex column "Mode" of a network of two kinds of vertices: 1 for the first ones and 2 for
 /// the others.

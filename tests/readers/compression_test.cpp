@@ -1,0 +1,86 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <zlib.h>
+#include <zstd.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "tests/formats/reading_support.hpp"
+#include "veq/readers/reading.hpp"
+
+namespace veq::test {
+namespace {
+
+std::string zipped(std::string_view text) {
+  std::string bytes(compressBound(static_cast<uLong>(text.size())) + 64, '\0');
+  z_stream stream{};
+  EXPECT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, 15 + 16, 8, Z_DEFAULT_STRATEGY), Z_OK);
+  stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+  stream.avail_in = static_cast<uInt>(text.size());
+  stream.next_out = reinterpret_cast<Bytef*>(bytes.data());
+  stream.avail_out = static_cast<uInt>(bytes.size());
+  EXPECT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
+  bytes.resize(stream.total_out);
+  deflateEnd(&stream);
+  return bytes;
+}
+
+std::string zstded(std::string_view text) {
+  std::string bytes(ZSTD_compressBound(text.size()), '\0');
+  bytes.resize(ZSTD_compress(bytes.data(), bytes.size(), text.data(), text.size(), 3));
+  return bytes;
+}
+
+Reading read(std::string bytes, const ReadOptions& options = {}) {
+  return readers::readNetworkText(std::move(bytes), options);
+}
+
+TEST(ReadingCompressed, ReadsAnyFormatInside) {
+  EXPECT_EQ(summaryOf(read(zipped("1 2\n2 3\n"))), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read(zstded("*Vertices 2\n*Arcs\n1 2\n"))), "directed 2: 0>1");
+  EXPECT_EQ(summaryOf(read(zstded("<graphml><graph edgedefault=\"directed\"><node id=\"a\"/>"
+                                  "</graph></graphml>"))),
+            "directed 1:");
+}
+
+TEST(ReadingCompressed, ReadsPiecesBehindEachOther) {
+  EXPECT_EQ(summaryOf(read(zipped("1 2\n") + zipped("2 3\n"))), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read(zstded("1 2\n") + zstded("2 3\n"))), "undirected 3: 0>1 1>2");
+}
+
+TEST(ReadingCompressed, RefusesWhatEndsTooEarlyOrIsDamaged) {
+  const std::string gzip = zipped("1 2\n2 3\n");
+  EXPECT_EQ(summaryOf(read(gzip.substr(0, gzip.size() - 9))),
+            "error 0:0 what gzip has compressed ends too early");
+  const std::string zstd = zstded("1 2\n2 3\n");
+  EXPECT_EQ(summaryOf(read(zstd.substr(0, zstd.size() - 1))),
+            "error 0:0 what zstd has compressed ends too early");
+  std::string damaged = gzip;
+  damaged[damaged.size() - 6] ^= 1;  // A byte of the checksum.
+  EXPECT_EQ(summaryOf(read(damaged)), "error 0:0 what gzip has compressed is damaged");
+  for (std::size_t length = 0; length < gzip.size(); ++length) {
+    EXPECT_FALSE(read(gzip.substr(0, length)));
+  }
+}
+
+TEST(ReadingCompressed, RefusesBombs) {
+  const std::string zeros(50'000'000, ' ');
+  ReadOptions options;
+  options.mostBytes = 1'000'000;
+  EXPECT_EQ(summaryOf(read(zipped(zeros), options)),
+            "error 0:0 decompressed it has more than the 1000000 bytes that it may");
+  EXPECT_EQ(summaryOf(read(zstded(zeros), options)),
+            "error 0:0 decompressed it has more than the 1000000 bytes that it may");
+}
+
+TEST(ReadingCompressed, NamesWhatItDoesNotRead) {
+  EXPECT_EQ(summaryOf(read("BZh91AY")),
+            "error 0:0 compressed by bzip2, which is not read; decompress it first");
+  EXPECT_EQ(summaryOf(readNetworkText(zipped("1 2\n"))),
+            "error 0:0 compressed by gzip, which the library veq::readers reads");
+}
+
+}  // namespace
+}  // namespace veq::test

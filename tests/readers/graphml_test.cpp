@@ -1,0 +1,120 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "tests/formats/reading_support.hpp"
+#include "veq/formats/writing.hpp"
+#include "veq/numeric/vector_arrays.hpp"
+#include "veq/readers/reading.hpp"
+
+namespace veq::test {
+namespace {
+
+Reading read(std::string text) { return readers::readNetworkText(std::move(text)); }
+
+std::string graphMl(const std::string& inside) {
+  return "<?xml version=\"1.0\"?>\n<graphml xmlns=\"http://graphml.graphdrawing.org/xmlns\">\n" +
+         inside + "\n</graphml>\n";
+}
+
+TEST(ReadingGraphMl, ReadsNodesAndEdgesWithAllTheirData) {
+  const Reading reading = read(
+      graphMl("<key id=\"d0\" for=\"node\" attr.name=\"age\" attr.type=\"int\"/>\n"
+              "<key id=\"d1\" for=\"node\" attr.name=\"code\" attr.type=\"string\"/>\n"
+              "<key id=\"d2\" for=\"edge\" attr.name=\"weight\" attr.type=\"double\"/>\n"
+              "<key id=\"d3\" for=\"edge\" attr.name=\"kind\" attr.type=\"string\">"
+              "<default>plain</default></key>\n"
+              "<graph id=\"Town\" edgedefault=\"directed\">\n"
+              "<node id=\"Ada\"><data key=\"d0\">36</data><data key=\"d1\">7</data></node>\n"
+              "<node id=\"B&amp;C\"><data key=\"d0\">-1</data><data key=\"d1\">8</data></node>\n"
+              "<edge source=\"Ada\" target=\"B&amp;C\"><data key=\"d2\">0.5</data></edge>\n"
+              "<edge source=\"B&amp;C\" target=\"Ada\"><data key=\"d2\">2</data>"
+              "<data key=\"d3\">x<!-- y -->z</data></edge>\n"
+              "</graph>"));
+  EXPECT_EQ(reading.format(), FileFormat::kGraphMl);
+  EXPECT_EQ(reading.title(), "Town");
+  EXPECT_EQ(summaryOf(reading), "directed 2: 0>1 1>0 w(0.5, 2)");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("Ada", "B&C"));
+  EXPECT_THAT(vertexTexts(reading, "age"), ElementsAre("36", "-1"));
+  EXPECT_EQ(vertexKind(*reading.value().published(), "age"), PropertyColumn::Kind::kNumber);
+  EXPECT_EQ(vertexKind(*reading.value().published(), "code"), PropertyColumn::Kind::kGeneric);
+  EXPECT_THAT(edgeTexts(reading, "kind"), ElementsAre("plain", "xz"));
+  EXPECT_THAT(notesOf(reading), IsEmpty());
+}
+
+TEST(ReadingGraphMl, LeavesOutWhatNoNetworkHolds) {
+  const Reading reading = read(
+      graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"><graph/><port name=\"p\"/></node>"
+              "<node id=\"b\"><data key=\"none\">1</data></node>"
+              "<hyperedge/><edge source=\"a\" target=\"b\" sourceport=\"p\"/></graph><graph/>"));
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("0:0 left out x1: a second graph is left out",
+                          "0:0 left out x1: a graph inside a node or an edge is left out",
+                          "0:0 left out x2: the ports of edges are left out",
+                          "0:0 left out x1: data of the key \"none\", which is not declared, is "
+                          "left out",
+                          "0:0 left out x1: an edge of more than two ends is left out"));
+}
+
+TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
+  const Reading reading = read(
+      graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"/><edge source=\"a\" target=\"a\"/>"
+              "<edge source=\"a\" target=\"a\" directed=\"true\"/></graph>"));
+  EXPECT_EQ(summaryOf(reading), "directed 1: 0>0 0>0");
+  EXPECT_THAT(notesOf(reading), ElementsAre("0:0 repaired x1: directed and undirected edges: all "
+                                            "are taken for directed"));
+}
+
+TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
+  EXPECT_EQ(summaryOf(read("<html></html>")), "error 0:0 XML, but no GraphML");
+  EXPECT_EQ(summaryOf(read(graphMl(""))), "error 0:0 GraphML without a graph");
+  EXPECT_EQ(summaryOf(read(graphMl("<graph><edge source=\"a\" target=\"b\"/></graph>"))),
+            "error 0:0 an edge of node \"a\", which is not there");
+  EXPECT_EQ(summaryOf(read(graphMl("<graph><node id=\"a\"/><node id=\"a\"/></graph>"))),
+            "error 0:0 a second node \"a\"");
+  EXPECT_THAT(summaryOf(read(graphMl("<graph>\n<node id=\"a\">"))),
+              testing::StartsWith("error 5:0 XML: "));
+}
+
+TEST(ReadingGraphMl, IsHarmedByNoHostileXml) {
+  // Entities of its own stay as they are, so that none grows without end or opens a file.
+  const Reading bomb = read(
+      "<!DOCTYPE graphml [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;\">"
+      "<!ENTITY f SYSTEM \"file:///etc/hostname\">]>\n"
+      "<graphml><graph edgedefault=\"directed\"><node id=\"&b;\"/><node id=\"&f;\"/></graph>"
+      "</graphml>");
+  EXPECT_EQ(summaryOf(bomb), "directed 2:");
+  EXPECT_THAT(vertexTexts(bomb, "Name"), ElementsAre("&b;", "&f;"));
+  std::string deep = "<graphml><graph>";
+  for (int depth = 0; depth < 1'000'000; ++depth) deep += "<a>";
+  EXPECT_FALSE(read(deep));
+}
+
+TEST(ReadingGraphMl, BringsBackAllThatIsWritten) {
+  const VEQNumberArray vertexWeights = VEQNumberArray::ofFloats({1, 2, 0.1F});
+  const VEQNumberArray edgeWeights = VEQNumberArray::ofFloats({0.5, 2});
+  Shared<VEQNetwork> network = path3(true, &vertexWeights, &edgeWeights);
+  network->setPropertiesOfVertices_forKey(
+      generic({PropertyValue("a & \"b\"\n"), PropertyValue("\xC3\xA9"), PropertyValue()}), "Name");
+  const double x[] = {0.1, 0.2, 0.3};
+  network->setPropertiesOfVertices_forKey(
+      Shared<PropertyColumn>(VEQVector3dArray::initWithXd_Yd_Zd_count(x, x, x, 3)), "Position");
+  network->setPropertiesOfEdges_forKey(
+      std::make_shared<VEQNumberArray>(VEQNumberArray::ofIntegers({7, -8})), "n");
+  const Reading back = read(networkText(Network(network), FileFormat::kGraphMl).value());
+  EXPECT_EQ(summaryOf(back), "directed 3: 0>1 1>2 w(0.5, 2)");
+  EXPECT_EQ(vertexWeightsOf(*back.value().published()), (std::vector<float>{1, 2, 0.1F}));
+  EXPECT_THAT(vertexTexts(back, "Name"), ElementsAre("a & \"b\"\n", "\xC3\xA9", "<null>"));
+  EXPECT_THAT(vertexTexts(back, "Position"),
+              ElementsAre("0.1 0.1 0.1", "0.2 0.2 0.2", "0.3 0.3 0.3"));
+  EXPECT_EQ(vertexKind(*back.value().published(), "Position"), PropertyColumn::Kind::kVector3d);
+  EXPECT_THAT(vertexTexts(back, "Id"), ElementsAre("no column"));
+  EXPECT_THAT(edgeTexts(back, "n"), ElementsAre("7", "-8"));
+}
+
+}  // namespace
+}  // namespace veq::test

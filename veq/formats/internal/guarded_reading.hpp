@@ -1,0 +1,25 @@
+/// \file
+/// What every way of reading ends in.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "veq/base/export.hpp"
+#include "veq/formats/internal/read_context.hpp"
+#include "veq/formats/reading.hpp"
+#include "veq/network/internal/network_draft.hpp"
+
+namespace veq::internal {
+
+/// The network of a draft, or why there is none.
+[[nodiscard]] VEQ_EXPORT Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context);
+
+/// Calls `read` with a context of so many bytes and the format that was asked for, which it
+/// replaces by the one that it recognises, and turns whatever it throws into the error.
+[[nodiscard]] VEQ_EXPORT Reading guardedReading(
+    const ReadOptions& options, std::uint64_t bytes,
+    const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read);
+
+}  // namespace veq::internal
