@@ -157,6 +157,52 @@ bool measureUniformNetwork(const Arguments& arguments, Measurement& measurement)
   return true;
 }
 
+bool measureGnm(const Arguments& arguments, Measurement& measurement) {
+  const std::uint64_t n = arguments.count("n", 100'000);
+  const auto m = static_cast<igraph_integer_t>(n * arguments.count("k", 10) / 2);
+  measurement.time(
+      [&] {
+        return made([&](igraph_t* graph) {
+          igraph_erdos_renyi_game_gnm(graph, static_cast<igraph_integer_t>(n), m, false, false);
+        });
+      },
+      kCountEdges);
+  return true;
+}
+
+bool measureConfiguration(const Arguments& arguments, Measurement& measurement) {
+  const auto degrees = degreesAround(arguments.count("n", 100'000), arguments.count("k", 10));
+  IntVector given(degrees.size());
+  for (std::uint64_t v = 0; v < degrees.size(); ++v) {
+    given[v] = static_cast<igraph_integer_t>(degrees[v]);
+  }
+  const igraph_degseq_t method =
+      arguments.has("simple") ? IGRAPH_DEGSEQ_VL : IGRAPH_DEGSEQ_CONFIGURATION;
+  measurement.time(
+      [&] {
+        return made([&](igraph_t* graph) {
+          igraph_degree_sequence_game(graph, given.get(), nullptr, method);
+        });
+      },
+      kCountEdges);
+  return true;
+}
+
+bool measureWattsStrogatz(const Arguments& arguments, Measurement& measurement) {
+  const auto n = static_cast<igraph_integer_t>(arguments.count("n", 100'000));
+  const auto k = static_cast<igraph_integer_t>(arguments.count("k", 10) / 2);
+  const double p = arguments.real("p", 0.1);
+  const bool multiple = arguments.has("multiple");
+  measurement.time(
+      [&] {
+        return made([&](igraph_t* graph) {
+          igraph_watts_strogatz_game(graph, 1, n, k, p, false, multiple);
+        });
+      },
+      kCountEdges);
+  return true;
+}
+
 template <class Read>
 bool measureReading(const Arguments& arguments, Measurement& measurement, Read read) {
   const std::string path = arguments.text("file");
@@ -236,12 +282,22 @@ int main(int count, char** values) {
   using namespace bench;
   igraph_set_attribute_table(&igraph_cattribute_table);
   igraph_rng_seed(igraph_rng_default(), 42);
-  std::vector<Task> tasks{{"build", measureBuild},         {"degrees", measureDegrees},
-                          {"strengths", measureStrengths}, {"adjmat", measureMatrix},
-                          {"decompose", measureSplit},     {"largest", measureLargest},
-                          {"walk", measureWalk},           {"ba", measurePreferentialAttachment},
-                          {"gnp", measureUniformNetwork},  {"read_pajek", readPajek},
-                          {"write_pajek", writePajek},     {"read_edges", readEdgeList},
+  std::vector<Task> tasks{{"build", measureBuild},
+                          {"degrees", measureDegrees},
+                          {"strengths", measureStrengths},
+                          {"adjmat", measureMatrix},
+                          {"decompose", measureSplit},
+                          {"largest", measureLargest},
+                          {"walk", measureWalk},
+                          {"ba", measurePreferentialAttachment},
+                          {"gnp", measureUniformNetwork},
+                          {"model_gnp", measureUniformNetwork},
+                          {"model_gnm", measureGnm},
+                          {"model_configuration", measureConfiguration},
+                          {"model_ws", measureWattsStrogatz},
+                          {"read_pajek", readPajek},
+                          {"write_pajek", writePajek},
+                          {"read_edges", readEdgeList},
                           {"write_edges", writeEdgeList}};
   const std::vector<Task> questions = questionTasks();
   tasks.insert(tasks.end(), questions.begin(), questions.end());

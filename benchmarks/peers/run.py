@@ -121,6 +121,20 @@ def models():
             yield Line("preferential attachment", f"n = {n}, m = {m}", call,
                        [Peer("igraph", call + " algo=bag", 0.45, "bag, its fastest"),
                         Peer("base", call, 1.4, "part32", True)])
+    for n in ("1e5", "1e6"):
+        for name, task, theirs, bar, note in (
+                ("G(n, p), mean degree 10", f"model_gnp n={n} k=10", "", 0.5, ""),
+                ("G(n, m), mean degree 10", f"model_gnm n={n} k=10", "", 1.0, ""),
+                ("Barabasi-Albert, m = 4", f"model_ba n={n} m=4", f"ba n={n} m=4 algo=bag", 0.5,
+                 "bag, its fastest"),
+                ("configuration, mean degree 10", f"model_configuration n={n} k=10", "", 0.5, ""),
+                ("Watts-Strogatz, 10, p = 0.1", f"model_ws n={n} k=10 p=0.1", "", 1.0,
+                 "without parallel edges"),
+                ("Watts-Strogatz, 10, p = 0.1", f"model_ws n={n} k=10 p=0.1",
+                 f"model_ws n={n} k=10 p=0.1 multiple=1", 1.0, "with parallel edges")):
+            yield Line("models", f"{name}, n = {n}", task,
+                       [Peer("igraph", theirs or task, bar, note),
+                        Peer("networkx", task + " reps=1", 0.1)])
 
 
 def walks():
@@ -191,7 +205,7 @@ def files(runner, work, lines):
 class Runner:
     def __init__(self, directory, cpu):
         self.pin = ["taskset", "-c", cpu]
-        names = ("veq", "base", "igraph", "boost")
+        names = ("veq", "base", "igraph", "boost", "networkx")
         programs = {name: os.path.join(directory, name + "_bench") for name in names}
         self.programs = {n: p for n, p in programs.items() if os.path.exists(p)}
         for name in names:

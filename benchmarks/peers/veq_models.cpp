@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "veq/models/random_generator.hpp"
+#include "veq/models.hpp"
 #include "veq_tasks.hpp"
 
 namespace bench {
@@ -73,10 +73,60 @@ bool measureUniformNetwork(const Arguments& arguments, Measurement& measurement)
   return true;
 }
 
+/// One of the models with exactly so many vertices.
+template <class Make>
+bool measureModel(Measurement& measurement, Make make) {
+  veq::ModelOptions options;
+  options.seed = 7;
+  measurement.time([&] { return make(options).value(); },
+                   [](const veq::Network& network) { return network.countEdges(); });
+  return true;
+}
+
+bool measureGnp(const Arguments& arguments, Measurement& measurement) {
+  const std::uint64_t n = arguments.count("n", 100'000);
+  const double p = arguments.real("k", 10) / static_cast<double>(n);
+  return measureModel(measurement, [&](const auto& options) { return gnpNetwork(n, p, options); });
+}
+
+bool measureGnm(const Arguments& arguments, Measurement& measurement) {
+  const std::uint64_t n = arguments.count("n", 100'000);
+  const std::uint64_t m = n * arguments.count("k", 10) / 2;
+  return measureModel(measurement, [&](const auto& options) { return gnmNetwork(n, m, options); });
+}
+
+bool measureBarabasiAlbert(const Arguments& arguments, Measurement& measurement) {
+  const std::uint64_t n = arguments.count("n", 100'000);
+  const std::uint64_t m = arguments.count("m", 4);
+  return measureModel(measurement,
+                      [&](const auto& options) { return barabasiAlbertNetwork(n, m, options); });
+}
+
+bool measureConfiguration(const Arguments& arguments, Measurement& measurement) {
+  const auto degrees = degreesAround(arguments.count("n", 100'000), arguments.count("k", 10));
+  const auto law = arguments.has("simple") ? veq::DegreeLaw::kSimple : veq::DegreeLaw::kPairing;
+  return measureModel(measurement, [&](const auto& options) {
+    return configurationNetwork(degrees, law, options);
+  });
+}
+
+bool measureWattsStrogatz(const Arguments& arguments, Measurement& measurement) {
+  const std::uint64_t n = arguments.count("n", 100'000);
+  const std::uint64_t k = arguments.count("k", 10) / 2;
+  const double p = arguments.real("p", 0.1);
+  return measureModel(measurement,
+                      [&](const auto& options) { return wattsStrogatzNetwork(n, k, p, options); });
+}
+
 }  // namespace
 
 std::vector<Task> modelTasks() {
-  return {{"doubles", measureDoubles},
+  return {{"model_gnp", measureGnp},
+          {"model_gnm", measureGnm},
+          {"model_ba", measureBarabasiAlbert},
+          {"model_configuration", measureConfiguration},
+          {"model_ws", measureWattsStrogatz},
+          {"doubles", measureDoubles},
           {"ba", measurePreferentialAttachment},
           {"gnp", measureUniformNetwork}};
 }

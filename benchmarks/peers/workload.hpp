@@ -121,4 +121,13 @@ inline std::string nameOf(std::uint64_t vertex) {
   return name += std::to_string(vertex);
 }
 
+/// Degrees from 1 to 2 k - 1, each alike, with an even sum.
+inline std::vector<std::uint64_t> degreesAround(std::uint64_t n, std::uint64_t k) {
+  WorkloadRandom random(n);
+  std::vector<std::uint64_t> degrees(n);
+  for (std::uint64_t& degree : degrees) degree = 1 + random.below(2 * k - 1);
+  if (std::accumulate(degrees.begin(), degrees.end(), std::uint64_t{0}) % 2 != 0) ++degrees[0];
+  return degrees;
+}
+
 }  // namespace bench
