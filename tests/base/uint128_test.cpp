@@ -73,6 +73,16 @@ TEST(PortableUint128, BecomesTheNearestDouble) {
   EXPECT_EQ(static_cast<double>((Wide{1} << 127) + (Wide{1} << 74) + 1), 0x1p127 + 0x1p75);
 }
 
+TEST(PortableUint128, TakesADoubleWithoutItsFraction) {
+  expectWords(Wide(0.0), 0, 0);
+  expectWords(Wide(7.875), 0, 7);
+  expectWords(Wide(0x1p64), 1, 0);
+  expectWords(Wide(0x1.8p63), 0, std::uint64_t{3} << 62);
+  // 53 bits around the middle: 2^90 + 2^38.
+  expectWords(Wide(0x1p90 + 0x1p38), std::uint64_t{1} << 26, std::uint64_t{1} << 38);
+  expectWords(Wide(0x1.fffffffffffffp127), 0xFFFFFFFFFFFFF800U, 0);
+}
+
 #if defined(__SIZEOF_INT128__)
 TEST(PortableUint128, AgreesWithTheTypeOfTheCompiler) {
   std::mt19937_64 random(12);
@@ -105,6 +115,9 @@ TEST(PortableUint128, AgreesWithTheTypeOfTheCompiler) {
     ASSERT_EQ(a < b, x < y);
     ASSERT_EQ(a == b, x == y);
     ASSERT_EQ(static_cast<double>(a), static_cast<double>(x));
+    if (const auto value = static_cast<double>(x); value < 0x1p128) {
+      expectSame(Wide(value), static_cast<Uint128>(value));
+    }
   }
 }
 #endif

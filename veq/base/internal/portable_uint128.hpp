@@ -18,6 +18,11 @@ class PortableUint128 {
   constexpr PortableUint128(T value)
       : high_(value < T{} ? UINT64_MAX : 0), low_(static_cast<std::uint64_t>(value)) {}
 
+  /// A double from 0 to below 2^128 without its fraction. Both steps are exact.
+  constexpr explicit PortableUint128(double value)
+      : high_(static_cast<std::uint64_t>(value * 0x1p-64)),
+        low_(static_cast<std::uint64_t>(value - static_cast<double>(high_) * 0x1p64)) {}
+
   template <std::integral T>
   constexpr explicit operator T() const {
     return static_cast<T>(low_);
