@@ -162,7 +162,7 @@ TEST(BarabasiAlbertNetwork, IsThatOfItsLaw) {
 }
 
 TEST(BarabasiAlbertNetwork, IsSimple) {
-  for (const std::uint64_t m : {1, 3, 24, 25, 40}) {
+  for (const std::uint64_t m : {1U, 3U, 24U, 25U, 40U}) {
     const Network network = barabasiAlbertNetwork(100, m, seed(m)).value();
     EXPECT_EQ(network.countEdges(), m * (100 - m));
     EXPECT_TRUE(isSimple(network));
@@ -241,7 +241,7 @@ TEST(WattsStrogatzNetwork, IsThatOfItsLaw) {
 
 TEST(WattsStrogatzNetwork, StaysSimple) {
   for (const double p : {0.1, 0.5, 1.0}) {
-    for (const std::uint64_t k : {1, 3, 9}) {
+    for (const std::uint64_t k : {1U, 3U, 9U}) {
       const Network network = wattsStrogatzNetwork(20, k, p, seed(k)).value();
       EXPECT_EQ(network.countEdges(), 20 * k);
       EXPECT_TRUE(isSimple(network)) << p << ", " << k;

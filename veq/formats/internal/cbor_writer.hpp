@@ -45,7 +45,7 @@ class CborWriter {
   std::uint64_t placeHead(std::uint64_t end, CborMajor major, std::uint64_t argument);
 
   [[nodiscard]] std::string_view bytes() const {
-    return {reinterpret_cast<const char*>(block_.data()), size_};
+    return {reinterpret_cast<const char*>(block_.data()), static_cast<std::size_t>(size_)};
   }
 
  private:

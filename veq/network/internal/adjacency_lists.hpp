@@ -47,10 +47,11 @@ class AdjacencyLists {
   [[nodiscard]] std::uint64_t count(std::uint64_t vertex) const { return rows_[vertex].count; }
   /// The two columns of a list.
   [[nodiscard]] std::span<const Index> neighbours(std::uint64_t vertex) const {
-    return {neighbours_.data() + rows_[vertex].start, rows_[vertex].count};
+    return {neighbours_.data() + rows_[vertex].start,
+            static_cast<std::size_t>(rows_[vertex].count)};
   }
   [[nodiscard]] std::span<const Index> edges(std::uint64_t vertex) const {
-    return {edges_.data() + rows_[vertex].start, rows_[vertex].count};
+    return {edges_.data() + rows_[vertex].start, static_cast<std::size_t>(rows_[vertex].count)};
   }
 
   /// Fetch ahead what will be read: a row, and once that is there, its neighbours.

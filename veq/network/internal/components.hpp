@@ -160,7 +160,7 @@ class Partition {
   static std::span<const std::uint64_t> slice(const Indices& items,
                                               const std::vector<std::uint64_t>& starts,
                                               std::uint64_t c) {
-    return {items.data() + starts[c], starts[c + 1] - starts[c]};
+    return {items.data() + starts[c], items.data() + starts[c + 1]};
   }
 
   std::vector<std::uint64_t> vertexStarts_;

@@ -41,7 +41,9 @@ class BreadthFirst {
   }
 
   /// What the last search reached, in that order, and how far it is.
-  [[nodiscard]] std::span<const Index> reached() const { return {reached_.data(), count_}; }
+  [[nodiscard]] std::span<const Index> reached() const {
+    return {reached_.data(), reached_.data() + count_};
+  }
   [[nodiscard]] bool hasReached(std::uint64_t vertex) const { return levels_[vertex] != 0; }
   [[nodiscard]] std::uint64_t distanceTo(std::uint64_t vertex) const {
     return levels_[vertex] - 1u;
