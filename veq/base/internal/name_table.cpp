@@ -1,12 +1,10 @@
 #include "veq/base/internal/name_table.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <exception>
-#include <random>
 #include <utility>
 
+#include "veq/base/internal/entropy.hpp"
 #include "veq/base/internal/uint128.hpp"
 
 namespace veq::internal {
@@ -18,15 +16,6 @@ std::uint64_t fold(std::uint64_t a, std::uint64_t b) {
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-std::uint64_t drawSeed() {
-  try {
-    std::random_device device;
-    return std::uint64_t{device()} << 32 | device();
-  } catch (const std::exception&) {
-    return static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-  }
-}
-
 std::uint64_t bytesAt(const char* at, std::size_t count) {
   std::uint64_t bytes = 0;
   std::memcpy(&bytes, at, count);
@@ -35,7 +24,7 @@ std::uint64_t bytesAt(const char* at, std::size_t count) {
 
 /// Another function in every process, so that no file can hold names which all collide.
 std::uint64_t hashOf(std::string_view name) {
-  static const std::uint64_t seed = drawSeed();
+  static const std::uint64_t seed = std::uint64_t{systemEntropy()} << 32 | systemEntropy();
   constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15;
   std::uint64_t hash = fold(seed ^ name.size(), kOdd);
   const char* at = name.data();
