@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 
 #include "veq/base/internal/replacement.hpp"
 #include "veq/base/internal/whole_files.hpp"
@@ -32,6 +33,23 @@ std::string linkToOpenFile(int file) { return "/proc/self/fd/" + std::to_string(
 bool sync(int file) {
   return uninterrupted([file] { return ::fsync(file); }) == 0;
 }
+
+/// While this lives no signal is handled in this thread: a handler that removes temporary files is
+/// to know each of them.
+class SignalsWait {
+ public:
+  SignalsWait() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~SignalsWait() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+  SignalsWait(const SignalsWait&) = delete;
+  SignalsWait& operator=(const SignalsWait&) = delete;
+
+ private:
+  sigset_t before_{};
+};
 
 /// The permissions of a file that replaces `old` and belongs to the owner and group of `now`.
 mode_t permissionsAfter(const struct stat& old, const struct stat& now) {
@@ -99,6 +117,7 @@ bool Replacement::openNamed(const char* name, mode_t mode) {
 /// Lets `make` try one temporary name after the other.
 template <class Make>
 bool Replacement::makeNamed(Make make) {
+  const SignalsWait wait;
   for (unsigned number = 0; number <= TemporaryNames::kCount; ++number) {
     std::string name = names_[number];
     if (!make(name.c_str())) {
