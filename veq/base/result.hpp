@@ -28,6 +28,7 @@ enum class ErrorKind {
 /// means that only the line is known.
 /// \ingroup process
 struct Place {
+  /// The two numbers.
   std::uint64_t line = 0;
   std::uint64_t column = 0;
 
@@ -39,9 +40,11 @@ struct Place {
 /// \ingroup process
 class VEQ_EXPORT Error : public std::exception {
  public:
+  /// Of its parts.
   Error(ErrorKind kind, std::string text, std::optional<Place> place = std::nullopt)
       : kind_(kind), text_(std::move(text)), place_(place) {}
 
+  /// What kind of thing went wrong.
   [[nodiscard]] ErrorKind kind() const noexcept { return kind_; }
   /// Without a full stop: "edge 7: target -1", "4 weights for 5 edges".
   [[nodiscard]] const std::string& text() const noexcept { return text_; }
@@ -60,9 +63,11 @@ class VEQ_EXPORT Error : public std::exception {
 template <class T>
 class [[nodiscard]] Result {
  public:
+  /// Either becomes one by itself.
   Result(T value) : either_(std::in_place_index<0>, std::move(value)) {}
   Result(Error error) : either_(std::in_place_index<1>, std::move(error)) {}
 
+  /// Whether there is a value.
   [[nodiscard]] bool hasValue() const noexcept { return either_.index() == 0; }
   [[nodiscard]] explicit operator bool() const noexcept { return hasValue(); }
 

@@ -15,8 +15,10 @@ namespace veq {
 /// given ones these do not hold exactly, and the first of them.
 /// \ingroup build
 struct BuildNotes {
+  /// How many.
   std::uint64_t roundedVertexWeights = 0;
   std::uint64_t roundedEdgeWeights = 0;
+  /// Which is the first.
   std::optional<std::uint64_t> firstRoundedVertexWeight;
   std::optional<std::uint64_t> firstRoundedEdgeWeight;
 };
@@ -26,6 +28,7 @@ struct BuildNotes {
 struct BuildOptions {
   /// Exactly so many vertices; otherwise as many as the largest end asks for, none without edges.
   std::optional<std::uint64_t> vertices{};
+  /// Whether edges lead from source to target alone.
   bool directed = false;
   /// One for each vertex and edge, in their order; a network without is not weighted.
   NumberSpan vertexWeights{};

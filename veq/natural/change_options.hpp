@@ -18,6 +18,7 @@ enum class Direction { kOut, kIn, kAll };
 struct ChangeOptions {
   /// Taken as 1.
   unsigned threads = 1;
+  /// How to follow it, and to stop it.
   Progress progress{};
 };
 
@@ -38,7 +39,9 @@ struct SimplifyOptions {
   /// unweighted network then weighs as many as it stands for.
   ParallelEdges parallels = ParallelEdges::kSum;
   bool dropLoops = true;
+  /// Taken as 1.
   unsigned threads = 1;
+  /// How to follow it, and to stop it.
   Progress progress{};
 };
 
@@ -47,16 +50,21 @@ struct SimplifyOptions {
 struct EdgeSubnetworkOptions {
   /// All of them instead of the ends of the chosen edges.
   bool keepAllVertices = false;
+  /// Taken as 1.
   unsigned threads = 1;
+  /// How to follow it, and to stop it.
   Progress progress{};
 };
 
 /// How far from a vertex its neighbourhood reaches.
 /// \ingroup edit
 struct NeighbourhoodOptions {
+  /// How many edges away at most, and along which edges.
   std::uint64_t distance = 1;
   Direction direction = Direction::kAll;
+  /// Taken as 1.
   unsigned threads = 1;
+  /// How to follow it, and to stop it.
   Progress progress{};
 };
 
@@ -71,8 +79,11 @@ enum class UnionBy {
 /// How to unite networks.
 /// \ingroup edit
 struct UnionOptions {
+  /// Which vertices become one.
   UnionBy by = UnionBy::kNothing;
+  /// Taken as 1.
   unsigned threads = 1;
+  /// How to follow it, and to stop it.
   Progress progress{};
 };
 

@@ -28,6 +28,7 @@ struct UnitedNetwork;
 /// An edge that was added, and those after it.
 /// \ingroup edit
 struct AddedEdges {
+  /// The index of the first one, and how many there are.
   std::uint64_t first = 0;
   std::uint64_t count = 0;
   /// How many of the weights a 32-bit float does not hold exactly.
@@ -102,6 +103,8 @@ class VEQ_EXPORT Network {
 
   /// \name Size and kind
   /// \ingroup ask
+  /// The numbers of vertices and edges, whether edges have a direction, and whether there are
+  /// weights.
   /// @{
   [[nodiscard]] std::uint64_t countVertices() const { return published_->countVertices(); }
   [[nodiscard]] std::uint64_t countEdges() const { return published_->countEdges(); }
@@ -244,6 +247,7 @@ class VEQ_EXPORT Network {
 /// A network that was made of parts of another.
 /// \ingroup edit
 struct DerivedNetwork {
+  /// The new one.
   Network network;
   /// For each of its vertices and edges the index in the network that it comes from.
   std::vector<std::uint64_t> vertices;
@@ -253,6 +257,7 @@ struct DerivedNetwork {
 /// A network that was made of several others.
 /// \ingroup edit
 struct UnitedNetwork {
+  /// The new one.
   Network network;
   /// For each of the networks, and each of its vertices, the new index.
   std::vector<std::vector<std::uint64_t>> vertices;

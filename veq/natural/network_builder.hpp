@@ -35,6 +35,7 @@ class VEQ_EXPORT NetworkBuilder {
   std::uint64_t addEdge(std::string_view source, std::string_view target, double weight);
   /// @}
 
+  /// How many there would be in a network built now.
   [[nodiscard]] std::uint64_t countVertices() const { return vertices_; }
   [[nodiscard]] std::uint64_t countEdges() const { return sources_.size(); }
 

@@ -56,6 +56,7 @@ struct StridedElements {
 /// \ingroup build
 class VEQ_EXPORT IndexSpan {
  public:
+  /// None.
   IndexSpan() = default;
   /// Whatever lies in one block.
   template <class Range>
@@ -74,6 +75,7 @@ class VEQ_EXPORT IndexSpan {
         inPlace_(stride == 8 && (std::same_as<T, std::int64_t> || std::same_as<T, std::uint64_t>)) {
   }
 
+  /// How many there are.
   [[nodiscard]] std::uint64_t count() const { return count_; }
 
   /// Calls f with something whose operator[] gives the integers in their own type.
@@ -119,6 +121,7 @@ class VEQ_EXPORT IndexSpan {
 /// \ingroup build
 class VEQ_EXPORT NumberSpan {
  public:
+  /// None at all.
   NumberSpan() = default;
   /// Of what outlives the expression: a vector or array that somebody holds, or a span.
   template <class Range>
@@ -128,7 +131,7 @@ class VEQ_EXPORT NumberSpan {
         given_(true),
         wide_(std::same_as<internal::ElementOf<Range>, double>) {}
 
-  /// Whether there are any, be it none of them.
+  /// Whether numbers were given, be it none of them, and how many.
   [[nodiscard]] bool given() const { return given_; }
   [[nodiscard]] std::uint64_t count() const { return count_; }
 

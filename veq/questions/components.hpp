@@ -19,6 +19,7 @@ enum class Connection { kWeak, kStrong };
 /// Which component each vertex is in. Components are numbered by their lowest vertex.
 /// \ingroup ask
 struct ComponentLabels {
+  /// For each vertex the number of its component.
   std::vector<std::uint64_t> labels;
   /// The number of vertices of each.
   std::vector<std::uint64_t> sizes;

@@ -35,6 +35,7 @@ inline constexpr std::uint64_t kUnreachable = UINT64_MAX;
 /// How to look for a path.
 /// \ingroup ask
 struct PathOptions {
+  /// Which way along edges.
   Direction direction = Direction::kOut;
   /// The least sum of weights instead of the fewest edges.
   bool weighted = false;
@@ -44,6 +45,7 @@ struct PathOptions {
 /// number of edges.
 /// \ingroup ask
 struct Path {
+  /// From the first to the last.
   std::vector<std::uint64_t> vertices;
   std::vector<std::uint64_t> edges;
   double length = 0;
@@ -61,6 +63,7 @@ struct Path {
 /// How to measure all distances.
 /// \ingroup ask
 struct DistanceOptions {
+  /// Which way along edges.
   Direction direction = Direction::kOut;
   /// From every vertex while that takes at most so many visits of vertices and list entries, and
   /// from as many vertices as it allows otherwise, but one at least.
