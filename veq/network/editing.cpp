@@ -1,6 +1,8 @@
 // Inserting edges.
 
 #include <algorithm>
+#include <functional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -44,6 +46,18 @@ void reserveInColumns(const PropertyTable& table, std::uint64_t count) {
   }
 }
 
+// Whether the indices lie in a column, whose elements move when it grows.
+bool lieIn(const PropertyTable& table, std::span<const std::uint64_t> indices) {
+  const std::less<const void*> before;
+  return std::any_of(table.begin(), table.end(), [&](const auto& entry) {
+    if (entry.second->kind() != PropertyColumn::Kind::kNumber) return false;
+    return static_cast<const VEQNumberArray&>(*entry.second).visit([&](auto elements) {
+      return before(indices.data(), elements.data() + elements.size()) &&
+             before(elements.data(), indices.data() + indices.size());
+    });
+  });
+}
+
 // Makes room as appending would, so that many single insertions stay cheap.
 void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
   if (count > weights.capacity()) {
@@ -56,8 +70,15 @@ void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
 void VEQNetwork::addEdgesFromVerticesIndices_toVerticesIndices_count(const std::uint64_t* from,
                                                                      const std::uint64_t* to,
                                                                      std::uint64_t count) {
-  const EdgeEnds edges{{from, count}, {to, count}};
+  EdgeEnds edges{{from, count}, {to, count}};
   requireVertices(edges, countVertices());
+  internal::RawVector<std::uint64_t> kept;
+  if (lieIn(core_->properties->edges, edges.from) || lieIn(core_->properties->edges, edges.to)) {
+    kept.reserve(2 * count);
+    kept.insert(kept.end(), from, from + count);
+    kept.insert(kept.end(), to, to + count);
+    edges = {{kept.data(), count}, {kept.data() + count, count}};
+  }
 
   const std::uint64_t edgesAfter = countEdges() + count;
   if (core_->edgesWeights) reserveInWeights(*core_->edgesWeights, edgesAfter);
