@@ -14,15 +14,23 @@ namespace {
 
 using internal::AdjacencyStore;
 using internal::EdgeEnds;
+using internal::IndexList;
 using internal::listCapacity;
 using testing::ElementsAre;
 using Side = AdjacencyStore::Side;
 
 EdgeEnds ends(const DrawnEdges& edges) { return {edges.from, edges.to}; }
 
+AdjacencyStore storeOf(std::uint64_t vertices, const std::vector<std::uint64_t>& from,
+                       const std::vector<std::uint64_t>& to, bool directed,
+                       std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit) {
+  return {vertices, IndexList(std::span(from)), IndexList(std::span(to)), directed, narrowLimit};
+}
+
 AdjacencyStore storeOf(std::uint64_t vertices, const std::string& edges, bool directed,
                        std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit) {
-  return {vertices, ends(DrawnEdges(edges)), directed, narrowLimit};
+  const DrawnEdges drawn(edges);
+  return storeOf(vertices, drawn.from, drawn.to, directed, narrowLimit);
 }
 
 void insert(AdjacencyStore& store, const std::string& edges) {
@@ -78,7 +86,7 @@ TEST(AdjacencyStore, TheFirstInsertionMovesAPackedListToRoomOfItsCapacity) {
 TEST(AdjacencyStore, AHubGrowsByWhatIsInserted) {
   std::vector<std::uint64_t> hub(100, 0);
   const std::vector<std::uint64_t> to(100, 1);
-  AdjacencyStore store(2, {hub, to}, true);
+  AdjacencyStore store = storeOf(2, hub, to, true);
   EXPECT_EQ(zoneOf(store), 101U);
   hub.resize(40);
   store.insert({hub, {to.data(), 40}});
@@ -213,7 +221,7 @@ TEST(AdjacencyStore, ALargeConstructionKeepsEdgeOrder) {
         outEdges[from[e]].push_back(e);
         (directed ? inEdges : outEdges)[to[e]].push_back(e);
       }
-      const AdjacencyStore store(kVertices, {from, to}, directed, limit);
+      const AdjacencyStore store = storeOf(kVertices, from, to, directed, limit);
       bool same = true;
       for (std::uint64_t v = 0; v < kVertices; ++v) {
         same = same && store.edges(v, Side::kOut) == outEdges[v];

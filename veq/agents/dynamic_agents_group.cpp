@@ -104,14 +104,12 @@ Owned<VEQNetworkDynamicAgentsGroup> VEQNetworkDynamicAgentsGroup::make(
     const VEQNumberArray& errors, const VEQNumberArray& memorySizes) {
   auto state = GroupState::make(std::move(network), [&] { return internal::positionsOf(places); });
   if (!state) return nullptr;
-  try {
+  return internal::orNothing([&]() -> Owned<VEQNetworkDynamicAgentsGroup> {
     auto memories = makeDynamicState(*state, std::move(agentsNetwork), errors, memorySizes);
     if (!memories) return nullptr;
     return Owned<VEQNetworkDynamicAgentsGroup>(
         new VEQNetworkDynamicAgentsGroup(std::move(state), std::move(memories)));
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  });
 }
 
 Owned<VEQNetworkDynamicAgentsGroup> VEQNetworkDynamicAgentsGroup::

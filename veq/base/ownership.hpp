@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 namespace veq {
@@ -20,15 +21,24 @@ using Shared = std::shared_ptr<T>;
 
 namespace internal {
 
+/// What `make()` gives, or nothing where memory for it cannot be had: the one place that turns
+/// lacking memory into "not made", for networks, groups and whatever else a constructor gives.
+template <class Make>
+[[nodiscard]] auto orNothing(Make make) -> decltype(make()) {
+  try {
+    return make();
+  } catch (const std::bad_alloc&) {
+    return {};
+  } catch (const std::length_error&) {  // More elements than a standard container can count.
+    return {};
+  }
+}
+
 /// What a factory makes of its constructor's result. The count of references wants memory of its
 /// own; a factory that cannot have it has made nothing, like its constructor.
 template <class T>
 [[nodiscard]] Shared<T> sharedOrNull(Owned<T> object) {
-  try {
-    return Shared<T>(std::move(object));
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  return orNothing([&object] { return Shared<T>(std::move(object)); });
 }
 
 }  // namespace internal

@@ -1,8 +1,5 @@
 #include "veq/formats/archive_file.hpp"
 
-#include <new>
-#include <stdexcept>
-
 #include "veq/base/internal/whole_files.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 
@@ -15,14 +12,12 @@ bool writeArchiveToFile(const VEQNetwork& network, std::string_view path, bool a
 }
 
 Owned<VEQNetwork> networkWithArchiveFile(std::string_view path) {
-  try {
+  return internal::orNothing([path]() -> Owned<VEQNetwork> {
     const Result<std::string> bytes = internal::readWholeFile(path);
     if (!bytes) return nullptr;
     VEQKeyedUnarchiver unarchiver(bytes.value());
     return VEQNetwork::initWithCoder(unarchiver);
-  } catch (const std::bad_alloc&) {
-    return nullptr;
-  }
+  });
 }
 
 }  // namespace veq

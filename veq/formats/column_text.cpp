@@ -1,7 +1,7 @@
 #include "veq/formats/internal/column_text.hpp"
 
 #include "veq/base/internal/text_escapes.hpp"
-#include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
 
 namespace veq::internal {

@@ -164,8 +164,8 @@ class PajekReader {
     // Only now is the file known to be good, and its number of vertices worth memory.
     if (namesSeen_) requireMemory(draft->vertexCount, sizeof(PropertyValue));
     if (positionsSeen_) requireMemory(draft->vertexCount, sizeof(VEQVector3d));
-    if (namesSeen_) draft->verticesProperties.set("Name", names());
-    if (positionsSeen_) draft->verticesProperties.set("Position", positions());
+    if (namesSeen_) draft->properties.vertices.set("Name", names());
+    if (positionsSeen_) draft->properties.vertices.set("Position", positions());
     return draft;
   }
 

@@ -9,6 +9,7 @@
 #include "veq/formats/internal/six_decimals.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
@@ -229,13 +230,15 @@ class XnetReader {
 
   void closeSection() {
     if (section_ == Section::kVertices && !names_.empty()) {
-      verticesProperties_.set("Name", std::make_shared<GenericArray>(std::move(names_)));
+      properties_.vertices.set("Name", std::make_shared<GenericArray>(std::move(names_)));
       names_ = {};
     }
     if (section_ == Section::kVertexProperty) {
-      verticesProperties_.set(column_.key(), column_.finish());
+      installColumn(properties_.vertices, column_.key(), column_.finish());
     }
-    if (section_ == Section::kEdgeProperty) edgesProperties_.set(column_.key(), column_.finish());
+    if (section_ == Section::kEdgeProperty) {
+      installColumn(properties_.edges, column_.key(), column_.finish());
+    }
   }
 
   std::optional<NetworkDraft> finish() {
@@ -243,8 +246,7 @@ class XnetReader {
     if (!draft) return std::nullopt;
     draft->verticesWeights = std::move(verticesWeights_);
     draft->edgesWeights = std::move(edgesWeights_);
-    draft->verticesProperties = std::move(verticesProperties_);
-    draft->edgesProperties = std::move(edgesProperties_);
+    draft->properties = std::move(properties_);
     return draft;
   }
 
@@ -255,8 +257,7 @@ class XnetReader {
   std::vector<PropertyValue> names_;
   std::optional<Weights> verticesWeights_;
   std::optional<Weights> edgesWeights_;
-  PropertyTable verticesProperties_;
-  PropertyTable edgesProperties_;
+  NetworkProperties properties_;
 };
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/column_text.hpp"
 #include "veq/formats/internal/xnet.hpp"
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 

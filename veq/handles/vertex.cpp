@@ -3,6 +3,7 @@
 #include <stdexcept>
 
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {

@@ -50,19 +50,18 @@ Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
   internal::askDoubtful(core.handles().edges, edges,
                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
-  internal::NetworkProperties properties;
-  if (vertices.count != 0) properties.vertices = internal::carriedVertexProperties({&vertices, 1});
-  if (edges.count != 0) properties.edges = internal::carriedEdgeProperties({&edges, 1});
   NetworkDraft draft;
+  if (vertices.count != 0) {
+    draft.properties.vertices = internal::carriedVertexProperties({&vertices, 1});
+  }
+  if (edges.count != 0) draft.properties.edges = internal::carriedEdgeProperties({&edges, 1});
   draft.vertexCount = vertices.count;
   draft.from = IndexList(part.from);
   draft.to = IndexList(part.to);
   draft.directed = core.store.directed();
   draft.verticesWeights = std::move(verticesWeights);
   draft.edgesWeights = std::move(edgesWeights);
-  std::unique_ptr<NetworkCore> made = CoreAccess::buildCore(std::move(draft));
-  internal::install(std::move(properties), *made);
-  return CoreAccess::shared(std::move(made));
+  return CoreAccess::buildShared(std::move(draft));
 }
 
 // One component by itself.

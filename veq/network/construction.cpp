@@ -1,6 +1,6 @@
-// Construction from index lists and capacities; size, flags and handles.
+// Construction from index lists and capacities.
 
-#include <stdexcept>
+#include <optional>
 
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
@@ -67,36 +67,6 @@ VEQNetwork::initWithVertexCapacity_edgeCapacity_directed_verticesWeighted_edgesW
   }
   return network;
 }
-
-std::uint64_t VEQNetwork::countVertices() const { return core_->store.vertexCount(); }
-
-std::uint64_t VEQNetwork::countEdges() const { return core_->store.edgeCount(); }
-
-bool VEQNetwork::isDirected() const { return core_->store.directed(); }
-
-bool VEQNetwork::isEdgeWeighted() const { return core_->edgesWeights.has_value(); }
-
-bool VEQNetwork::isVertexWeighted() const { return core_->verticesWeights.has_value(); }
-
-bool VEQNetwork::isEditable() const { return core_->editable; }
-
-void VEQNetwork::blockEditing() { core_->editable = false; }
-
-Shared<VEQVertex> VEQNetwork::vertexAtIndex(std::uint64_t index) const {
-  if (index >= countVertices()) throw std::out_of_range("The network has no vertex of this index.");
-  return core_->handles().vertices.sharedAt(index);
-}
-
-Shared<VEQEdge> VEQNetwork::edgeAtIndex(std::uint64_t index) const {
-  if (index >= countEdges()) throw std::out_of_range("The network has no edge of this index.");
-  return core_->handles().edges.sharedAt(index);
-}
-
-VEQVertexArray VEQNetwork::vertices() const {
-  return VEQVertexArray(core_->vertices(), countVertices());
-}
-
-VEQEdgeArray VEQNetwork::edges() const { return VEQEdgeArray(core_->edges(), countEdges()); }
 
 // The convenience forms and the factories.
 

@@ -18,7 +18,6 @@ using internal::HandleRun;
 using internal::HandleRuns;
 using internal::NetworkCore;
 using internal::NetworkDraft;
-using internal::NetworkProperties;
 using internal::PositionsInNetwork;
 using internal::RawVector;
 using internal::Weights;
@@ -150,18 +149,10 @@ bool hasVertexForEnds(const NetworkDraft& draft) {
   return draft.vertexCount != 0 || draft.from.all().empty();
 }
 
-template <class Produce>
-Owned<VEQNetwork> makeCarrying(Produce produce) {
-  NetworkProperties carried;
-  Owned<VEQNetwork> network = CoreAccess::make([&] { return produce(carried); });
-  if (network) internal::install(std::move(carried), CoreAccess::of(*network));
-  return network;
-}
-
 // `giveHandles()` gives the vertices and the edges; those of a whole network may want memory.
 template <class GiveHandles, class GiveWeights>
 Owned<VEQNetwork> fromHandles(GiveHandles giveHandles, bool directed, GiveWeights giveWeights) {
-  return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
+  return CoreAccess::make([&]() -> std::optional<NetworkDraft> {
     const auto handles = giveHandles();
     const VEQVertexArray& vertices = handles.first;
     const VEQEdgeArray& edges = handles.second;
@@ -175,8 +166,8 @@ Owned<VEQNetwork> fromHandles(GiveHandles giveHandles, bool directed, GiveWeight
     askForProperties(vertices, givenVertices);
     internal::askDoubtful(edges, givenEdges,
                           [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
-    carried.vertices = internal::carriedVertexProperties(givenVertices.runs());
-    carried.edges = internal::carriedEdgeProperties(givenEdges.runs());
+    draft.properties.vertices = internal::carriedVertexProperties(givenVertices.runs());
+    draft.properties.edges = internal::carriedEdgeProperties(givenEdges.runs());
     Ends ends = endsOf(givenVertices, givenEdges);
     draft.from = std::move(ends.from);
     draft.to = std::move(ends.to);
@@ -208,7 +199,7 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     const std::optional<VEQVertexArray>& vertices, const VEQVertexArray& from,
     const VEQVertexArray& to, bool directed, const VEQNumberArray* verticesWeights,
     const VEQNumberArray* edgesWeights) {
-  return makeCarrying([&](NetworkProperties& carried) -> std::optional<NetworkDraft> {
+  return CoreAccess::make([&]() -> std::optional<NetworkDraft> {
     if (from.count() != to.count()) return std::nullopt;
     const VEQVertexArray all = vertices ? *vertices : distinctEnds(from, to);
     NetworkDraft draft;
@@ -218,7 +209,7 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     if (!weightsFit(draft, from.count())) return std::nullopt;
     const HandleRuns<VEQVertex> given(all);
     askForProperties(all, given);
-    carried.vertices = internal::carriedVertexProperties(given.runs());
+    draft.properties.vertices = internal::carriedVertexProperties(given.runs());
     const HandlePositions positions = positionsOf(given);
     draft.from = positionsOf(from, positions);
     draft.to = positionsOf(to, positions);

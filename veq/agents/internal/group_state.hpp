@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <memory>
 #include <mutex>
-#include <new>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -37,11 +36,7 @@ struct GroupState {
   [[nodiscard]] static std::unique_ptr<GroupState> make(Shared<const VEQNetwork> network,
                                                         MakePositions positions) {
     if (!network) return nullptr;
-    try {
-      return std::make_unique<GroupState>(std::move(network), positions());
-    } catch (const std::bad_alloc&) {
-      return nullptr;
-    }
+    return orNothing([&] { return std::make_unique<GroupState>(std::move(network), positions()); });
   }
 
   /// A history of nothing, whose first arrivals are stamped `firstStamp`.

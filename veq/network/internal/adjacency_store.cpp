@@ -100,18 +100,26 @@ bool fitsNarrow(std::uint64_t vertices, std::uint64_t edges, std::uint64_t limit
   return vertices <= limit && edges < limit / 4;
 }
 
-template <class Index>
-void copyEnds(std::span<const std::uint64_t> ends, Index* out) {
-  std::transform(ends.begin(), ends.end(), out,
-                 [](std::uint64_t end) { return static_cast<Index>(end); });
+template <class From, class To>
+void copyIndices(std::span<const From> indices, To* out) {
+  std::transform(indices.begin(), indices.end(), out,
+                 [](From index) { return static_cast<To>(index); });
 }
 
 }  // namespace
 
-AdjacencyStore::AdjacencyStore(std::uint64_t vertices, const EdgeEnds& edges, bool directed,
-                               std::uint64_t narrowLimit, const std::function<void()>& whenCopied)
+AdjacencyStore::AdjacencyStore(std::uint64_t vertices, IndexList from, IndexList to, bool directed,
+                               std::uint64_t narrowLimit)
     : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
-  rebuildWith(edges, whenCopied);
+  const EdgeEnds edges{from.all(), to.all()};
+  const std::uint64_t count = edges.count();
+  inWidthFor(count, [&]<class Index>(Index) {
+    Ground<Index> ground(groundSize<Index>(vertices_, count, directed_));
+    Topology<Index> next = copyEnds(edges, ground);
+    from = IndexList();
+    to = IndexList();
+    buildLists(std::move(next), std::move(ground), count);
+  });
 }
 
 std::uint64_t AdjacencyStore::count(std::uint64_t vertex, Side side) const {
@@ -136,7 +144,13 @@ void AdjacencyStore::insert(const EdgeEnds& more) {
   const bool bulk = more.count() >= kBulkInsertion && more.count() > edges_ / 2;
   const bool inPlace =
       !bulk && std::visit([&](auto& topology) { return appendInPlace(topology, more); }, topology_);
-  if (!inPlace) rebuildWith(more);
+  if (inPlace) return;
+  const std::uint64_t edges = edges_ + more.count();
+  inWidthFor(more.count(), [&]<class Index>(Index) {
+    Ground<Index> ground(groundSize<Index>(vertices_, edges, directed_));
+    Topology<Index> next = copyEnds(more, ground);
+    buildLists(std::move(next), std::move(ground), edges);
+  });
 }
 
 template <class Index>
@@ -198,38 +212,40 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
   return true;
 }
 
-void AdjacencyStore::rebuildWith(const EdgeEnds& more, const std::function<void()>& whenCopied) {
-  const std::uint64_t edges = edges_ + more.count();
-  const auto build = [&](auto wanted) {
-    using Index = decltype(wanted);
-    Ground<Index> ground(groundSize<Index>(vertices_, edges, directed_));
-    Topology<Index> next;
-    next.from = ground.template block<Index>(edges);
-    next.to = ground.template block<Index>(edges);
-    visit([&](const auto& present) {
-      std::transform(present.from.data(), present.from.data() + edges_, next.from.data(),
-                     [](auto end) { return static_cast<Index>(end); });
-      std::transform(present.to.data(), present.to.data() + edges_, next.to.data(),
-                     [](auto end) { return static_cast<Index>(end); });
-    });
-    copyEnds(more.from, next.from.data() + edges_);
-    copyEnds(more.to, next.to.data() + edges_);
-    whenCopied();
-    buildLists(next.out, vertices_, next.from, next.to, edges, !directed_, ground);
-    if (directed_) {
-      next.in = std::make_unique<AdjacencyLists<Index>>();
-      buildLists(*next.in, vertices_, next.to, next.from, edges, false, ground);
-    }
-    next.ground = std::move(ground).take();
-    topology_.template emplace<Topology<Index>>(std::move(next));
-  };
+template <class F>
+void AdjacencyStore::inWidthFor(std::uint64_t more, F f) const {
   // Lists that have outgrown their zone stay narrow only with room for many more insertions, lest
   // each of them had to build everything anew.
-  if (fitsNarrow(vertices_, edges + edges_ / 2, narrowLimit_)) {
-    build(std::uint32_t{});
+  if (fitsNarrow(vertices_, edges_ + more + edges_ / 2, narrowLimit_)) {
+    f(std::uint32_t{});
   } else {
-    build(std::uint64_t{});
+    f(std::uint64_t{});
   }
+}
+
+template <class Index>
+Topology<Index> AdjacencyStore::copyEnds(const EdgeEnds& more, Ground<Index>& ground) const {
+  Topology<Index> next;
+  next.from = ground.template block<Index>(edges_ + more.count());
+  next.to = ground.template block<Index>(edges_ + more.count());
+  visit([&](const auto& present) {
+    copyIndices(std::span(present.from.data(), edges_), next.from.data());
+    copyIndices(std::span(present.to.data(), edges_), next.to.data());
+  });
+  copyIndices(more.from, next.from.data() + edges_);
+  copyIndices(more.to, next.to.data() + edges_);
+  return next;
+}
+
+template <class Index>
+void AdjacencyStore::buildLists(Topology<Index> next, Ground<Index> ground, std::uint64_t edges) {
+  internal::buildLists(next.out, vertices_, next.from, next.to, edges, !directed_, ground);
+  if (directed_) {
+    next.in = std::make_unique<AdjacencyLists<Index>>();
+    internal::buildLists(*next.in, vertices_, next.to, next.from, edges, false, ground);
+  }
+  next.ground = std::move(ground).take();
+  topology_.template emplace<Topology<Index>>(std::move(next));
   edges_ = edges;
 }
 

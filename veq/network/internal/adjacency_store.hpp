@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <utility>
@@ -10,6 +9,7 @@
 
 #include "veq/base/internal/memory.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
+#include "veq/network/internal/index_list.hpp"
 
 namespace veq::internal {
 
@@ -43,13 +43,11 @@ class AdjacencyStore {
   /// for whoever needs a mark that is no index.
   static constexpr std::uint64_t kNarrowLimit = UINT32_MAX;
 
-  AdjacencyStore() = default;
   /// All ends must be below the number of vertices. O(n + m) at most, and without work or memory
-  /// for vertices that have no edge. std::bad_alloc where memory cannot hold it. Calls `whenCopied`
-  /// as soon as the ends are no longer needed, so that they may make room for the lists.
-  AdjacencyStore(
-      std::uint64_t vertices, const EdgeEnds& edges, bool directed,
-      std::uint64_t narrowLimit = kNarrowLimit, const std::function<void()>& whenCopied = [] {});
+  /// for vertices that have no edge. std::bad_alloc where memory cannot hold it. Lists of its own
+  /// are released before the adjacency lists are built.
+  AdjacencyStore(std::uint64_t vertices, IndexList from, IndexList to, bool directed,
+                 std::uint64_t narrowLimit = kNarrowLimit);
 
   [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
   [[nodiscard]] std::uint64_t edgeCount() const { return edges_; }
@@ -97,8 +95,15 @@ class AdjacencyStore {
   [[nodiscard]] bool loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
   [[nodiscard]] bool appendInPlace(Topology<Index>& topology, const EdgeEnds& more);
-  void rebuildWith(
-      const EdgeEnds& more, const std::function<void()>& whenCopied = [] {});
+  // Calls f with a zero of the width in which this many edges more are kept.
+  template <class F>
+  void inWidthFor(std::uint64_t more, F f) const;
+  // A topology without lists: the ends of all edges so far and more, on a ground for all.
+  template <class Index>
+  [[nodiscard]] Topology<Index> copyEnds(const EdgeEnds& more, Ground<Index>& ground) const;
+  // Takes the place of what is there.
+  template <class Index>
+  void buildLists(Topology<Index> next, Ground<Index> ground, std::uint64_t edges);
 
   std::uint64_t vertices_ = 0;
   std::uint64_t edges_ = 0;

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "veq/network/internal/property_columns.hpp"
+
 namespace veq::internal {
 namespace {
 
@@ -156,10 +158,6 @@ PropertyTable carriedVertexProperties(std::span<const HandleRun> runs) {
 
 PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs) {
   return carried<Edges>(runs, genericColumn);
-}
-
-void install(NetworkProperties properties, NetworkCore& core) {
-  *core.properties = std::move(properties);
 }
 
 }  // namespace veq::internal

@@ -20,8 +20,4 @@ namespace veq::internal {
 /// The same for edges, whose columns always hold any kind.
 [[nodiscard]] PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs);
 
-/// Makes these the properties of a new network, as they are: also under the reserved keys, which a
-/// draft would drop.
-void install(NetworkProperties properties, NetworkCore& core);
-
 }  // namespace veq::internal

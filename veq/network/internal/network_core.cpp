@@ -1,40 +1,25 @@
 #include "veq/network/internal/network_core.hpp"
 
-#include <algorithm>
-#include <array>
-
 #include "veq/base/internal/make_once.hpp"
 
-namespace veq {
-namespace internal {
+namespace veq::internal {
 namespace {
 
-// These name the weights and the ends of edges, which are no columns.
-constexpr std::array<std::string_view, 4> kReservedKeys{"Edge Weight", "Vertex Weight", "Edge From",
-                                                        "Edge To"};
-
-void installColumns(PropertyTable& table, const PropertyTable& columns) {
-  for (const auto& [key, column] : columns) {
-    if (column) installColumn(table, key, column);
-  }
+bool hasFittingWeights(const NetworkDraft& draft) {
+  return (!draft.verticesWeights || draft.verticesWeights->size() == draft.vertexCount) &&
+         (!draft.edgesWeights || draft.edgesWeights->size() == draft.from.all().size());
 }
 
 }  // namespace
 
 NetworkCore::NetworkCore(NetworkDraft&& draft)
-    : store(draft.vertexCount, {draft.from.all(), draft.to.all()}, draft.directed,
-            draft.narrowLimit,
-            [&draft] {
-              draft.from = IndexList();
-              draft.to = IndexList();
-            }),
+    : store(draft.vertexCount, std::move(draft.from), std::move(draft.to), draft.directed,
+            draft.narrowLimit),
       verticesWeights(std::move(draft.verticesWeights)),
       edgesWeights(std::move(draft.edgesWeights)),
+      properties(std::make_shared<NetworkProperties>(std::move(draft.properties))),
       vertexCapacity(store.vertexCount()),
-      edgesCapacity(store.edgeCount()) {
-  installColumns(properties->edges, draft.edgesProperties);
-  installColumns(properties->vertices, draft.verticesProperties);
-}
+      edgesCapacity(store.edgeCount()) {}
 
 NetworkCore::~NetworkCore() {
   NetworkHandles* const made = handles_.load(std::memory_order_acquire);
@@ -54,49 +39,17 @@ NetworkHandles& NetworkCore::handles() const {
       [](NetworkHandles* unused) { unused->self.reset(); });
 }
 
-std::unique_ptr<NetworkCore> CoreAccess::buildCore(NetworkDraft draft) {
-  const std::uint64_t edges = draft.from.all().size();
-  if (draft.edgesWeights && draft.edgesWeights->size() != edges) return nullptr;
-  if (draft.verticesWeights && draft.verticesWeights->size() != draft.vertexCount) return nullptr;
-  return std::make_unique<NetworkCore>(std::move(draft));
-}
-
 Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
-  std::unique_ptr<NetworkCore> core = buildCore(std::move(draft));
-  return core ? Owned<VEQNetwork>(new VEQNetwork(std::move(core))) : nullptr;
+  if (!hasFittingWeights(draft)) return nullptr;
+  return Owned<VEQNetwork>(new VEQNetwork(std::make_unique<NetworkCore>(std::move(draft))));
 }
 
-Shared<VEQNetwork> CoreAccess::shared(std::unique_ptr<NetworkCore> core) {
+Shared<VEQNetwork> CoreAccess::buildShared(NetworkDraft draft) {
   struct Network : VEQNetwork {
-    explicit Network(std::unique_ptr<NetworkCore> parts) : VEQNetwork(std::move(parts)) {}
+    explicit Network(std::unique_ptr<NetworkCore> core) : VEQNetwork(std::move(core)) {}
   };
-  return std::make_shared<Network>(std::move(core));
+  if (!hasFittingWeights(draft)) return nullptr;
+  return std::make_shared<Network>(std::make_unique<NetworkCore>(std::move(draft)));
 }
 
-bool isReservedKey(std::string_view key) {
-  return std::find(kReservedKeys.begin(), kReservedKeys.end(), key) != kReservedKeys.end();
-}
-
-void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyColumn> column) {
-  if (isReservedKey(key)) return;
-  if (!column) {
-    table.remove(key);
-    return;
-  }
-  if (!column->isEditable()) column = column->editableCopy();
-  table.set(key, std::move(column));
-}
-
-PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index) {
-  return index < column.count() ? column.objectAtIndex(index) : PropertyValue();
-}
-
-}  // namespace internal
-
-VEQNetwork::VEQNetwork(std::unique_ptr<internal::NetworkCore> core) : core_(std::move(core)) {
-  core_->network = this;
-}
-
-VEQNetwork::~VEQNetwork() = default;
-
-}  // namespace veq
+}  // namespace veq::internal

@@ -3,9 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 
 #include "veq/base/ownership.hpp"
@@ -15,13 +13,6 @@
 #include "veq/network/network.hpp"
 
 namespace veq::internal {
-
-/// A network's columns. In one block, like the handles below: of networks with few vertices, which
-/// may be many, most of the memory and of the time to make them would otherwise be in such blocks.
-struct NetworkProperties {
-  PropertyTable vertices;
-  PropertyTable edges;
-};
 
 /// What may outlive a network: its handles, and the record of its life that they ask.
 struct NetworkHandles final : HandleOwner {
@@ -44,7 +35,7 @@ struct NetworkCore {
   AdjacencyStore store;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
-  Shared<NetworkProperties> properties = std::make_shared<NetworkProperties>();
+  Shared<NetworkProperties> properties;
   /// The sizes that per-vertex and per-edge storage reports: fixed at construction, and for edges
   /// twice the number of edges whenever an insertion exceeds it. Memory follows by its own rules.
   std::uint64_t vertexCapacity = 0;
@@ -78,43 +69,21 @@ struct NetworkCore {
 struct CoreAccess {
   [[nodiscard]] static NetworkCore& of(const VEQNetwork& network) { return *network.core_; }
 
-  /// What the draft describes; null where weights are not one for each vertex or edge.
-  [[nodiscard]] static std::unique_ptr<NetworkCore> buildCore(NetworkDraft draft);
+  /// The network that the draft describes; null where weights are not one for each vertex or edge.
+  /// std::bad_alloc where memory cannot hold it.
   [[nodiscard]] static Owned<VEQNetwork> build(NetworkDraft draft);
-  /// The network that consists of this, in one block with the count of its references.
-  [[nodiscard]] static Shared<VEQNetwork> shared(std::unique_ptr<NetworkCore> core);
+  /// The same in one block with the count of its references.
+  [[nodiscard]] static Shared<VEQNetwork> buildShared(NetworkDraft draft);
 
-  /// The network of whatever draft `produce()` returns, an optional one. This is the one place that
-  /// turns memory which cannot be had, for the draft or the network, into "no network".
+  /// The network of whatever draft `produce()` gives, an optional one; null also where memory
+  /// cannot hold the draft or the network.
   template <class Produce>
   [[nodiscard]] static Owned<VEQNetwork> make(Produce produce) {
-    try {
+    return orNothing([&produce] {
       std::optional<NetworkDraft> draft = produce();
       return draft ? build(std::move(*draft)) : nullptr;
-    } catch (const std::bad_alloc&) {
-      return nullptr;
-    } catch (const std::length_error&) {
-      return nullptr;
-    }
+    });
   }
 };
-
-/// Whether the key names the weights or the ends of edges, which are no columns.
-[[nodiscard]] bool isReservedKey(std::string_view key);
-
-/// Stores a column as the whole-column setters do: reserved keys are ignored, null removes the key,
-/// and a column that is not editable is copied.
-void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyColumn> column);
-
-/// A vertex column of which nothing is set. Its first value fixes its kind.
-[[nodiscard]] Shared<PropertyColumn> newVertexColumn(const PropertyValue& first,
-                                                     std::uint64_t count);
-
-/// Sets all values of one vertex or edge, as the setters of single values do, or none of them.
-void setVertexValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index);
-void setEdgeValues(NetworkCore& core, const PropertyMap& values, std::uint64_t index);
-
-/// The element, or the null marker where the column ends before it.
-[[nodiscard]] PropertyValue valueOrNull(const PropertyColumn& column, std::uint64_t index);
 
 }  // namespace veq::internal

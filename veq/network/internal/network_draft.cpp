@@ -6,11 +6,6 @@
 namespace veq::internal {
 namespace {
 
-// Signed and unsigned 64-bit integers are read as the same bits.
-std::span<const std::uint64_t> sameBits(const VEQNumberArray& array) {
-  return {static_cast<const std::uint64_t*>(array.VEQ_dataPointer()), array.count()};
-}
-
 // Four running maxima, so that a comparison need not wait for the one before it.
 std::uint64_t largest(std::span<const std::uint64_t> indices) {
   std::array<std::uint64_t, 4> lanes{};
@@ -23,17 +18,6 @@ std::uint64_t largest(std::span<const std::uint64_t> indices) {
 }
 
 }  // namespace
-
-IndexList::IndexList(const VEQNumberArray& array) {
-  if (array.elementType() == ElementType::kInteger ||
-      array.elementType() == ElementType::kUnsignedInteger) {
-    all_ = sameBits(array);
-  } else {
-    own_.resize(array.count());
-    array.getUnsignedIntegerValues_count(own_.data(), own_.size());
-    all_ = own_;
-  }
-}
 
 std::optional<std::uint64_t> countVertices(std::uint64_t minimum,
                                            std::span<const std::uint64_t> from,

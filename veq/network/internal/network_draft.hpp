@@ -3,34 +3,22 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <utility>
 
 #include "veq/network/internal/adjacency_store.hpp"
+#include "veq/network/internal/index_list.hpp"
 #include "veq/numeric/keyed_table.hpp"
 #include "veq/numeric/number_array.hpp"
 
 namespace veq::internal {
 
-/// Vertex indices in edge order, either its own or the caller's for the time of a call.
-class IndexList {
- public:
-  IndexList() = default;
-  IndexList(RawVector<std::uint64_t> own) : own_(std::move(own)), all_(own_) {}
-  explicit IndexList(std::span<const std::uint64_t> borrowed) : all_(borrowed) {}
-  /// Borrows the elements of an array of unsigned or signed integers, and converts others. A
-  /// negative index becomes one that cannot be.
-  explicit IndexList(const VEQNumberArray& array);
-  IndexList(IndexList&&) = default;
-  IndexList& operator=(IndexList&&) = default;
-
-  [[nodiscard]] std::span<const std::uint64_t> all() const { return all_; }
-
- private:
-  RawVector<std::uint64_t> own_;
-  std::span<const std::uint64_t> all_;
-};
-
 using Weights = RawVector<float>;
+
+/// A network's columns. In one block, as networks with few vertices may be many, and most of the
+/// memory and of the time to make them would otherwise be in such blocks.
+struct NetworkProperties {
+  PropertyTable vertices;
+  PropertyTable edges;
+};
 
 /// What a network is to be made of. Every constructor, reader and model fills a draft, and one
 /// function turns drafts into networks.
@@ -42,10 +30,9 @@ struct NetworkDraft {
   bool directed = false;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
-  /// Installed by the rules of the whole-column setters: reserved keys are dropped, null columns
-  /// ignored, and fixed columns copied.
-  PropertyTable verticesProperties;
-  PropertyTable edgesProperties;
+  /// Taken as they are. What somebody outside has named or made goes in by installColumn(), which
+  /// knows the reserved keys and copies fixed columns.
+  NetworkProperties properties;
   /// For tests of the wide form with few edges.
   std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit;
 };
