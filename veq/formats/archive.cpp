@@ -6,7 +6,6 @@
 #include "veq/formats/coder.hpp"
 #include "veq/formats/internal/property_cbor.hpp"
 #include "veq/network/internal/network_core.hpp"
-#include "veq/network/internal/property_columns.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {
@@ -58,8 +57,8 @@ std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, Ends& ends) {
   const std::optional<bool> edgeWeighted = coder.decodeBool(kEdgeWeighted);
   const std::optional<bool> vertexWeighted = coder.decodeBool(kVertexWeighted);
   if (!directed || !edgeWeighted || !vertexWeighted) return std::nullopt;
-  const std::optional<PropertyTable> edges = coder.decodePropertyTable(kEdgesProperties);
-  const std::optional<PropertyTable> vertices = coder.decodePropertyTable(kVerticesProperties);
+  std::optional<PropertyTable> edges = coder.decodePropertyTable(kEdgesProperties);
+  std::optional<PropertyTable> vertices = coder.decodePropertyTable(kVerticesProperties);
   if (!edges || !vertices) return std::nullopt;
   ends.from = coder.decodeNumberArray(kFromList);
   ends.to = coder.decodeNumberArray(kToList);
@@ -80,7 +79,7 @@ std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, Ends& ends) {
   const auto count = internal::countVertices(0, draft.from.all(), draft.to.all());
   if (!count) return std::nullopt;
   draft.vertexCount = *count;
-  draft.properties = {internal::installable(*vertices), internal::installable(*edges)};
+  draft.properties = {std::move(*vertices), std::move(*edges)};
   return draft;
 }
 

@@ -20,6 +20,7 @@
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq {
 namespace {
@@ -91,7 +92,7 @@ std::string decoded(std::string bytes, ReadContext& context) {
 }
 
 Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
-  for (const PropertyTable* table : {&draft.verticesProperties, &draft.edgesProperties}) {
+  for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
       if (!internal::isReservedKey(key)) continue;
       context.note(kReservedCode, NoteKind::kLeftOut, {}, [name = std::string(key)] {

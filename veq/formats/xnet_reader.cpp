@@ -9,7 +9,6 @@
 #include "veq/formats/internal/six_decimals.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"
-#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
@@ -234,11 +233,9 @@ class XnetReader {
       names_ = {};
     }
     if (section_ == Section::kVertexProperty) {
-      installColumn(properties_.vertices, column_.key(), column_.finish());
+      properties_.vertices.set(column_.key(), column_.finish());
     }
-    if (section_ == Section::kEdgeProperty) {
-      installColumn(properties_.edges, column_.key(), column_.finish());
-    }
+    if (section_ == Section::kEdgeProperty) properties_.edges.set(column_.key(), column_.finish());
   }
 
   std::optional<NetworkDraft> finish() {

@@ -51,6 +51,7 @@ Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
   internal::askDoubtful(core.handles().edges, edges,
                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
   NetworkDraft draft;
+  draft.carriesProperties = true;
   if (vertices.count != 0) {
     draft.properties.vertices = internal::carriedVertexProperties({&vertices, 1});
   }

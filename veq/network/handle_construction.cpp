@@ -159,6 +159,7 @@ Owned<VEQNetwork> fromHandles(GiveHandles giveHandles, bool directed, GiveWeight
     NetworkDraft draft;
     draft.vertexCount = vertices.count();
     draft.directed = directed;
+    draft.carriesProperties = true;
     giveWeights(draft);
     if (!weightsFit(draft, edges.count())) return std::nullopt;
     const HandleRuns<VEQVertex> givenVertices(vertices);
@@ -205,6 +206,7 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     NetworkDraft draft;
     draft.vertexCount = all.count();
     draft.directed = directed;
+    draft.carriesProperties = true;
     GivenWeights{verticesWeights, edgesWeights}(draft);
     if (!weightsFit(draft, from.count())) return std::nullopt;
     const HandleRuns<VEQVertex> given(all);

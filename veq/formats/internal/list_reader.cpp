@@ -87,7 +87,7 @@ std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListSh
 
 void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
   draft.vertexCount = ids.size();
-  draft.verticesProperties.set("Id", std::make_shared<VEQNumberArray>(std::move(ids)));
+  draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids)));
 }
 
 /// Ends that are to be indices as they stand.
@@ -126,7 +126,7 @@ void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
   for (std::uint64_t& index : targets) index += sizes[0] - 1;
   draft.from = std::move(sources);
   draft.to = std::move(targets);
-  draft.verticesProperties.set("Mode", modeColumn(sizes[0], draft.vertexCount));
+  draft.properties.vertices.set("Mode", modeColumn(sizes[0], draft.vertexCount));
 }
 
 /// Ends behind the given number of edges name vertices alone.
@@ -261,7 +261,7 @@ class FieldReader {
       weights_.finish(draft, context_, kRounded);
     }
     for (const TextColumn& column : columns_) {
-      if (!column.empty()) draft.edgesProperties.set(column.key(), column.finish(edges_));
+      if (!column.empty()) draft.properties.edges.set(column.key(), column.finish(edges_));
     }
     return draft;
   }
@@ -276,7 +276,7 @@ class FieldReader {
       draft.vertexCount = names.size();
       draft.from = std::move(from);
       draft.to = std::move(to);
-      draft.verticesProperties.set("Name", internal::nameColumn(names, names.size()));
+      draft.properties.vertices.set("Name", internal::nameColumn(names, names.size()));
       return;
     }
     const auto idsOf = [&](const RawVector<std::uint64_t>& ends) {

@@ -54,10 +54,10 @@ void PajekEdges::setRelations(NetworkDraft& draft) const {
     }
   }
   if (hasNumbers) {
-    draft.edgesProperties.set("Relation", std::make_shared<VEQNumberArray>(std::move(numbers)));
+    draft.properties.edges.set("Relation", std::make_shared<VEQNumberArray>(std::move(numbers)));
   }
   if (hasNames) {
-    draft.edgesProperties.set("Relation Name", std::make_shared<GenericArray>(std::move(names)));
+    draft.properties.edges.set("Relation Name", std::make_shared<GenericArray>(std::move(names)));
   }
 }
 
@@ -94,7 +94,7 @@ void PajekEdges::finish(NetworkDraft& draft, ReadContext& context, unsigned mixe
   }
   if (hasLayers_) {
     layers_.resize(count(), 0);
-    draft.edgesProperties.set("Layer", std::make_shared<VEQNumberArray>(RawVector<std::int64_t>(
+    draft.properties.edges.set("Layer", std::make_shared<VEQNumberArray>(RawVector<std::int64_t>(
                                            layers_.begin(), layers_.end())));
   }
   // Pajek writes a weight behind every line, also where none means anything.

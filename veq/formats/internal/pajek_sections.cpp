@@ -369,7 +369,7 @@ class PajekSections {
       }
       context_.noteEach(NoteKind::kTaken, read.place,
                         key + " is taken for a property of the vertices");
-      draft.verticesProperties.set(read.column.key(), read.column.finish(read.rows));
+      draft.properties.vertices.set(read.column.key(), read.column.finish(read.rows));
     }
   }
 
@@ -387,7 +387,7 @@ class PajekSections {
     edges_.finish(draft, context_, kMixed, kRounded);
     vertices_.finish(draft, context_, kVertexCodes);
     if (firstMode_) {
-      draft.verticesProperties.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
+      draft.properties.vertices.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
     }
     setColumns(draft);
     return draft;

@@ -69,7 +69,7 @@ void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned f
     for (const Name& name : names_) {
       names[name.vertex] = name.quoted ? unescaped(name.text) : std::string(name.text);
     }
-    draft.verticesProperties.set("Name", std::make_shared<GenericArray>(std::move(names)));
+    draft.properties.vertices.set("Name", std::make_shared<GenericArray>(std::move(names)));
   }
   if (positions_.empty()) return;
   if (positions_.size() < draft.vertexCount) {
@@ -86,7 +86,7 @@ void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned f
       axes[axis][position.vertex] = position.at[axis];
     }
   }
-  draft.verticesProperties.set("Position", std::move(column));
+  draft.properties.vertices.set("Position", std::move(column));
 }
 
 }  // namespace veq::internal

@@ -113,7 +113,7 @@ void WeightColumn::finish(NetworkDraft& draft, ReadContext& context, unsigned no
     if (keep) {
       RawVector<double> exact(weights_.begin(), weights_.end());
       for (const Exact& other : inexact_) exact[other.edge] = other.weight;
-      draft.edgesProperties.set("Weight", std::make_shared<VEQNumberArray>(std::move(exact)));
+      draft.properties.edges.set("Weight", std::make_shared<VEQNumberArray>(std::move(exact)));
     }
   }
   draft.edgesWeights = std::move(weights_);

@@ -1,6 +1,7 @@
 #include "veq/network/internal/network_core.hpp"
 
 #include "veq/base/internal/make_once.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq::internal {
 namespace {
@@ -19,7 +20,11 @@ NetworkCore::NetworkCore(NetworkDraft&& draft)
       edgesWeights(std::move(draft.edgesWeights)),
       properties(std::make_shared<NetworkProperties>(std::move(draft.properties))),
       vertexCapacity(store.vertexCount()),
-      edgesCapacity(store.edgeCount()) {}
+      edgesCapacity(store.edgeCount()) {
+  if (draft.carriesProperties) return;
+  installAll(properties->vertices);
+  installAll(properties->edges);
+}
 
 NetworkCore::~NetworkCore() {
   NetworkHandles* const made = handles_.load(std::memory_order_acquire);

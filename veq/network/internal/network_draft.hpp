@@ -30,9 +30,10 @@ struct NetworkDraft {
   bool directed = false;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
-  /// Taken as they are. What somebody outside has named or made goes in by installColumn(), which
-  /// knows the reserved keys and copies fixed columns.
+  /// Installed by the rules of the whole-column setters (reserved keys are dropped, null columns
+  /// ignored, fixed columns copied), unless they are those of networks and carried as they are.
   NetworkProperties properties;
+  bool carriesProperties = false;
   /// For tests of the wide form with few edges.
   std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit;
 };

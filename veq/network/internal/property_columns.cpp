@@ -80,10 +80,14 @@ void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyCo
   table.set(key, std::move(column));
 }
 
-PropertyTable installable(const PropertyTable& columns) {
-  PropertyTable result;
-  for (const auto& [key, column] : columns) installColumn(result, key, column);
-  return result;
+void installAll(PropertyTable& table) {
+  const auto isAsInstalled = [](const auto& entry) {
+    return entry.second && entry.second->isEditable() && !isReservedKey(entry.first);
+  };
+  if (std::all_of(table.begin(), table.end(), isAsInstalled)) return;
+  PropertyTable installed;
+  for (const auto& [key, column] : table) installColumn(installed, key, column);
+  table = std::move(installed);
 }
 
 Shared<PropertyColumn> newVertexColumn(const PropertyValue& first, std::uint64_t count) {

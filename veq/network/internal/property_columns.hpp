@@ -19,8 +19,8 @@ struct NetworkCore;
 /// and a column that is not editable is copied.
 void installColumn(PropertyTable& table, std::string_view key, Shared<PropertyColumn> column);
 
-/// The columns of a table that somebody outside made, as those setters would store them.
-[[nodiscard]] PropertyTable installable(const PropertyTable& columns);
+/// What those setters would make of a table that somebody outside has filled.
+void installAll(PropertyTable& table);
 
 /// A vertex column of which nothing is set. Its first value fixes its kind.
 [[nodiscard]] Shared<PropertyColumn> newVertexColumn(const PropertyValue& first,
