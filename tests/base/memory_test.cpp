@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <span>
 #include <utility>
 
 namespace veq::internal {
@@ -27,47 +28,52 @@ void leaveTraces(std::uint64_t count) {
   fill(block, 7);
 }
 
-TEST(Ground, ItsBlocksLieOneBehindTheOther) {
-  leaveTraces(9);
-  Ground<Number> ground(9);
-  const Block<Number> first = ground.block<Number>(3);
-  const Block<Number> second = ground.zeroedBlock<Number>(6);
+// Memory of an owner that is not zero, and an arena over it.
+struct OwnedArena {
+  explicit OwnedArena(std::uint64_t count) : memory(count) { fill(memory, 7); }
+
+  Block<Number> memory;
+  Arena<Number> arena{std::span(memory.data(), memory.size())};
+};
+
+TEST(Arena, ItsBlocksLieOneBehindTheOther) {
+  OwnedArena owned(9);
+  const Block<Number> first = owned.arena.block<Number>(3);
+  const Block<Number> second = owned.arena.zeroedBlock<Number>(6);
   EXPECT_EQ(first.size(), 3U);
   EXPECT_EQ(second.size(), 6U);
+  EXPECT_EQ(first.data(), owned.memory.data());
   EXPECT_EQ(second.data(), first.data() + 3);
   EXPECT_TRUE(holds(second, 0));
-  const Block<Number> memory = std::move(ground).take();
-  EXPECT_EQ(memory.size(), 9U);
-  EXPECT_EQ(memory.data(), first.data());
 }
 
-TEST(Ground, ABlockForWhichItHasNoRoomIsByItself) {
+TEST(Arena, ABlockForWhichTooLittleIsLeftIsByItself) {
   leaveTraces(5);
-  Ground<Number> ground(4);
-  const Block<Number> first = ground.block<Number>(3);
-  const Block<Number> second = ground.zeroedBlock<Number>(5);
-  const Block<Number> third = ground.block<Number>(1);
+  OwnedArena owned(4);
+  const Block<Number> first = owned.arena.block<Number>(3);
+  const Block<Number> second = owned.arena.zeroedBlock<Number>(5);
+  const Block<Number> third = owned.arena.block<Number>(1);
   EXPECT_EQ(second.size(), 5U);
   EXPECT_TRUE(holds(second, 0));
   EXPECT_EQ(third.data(), first.data() + 3);
 }
 
-TEST(Ground, WithoutUnitsGivesBlocksByThemselves) {
+TEST(Arena, WithoutMemoryGivesBlocksByThemselves) {
   Block<Number> block;
   {
-    Ground<Number> ground(0);
-    block = ground.zeroedBlock<Number>(3);
-    EXPECT_TRUE(ground.block<Number>(0).empty());
+    OwnedArena owned(0);
+    block = owned.arena.zeroedBlock<Number>(3);
+    EXPECT_TRUE(owned.arena.block<Number>(0).empty());
   }
   EXPECT_EQ(block.size(), 3U);
   EXPECT_TRUE(holds(block, 0));
 }
 
-TEST(Ground, ABlockThatIsResizedLeavesIt) {
-  Ground<Number> ground(6);
-  Block<Number> larger = ground.block<Number>(2);
-  Block<Number> smaller = ground.block<Number>(2);
-  Block<Number> neighbour = ground.block<Number>(2);
+TEST(Arena, ABlockThatIsResizedLeavesIt) {
+  OwnedArena owned(6);
+  Block<Number> larger = owned.arena.block<Number>(2);
+  Block<Number> smaller = owned.arena.block<Number>(2);
+  Block<Number> neighbour = owned.arena.block<Number>(2);
   fill(larger, 1);
   fill(smaller, 2);
   fill(neighbour, 3);
@@ -85,9 +91,9 @@ TEST(Ground, ABlockThatIsResizedLeavesIt) {
   EXPECT_TRUE(larger.empty());
 }
 
-TEST(Ground, ABlockMayBeMoved) {
-  Ground<Number> ground(2);
-  Block<Number> first = ground.block<Number>(2);
+TEST(Arena, ABlockMayBeMoved) {
+  OwnedArena owned(2);
+  Block<Number> first = owned.arena.block<Number>(2);
   fill(first, 5);
   Block<Number> second = std::move(first);
   Block<Number> third(1);
@@ -95,7 +101,7 @@ TEST(Ground, ABlockMayBeMoved) {
   EXPECT_EQ(third.size(), 2U);
   EXPECT_TRUE(holds(third, 5));
   third.reserve(2);
-  EXPECT_EQ(std::move(ground).take().data(), third.data());
+  EXPECT_EQ(owned.memory.data(), third.data());
 }
 
 }  // namespace

@@ -222,12 +222,15 @@ TEST(PajekReader, VerticesThatAreNotMentionedCountAsTheOrigin) {
 }
 
 TEST(PajekReader, LinesBeforeTheFirstPositionStoreNone) {
-  // The first line stands for vertex 2, which stays at the origin as if it were not mentioned; the
-  // last one puts vertex 1 back there.
+  // The first line stands for vertex 2, which stays at the origin as if it were not mentioned.
   EXPECT_THAT(vertexTexts(*read("*Vertices 2\n2 \"b\"\n1 4\n"), "Position"),
               ElementsAre("0.5 0 0", "-0.5 0 0"));
-  EXPECT_THAT(vertexTexts(*read("*Vertices 2\n1 4\n2 8\n1 \"a\"\n"), "Position"),
-              ElementsAre("-0.5 0 0", "0.5 0 0"));
+}
+
+// At 0, 8 and 2, for the last line puts vertex 1 there; from 4 it would come to lie at -1/6.
+TEST(PajekReader, LinesWithoutPositionBehindOneStoreTheOrigin) {
+  EXPECT_THAT(vertexTexts(*read("*Vertices 3\n1 4\n2 8\n3 2\n1 \"a\"\n"), "Position"),
+              ElementsAre("-0.5 0 0", "0.5 0 0", "-0.25 0 0"));
 }
 
 TEST(PajekReader, PositionsPassThroughFloats) {

@@ -37,10 +37,10 @@ void insert(AdjacencyStore& store, const std::string& edges) {
   store.insert(ends(DrawnEdges(edges)));
 }
 
-// The zone entries that lists have taken so far, counting the one that belongs to none.
-std::uint64_t zoneOf(const AdjacencyStore& store, Side side = Side::kOut) {
+// The pool entries that lists have taken so far, counting the one that belongs to none.
+std::uint64_t poolOf(const AdjacencyStore& store, Side side = Side::kOut) {
   return store.visit(
-      [&](const auto& topology) { return store.lists(topology, side).zoneSizeWith(0); });
+      [&](const auto& topology) { return store.lists(topology, side).poolSizeWith(0); });
 }
 
 TEST(AdjacencyStore, ListCapacitiesAreTwiceTheCountThatOutgrewTheLastOne) {
@@ -54,66 +54,66 @@ TEST(AdjacencyStore, ListCapacitiesAreTwiceTheCountThatOutgrewTheLastOne) {
 }
 
 TEST(AdjacencyStore, ConstructionPacksTheLists) {
-  EXPECT_EQ(zoneOf(storeOf(3, "", true)), 1U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1", true)), 2U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1", true)), 4U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1 0-1 0-1", true), Side::kIn), 4U);
-  EXPECT_EQ(zoneOf(storeOf(3, "0-1", false)), 3U);
-  EXPECT_EQ(zoneOf(storeOf(3, "2-2", false)), 3U);
+  EXPECT_EQ(poolOf(storeOf(3, "", true)), 1U);
+  EXPECT_EQ(poolOf(storeOf(3, "0-1", true)), 2U);
+  EXPECT_EQ(poolOf(storeOf(3, "0-1 0-1 0-1", true)), 4U);
+  EXPECT_EQ(poolOf(storeOf(3, "0-1 0-1 0-1", true), Side::kIn), 4U);
+  EXPECT_EQ(poolOf(storeOf(3, "0-1", false)), 3U);
+  EXPECT_EQ(poolOf(storeOf(3, "2-2", false)), 3U);
 }
 
-TEST(AdjacencyStore, TheFirstInsertionMovesAPackedListToRoomOfItsCapacity) {
+TEST(AdjacencyStore, TheFirstInsertionRelocatesAPackedListToASlotOfItsCapacity) {
   AdjacencyStore store = storeOf(4, "0-1 1-0 0-2 1-2 0-3", true);
-  EXPECT_EQ(zoneOf(store), 6U);
-  // Three entries and room for three more.
+  EXPECT_EQ(poolOf(store), 6U);
+  // Three entries and places for three more.
   insert(store, "0-1");
-  EXPECT_EQ(zoneOf(store), 12U);
+  EXPECT_EQ(poolOf(store), 12U);
   insert(store, "0-2");
-  EXPECT_EQ(zoneOf(store), 12U);
-  // Two entries fill their room, so that the third goes to one of 6 at once ...
+  EXPECT_EQ(poolOf(store), 12U);
+  // Two entries fill their slot, so that the third goes to one of 6 at once ...
   insert(store, "1-3");
-  EXPECT_EQ(zoneOf(store), 20U);
-  // ... and the room of 2 waits for this list.
+  EXPECT_EQ(poolOf(store), 20U);
+  // ... and the slot of 2 waits for this list.
   insert(store, "2-3");
-  EXPECT_EQ(zoneOf(store), 20U);
+  EXPECT_EQ(poolOf(store), 20U);
   EXPECT_THAT(store.edges(0, Side::kOut), ElementsAre(0, 2, 4, 5, 6));
   EXPECT_THAT(store.neighbours(0, Side::kOut), ElementsAre(1, 2, 3, 1, 2));
   EXPECT_THAT(store.edges(1, Side::kOut), ElementsAre(1, 3, 7));
   EXPECT_THAT(store.edges(2, Side::kOut), ElementsAre(8));
 }
 
-// Room for the hub is asked for once, and not for each of its new entries.
+// A slot for the hub is asked for once, and not for each of its new entries.
 TEST(AdjacencyStore, AHubGrowsByWhatIsInserted) {
   std::vector<std::uint64_t> hub(100, 0);
   const std::vector<std::uint64_t> to(100, 1);
   AdjacencyStore store = storeOf(2, hub, to, true);
-  EXPECT_EQ(zoneOf(store), 101U);
+  EXPECT_EQ(poolOf(store), 101U);
   hub.resize(40);
   store.insert({hub, {to.data(), 40}});
-  // It moves to a room of 126, and then to one of 254.
-  EXPECT_EQ(zoneOf(store), 101U + 126U + 254U);
+  // It moves to a slot of 126, and then to one of 254.
+  EXPECT_EQ(poolOf(store), 101U + 126U + 254U);
   EXPECT_EQ(store.count(0, Side::kOut), 140U);
 }
 
-TEST(AdjacencyStore, AnAbandonedRoomGoesToTheNextListOfItsSize) {
+TEST(AdjacencyStore, AnAbandonedSlotGoesToTheNextListOfItsSize) {
   AdjacencyStore store = storeOf(4, "", true);
   insert(store, "0-1");
   insert(store, "0-1");
-  EXPECT_EQ(zoneOf(store), 3U);
-  // The third entry moves the list to a room of 6 and leaves one of 2 ...
+  EXPECT_EQ(poolOf(store), 3U);
+  // The third entry moves the list to a slot of 6 and leaves one of 2 ...
   insert(store, "0-1");
-  EXPECT_EQ(zoneOf(store), 9U);
+  EXPECT_EQ(poolOf(store), 9U);
   // ... which the next list takes.
   insert(store, "1-0");
-  EXPECT_EQ(zoneOf(store), 9U);
+  EXPECT_EQ(poolOf(store), 9U);
   insert(store, "2-0");
-  EXPECT_EQ(zoneOf(store), 11U);
+  EXPECT_EQ(poolOf(store), 11U);
   EXPECT_THAT(store.edges(0, Side::kOut), ElementsAre(0, 1, 2));
   EXPECT_THAT(store.edges(1, Side::kOut), ElementsAre(3));
   EXPECT_THAT(store.edges(2, Side::kOut), ElementsAre(4));
 }
 
-TEST(AdjacencyStore, AZoneStaysWithinAFewTimesItsEntries) {
+TEST(AdjacencyStore, APoolStaysWithinAFewTimesItsEntries) {
   constexpr std::uint64_t kVertices = 64;
   AdjacencyStore store = storeOf(kVertices, "", false);
   std::uint64_t edges = 0;
@@ -123,8 +123,8 @@ TEST(AdjacencyStore, AZoneStaysWithinAFewTimesItsEntries) {
       store.insert({{&v, 1}, {&to, 1}});
       ++edges;
     }
-    // Twice for room to grow, and twice again for the rooms that lists of all sizes left behind.
-    ASSERT_LE(zoneOf(store), 4 * 2 * edges + 2 * kVertices + 1);
+    // Twice to grow into, and twice again for the slots that lists of all sizes left behind.
+    ASSERT_LE(poolOf(store), 4 * 2 * edges + 2 * kVertices + 1);
   }
 }
 
@@ -165,7 +165,7 @@ TEST(AdjacencyStore, BecomesWideWhileEdgesAreInserted) {
         ASSERT_EQ(store.edges(0, Side::kOut).back(), i + 1);
         ASSERT_EQ(store.to(i + 1), to);
         ASSERT_EQ(store.from(i + 1), 0U);
-        ASSERT_TRUE(!store.isNarrow() || zoneOf(store) <= limit);
+        ASSERT_TRUE(!store.isNarrow() || poolOf(store) <= limit);
       }
       EXPECT_TRUE(wasWide || limit == 200);
     }
@@ -235,6 +235,22 @@ TEST(AdjacencyStore, ALargeConstructionKeepsEdgeOrder) {
       EXPECT_TRUE(same);
     }
   }
+}
+
+// In a directed network the in-lists have pools of their own, which can be full before the others.
+// The hub's slots are of 2, 6, 14 and 30 places behind the one that belongs to none, 23 until the
+// fifteenth edge wants the last of them; each source has one of 2, 31 places by then.
+TEST(AdjacencyStore, InListsAloneOutgrowTheNarrowWidth) {
+  AdjacencyStore store = storeOf(31, "", true, 40);
+  std::vector<std::uint64_t> sources;
+  while (store.isNarrow() && sources.size() < 30) {
+    const std::uint64_t from = 1 + sources.size();
+    const std::uint64_t hub = 0;
+    store.insert({{&from, 1}, {&hub, 1}});
+    sources.push_back(from);
+  }
+  EXPECT_EQ(sources.size(), 15U);
+  EXPECT_EQ(store.neighbours(0, Side::kIn), sources);
 }
 
 }  // namespace

@@ -146,5 +146,41 @@ TEST(KeyedTable, AMapOfPropertiesHoldsTheNullMarkerAsAValue) {
   EXPECT_TRUE(map.find("Name")->isNull());
 }
 
+// Keys "0" to "n - 1" with their own numbers.
+KeyedTable<int> manyKeys(int n) {
+  KeyedTable<int> table;
+  for (int i = 0; i < n; ++i) table.set(std::to_string(i), i);
+  return table;
+}
+
+// A handful is searched one by one, and more of them otherwise.
+TEST(KeyedTable, FindsEachOfFewAndOfManyKeys) {
+  for (const int n : {7, 8, 9, 10, 1000}) {
+    KeyedTable<int> table = manyKeys(n);
+    table.set("3", 33);
+    const KeyedTable<int> copy = table;
+    for (int i = 0; i < n; ++i) {
+      ASSERT_NE(copy.find(std::to_string(i)), nullptr);
+      EXPECT_EQ(*copy.find(std::to_string(i)), i == 3 ? 33 : i);
+    }
+    EXPECT_EQ(copy.find(std::to_string(n)), nullptr);
+    EXPECT_EQ(copy.size(), static_cast<std::size_t>(n));
+  }
+}
+
+TEST(KeyedTable, ForgetsKeysUntilFewAreLeftAndTakesNewOnes) {
+  KeyedTable<int> table = manyKeys(12);
+  for (int i = 0; i < 6; ++i) {
+    table.remove(std::to_string(2 * i));
+    EXPECT_EQ(table.find(std::to_string(2 * i)), nullptr);
+    EXPECT_EQ(*table.find("11"), 11);
+    EXPECT_EQ(*table.find("1"), 1);
+  }
+  for (int i = 20; i < 26; ++i) table.set(std::to_string(i), i);
+  EXPECT_THAT(table.keys(),
+              ElementsAre("1", "3", "5", "7", "9", "11", "20", "21", "22", "23", "24", "25"));
+  for (const std::string& key : table.keys()) EXPECT_EQ(std::to_string(*table.find(key)), key);
+}
+
 }  // namespace
 }  // namespace veq

@@ -26,7 +26,7 @@ NetworkText::NetworkText(const NetworkCore& core, const EdgeLineStyle& style)
 std::string NetworkText::whole() {
   std::string text;
   text.reserve(expectedSize());
-  askForHugePages(text.data(), text.capacity());
+  adviseHugePages(text.data(), text.capacity());
   static_cast<void>(giveTo([&text](std::string_view piece) {
     text += piece;
     return true;

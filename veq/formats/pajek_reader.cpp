@@ -162,11 +162,17 @@ class PajekReader {
     if (!draft) return std::nullopt;
     if (weighted_) draft->edgesWeights = std::move(weights_);
     // Only now is the file known to be good, and its number of vertices worth memory.
-    if (namesSeen_) requireMemory(draft->vertexCount, sizeof(PropertyValue));
-    if (positionsSeen_) requireMemory(draft->vertexCount, sizeof(VEQVector3d));
+    if (const std::uint64_t bytes = bytesPerVertex(); bytes != 0) {
+      requireMemory(static_cast<std::uint64_t>(topology_.vertexCount()), bytes);
+    }
     if (namesSeen_) draft->properties.vertices.set("Name", names());
     if (positionsSeen_) draft->properties.vertices.set("Position", positions());
     return draft;
+  }
+
+  /// In all columns together.
+  [[nodiscard]] std::uint64_t bytesPerVertex() const {
+    return (namesSeen_ ? sizeof(PropertyValue) : 0) + (positionsSeen_ ? 3 * sizeof(double) : 0);
   }
 
   [[nodiscard]] Shared<PropertyColumn> names() const {

@@ -7,6 +7,32 @@
 #include "veq/network/network.hpp"
 
 namespace veq {
+namespace {
+
+using Side = internal::AdjacencyStore::Side;
+
+// What a network consists of, where the vertex has a list with an entry k.
+const internal::NetworkCore& coreWithEntry(const VEQNetwork& network, std::uint64_t vertex,
+                                           std::uint64_t k, Side side) {
+  const std::uint64_t length = side == Side::kOut ? network.countEdgesOfVertexAtIndex(vertex)
+                                                  : network.countInEdgesOfVertexAtIndex(vertex);
+  if (k >= length) throw std::out_of_range("The index is beyond the array of handles.");
+  return internal::CoreAccess::of(network);
+}
+
+Shared<VEQEdge> edgeIn(const VEQNetwork& network, std::uint64_t vertex, std::uint64_t k,
+                       Side side) {
+  const auto& core = coreWithEntry(network, vertex, k, side);
+  return core.handles().edges.sharedAt(core.store.edge(vertex, k, side));
+}
+
+Shared<VEQVertex> neighbourIn(const VEQNetwork& network, std::uint64_t vertex, std::uint64_t k,
+                              Side side) {
+  const auto& core = coreWithEntry(network, vertex, k, side);
+  return core.handles().vertices.sharedAt(core.store.neighbour(vertex, k, side));
+}
+
+}  // namespace
 
 VEQNetwork& VEQVertex::network() const {
   if (!isValid()) {
@@ -100,18 +126,20 @@ VEQVertexArray VEQVertex::inNeighborVertices() const {
   return network().verticesLinkedToVertexAtIndex(identification());
 }
 
-Shared<VEQEdge> VEQVertex::edgeAtIndex(std::uint64_t k) const { return edges().objectAtIndex(k); }
+Shared<VEQEdge> VEQVertex::edgeAtIndex(std::uint64_t k) const {
+  return edgeIn(network(), identification(), k, Side::kOut);
+}
 
 Shared<VEQVertex> VEQVertex::nextVertexAtIndex(std::uint64_t k) const {
-  return neighborVertices().objectAtIndex(k);
+  return neighbourIn(network(), identification(), k, Side::kOut);
 }
 
 Shared<VEQEdge> VEQVertex::inEdgeAtIndex(std::uint64_t k) const {
-  return network().edgesLinkedToVertexAtIndex(identification()).objectAtIndex(k);
+  return edgeIn(network(), identification(), k, Side::kIn);
 }
 
 Shared<VEQVertex> VEQVertex::previousVertexAtIntex(std::uint64_t k) const {
-  return inNeighborVertices().objectAtIndex(k);
+  return neighbourIn(network(), identification(), k, Side::kIn);
 }
 
 }  // namespace veq

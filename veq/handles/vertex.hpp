@@ -75,7 +75,7 @@ class VEQ_EXPORT VEQVertex final : public Handle<VEQVertex> {
   [[nodiscard]] VEQVertexArray inEdges() const;
 
   [[nodiscard]] VEQVertexArray inNeighborVertices() const;
-  /// Element k of the lists above; std::out_of_range past the end. O(degree).
+  /// Element k of the lists above; std::out_of_range past the end. O(1).
   [[nodiscard]] Shared<VEQEdge> edgeAtIndex(std::uint64_t k) const;
   [[nodiscard]] Shared<VEQVertex> nextVertexAtIndex(std::uint64_t k) const;
   [[nodiscard]] Shared<VEQEdge> inEdgeAtIndex(std::uint64_t k) const;

@@ -106,7 +106,7 @@ NetworkDraft grow(std::uint64_t initialVertices, std::uint64_t degreeGrowth,
     for (const std::uint64_t end = edge + degreeGrowth; edge < end;) {
       const double share = shares.next(edges - edge);
       // The pool will have grown when that share's turn comes, which moves its choice a little.
-      __builtin_prefetch(&pool[choose(count - 1, shares.ahead())]);
+      prefetch(&pool[choose(count - 1, shares.ahead())]);
       const Index target = pool[choose(count - 1, share)];
       if (!targets.insert(v, target)) continue;
       from[edge] = v;

@@ -18,6 +18,7 @@
 #include "veq/natural/build_options.hpp"
 #include "veq/natural/change_options.hpp"
 #include "veq/natural/spans.hpp"
+#include "veq/natural/topology_view.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {
@@ -239,6 +240,9 @@ class VEQ_EXPORT Network {
   [[nodiscard]] static Result<UnitedNetwork> united(std::span<const Network> networks,
                                                     const UnionOptions& options = {});
   /// @}
+
+  /// The vertices and edges in bulk, as they are now. O(1).
+  [[nodiscard]] TopologyView topology() const;
 
  private:
   Shared<VEQNetwork> published_;

@@ -48,8 +48,8 @@ class KeyedTable {
   /// The value under the key, or null. It stays where it is until the table changes.
   [[nodiscard]] const Value* find(std::string_view key) const {
     if (!contents_) return nullptr;
-    const auto at = contents_->positions.find(key);
-    return at == contents_->positions.end() ? nullptr : &contents_->entries[at->second].second;
+    const std::size_t at = contents_->find(key);
+    return at == size() ? nullptr : &contents_->entries[at].second;
   }
   /// Whether anything stands under the key.
   [[nodiscard]] bool contains(std::string_view key) const { return find(key) != nullptr; }
@@ -57,30 +57,17 @@ class KeyedTable {
   /// Stores the value under the key; a key that is already there keeps its place.
   void set(std::string_view key, Value value) {
     if (!contents_) contents_ = std::make_unique<Contents>();
-    auto& [entries, positions] = *contents_;
-    if (const auto at = positions.find(key); at != positions.end()) {
-      entries[at->second].second = std::move(value);
-      return;
-    }
-    entries.emplace_back(std::string(key), std::move(value));
-    try {
-      positions.emplace(key, entries.size() - 1);
-    } catch (...) {
-      entries.pop_back();
-      throw;
+    if (const std::size_t at = contents_->find(key); at != size()) {
+      contents_->entries[at].second = std::move(value);
+    } else {
+      contents_->append(key, std::move(value));
     }
   }
 
   /// Forgets the key, if it is there. O(keys).
   void remove(std::string_view key) {
     if (!contents_) return;
-    auto& [entries, positions] = *contents_;
-    const auto at = positions.find(key);
-    if (at == positions.end()) return;
-    const std::size_t removed = at->second;
-    entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(removed));
-    positions.erase(at);
-    for (auto& [name, position] : positions) position -= position > removed;
+    if (const std::size_t at = contents_->find(key); at != size()) contents_->erase(at);
   }
 
   /// In the order of their first setting.
@@ -100,9 +87,47 @@ class KeyedTable {
   };
 
   struct Contents {
+    // The number of entries where there is no such key.
+    [[nodiscard]] std::size_t find(std::string_view key) const {
+      if (entries.size() > kHandful) {
+        const auto at = positions.find(key);
+        return at == positions.end() ? entries.size() : at->second;
+      }
+      std::size_t at = 0;
+      while (at < entries.size() && entries[at].first != key) ++at;
+      return at;
+    }
+
+    void append(std::string_view key, Value value) {
+      entries.emplace_back(std::string(key), std::move(value));
+      if (entries.size() <= kHandful) return;
+      try {
+        for (std::size_t at = positions.size(); at < entries.size(); ++at) {
+          positions.emplace(entries[at].first, at);
+        }
+      } catch (...) {
+        if (positions.size() < entries.size() - 1) positions.clear();
+        entries.pop_back();
+        throw;
+      }
+    }
+
+    void erase(std::size_t removed) noexcept {
+      if (entries.size() - 1 > kHandful) {
+        positions.erase(positions.find(entries[removed].first));
+        for (auto& [key, position] : positions) position -= position > removed;
+      } else {
+        positions.clear();
+      }
+      entries.erase(entries.begin() + static_cast<std::ptrdiff_t>(removed));
+    }
+
     std::vector<Entry> entries;
+    // Of all entries where these are more than a handful; a search through fewer is faster.
     std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> positions;
   };
+
+  static constexpr std::size_t kHandful = 8;
 
   // Made by the first key: networks have two tables each, and there may be very many that are
   // empty.

@@ -38,7 +38,7 @@ struct UninitialisedAllocator : std::allocator<T> {
   UninitialisedAllocator(const UninitialisedAllocator<U>&) noexcept {}
   [[nodiscard]] T* allocate(std::size_t count) {
     T* block = std::allocator<T>::allocate(count);
-    askForHugePages(block, count * sizeof(T));
+    adviseHugePages(block, count * sizeof(T));
     return block;
   }
   template <class U>

@@ -1,6 +1,5 @@
 #include "veq/numeric/vector_arrays.hpp"
 
-#include <array>
 #include <stdexcept>
 
 #include "veq/base/internal/number_text.hpp"
@@ -10,18 +9,25 @@
 namespace veq {
 namespace {
 
-template <std::size_t kDimensions>
-std::string textOf(const std::array<std::span<const double>, kDimensions>& components,
-                   std::string_view vectorSeparator, std::string_view elementsSeparator) {
-  std::string result;
-  for (std::size_t index = 0; index < components[0].size(); ++index) {
-    if (index > 0) result += vectorSeparator;
-    for (std::size_t axis = 0; axis < kDimensions; ++axis) {
-      if (axis > 0) result += elementsSeparator;
-      internal::appendShortest(result, components[axis][index]);
-    }
+std::array<double, 2> componentsOf(const VEQVector2d& vector) { return {vector.x(), vector.y()}; }
+std::array<double, 3> componentsOf(const VEQVector3d& vector) {
+  return {vector.x(), vector.y(), vector.z()};
+}
+
+VEQVector2d vectorOf(const std::array<double, 2>& components, Precision precision) {
+  return {components[0], components[1], precision};
+}
+VEQVector3d vectorOf(const std::array<double, 3>& components, Precision precision) {
+  return {components[0], components[1], components[2], precision};
+}
+
+template <std::size_t kAxes>
+auto vectorIn(const PropertyValue& value) {
+  if constexpr (kAxes == 2) {
+    return value.vector2d();
+  } else {
+    return value.vector3d();
   }
-  return result;
 }
 
 /// Up to three components; missing ones are 0.
@@ -44,86 +50,110 @@ bool isBlank(std::string_view text) {
 
 }  // namespace
 
-Owned<VEQVector2dArray> VEQVector2dArray::initWithSize_precision(std::uint64_t count,
-                                                                 Precision precision) {
-  auto result = std::make_unique<VEQVector2dArray>();
-  result->precision_ = precision;
-  result->doAppendUnset(count);
+template <std::size_t kAxes>
+auto VectorArray<kAxes>::initWithSize_precision(std::uint64_t count, Precision precision)
+    -> Owned<Array> {
+  auto result = std::make_unique<Array>();
+  VectorArray& made = *result;
+  made.precision_ = precision;
+  made.doAppendUnset(count);
   return result;
 }
 
-void VEQVector2dArray::setVector_atIndex(const VEQVector2d& vector, std::uint64_t index) {
+template <std::size_t kAxes>
+void VectorArray<kAxes>::setVector_atIndex(const Vector& vector, std::uint64_t index) {
   requireEditable();
   requireIndex(index);
-  x_[index] = vector.x();
-  y_[index] = vector.y();
+  const auto components = componentsOf(vector);
+  for (std::size_t axis = 0; axis < kAxes; ++axis) axes_[axis][index] = components[axis];
 }
 
-VEQVector2d VEQVector2dArray::vectorAtIndex(std::uint64_t index) const {
+template <std::size_t kAxes>
+auto VectorArray<kAxes>::vectorAtIndex(std::uint64_t index) const -> Vector {
   requireIndex(index);
-  return {x_[index], y_[index], precision_};
+  std::array<double, kAxes> components;
+  for (std::size_t axis = 0; axis < kAxes; ++axis) components[axis] = axes_[axis][index];
+  return vectorOf(components, precision_);
 }
 
-std::string VEQVector2dArray::stringValueWithVectorSeparator_elementsSeparator(
+template <std::size_t kAxes>
+std::string VectorArray<kAxes>::stringValueWithVectorSeparator_elementsSeparator(
     std::string_view vectorSeparator, std::string_view elementsSeparator) const {
-  return textOf<2>({x_, y_}, vectorSeparator, elementsSeparator);
-}
-
-Owned<VEQVector2dArray> VEQVector2dArray::subarrayWithIndices(const VEQNumberArray& indices) const {
-  auto result = std::make_unique<VEQVector2dArray>();
-  result->x_ = internal::gather(x_, indices);
-  result->y_ = internal::gather(y_, indices);
-  result->precision_ = precision_;
+  std::string result;
+  for (std::size_t index = 0; index < axes_[0].size(); ++index) {
+    if (index > 0) result += vectorSeparator;
+    for (std::size_t axis = 0; axis < kAxes; ++axis) {
+      if (axis > 0) result += elementsSeparator;
+      internal::appendShortest(result, axes_[axis][index]);
+    }
+  }
   return result;
 }
 
-Owned<VEQVector2dArray> VEQVector2dArray::editableCopy() const {
-  return std::make_unique<VEQVector2dArray>(*this);
-}
-
-Owned<VEQVector2dArray> VEQVector2dArray::fixedCopy() const {
-  return internal::ownedAs<VEQVector2dArray>(PropertyColumn::fixedCopy());
-}
-
-PropertyValue VEQVector2dArray::doGet(std::uint64_t index) const { return vectorAtIndex(index); }
-
-void VEQVector2dArray::doSet(std::uint64_t index, PropertyValue&& value) {
-  const VEQVector2d* const vector = value.vector2d();
-  if (!vector && !value.isNull()) {
-    throw std::invalid_argument("A 2D vector array holds 2D vectors only.");
+template <std::size_t kAxes>
+auto VectorArray<kAxes>::subarrayWithIndices(const VEQNumberArray& indices) const -> Owned<Array> {
+  auto result = std::make_unique<Array>();
+  VectorArray& made = *result;
+  for (std::size_t axis = 0; axis < kAxes; ++axis) {
+    made.axes_[axis] = internal::gather(axes_[axis], indices);
   }
-  setVector_atIndex(vector ? *vector : VEQVector2d(), index);
+  made.precision_ = precision_;
+  return result;
 }
 
-void VEQVector2dArray::doReserve(std::uint64_t howManyMore) {
-  internal::reserveMore(x_, howManyMore);
-  internal::reserveMore(y_, howManyMore);
+template <std::size_t kAxes>
+auto VectorArray<kAxes>::editableCopy() const -> Owned<Array> {
+  return std::make_unique<Array>(static_cast<const Array&>(*this));
 }
 
-void VEQVector2dArray::doAppendUnset(std::uint64_t howMany) {
+template <std::size_t kAxes>
+auto VectorArray<kAxes>::fixedCopy() const -> Owned<Array> {
+  return internal::ownedAs<Array>(PropertyColumn::fixedCopy());
+}
+
+template <std::size_t kAxes>
+PropertyValue VectorArray<kAxes>::doGet(std::uint64_t index) const {
+  return vectorAtIndex(index);
+}
+
+template <std::size_t kAxes>
+void VectorArray<kAxes>::doSet(std::uint64_t index, PropertyValue&& value) {
+  const Vector* const vector = vectorIn<kAxes>(value);
+  if (!vector && !value.isNull()) {
+    throw std::invalid_argument(kAxes == 2 ? "A 2D vector array holds 2D vectors only."
+                                           : "A 3D vector array holds 3D vectors only.");
+  }
+  setVector_atIndex(vector ? *vector : Vector(), index);
+}
+
+template <std::size_t kAxes>
+void VectorArray<kAxes>::doReserve(std::uint64_t howManyMore) {
+  for (auto& axis : axes_) internal::reserveMore(axis, howManyMore);
+}
+
+template <std::size_t kAxes>
+void VectorArray<kAxes>::doAppendUnset(std::uint64_t howMany) {
   doReserve(howMany);
-  internal::appendUnsetTo(x_, howMany);
-  internal::appendUnsetTo(y_, howMany);
+  for (auto& axis : axes_) internal::appendUnsetTo(axis, howMany);
 }
 
-void VEQVector2dArray::doTruncate(std::uint64_t count) {
-  x_.resize(count);
-  y_.resize(count);
+template <std::size_t kAxes>
+void VectorArray<kAxes>::doTruncate(std::uint64_t count) {
+  for (auto& axis : axes_) axis.resize(count);
 }
 
-Owned<PropertyColumn> VEQVector2dArray::doSubarray(const VEQNumberArray& indices) const {
+template <std::size_t kAxes>
+Owned<PropertyColumn> VectorArray<kAxes>::doSubarray(const VEQNumberArray& indices) const {
   return subarrayWithIndices(indices);
 }
 
-Owned<PropertyColumn> VEQVector2dArray::doCopy() const { return editableCopy(); }
-
-Owned<VEQVector3dArray> VEQVector3dArray::initWithSize_precision(std::uint64_t count,
-                                                                 Precision precision) {
-  auto result = std::make_unique<VEQVector3dArray>();
-  result->precision_ = precision;
-  result->doAppendUnset(count);
-  return result;
+template <std::size_t kAxes>
+Owned<PropertyColumn> VectorArray<kAxes>::doCopy() const {
+  return editableCopy();
 }
+
+template class VectorArray<2>;
+template class VectorArray<3>;
 
 Owned<VEQVector3dArray> VEQVector3dArray::initWithString(std::string_view text) {
   auto result = std::make_unique<VEQVector3dArray>();
@@ -134,9 +164,9 @@ Owned<VEQVector3dArray> VEQVector3dArray::initWithString(std::string_view text) 
     if (more) text.remove_prefix(end + 1);
     if (!more && isBlank(piece)) break;
     const VEQVector3d vector = readVector(piece);
-    result->x_.push_back(vector.x());
-    result->y_.push_back(vector.y());
-    result->z_.push_back(vector.z());
+    result->axes_[0].push_back(vector.x());
+    result->axes_[1].push_back(vector.y());
+    result->axes_[2].push_back(vector.z());
   }
   return result;
 }
@@ -155,80 +185,10 @@ Owned<VEQVector3dArray> VEQVector3dArray::initWithXd_Yd_Zd_count(const double* x
                                                                  std::uint64_t count) {
   const std::size_t size = internal::sizeOf<double>(count);
   auto result = std::make_unique<VEQVector3dArray>();
-  result->x_.assign(x, x + size);
-  result->y_.assign(y, y + size);
-  result->z_.assign(z, z + size);
+  result->axes_[0].assign(x, x + size);
+  result->axes_[1].assign(y, y + size);
+  result->axes_[2].assign(z, z + size);
   return result;
 }
-
-void VEQVector3dArray::setVector_atIndex(const VEQVector3d& vector, std::uint64_t index) {
-  requireEditable();
-  requireIndex(index);
-  x_[index] = vector.x();
-  y_[index] = vector.y();
-  z_[index] = vector.z();
-}
-
-VEQVector3d VEQVector3dArray::vectorAtIndex(std::uint64_t index) const {
-  requireIndex(index);
-  return {x_[index], y_[index], z_[index], precision_};
-}
-
-std::string VEQVector3dArray::stringValueWithVectorSeparator_elementsSeparator(
-    std::string_view vectorSeparator, std::string_view elementsSeparator) const {
-  return textOf<3>({x_, y_, z_}, vectorSeparator, elementsSeparator);
-}
-
-Owned<VEQVector3dArray> VEQVector3dArray::subarrayWithIndices(const VEQNumberArray& indices) const {
-  auto result = std::make_unique<VEQVector3dArray>();
-  result->x_ = internal::gather(x_, indices);
-  result->y_ = internal::gather(y_, indices);
-  result->z_ = internal::gather(z_, indices);
-  result->precision_ = precision_;
-  return result;
-}
-
-Owned<VEQVector3dArray> VEQVector3dArray::editableCopy() const {
-  return std::make_unique<VEQVector3dArray>(*this);
-}
-
-Owned<VEQVector3dArray> VEQVector3dArray::fixedCopy() const {
-  return internal::ownedAs<VEQVector3dArray>(PropertyColumn::fixedCopy());
-}
-
-PropertyValue VEQVector3dArray::doGet(std::uint64_t index) const { return vectorAtIndex(index); }
-
-void VEQVector3dArray::doSet(std::uint64_t index, PropertyValue&& value) {
-  const VEQVector3d* const vector = value.vector3d();
-  if (!vector && !value.isNull()) {
-    throw std::invalid_argument("A 3D vector array holds 3D vectors only.");
-  }
-  setVector_atIndex(vector ? *vector : VEQVector3d(), index);
-}
-
-void VEQVector3dArray::doReserve(std::uint64_t howManyMore) {
-  internal::reserveMore(x_, howManyMore);
-  internal::reserveMore(y_, howManyMore);
-  internal::reserveMore(z_, howManyMore);
-}
-
-void VEQVector3dArray::doAppendUnset(std::uint64_t howMany) {
-  doReserve(howMany);
-  internal::appendUnsetTo(x_, howMany);
-  internal::appendUnsetTo(y_, howMany);
-  internal::appendUnsetTo(z_, howMany);
-}
-
-void VEQVector3dArray::doTruncate(std::uint64_t count) {
-  x_.resize(count);
-  y_.resize(count);
-  z_.resize(count);
-}
-
-Owned<PropertyColumn> VEQVector3dArray::doSubarray(const VEQNumberArray& indices) const {
-  return subarrayWithIndices(indices);
-}
-
-Owned<PropertyColumn> VEQVector3dArray::doCopy() const { return editableCopy(); }
 
 }  // namespace veq

@@ -115,8 +115,8 @@ class DynamicMover {
   void fetchAhead(const Word* positions, std::uint64_t agent) const {
     constexpr std::uint64_t kAgentsAhead = 4;
     if (agent + 2 * kAgentsAhead >= agents_) return;
-    lists_.fetchRow(positions[agent + 2 * kAgentsAhead]);
-    lists_.fetchNeighbours(positions[agent + kAgentsAhead]);
+    lists_.prefetchRow(positions[agent + 2 * kAgentsAhead]);
+    lists_.prefetchNeighbours(positions[agent + kAgentsAhead]);
   }
 
   // The period is found by comparing with states that lie twice as far apart each time (Brent's

@@ -20,7 +20,7 @@ class PlainMover {
   static constexpr bool kCanRewind = true;
 
   PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps)
-      : rows_(lists.rows()), neighbours_(lists.neighbourZone()), agents_(agents) {
+      : rows_(lists.rows()), neighbours_(lists.neighbourPool()), agents_(agents) {
     draws_.resize(std::min(agents, kMovesPerTile) * std::min(steps, stepsPerTile(agents)));
   }
 

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include "veq/base/internal/memory_limit.hpp"
+
 #if defined(__linux__)
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,29 +15,15 @@
 namespace veq::internal {
 namespace {
 
-// From here on a block holds a huge page wherever it lies, and asking for them pays.
+// From here on a block holds a huge page wherever it lies, and advising them pays.
 constexpr std::uint64_t kLarge = std::uint64_t{4} << 20;
 
 // No object is larger, whatever the allocator would say.
 constexpr std::uint64_t kLargest = PTRDIFF_MAX;
 
-/// Of this machine in bytes, as far as one object can use it.
-std::uint64_t physicalMemory() {
-#if defined(_SC_PHYS_PAGES) && defined(_SC_PAGESIZE)
-  const long pages = sysconf(_SC_PHYS_PAGES);
-  const long pageSize = sysconf(_SC_PAGESIZE);
-  if (pages > 0 && pageSize > 0) {
-    const std::uint64_t all =
-        static_cast<std::uint64_t>(pages) * static_cast<std::uint64_t>(pageSize);
-    return std::min(all, kLargest);
-  }
-#endif
-  return kLargest;
-}
-
 }  // namespace
 
-void askForHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
+void adviseHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_t bytes) {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   if (bytes < kLarge) return;
   static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
@@ -50,8 +38,7 @@ void askForHugePages([[maybe_unused]] void* block, [[maybe_unused]] std::uint64_
 }
 
 void requireMemory(std::uint64_t count, std::uint64_t elementSize) {
-  static const std::uint64_t available = physicalMemory();
-  if (count > available / elementSize) throw std::bad_alloc();
+  if (count > memoryLimit() / elementSize) throw std::bad_alloc();
 }
 
 void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize) {
@@ -59,7 +46,7 @@ void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize) {
   if (count > kLargest / elementSize) throw std::bad_alloc();
   void* block = std::calloc(static_cast<std::size_t>(count), static_cast<std::size_t>(elementSize));
   if (!block) throw std::bad_alloc();
-  askForHugePages(block, count * elementSize);
+  adviseHugePages(block, count * elementSize);
   return block;
 }
 
@@ -72,7 +59,7 @@ void* reallocate(void* block, std::uint64_t count, std::uint64_t elementSize) {
   }
   void* moved = std::realloc(block, bytes);
   if (!moved) throw std::bad_alloc();
-  askForHugePages(moved, bytes);
+  adviseHugePages(moved, bytes);
   return moved;
 }
 

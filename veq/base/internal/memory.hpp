@@ -15,12 +15,13 @@
 
 namespace veq::internal {
 
-/// Asks that a block which is about to be written lie in huge pages, where it is large: its pages
-/// appear several times faster then, and cost fewer misses when it is read in no order.
-VEQ_EXPORT void askForHugePages(void* block, std::uint64_t bytes);
+/// Advises the system to put a block which is about to be written into huge pages, where it is
+/// large: its pages appear several times faster then, and cost fewer misses when it is read in no
+/// order.
+VEQ_EXPORT void adviseHugePages(void* block, std::uint64_t bytes);
 
 /// Zero-filled memory; where it is large, pages that nobody touches cost address space only, and
-/// huge pages are asked for. Null for 0 bytes; std::bad_alloc where it cannot be had.
+/// huge pages are advised. Null for 0 bytes; std::bad_alloc where it cannot be had.
 [[nodiscard]] VEQ_EXPORT void* allocateZeroed(std::uint64_t count, std::uint64_t elementSize);
 
 /// Resizes memory of allocateZeroed, keeping what fits; new bytes hold anything. std::bad_alloc
@@ -29,8 +30,12 @@ VEQ_EXPORT void askForHugePages(void* block, std::uint64_t bytes);
 
 VEQ_EXPORT void release(void* block) noexcept;
 
-/// std::bad_alloc where the elements exceed the memory that this machine has, which an allocator
-/// may promise all the same: for sizes that nothing but a number in a text stands for.
+/// Has the processor fetch what will be read, or written, soon.
+inline void prefetch(const void* address) { __builtin_prefetch(address); }
+inline void prefetchForWriting(const void* address) { __builtin_prefetch(address, 1); }
+
+/// std::bad_alloc where the elements exceed the memory that there is (memoryLimit()), although an
+/// allocator may promise it: for sizes that nothing but a number in a text stands for.
 void requireMemory(std::uint64_t count, std::uint64_t elementSize);
 
 /// A block of elements for which all bytes zero is a value.
@@ -43,6 +48,13 @@ class Block {
   /// Zero-filled.
   explicit Block(std::uint64_t count)
       : data_(static_cast<T*>(allocateZeroed(count, sizeof(T)))), extent_(count) {}
+  /// Elements in memory that outlives the block, of an arena or of somebody who only lets it read.
+  [[nodiscard]] static Block borrowed(T* data, std::uint64_t count) {
+    Block block;
+    block.data_ = data;
+    block.extent_ = count | kBorrowed;
+    return block;
+  }
   Block(Block&& other) noexcept
       : data_(std::exchange(other.data_, nullptr)), extent_(std::exchange(other.extent_, 0)) {}
   Block& operator=(Block&& other) noexcept {
@@ -51,21 +63,21 @@ class Block {
     return *this;
   }
   ~Block() {
-    if (!isLent()) release(data_);
+    if (!isBorrowed()) release(data_);
   }
 
   [[nodiscard]] T* data() { return data_; }
   [[nodiscard]] const T* data() const { return data_; }
-  [[nodiscard]] std::uint64_t size() const { return extent_ & ~kLent; }
+  [[nodiscard]] std::uint64_t size() const { return extent_ & ~kBorrowed; }
   [[nodiscard]] bool empty() const { return size() == 0; }
   [[nodiscard]] T& operator[](std::uint64_t index) { return data_[index]; }
   [[nodiscard]] const T& operator[](std::uint64_t index) const { return data_[index]; }
 
   /// New elements hold anything. std::bad_alloc leaves the block as it was.
   void resize(std::uint64_t count) {
-    T* const own = isLent() ? nullptr : data_;
+    T* const own = isBorrowed() ? nullptr : data_;
     T* const resized = static_cast<T*>(reallocate(own, count, sizeof(T)));
-    if (isLent()) std::copy_n(data_, std::min(size(), count), resized);
+    if (isBorrowed()) std::copy_n(data_, std::min(size(), count), resized);
     data_ = resized;
     extent_ = count;
   }
@@ -77,25 +89,24 @@ class Block {
 
  private:
   template <class Unit>
-  friend class Ground;
+  friend class Arena;
 
-  // Set in the extent of a block that lies in a ground. No block has so many elements.
-  static constexpr std::uint64_t kLent = std::uint64_t{1} << 63;
+  // Set in the extent of a block whose memory is another's. No block has so many elements.
+  static constexpr std::uint64_t kBorrowed = std::uint64_t{1} << 63;
 
-  [[nodiscard]] bool isLent() const { return (extent_ & kLent) != 0; }
+  [[nodiscard]] bool isBorrowed() const { return (extent_ & kBorrowed) != 0; }
 
   T* data_ = nullptr;
-  std::uint64_t extent_ = 0;  // The number of elements, and kLent.
+  std::uint64_t extent_ = 0;  // The number of elements, and kBorrowed.
 };
 
-/// Carves several blocks from one, which must outlive them: where small things are made in great
-/// numbers, most of the time would go into asking for each block. A block that is resized leaves
-/// the ground.
+/// Carves several blocks from the memory of somebody who outlives them: where small things are made
+/// in great numbers, most of the time would go into asking for each block. A block for which it has
+/// too little left is by itself, and one that is resized leaves the arena.
 template <class Unit>
-class Ground {
+class Arena {
  public:
-  /// Lays out as many units as all blocks will take, or none, and then each is by itself.
-  explicit Ground(std::uint64_t units) { memory_.resize(units); }
+  explicit Arena(std::span<Unit> memory) : left_(memory) {}
 
   /// Holds anything.
   template <class T>
@@ -112,22 +123,17 @@ class Ground {
     return result;
   }
 
-  [[nodiscard]] Block<Unit> take() && { return std::move(memory_); }
-
  private:
   template <class T>
   bool lend(Block<T>& block, std::uint64_t count) {
-    static_assert(alignof(T) == alignof(Unit));
-    const std::uint64_t left = memory_.size() * sizeof(Unit) - usedBytes_;
-    if (count == 0 || count > left / sizeof(T)) return false;
-    block.data_ = reinterpret_cast<T*>(reinterpret_cast<std::byte*>(memory_.data()) + usedBytes_);
-    block.extent_ = count | Block<T>::kLent;
-    usedBytes_ += count * sizeof(T);
+    static_assert(alignof(T) == alignof(Unit) && sizeof(T) % sizeof(Unit) == 0);
+    if (count == 0 || count > left_.size_bytes() / sizeof(T)) return false;
+    block = Block<T>::borrowed(reinterpret_cast<T*>(left_.data()), count);
+    left_ = left_.subspan(count * (sizeof(T) / sizeof(Unit)));
     return true;
   }
 
-  Block<Unit> memory_;
-  std::uint64_t usedBytes_ = 0;
+  std::span<Unit> left_;
 };
 
 }  // namespace veq::internal

@@ -50,7 +50,7 @@ bool NameTable::holds(const Slot& slot, const Hashed& name) {
 
 void NameTable::prefetch(const Hashed& name) const {
 #if defined(__GNUC__)
-  __builtin_prefetch(&slots_[name.hash & (slots_.size() - 1)]);
+  internal::prefetch(&slots_[name.hash & (slots_.size() - 1)]);
 #endif
 }
 

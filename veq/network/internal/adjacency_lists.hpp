@@ -1,13 +1,16 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <utility>
 
+#include "veq/base/internal/make_once.hpp"
 #include "veq/base/internal/memory.hpp"
+#include "veq/network/adjacency_rows.hpp"
 
 namespace veq::internal {
 
@@ -18,79 +21,90 @@ struct Entry {
   Index edge;
 };
 
-/// Where a vertex's list lies: its first entry's place in both zones, and its length. A list that
-/// has never held an entry starts at 0, where no list is.
 template <class Index>
-struct Row {
-  Index start;
-  Index count;
-};
+using Row = AdjacencyRow<Index>;
 
-/// The room that a list of this length has where it may grow: 0, 2, 6, 14, 30, ..., for it was last
+/// The capacity of a list of this length where it may grow: 0, 2, 6, 14, 30, ..., for it was last
 /// doubled when an entry no longer fitted, to twice the length of then.
 [[nodiscard]] constexpr std::uint64_t listCapacity(std::uint64_t count) {
   return count == 0 ? 0 : std::bit_ceil(count + 2) - 2;
 }
 
-/// The lists of one direction: the neighbours of all lists in one zone of memory, and the edges in
-/// another at the same places, so that walks and searches, which ask for no edges, find twice as
-/// many neighbours in the caches.
+/// The lists of one direction: a row for each vertex over two pools, one of the neighbours of all
+/// lists, and another of their edges at the same places, so that walks and searches, which ask for
+/// no edges, find twice as many neighbours in the caches.
 ///
-/// Construction packs the lists. The first insertion into one moves it to the zones' end, where it
-/// has room to grow; a list that outgrows its room moves there again, and leaves the room to the
-/// next list that needs one of that size.
+/// Construction packs the lists. The first insertion into one relocates it to the pools' end, into
+/// a slot of its capacity; a list that outgrows its slot is relocated again, and leaves the slot to
+/// the next list that needs one of that size.
 template <class Index>
 class AdjacencyLists {
  public:
+  AdjacencyLists() = default;
+  AdjacencyLists(const AdjacencyLists&) = delete;
+  AdjacencyLists& operator=(const AdjacencyLists&) = delete;
+  ~AdjacencyLists() { dropPacked(); }
+
+  [[nodiscard]] AdjacencyRows<Index> view() const {
+    return {rows_.data(), neighbours_.data(), edges_.data()};
+  }
   [[nodiscard]] const Row<Index>* rows() const { return rows_.data(); }
-  [[nodiscard]] const Index* neighbourZone() const { return neighbours_.data(); }
+  [[nodiscard]] const Index* neighbourPool() const { return neighbours_.data(); }
   [[nodiscard]] std::uint64_t count(std::uint64_t vertex) const { return rows_[vertex].count; }
-  /// The two columns of a list.
   [[nodiscard]] std::span<const Index> neighbours(std::uint64_t vertex) const {
-    return {neighbours_.data() + rows_[vertex].start,
-            static_cast<std::size_t>(rows_[vertex].count)};
+    return view().neighbours(vertex);
   }
   [[nodiscard]] std::span<const Index> edges(std::uint64_t vertex) const {
-    return {edges_.data() + rows_[vertex].start, static_cast<std::size_t>(rows_[vertex].count)};
+    return view().edges(vertex);
   }
 
-  /// Fetch ahead what will be read: a row, and once that is there, its neighbours.
-  void fetchRow(std::uint64_t vertex) const { __builtin_prefetch(rows_.data() + vertex); }
-  void fetchNeighbours(std::uint64_t vertex) const {
-    __builtin_prefetch(neighbours_.data() + rows_[vertex].start);
+  /// What will be read soon: a row, and once that is there, its neighbours.
+  void prefetchRow(std::uint64_t vertex) const { prefetch(rows_.data() + vertex); }
+  void prefetchNeighbours(std::uint64_t vertex) const {
+    prefetch(neighbours_.data() + rows_[vertex].start);
   }
+
+  /// Made by the first call, O(n + m), safely for concurrent callers, and kept until dropPacked().
+  [[nodiscard]] PackedRows<Index> packed() const {
+    const Packed& made = *makeOnce(
+        packed_, [this] { return new Packed(*this); }, [](Packed* unused) { delete unused; });
+    return {{made.offsets.data(), made.offsets.size()},
+            {made.neighbours.data(), made.neighbours.size()},
+            {made.edges.data(), made.edges.size()}};
+  }
+  void dropPacked() { delete packed_.exchange(nullptr, std::memory_order_relaxed); }
 
   /// \name Appending
-  /// First all lists that will grow are loosened. Nothing can fail after reserve() with the sum of
-  /// what announceMore() gave for all entries.
+  /// First all packed lists that will grow are relocated. Nothing can fail after reserve() with the
+  /// sum of what announceMore() gave for all entries.
   /// @{
-  /// The places in the zones that a list needs which construction packed; none for others.
-  [[nodiscard]] std::uint64_t roomToLoosen(std::uint64_t vertex) const {
+  /// The places in the pools that a list needs which construction packed; none for others.
+  [[nodiscard]] std::uint64_t slotForPacked(std::uint64_t vertex) const {
     return rows_[vertex].start < packedSize() ? listCapacity(rows_[vertex].count) : 0;
   }
-  /// Moves a packed list to where it has that room.
-  void loosen(std::uint64_t vertex, std::uint64_t room) {
-    reserve(room);
-    move(rows_[vertex], room);
+  /// Moves a packed list to such a slot.
+  void relocate(std::uint64_t vertex, std::uint64_t slot) {
+    reserve(slot);
+    move(rows_[vertex], slot);
   }
-  /// The places in the zones that one more entry needs at most; announces it, and must be taken
+  /// The places in the pools that one more entry needs at most; announces it, and must be taken
   /// back.
   [[nodiscard]] std::uint64_t announceMore(std::uint64_t vertex) {
     // Where the list will be written to, or read to be moved.
-    __builtin_prefetch(neighbours_.data() + rows_[vertex].start, 1);
-    __builtin_prefetch(edges_.data() + rows_[vertex].start, 1);
+    prefetchForWriting(neighbours_.data() + rows_[vertex].start);
+    prefetchForWriting(edges_.data() + rows_[vertex].start);
     const std::uint64_t before = rows_[vertex].count++;
     const std::uint64_t needed = listCapacity(before + 1);
     return needed == listCapacity(before) ? 0 : needed;
   }
   void takeBack(std::uint64_t vertex) { --rows_[vertex].count; }
-  [[nodiscard]] std::uint64_t zoneSizeWith(std::uint64_t moreEntries) const {
+  [[nodiscard]] std::uint64_t poolSizeWith(std::uint64_t moreEntries) const {
     return (growth_ ? growth_->used : packedSize()) + moreEntries;
   }
   void reserve(std::uint64_t moreEntries) {
     if (!growth_) growth_ = std::make_unique<Growth>(packedSize());
-    neighbours_.reserve(zoneSizeWith(moreEntries));
-    edges_.reserve(zoneSizeWith(moreEntries));
+    neighbours_.reserve(poolSizeWith(moreEntries));
+    edges_.reserve(poolSizeWith(moreEntries));
   }
   void append(std::uint64_t vertex, Entry<Index> entry) noexcept {
     Row<Index>& row = rows_[vertex];
@@ -112,7 +126,29 @@ class AdjacencyLists {
 
     std::uint64_t packed;  // Where the lists end that construction packed.
     std::uint64_t used;
-    Index free[kSizeClasses]{};  // The first room of each size that waits for a list, or 0.
+    Index free[kSizeClasses]{};  // The first slot of each size that waits for a list, or 0.
+  };
+
+  // Compressed sparse rows.
+  struct Packed {
+    explicit Packed(const AdjacencyLists& lists) {
+      const std::uint64_t n = lists.rows_.size();
+      offsets.resize(n + 1);
+      offsets[0] = 0;
+      for (std::uint64_t v = 0; v < n; ++v) {
+        offsets[v + 1] = offsets[v] + lists.rows_[v].count;
+      }
+      neighbours.resize(offsets[n]);
+      edges.resize(offsets[n]);
+      for (std::uint64_t v = 0; v < n; ++v) {
+        std::ranges::copy(lists.neighbours(v), neighbours.data() + offsets[v]);
+        std::ranges::copy(lists.edges(v), edges.data() + offsets[v]);
+      }
+    }
+
+    Block<Index> offsets;
+    Block<Index> neighbours;
+    Block<Index> edges;
   };
 
   [[nodiscard]] std::uint64_t packedSize() const {
@@ -124,33 +160,33 @@ class AdjacencyLists {
     edges_[place] = entry.edge;
   }
 
-  // Lists of capacity 2, 6, 14, ... are of size class 0, 1, 2, ...
-  static unsigned sizeClass(std::uint64_t capacity) {
-    return static_cast<unsigned>(std::bit_width(capacity)) - 2;
+  // Slots of 2, 6, 14, ... are of size class 0, 1, 2, ...
+  static unsigned sizeClass(std::uint64_t slot) {
+    return static_cast<unsigned>(std::bit_width(slot)) - 2;
   }
 
   void enlarge(Row<Index>& row) noexcept {
     const Index left = row.start;
     move(row, listCapacity(std::uint64_t{row.count} + 1));
-    if (row.count != 0) leaveRoom(left, row.count);
+    if (row.count != 0) leaveSlot(left, row.count);
   }
 
-  void move(Row<Index>& row, std::uint64_t capacity) noexcept {
-    const Index start = takeRoom(capacity);
+  void move(Row<Index>& row, std::uint64_t slot) noexcept {
+    const Index start = takeSlot(slot);
     std::copy_n(neighbours_.data() + row.start, row.count, neighbours_.data() + start);
     std::copy_n(edges_.data() + row.start, row.count, edges_.data() + start);
     row.start = start;
   }
 
-  Index takeRoom(std::uint64_t capacity) noexcept {
-    Index& free = growth_->free[sizeClass(capacity)];
+  Index takeSlot(std::uint64_t size) noexcept {
+    Index& free = growth_->free[sizeClass(size)];
     if (free != 0) return std::exchange(free, neighbours_[free]);
-    return static_cast<Index>(std::exchange(growth_->used, growth_->used + capacity));
+    return static_cast<Index>(std::exchange(growth_->used, growth_->used + size));
   }
 
-  // Rooms that wait for a list are chained through their first neighbours.
-  void leaveRoom(Index start, std::uint64_t capacity) noexcept {
-    Index& free = growth_->free[sizeClass(capacity)];
+  // Slots that wait for a list are chained through their first neighbours.
+  void leaveSlot(Index start, std::uint64_t size) noexcept {
+    Index& free = growth_->free[sizeClass(size)];
     neighbours_[start] = std::exchange(free, start);
   }
 
@@ -158,22 +194,23 @@ class AdjacencyLists {
   Block<Index> neighbours_;
   Block<Index> edges_;
   std::unique_ptr<Growth> growth_;  // Made by the first insertion.
+  mutable std::atomic<Packed*> packed_{nullptr};
 };
 
 /// Fills new lists. Every entry is announced before the first of its list is placed.
 template <class Index>
 class ListFiller {
  public:
-  /// The indices that such lists take of a ground.
-  [[nodiscard]] static std::uint64_t sizeOnGround(std::uint64_t vertices, std::uint64_t entries) {
-    return 2 * vertices + 2 * zoneSize(entries);
+  /// The indices that such lists take of an arena.
+  [[nodiscard]] static std::uint64_t sizeInArena(std::uint64_t vertices, std::uint64_t entries) {
+    return 2 * vertices + 2 * poolSize(entries);
   }
 
   ListFiller(AdjacencyLists<Index>& lists, std::uint64_t vertices, std::uint64_t entries,
-             Ground<Index>& ground) {
-    lists.rows_ = ground.template zeroedBlock<Row<Index>>(vertices);
-    lists.neighbours_ = ground.template block<Index>(zoneSize(entries));
-    lists.edges_ = ground.template block<Index>(zoneSize(entries));
+             Arena<Index>& arena) {
+    lists.rows_ = arena.template zeroedBlock<Row<Index>>(vertices);
+    lists.neighbours_ = arena.template block<Index>(poolSize(entries));
+    lists.edges_ = arena.template block<Index>(poolSize(entries));
     rows_ = lists.rows_.data();
     neighbours_ = lists.neighbours_.data();
     edges_ = lists.edges_.data();
@@ -193,7 +230,7 @@ class ListFiller {
   }
 
  private:
-  static std::uint64_t zoneSize(std::uint64_t entries) {
+  static std::uint64_t poolSize(std::uint64_t entries) {
     return entries == 0 ? 0 : AdjacencyLists<Index>::kFirst + entries;
   }
 

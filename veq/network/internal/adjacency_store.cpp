@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <mutex>
 #include <type_traits>
 
 namespace veq::internal {
@@ -67,9 +68,9 @@ class Partition {
 template <class Index>
 void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Block<Index>& at,
                 const Block<Index>& neighbour, std::uint64_t edges, bool bothWays,
-                Ground<Index>& ground) {
+                Arena<Index>& arena) {
   const std::uint64_t entries = bothWays ? 2 * edges : edges;
-  ListFiller<Index> filler(lists, vertices, entries, ground);
+  ListFiller<Index> filler(lists, vertices, entries, arena);
   const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, f); };
   if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
     const Partition<Index> partition(vertices, entries, forEach);
@@ -84,18 +85,18 @@ void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Bloc
 }
 
 // The indices in all blocks of a network, or 0 where they would take more than a megabyte: a large
-// block by itself can be enlarged without being copied, and leaves no large ground behind.
+// block by itself can be enlarged without being copied, and leaves no large arena behind.
 template <class Index>
-std::uint64_t groundSize(std::uint64_t vertices, std::uint64_t edges, bool directed) {
+std::uint64_t arenaSize(std::uint64_t vertices, std::uint64_t edges, bool directed) {
   constexpr std::uint64_t kLargest = (std::uint64_t{1} << 20) / sizeof(Index);
   if (vertices > kLargest || edges > kLargest) return 0;
-  const std::uint64_t lists = directed ? 2 * ListFiller<Index>::sizeOnGround(vertices, edges)
-                                       : ListFiller<Index>::sizeOnGround(vertices, 2 * edges);
+  const std::uint64_t lists = directed ? 2 * ListFiller<Index>::sizeInArena(vertices, edges)
+                                       : ListFiller<Index>::sizeInArena(vertices, 2 * edges);
   const std::uint64_t size = 2 * edges + lists;
   return size <= kLargest ? size : 0;
 }
 
-// Whether vertices and zones of such a network can be told by indices up to the limit.
+// Whether vertices and pools of such a network can be told by indices up to the limit.
 bool fitsNarrow(std::uint64_t vertices, std::uint64_t edges, std::uint64_t limit) {
   return vertices <= limit && edges < limit / 4;
 }
@@ -111,19 +112,28 @@ void copyIndices(std::span<const From> indices, To* out) {
 AdjacencyStore::AdjacencyStore(std::uint64_t vertices, IndexList from, IndexList to, bool directed,
                                std::uint64_t narrowLimit)
     : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
-  const EdgeEnds edges{from.all(), to.all()};
-  const std::uint64_t count = edges.count();
-  inWidthFor(count, [&]<class Index>(Index) {
-    Ground<Index> ground(groundSize<Index>(vertices_, count, directed_));
-    Topology<Index> next = copyEnds(edges, ground);
-    from = IndexList();
-    to = IndexList();
-    buildLists(std::move(next), std::move(ground), count);
-  });
+  rebuildWith(std::move(from), std::move(to));
+}
+
+HeldTopology AdjacencyStore::hold() const {
+  const std::lock_guard guard(lock_);
+  return {topology_, vertices_, edges_, directed_, narrow_};
 }
 
 std::uint64_t AdjacencyStore::count(std::uint64_t vertex, Side side) const {
   return visit([&](const auto& topology) { return lists(topology, side).count(vertex); });
+}
+
+std::uint64_t AdjacencyStore::neighbour(std::uint64_t vertex, std::uint64_t k, Side side) const {
+  return visit([&](const auto& topology) -> std::uint64_t {
+    return lists(topology, side).neighbours(vertex)[k];
+  });
+}
+
+std::uint64_t AdjacencyStore::edge(std::uint64_t vertex, std::uint64_t k, Side side) const {
+  return visit([&](const auto& topology) -> std::uint64_t {
+    return lists(topology, side).edges(vertex)[k];
+  });
 }
 
 std::vector<std::uint64_t> AdjacencyStore::neighbours(std::uint64_t vertex, Side side) const {
@@ -142,15 +152,14 @@ std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side
 
 void AdjacencyStore::insert(const EdgeEnds& more) {
   const bool bulk = more.count() >= kBulkInsertion && more.count() > edges_ / 2;
-  const bool inPlace =
-      !bulk && std::visit([&](auto& topology) { return appendInPlace(topology, more); }, topology_);
-  if (inPlace) return;
-  const std::uint64_t edges = edges_ + more.count();
-  inWidthFor(more.count(), [&]<class Index>(Index) {
-    Ground<Index> ground(groundSize<Index>(vertices_, edges, directed_));
-    Topology<Index> next = copyEnds(more, ground);
-    buildLists(std::move(next), std::move(ground), edges);
-  });
+  if (bulk || !insertInPlace(more)) rebuildWith(IndexList(more.from), IndexList(more.to));
+}
+
+bool AdjacencyStore::insertInPlace(const EdgeEnds& more) {
+  const std::lock_guard guard(lock_);
+  if (topology_.get()->isHeldByOthers()) return false;
+  return narrow_ ? appendInPlace(topology<std::uint32_t>(), more)
+                 : appendInPlace(topology<std::uint64_t>(), more);
 }
 
 template <class Index>
@@ -159,11 +168,11 @@ bool AdjacencyStore::isWithin(std::uint64_t size) const {
 }
 
 template <class Index>
-bool AdjacencyStore::loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
-  const std::uint64_t room = lists.roomToLoosen(vertex);
-  if (room == 0) return true;
-  if (!isWithin<Index>(lists.zoneSizeWith(room))) return false;
-  lists.loosen(vertex, room);
+bool AdjacencyStore::relocate(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
+  const std::uint64_t slot = lists.slotForPacked(vertex);
+  if (slot == 0) return true;
+  if (!isWithin<Index>(lists.poolSizeWith(slot))) return false;
+  lists.relocate(vertex, slot);
   return true;
 }
 
@@ -171,12 +180,14 @@ template <class Index>
 bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& more) {
   AdjacencyLists<Index>& in = directed_ ? *topology.in : topology.out;
   const std::uint64_t count = more.count();
+  topology.out.dropPacked();
+  in.dropPacked();
 
   // Where a list lies shows nowhere, so that it does no harm to stop here for want of memory.
   for (std::uint64_t i = 0; i < count; ++i) {
-    if (!loosen(topology.out, more.from[i]) || !loosen(in, more.to[i])) return false;
+    if (!relocate(topology.out, more.from[i]) || !relocate(in, more.to[i])) return false;
   }
-  // How much room the lists will want is known only once all entries have been counted in.
+  // How many places the lists will want is known only once all entries have been counted in.
   std::uint64_t outEntries = 0;
   std::uint64_t inEntries = 0;
   for (std::uint64_t i = 0; i < count; ++i) {
@@ -189,8 +200,8 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
   }
   if (!directed_) outEntries += inEntries;
 
-  if (!isWithin<Index>(topology.out.zoneSizeWith(outEntries)) ||
-      !isWithin<Index>(in.zoneSizeWith(inEntries)) || !isWithin<Index>(edges_ + count)) {
+  if (!isWithin<Index>(topology.out.poolSizeWith(outEntries)) ||
+      !isWithin<Index>(in.poolSizeWith(inEntries)) || !isWithin<Index>(edges_ + count)) {
     return false;
   }
   topology.from.reserve(edges_ + count);
@@ -212,41 +223,45 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
   return true;
 }
 
-template <class F>
-void AdjacencyStore::inWidthFor(std::uint64_t more, F f) const {
-  // Lists that have outgrown their zone stay narrow only with room for many more insertions, lest
+void AdjacencyStore::rebuildWith(IndexList from, IndexList to) {
+  const std::uint64_t edges = edges_ + from.all().size();
+  // Lists that have outgrown their pool stay narrow only with places for many more insertions, lest
   // each of them had to build everything anew.
-  if (fitsNarrow(vertices_, edges_ + more + edges_ / 2, narrowLimit_)) {
-    f(std::uint32_t{});
-  } else {
-    f(std::uint64_t{});
-  }
-}
-
-template <class Index>
-Topology<Index> AdjacencyStore::copyEnds(const EdgeEnds& more, Ground<Index>& ground) const {
-  Topology<Index> next;
-  next.from = ground.template block<Index>(edges_ + more.count());
-  next.to = ground.template block<Index>(edges_ + more.count());
-  visit([&](const auto& present) {
-    copyIndices(std::span(present.from.data(), edges_), next.from.data());
-    copyIndices(std::span(present.to.data(), edges_), next.to.data());
-  });
-  copyIndices(more.from, next.from.data() + edges_);
-  copyIndices(more.to, next.to.data() + edges_);
-  return next;
-}
-
-template <class Index>
-void AdjacencyStore::buildLists(Topology<Index> next, Ground<Index> ground, std::uint64_t edges) {
-  internal::buildLists(next.out, vertices_, next.from, next.to, edges, !directed_, ground);
-  if (directed_) {
-    next.in = std::make_unique<AdjacencyLists<Index>>();
-    internal::buildLists(*next.in, vertices_, next.to, next.from, edges, false, ground);
-  }
-  next.ground = std::move(ground).take();
-  topology_.template emplace<Topology<Index>>(std::move(next));
+  const bool narrow = fitsNarrow(vertices_, edges + edges_ / 2, narrowLimit_);
+  TopologyShare next = narrow ? topologyWith<std::uint32_t>(std::move(from), std::move(to))
+                              : topologyWith<std::uint64_t>(std::move(from), std::move(to));
+  const std::lock_guard guard(lock_);
+  std::swap(topology_, next);
+  narrow_ = narrow;
   edges_ = edges;
+}
+
+template <class Index>
+TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to) const {
+  const std::uint64_t edges = edges_ + from.all().size();
+  const std::uint64_t inArena = arenaSize<Index>(vertices_, edges, directed_);
+  auto* const next = Topology<Index>::make(inArena);
+  TopologyShare share(next);
+  Arena<Index> arena = next->arena(inArena);
+  next->from = arena.template block<Index>(edges);
+  next->to = arena.template block<Index>(edges);
+  if (edges_ != 0) {
+    visit([&](const auto& present) {
+      copyIndices(std::span(present.from.data(), edges_), next->from.data());
+      copyIndices(std::span(present.to.data(), edges_), next->to.data());
+    });
+  }
+  copyIndices(from.all(), next->from.data() + edges_);
+  copyIndices(to.all(), next->to.data() + edges_);
+  // They may make place for the lists.
+  from = IndexList();
+  to = IndexList();
+  buildLists(next->out, vertices_, next->from, next->to, edges, !directed_, arena);
+  if (directed_) {
+    next->in = std::make_unique<AdjacencyLists<Index>>();
+    buildLists(*next->in, vertices_, next->to, next->from, edges, false, arena);
+  }
+  return share;
 }
 
 }  // namespace veq::internal

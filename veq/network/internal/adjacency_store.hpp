@@ -1,15 +1,17 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <thread>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 #include "veq/network/internal/index_list.hpp"
+#include "veq/network/internal/shared_topology.hpp"
 
 namespace veq::internal {
 
@@ -25,12 +27,41 @@ struct EdgeEnds {
 
 /// Edges and lists with indices of one width.
 template <class Index>
-struct Topology {
-  Block<Index> ground;  // Of all blocks of a small network.
+struct Topology final : SharedTopology {
+  /// With an arena of so many indices behind it, for all blocks of a small network.
+  [[nodiscard]] static Topology* make(std::uint64_t arenaSize) {
+    return new (Behind{arenaSize * sizeof(Index)}) Topology;
+  }
+  [[nodiscard]] Arena<Index> arena(std::uint64_t arenaSize) {
+    return Arena<Index>({reinterpret_cast<Index*>(this + 1), arenaSize});
+  }
+
   Block<Index> from;
   Block<Index> to;
   AdjacencyLists<Index> out;
   std::unique_ptr<AdjacencyLists<Index>> in;  // Of directed networks.
+};
+
+/// The topology of a store as it was when it was asked for it.
+struct HeldTopology {
+  TopologyShare share;
+  std::uint64_t vertices;
+  std::uint64_t edges;
+  bool directed;
+  bool narrow;
+};
+
+/// A lock that is held for a few instructions or for an insertion; whoever finds it taken looks
+/// again until it is free.
+class BriefLock {
+ public:
+  void lock() {
+    while (taken_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+  }
+  void unlock() { taken_.clear(std::memory_order_release); }
+
+ private:
+  std::atomic_flag taken_;
 };
 
 /// All that a network knows of its topology, and the only code that knows how it lies in memory.
@@ -52,15 +83,18 @@ class AdjacencyStore {
   [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
   [[nodiscard]] std::uint64_t edgeCount() const { return edges_; }
   [[nodiscard]] bool directed() const { return directed_; }
-  [[nodiscard]] bool isNarrow() const {
-    return std::holds_alternative<Topology<std::uint32_t>>(topology_);
-  }
+  [[nodiscard]] bool isNarrow() const { return narrow_; }
 
   /// Calls f with the topology in the width it has: a Topology<std::uint32_t> or <std::uint64_t>.
   template <class F>
   decltype(auto) visit(F&& f) const {
-    return std::visit(std::forward<F>(f), topology_);
+    if (narrow_) return f(std::as_const(topology<std::uint32_t>()));
+    return f(std::as_const(topology<std::uint64_t>()));
   }
+
+  /// The topology as it is now: an insertion copies first what somebody holds. Any thread may ask
+  /// for it, read it and let go of it while another inserts. O(1), but waits for an insertion.
+  [[nodiscard]] HeldTopology hold() const;
 
   [[nodiscard]] std::uint64_t from(std::uint64_t edge) const {
     return visit([edge](const auto& t) -> std::uint64_t { return t.from[edge]; });
@@ -71,6 +105,9 @@ class AdjacencyStore {
 
   /// Both sides of an undirected network are its out-lists.
   [[nodiscard]] std::uint64_t count(std::uint64_t vertex, Side side) const;
+  /// Entry k of a list, which it must have. O(1).
+  [[nodiscard]] std::uint64_t neighbour(std::uint64_t vertex, std::uint64_t k, Side side) const;
+  [[nodiscard]] std::uint64_t edge(std::uint64_t vertex, std::uint64_t k, Side side) const;
   /// The two columns of one list.
   [[nodiscard]] std::vector<std::uint64_t> neighbours(std::uint64_t vertex, Side side) const;
   [[nodiscard]] std::vector<std::uint64_t> edges(std::uint64_t vertex, Side side) const;
@@ -87,29 +124,35 @@ class AdjacencyStore {
   void insert(const EdgeEnds& more);
 
  private:
+  template <class Index>
+  [[nodiscard]] Topology<Index>& topology() const {
+    return static_cast<Topology<Index>&>(*topology_.get());
+  }
+
   // Whether places or edges up to this number can be told by indices of the width.
   template <class Index>
   [[nodiscard]] bool isWithin(std::uint64_t size) const;
   // These two give up where narrow indices do not reach.
   template <class Index>
-  [[nodiscard]] bool loosen(AdjacencyLists<Index>& lists, std::uint64_t vertex);
+  [[nodiscard]] bool relocate(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
   [[nodiscard]] bool appendInPlace(Topology<Index>& topology, const EdgeEnds& more);
-  // Calls f with a zero of the width in which this many edges more are kept.
-  template <class F>
-  void inWidthFor(std::uint64_t more, F f) const;
-  // A topology without lists: the ends of all edges so far and more, on a ground for all.
+  // Gives up where somebody holds the topology, too.
+  [[nodiscard]] bool insertInPlace(const EdgeEnds& more);
+
+  // Puts a topology of all edges so far and more in the place of what is there.
+  void rebuildWith(IndexList from, IndexList to);
   template <class Index>
-  [[nodiscard]] Topology<Index> copyEnds(const EdgeEnds& more, Ground<Index>& ground) const;
-  // Takes the place of what is there.
-  template <class Index>
-  void buildLists(Topology<Index> next, Ground<Index> ground, std::uint64_t edges);
+  [[nodiscard]] TopologyShare topologyWith(IndexList from, IndexList to) const;
 
   std::uint64_t vertices_ = 0;
   std::uint64_t edges_ = 0;
   std::uint64_t narrowLimit_ = kNarrowLimit;
   bool directed_ = false;
-  std::variant<Topology<std::uint32_t>, Topology<std::uint64_t>> topology_;
+  bool narrow_ = true;
+  // Guards the topology's place and the number of edges against those who take a share of it.
+  mutable BriefLock lock_;
+  TopologyShare topology_;
 };
 
 }  // namespace veq::internal

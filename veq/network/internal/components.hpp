@@ -69,10 +69,10 @@ class ComponentSearch {
   void fetchAhead(const AdjacencyLists<Index>& lists, std::uint64_t i) const {
     constexpr std::uint64_t kAhead = 4;
     if (i + 3 * kAhead >= count_) return;
-    lists.fetchRow(reached_[i + 3 * kAhead]);
-    lists.fetchNeighbours(reached_[i + 2 * kAhead]);
+    lists.prefetchRow(reached_[i + 3 * kAhead]);
+    lists.prefetchNeighbours(reached_[i + 2 * kAhead]);
     for (const Index neighbour : lists.neighbours(reached_[i + kAhead])) {
-      __builtin_prefetch(labels_.data() + neighbour);
+      prefetch(labels_.data() + neighbour);
     }
   }
 
