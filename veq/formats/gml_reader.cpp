@@ -263,9 +263,9 @@ class GmlReader {
     draft.from = std::move(from);
     draft.to = std::move(to);
     if (weights_.size() != 0) weights_.finish(draft, context_, kRounded);
-    draft.verticesProperties.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
-    vertexColumns_.finish(draft.verticesProperties, draft.vertexCount);
-    edgeColumns_.finish(draft.edgesProperties, edges_.size());
+    draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
+    vertexColumns_.finish(draft.properties.vertices, draft.vertexCount);
+    edgeColumns_.finish(draft.properties.edges, edges_.size());
     return draft;
   }
 

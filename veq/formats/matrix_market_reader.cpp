@@ -210,7 +210,7 @@ class MatrixReader {
     NetworkDraft draft;
     draft.vertexCount = twoModes_ ? rows_ + columns_ : rows_;
     draft.directed = !twoModes_ && banner_.symmetry != Symmetry::kSymmetric;
-    if (twoModes_) draft.verticesProperties.set("Mode", modeColumn(rows_, draft.vertexCount));
+    if (twoModes_) draft.properties.vertices.set("Mode", modeColumn(rows_, draft.vertexCount));
     if (!banner_.pattern) weights_.finish(draft, context_, kRounded);
     draft.from = std::move(from_);
     draft.to = std::move(to_);
