@@ -68,6 +68,8 @@ def building():
                figure="bytes_per_edge", limit=45)
     yield Line("insert", "1e6 single edges", "insert m=1e6",
                [Peer("boost", "insert m=1e6", 1.5, "add_edge")])
+    yield Line("insert", "1e6 single edges, a view after each 1000", "insert m=1e6 batch=1000",
+               [Peer("boost", "insert m=1e6", 1.5, "add_edge")])
 
 
 def questions():

@@ -2,6 +2,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "veq/natural/network.hpp"
 #include "veq_tasks.hpp"
 
 namespace bench {
@@ -24,21 +25,24 @@ bool measureBuild(const Arguments& arguments, Measurement& measurement) {
   return true;
 }
 
-/// One call for each edge, into a network with vertices only.
+/// One call for each edge, into a network with vertices only. Somebody may look at the topology
+/// after each so many of them.
 bool measureInsertion(const Arguments& arguments, Measurement& measurement) {
   const Edges edges = edgesOf(arguments);
+  const std::uint64_t batch = arguments.count("batch", edges.count() + 1);
   Edges none;
   none.vertices = edges.vertices;
   measurement.time(
       [&] {
-        auto network = networkOf(none);
+        const veq::Network network(networkOf(none));
         for (std::uint64_t i = 0; i < edges.count(); ++i) {
-          network->addEdgesFromVerticesIndices_toVerticesIndices_count(&edges.from[i], &edges.to[i],
-                                                                       1);
+          network.published()->addEdgesFromVerticesIndices_toVerticesIndices_count(&edges.from[i],
+                                                                                   &edges.to[i], 1);
+          if ((i + 1) % batch == 0 && network.topology().countEdges() != i + 1) std::abort();
         }
         return network;
       },
-      [](const auto& network) { return network->countEdges(); });
+      [](const auto& network) { return network.countEdges(); });
   return true;
 }
 

@@ -179,6 +179,19 @@ TEST(TopologyView, PackedListsAreKeptUntilTheNetworkChanges) {
   });
 }
 
+TEST(TopologyView, PackedListsOfBothDirectionsFollowAChange) {
+  const Network network = drawn("0-1 1-2", true);
+  network.topology().visitPacked([](const auto& packed) {
+    EXPECT_THAT(values(packed.out.edges), ElementsAre(0, 1));
+    EXPECT_THAT(values(packed.in.edges), ElementsAre(0, 1));
+  });
+  insert(*network.published(), "2-0");
+  network.topology().visitPacked([](const auto& packed) {
+    EXPECT_THAT(values(packed.out.edges), ElementsAre(0, 1, 2));
+    EXPECT_THAT(values(packed.in.edges), ElementsAre(2, 0, 1));
+  });
+}
+
 // Edge e of the network that is inserted into below.
 constexpr std::uint64_t kRing = 7;
 std::uint64_t sourceOf(std::uint64_t e) { return e % kRing; }

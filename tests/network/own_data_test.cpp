@@ -37,6 +37,18 @@ TEST(OwnData, IndicesOfNewEdgesMayLieInAnEdgeColumn) {
   EXPECT_THAT(doubles(*column), ElementsAre(3, 0, 2, 0, 0, 0));
 }
 
+TEST(OwnData, TargetsAloneMayLieInAnEdgeColumn) {
+  const auto network = drawDirected("0-1 1-2 2-3");
+  const auto column = std::make_shared<VEQNumberArray>(VEQNumberArray::ofIndices({3, 0, 2}));
+  network->setPropertiesOfEdges_forKey(column, "Next");
+  const std::uint64_t other[] = {1, 1, 1};
+
+  network->addEdgesFromVerticesIndices_toVerticesIndices_count(
+      other, column->values<std::uint64_t>().data(), 3);
+  EXPECT_THAT(ends(*network, false), ElementsAre(0, 1, 2, 1, 1, 1));
+  EXPECT_THAT(ends(*network, true), ElementsAre(1, 2, 3, 3, 0, 2));
+}
+
 TEST(OwnData, BothEndsOfNewEdgesMayLieInAnEdgeColumn) {
   const auto network = drawDirected("0-1 1-2 2-3");
   // Integers are unsigned indices in the same bits.

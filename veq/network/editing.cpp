@@ -32,7 +32,7 @@ void requireOwn(const NetworkCore& core, const VEQVertex& source, const VEQVerte
   throw std::invalid_argument(message);
 }
 
-// Makes room in every edge column, so that appending cannot fail. A column that stands under
+// Reserves in every edge column, so that appending cannot fail. A column that stands under
 // several keys grows once for each.
 void reserveInColumns(const PropertyTable& table, std::uint64_t count) {
   std::vector<PropertyColumn*> columns;
@@ -58,7 +58,7 @@ bool lieIn(const PropertyTable& table, std::span<const std::uint64_t> indices) {
   });
 }
 
-// Makes room as appending would, so that many single insertions stay cheap.
+// Reserves as appending would, so that many single insertions stay cheap.
 void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
   if (count > weights.capacity()) {
     weights.reserve(std::max<std::size_t>(count, weights.capacity() + weights.capacity() / 2));
