@@ -162,7 +162,7 @@ Result<Network> geometricNetwork(std::uint64_t n, double radius, const ModelOpti
       for (const std::uint64_t other : near) ends.add(v, other);
     }
     internal::NetworkDraft draft = internal::draftOf(n, std::move(ends));
-    draft.verticesProperties.set("Position", positionsOf(places, dimensions));
+    draft.properties.vertices.set("Position", positionsOf(places, dimensions));
     return draft;
   });
 }

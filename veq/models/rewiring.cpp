@@ -74,8 +74,8 @@ Result<Network> rewiredNetwork(const Network& network, std::uint64_t tries,
     internal::NetworkDraft draft = internal::draftOf(n, std::move(ends), core.store.directed());
     draft.verticesWeights = core.verticesWeights;
     draft.edgesWeights = core.edgesWeights;
-    draft.verticesProperties = copied(core.properties->vertices);
-    draft.edgesProperties = copied(core.properties->edges);
+    draft.properties.vertices = copied(core.properties->vertices);
+    draft.properties.edges = copied(core.properties->edges);
     return draft;
   });
 }

@@ -141,8 +141,8 @@ class AdjacencyLists {
       neighbours.resize(offsets[n]);
       edges.resize(offsets[n]);
       for (std::uint64_t v = 0; v < n; ++v) {
-        std::ranges::copy(lists.neighbours(v), neighbours.data() + offsets[v]);
-        std::ranges::copy(lists.edges(v), edges.data() + offsets[v]);
+        std::copy_n(lists.neighbours(v).data(), lists.count(v), neighbours.data() + offsets[v]);
+        std::copy_n(lists.edges(v).data(), lists.count(v), edges.data() + offsets[v]);
       }
     }
 
