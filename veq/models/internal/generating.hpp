@@ -67,7 +67,7 @@ template <class Make>
   }
   try {
     DrawBlocks draws(state ? &*state : nullptr);
-    Network network(CoreAccess::shared(CoreAccess::buildCore(make(draws))));
+    Network network(CoreAccess::buildShared(make(draws)));
     if (options.random) *options.random = *state;
     return network;
   } catch (const Stopped&) {
