@@ -9,6 +9,7 @@
 #include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/table_columns.hpp"
 #include "veq/formats/internal/writers.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq::internal {
 namespace {

@@ -78,12 +78,13 @@ Result<Network> built(const IndexSpan& sources, const IndexSpan& targets,
   pace.reach(0);
 
   BuildNotes notes;
-  draft.verticesProperties = options.vertexColumns;
-  draft.edgesProperties = options.edgeColumns;
+  draft.properties.vertices = options.vertexColumns;
+  draft.properties.edges = options.edgeColumns;
   takeWeights(options.vertexWeights, options.keepExactWeights, draft.verticesWeights,
-              draft.verticesProperties, notes.roundedVertexWeights, notes.firstRoundedVertexWeight);
+              draft.properties.vertices, notes.roundedVertexWeights,
+              notes.firstRoundedVertexWeight);
   takeWeights(options.edgeWeights, options.keepExactWeights, draft.edgesWeights,
-              draft.edgesProperties, notes.roundedEdgeWeights, notes.firstRoundedEdgeWeight);
+              draft.properties.edges, notes.roundedEdgeWeights, notes.firstRoundedEdgeWeight);
   pace.reach(0);
   Network network = internal::networkOf(std::move(draft));
   if (options.notes) *options.notes = notes;

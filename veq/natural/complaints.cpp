@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq::internal {
 namespace {

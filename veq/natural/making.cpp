@@ -91,9 +91,7 @@ RoundedWeights roundedWeights(const NumberSpan& weights) {
   return result;
 }
 
-Network networkOf(NetworkDraft draft) {
-  return Network(CoreAccess::shared(CoreAccess::buildCore(std::move(draft))));
-}
+Network networkOf(NetworkDraft draft) { return Network(CoreAccess::buildShared(std::move(draft))); }
 
 std::optional<Weights> weightsOf(const std::optional<Weights>& weights, Chosen chosen) {
   if (!weights || !chosen) return weights;
@@ -132,12 +130,12 @@ Network derived(const NetworkCore& core, Derivation derivation, Pace& pace) {
   const std::uint64_t chosen = derivation.vertices ? derivation.vertices->size() : n;
   const std::uint64_t more = derivation.moreVertices;
   if (chosen + more < chosen) throw std::bad_alloc();
-  NetworkProperties properties;
-  properties.vertices = columnsOf(core.properties->vertices, n, derivation.vertices, pace);
-  for (const auto& entry : properties.vertices) entry.second->appendUnset(more);
-  properties.edges =
-      columnsOf(core.properties->edges, core.store.edgeCount(), derivation.edges, pace);
   NetworkDraft draft;
+  draft.carriesProperties = true;
+  draft.properties.vertices = columnsOf(core.properties->vertices, n, derivation.vertices, pace);
+  for (const auto& entry : draft.properties.vertices) entry.second->appendUnset(more);
+  draft.properties.edges =
+      columnsOf(core.properties->edges, core.store.edgeCount(), derivation.edges, pace);
   draft.vertexCount = chosen + more;
   draft.from = IndexList(std::move(derivation.ends.from));
   draft.to = IndexList(std::move(derivation.ends.to));
@@ -147,9 +145,7 @@ Network derived(const NetworkCore& core, Derivation derivation, Pace& pace) {
   draft.edgesWeights = derivation.edgesWeights ? std::move(derivation.edgesWeights)
                                                : weightsOf(core.edgesWeights, derivation.edges);
   pace.reach(0);
-  std::unique_ptr<NetworkCore> made = CoreAccess::buildCore(std::move(draft));
-  install(std::move(properties), *made);
-  return Network(CoreAccess::shared(std::move(made)));
+  return networkOf(std::move(draft));
 }
 
 DerivedNetwork inducedBy(const NetworkCore& core, std::vector<std::uint64_t> vertices, Pace& pace) {

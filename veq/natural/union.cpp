@@ -11,6 +11,7 @@
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
 #include "veq/network/internal/carried_properties.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq {
 
@@ -200,16 +201,16 @@ UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOption
   const Places edges = sideBySide(networks, &Network::countEdges);
   Pace pace(options.progress, edges.count);
   pace.reach(0);
-  internal::NetworkProperties properties;
-  properties.vertices = unitedColumns(
+  internal::NetworkDraft draft;
+  draft.carriesProperties = true;
+  draft.properties.vertices = unitedColumns(
       networks, vertices,
       [](const Network& n) -> const PropertyTable& { return coreOf(n).properties->vertices; },
       pace);
-  properties.edges = unitedColumns(
+  draft.properties.edges = unitedColumns(
       networks, edges,
       [](const Network& n) -> const PropertyTable& { return coreOf(n).properties->edges; }, pace);
   internal::OwnEnds ends = unitedEnds(networks, vertices, edges);
-  internal::NetworkDraft draft;
   draft.vertexCount = vertices.count;
   draft.from = internal::IndexList(std::move(ends.from));
   draft.to = internal::IndexList(std::move(ends.to));
@@ -221,15 +222,13 @@ UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOption
       networks, edges,
       [](const Network& n) -> const std::optional<Weights>& { return coreOf(n).edgesWeights; });
   pace.reach(0);
-  std::unique_ptr<NetworkCore> made = CoreAccess::buildCore(std::move(draft));
-  internal::install(std::move(properties), *made);
+  Network united(CoreAccess::buildShared(std::move(draft)));
   std::vector<std::uint64_t> firstEdges;
   std::uint64_t first = 0;
   for (const Network& network : networks) {
     firstEdges.push_back(std::exchange(first, first + network.countEdges()));
   }
-  return {Network(CoreAccess::shared(std::move(made))), std::move(vertices.of),
-          std::move(firstEdges)};
+  return {std::move(united), std::move(vertices.of), std::move(firstEdges)};
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "veq/natural/internal/sides.hpp"
 #include "veq/natural/network.hpp"
 #include "veq/network/internal/degree_sums.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq {
 

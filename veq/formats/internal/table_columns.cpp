@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
 

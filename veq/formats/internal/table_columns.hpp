@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/property_columns.hpp"
 
 namespace veq::internal {
 

@@ -266,7 +266,7 @@ class GraphMlReader {
   void setColumns(const std::vector<Column>& columns, bool ofVertices, std::uint64_t rows,
                   NetworkDraft& draft) {
     addDefaults(ofVertices, rows);
-    PropertyTable& table = ofVertices ? draft.verticesProperties : draft.edgesProperties;
+    PropertyTable& table = ofVertices ? draft.properties.vertices : draft.properties.edges;
     for (const Column& column : columns) {
       const Key& key = *column.key;
       if (key.isWeight) {
@@ -336,9 +336,9 @@ class GraphMlReader {
       return true;
     }();
     if (onlyCount) return;
-    const char* const key = draft.verticesProperties.contains("Name") ? "Id" : "Name";
-    if (!draft.verticesProperties.contains(key)) {
-      draft.verticesProperties.set(key, internal::nameColumn(ids_, ids_.size()));
+    const char* const key = draft.properties.vertices.contains("Name") ? "Id" : "Name";
+    if (!draft.properties.vertices.contains(key)) {
+      draft.properties.vertices.set(key, internal::nameColumn(ids_, ids_.size()));
     }
   }
 
