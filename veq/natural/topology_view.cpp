@@ -1,5 +1,7 @@
 #include "veq/natural/topology_view.hpp"
 
+#include <cstddef>
+
 #include "veq/natural/network.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -29,8 +31,9 @@ TopologyView::TopologyView(const internal::HeldTopology& held)
 template <class Index>
 TopologyArrays<Index> TopologyView::arrays() const {
   const auto& topology = topologyOf<Index>(share_);
-  return {{topology.from.data(), edges_},
-          {topology.to.data(), edges_},
+  const auto edges = static_cast<std::size_t>(edges_);
+  return {{topology.from.data(), edges},
+          {topology.to.data(), edges},
           topology.out.view(),
           arriving(topology).view()};
 }

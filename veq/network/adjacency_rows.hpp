@@ -2,6 +2,7 @@
 /// The lists of a network, as they lie in memory.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -31,10 +32,10 @@ class AdjacencyRows {
   /// The length of a list, the neighbours in it, and the edges that lead there. O(1).
   [[nodiscard]] std::uint64_t count(std::uint64_t vertex) const { return rows_[vertex].count; }
   [[nodiscard]] std::span<const Index> neighbours(std::uint64_t vertex) const {
-    return {neighbours_ + rows_[vertex].start, rows_[vertex].count};
+    return {neighbours_ + rows_[vertex].start, static_cast<std::size_t>(rows_[vertex].count)};
   }
   [[nodiscard]] std::span<const Index> edges(std::uint64_t vertex) const {
-    return {edges_ + rows_[vertex].start, rows_[vertex].count};
+    return {edges_ + rows_[vertex].start, static_cast<std::size_t>(rows_[vertex].count)};
   }
 
   /// For loops that read rows and pools themselves.

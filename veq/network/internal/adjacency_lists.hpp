@@ -68,11 +68,12 @@ class AdjacencyLists {
   [[nodiscard]] PackedRows<Index> packed() const {
     const Packed& made = *makeOnce(
         packed_, [this] { return new Packed(*this); }, [](Packed* unused) { delete unused; });
-    return {{made.offsets.data(), made.offsets.size()},
-            {made.neighbours.data(), made.neighbours.size()},
-            {made.edges.data(), made.edges.size()}};
+    return {all(made.offsets), all(made.neighbours), all(made.edges)};
   }
-  void dropPacked() { delete packed_.exchange(nullptr, std::memory_order_relaxed); }
+  void dropPacked() {
+    if (packed_.load(std::memory_order_relaxed) == nullptr) return;
+    delete packed_.exchange(nullptr, std::memory_order_relaxed);
+  }
 
   /// \name Appending
   /// First all packed lists that will grow are relocated. Nothing can fail after reserve() with the
@@ -150,6 +151,10 @@ class AdjacencyLists {
     Block<Index> neighbours;
     Block<Index> edges;
   };
+
+  static std::span<const Index> all(const Block<Index>& block) {
+    return {block.data(), static_cast<std::size_t>(block.size())};
+  }
 
   [[nodiscard]] std::uint64_t packedSize() const {
     return growth_ ? growth_->packed : std::max(kFirst, neighbours_.size());

@@ -30,10 +30,10 @@ template <class Index>
 struct Topology final : SharedTopology {
   /// With an arena of so many indices behind it, for all blocks of a small network.
   [[nodiscard]] static Topology* make(std::uint64_t arenaSize) {
-    return new (Behind{arenaSize * sizeof(Index)}) Topology;
+    return new (Behind{static_cast<std::size_t>(arenaSize) * sizeof(Index)}) Topology;
   }
   [[nodiscard]] Arena<Index> arena(std::uint64_t arenaSize) {
-    return Arena<Index>({reinterpret_cast<Index*>(this + 1), arenaSize});
+    return Arena<Index>({reinterpret_cast<Index*>(this + 1), static_cast<std::size_t>(arenaSize)});
   }
 
   Block<Index> from;

@@ -76,8 +76,8 @@ class BreadthFirst {
     constexpr std::uint64_t kAhead = 4;
     if (i + 3 * kAhead >= count_) return;
     for (const auto* lists : lists_.all()) {
-      lists->fetchRow(reached_[i + 3 * kAhead]);
-      lists->fetchNeighbours(reached_[i + 2 * kAhead]);
+      lists->prefetchRow(reached_[i + 3 * kAhead]);
+      lists->prefetchNeighbours(reached_[i + 2 * kAhead]);
       for (const Index neighbour : lists->neighbours(reached_[i + kAhead])) {
         __builtin_prefetch(levels_.data() + neighbour);
       }
