@@ -6,6 +6,8 @@
 #include "veq/agents/agents_group.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/vertex_paths.hpp"
+#include "veq/agents/walk_outcome.hpp"
+#include "veq/agents/walkers.hpp"
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/base/encodings.hpp"
 #include "veq/base/files.hpp"
@@ -37,3 +39,4 @@
 #include "veq/numeric/vectors.hpp"
 #include "veq/questions.hpp"
 #include "veq/random.hpp"
+#include "veq/walkers.hpp"

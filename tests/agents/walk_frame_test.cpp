@@ -25,7 +25,8 @@ class CyclicMover {
   CyclicMover(std::uint64_t vertices, std::uint64_t agents,
               std::function<void(std::uint64_t)>& before)
       : vertices_(vertices), agents_(agents), before_(before) {}
-  void draw(std::uint64_t) {}
+  void draw(const internal::RandomSource&, std::uint64_t, bool) {}
+  [[nodiscard]] std::uint64_t purposes() const { return 0; }
   [[nodiscard]] bool skip(std::uint64_t) const { return true; }
   void walk(Word* positions, Word* moves, std::uint64_t steps) {
     before_(done_);
@@ -54,11 +55,16 @@ class CyclicGroup final : public VEQNetworkAgentsGroup {
   std::optional<VEQVertexPaths> walkForSteps_returnPath_untilReach(std::uint64_t steps,
                                                                    bool returnPath,
                                                                    float untilReach) override {
-    return internal::runWalk(state(), {steps, returnPath, untilReach},
+    internal::WalkRequest request;
+    request.steps = steps;
+    request.returnPath = returnPath;
+    request.untilReach = static_cast<double>(untilReach);
+    return internal::runWalk(state(), request,
                              [&]<class Word>(const auto&, const internal::WalkHistory<Word>&) {
                                return CyclicMover<Word>(state().network->countVertices(),
                                                         state().agents, before);
-                             });
+                             })
+        .paths;
   }
 
   /// Called with the steps made so far, before some more are made.

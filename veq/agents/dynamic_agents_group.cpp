@@ -9,19 +9,17 @@
 #include <variant>
 #include <vector>
 
-#include "veq/agents/internal/agent_memories.hpp"
-#include "veq/agents/internal/dynamic_mover.hpp"
+#include "veq/agents/internal/dynamic_state.hpp"
 #include "veq/agents/internal/group_state.hpp"
-#include "veq/agents/internal/walk_frame.hpp"
+#include "veq/agents/internal/walks.hpp"
 
 namespace veq {
 namespace internal {
 
-/// What a group of agents with memory has besides.
-struct DynamicState {
-  Shared<const VEQNetwork> agentsNetwork;
-  std::variant<AgentMemories<std::uint32_t>, AgentMemories<std::uint64_t>> memories;
-};
+DynamicState* GroupAccess::memoriesOf(const VEQNetworkAgentsGroup& group) {
+  const auto* dynamic = dynamic_cast<const VEQNetworkDynamicAgentsGroup*>(&group);
+  return dynamic ? dynamic->dynamicState_.get() : nullptr;
+}
 
 }  // namespace internal
 
@@ -130,14 +128,10 @@ VEQNetworkDynamicAgentsGroup::initAtNetwork_initialVertices_agentsNetwork_agents
 
 std::optional<VEQVertexPaths> VEQNetworkDynamicAgentsGroup::walkForSteps_returnPath_untilReach(
     std::uint64_t steps, bool returnPath, float untilReach) {
-  return internal::runWalk(state(), {steps, returnPath, untilReach},
-                           [&]<class Index, class Word>(const internal::Topology<Index>& topology,
-                                                        const internal::WalkHistory<Word>&) {
-                             return internal::DynamicMover<Index, Word>(
-                                 topology, state().network->countVertices(), state().agents, steps,
-                                 std::get<AgentMemories<Word>>(dynamicState_->memories),
-                                 dynamicState_->agentsNetwork.get());
-                           });
+  return internal::walkWithMemory(state(), *dynamicState_,
+                                  internal::publishedRequest(steps, returnPath, untilReach),
+                                  internal::PublishedChoice())
+      .paths;
 }
 
 bool VEQNetworkDynamicAgentsGroup::flushWalkHistory() {

@@ -35,6 +35,13 @@ class VEQ_EXPORT VEQVertexPaths {
         moves_(VEQVertexArray::Strided<Index>{std::move(keeper), moves, agents}),
         agents_(agents),
         steps_(steps) {}
+  /// Calls f with a pointer to the first step's entries, one for each agent, and then the next
+  /// step's; one with all bits set stands for a step in which the agent stayed.
+  template <class F>
+  decltype(auto) visitMoves(F&& f) const {
+    return std::visit([&f](const auto& moves) { return f(moves.first); }, moves_);
+  }
+  [[nodiscard]] std::uint64_t countSteps() const { return steps_; }
   /// @}
 
   /// The number of agents, and whether there are none.

@@ -3,8 +3,7 @@
 
 #include "veq/agents/agents_group.hpp"
 #include "veq/agents/internal/group_state.hpp"
-#include "veq/agents/internal/plain_mover.hpp"
-#include "veq/agents/internal/walk_frame.hpp"
+#include "veq/agents/internal/walks.hpp"
 
 namespace veq {
 namespace internal {
@@ -22,12 +21,9 @@ void requireAgentsWithin(const GroupState& group) {
 
 std::optional<VEQVertexPaths> VEQNetworkAgentsGroup::walkForSteps_returnPath_untilReach(
     std::uint64_t steps, bool returnPath, float untilReach) {
-  return internal::runWalk(*state_, {steps, returnPath, untilReach},
-                           [&]<class Index, class Word>(const internal::Topology<Index>& topology,
-                                                        const internal::WalkHistory<Word>&) {
-                             return internal::PlainMover<Index, Word>(topology.out, state_->agents,
-                                                                      steps);
-                           });
+  return internal::walkPlainly(*state_, internal::publishedRequest(steps, returnPath, untilReach),
+                               internal::PublishedChoice())
+      .paths;
 }
 
 std::optional<VEQVertexPaths> VEQNetworkAgentsGroup::walkForSteps_returnPath(std::uint64_t steps,

@@ -50,6 +50,7 @@ void VEQNetwork::setVerticesWeightValues(const VEQNumberArray& weights) {
 
 void VEQNetwork::setEdgesWeightValues(const VEQNumberArray& weights) {
   if (!core_->editable) return;
+  ++core_->weightsRevision;
   setAll(core_->edgesWeights, countEdges(), weights,
          "New property must have at least the size of the number of Edges.");
 }
@@ -61,6 +62,7 @@ void VEQNetwork::setWeightValue_atVertexIndex(float weight, std::uint64_t index)
 
 void VEQNetwork::setWeightValue_atEdgeIndex(float weight, std::uint64_t index) {
   if (!core_->editable) return;
+  ++core_->weightsRevision;
   setOne(core_->edgesWeights, countEdges(), weight, index);
 }
 

@@ -90,6 +90,18 @@ class AgentMemories {
     }
   }
 
+  /// Calls f for each vertex that the agent remembers, from the oldest entry of its ring on; for
+  /// one that stands there several times that often.
+  template <class F>
+  void forEachRemembered(std::uint64_t agent, F f) const {
+    const Agent& self = agents_[agent];
+    std::uint64_t slot = self.current;
+    do {
+      slot = self.next(slot);
+      if (const Word entry = rings_[self.ringStart + slot]; entry != 0) f(std::uint64_t{entry} - 1);
+    } while (slot != self.current);
+  }
+
   /// Places in a ring: of the latest entry, of the agent's own latest, and of what it offers next.
   struct Slots {
     std::uint64_t current = 0;

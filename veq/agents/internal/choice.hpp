@@ -2,10 +2,14 @@
 /// Which entry of a list a draw chooses.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <span>
 
+#include "veq/base/internal/uint128.hpp"
 #include "veq/models/internal/random_engine.hpp"
+#include "veq/network/internal/adjacency_lists.hpp"
 
 namespace veq::internal {
 
@@ -23,5 +27,84 @@ inline constexpr std::uint64_t kExactChoices = std::uint64_t{1} << 22;
   return static_cast<std::uint64_t>(
       std::round(static_cast<double>(k - 1) * fromDraw<double>(draw)));
 }
+
+/// floor(k x), exactly.
+[[nodiscard]] inline std::uint64_t chooseEvenly(std::uint64_t k, std::uint32_t draw) {
+  if (k <= UINT32_MAX) return k * draw >> 31;
+  return static_cast<std::uint64_t>(Uint128{k} * draw >> 31);
+}
+
+/// Choices that depend on a list's length alone, by one of the functions above.
+///
+/// Every choice answers for a list with the place of an entry in the zone of neighbours, or with 0,
+/// where no list is, if there is none to take; and among() does where some vertices are to be left
+/// out, unless they are all that there is.
+template <auto kEntry>
+struct CountingChoice {
+  template <class Index>
+  [[nodiscard]] Index operator()(Row<Index> row, std::uint32_t draw) const {
+    if (row.count == 0) return 0;
+    return static_cast<Index>(row.start + kEntry(row.count, draw));
+  }
+
+  // Counting the candidates and then looking for the chosen one takes no memory, which a walk could
+  // run out of in the middle of a step.
+  template <class Index, class LeaveOut>
+  [[nodiscard]] Index among(Row<Index> row, const Index* neighbours, std::uint32_t draw,
+                            LeaveOut leaveOut) const {
+    std::uint64_t candidates = 0;
+    for (Index i = 0; i < row.count; ++i) candidates += !leaveOut(neighbours[row.start + i]);
+    if (candidates == 0 || candidates == row.count) return (*this)(row, draw);
+    std::uint64_t left = kEntry(candidates, draw);
+    for (Index place = row.start;; ++place) {
+      if (!leaveOut(neighbours[place]) && left-- == 0) return place;
+    }
+  }
+};
+using PublishedChoice = CountingChoice<chooseEntry>;
+using EvenChoice = CountingChoice<chooseEvenly>;
+
+/// The first entry whose weight together with those before it exceeds x times the sum of all.
+struct WeightedChoice {
+  /// For each place in the zone the weight of its entry, and the sum from its list's first entry.
+  struct Entry {
+    double sum;
+    double weight;
+  };
+  std::span<const Entry> entries;
+
+  template <class Index>
+  [[nodiscard]] Index operator()(Row<Index> row, std::uint32_t draw) const {
+    if (row.count == 0) return 0;
+    const Entry* const first = entries.data() + row.start;
+    const double total = first[row.count - 1].sum;
+    if (!(total > 0.0)) return 0;
+    const double limit = total * fromDraw<double>(draw);
+    const Entry* const chosen = std::partition_point(
+        first, first + row.count, [limit](const Entry& entry) { return !(entry.sum > limit); });
+    return static_cast<Index>(chosen - entries.data());
+  }
+
+  // An entry of weight 0 is as good as none, so it is no candidate.
+  template <class Index, class LeaveOut>
+  [[nodiscard]] Index among(Row<Index> row, const Index* neighbours, std::uint32_t draw,
+                            LeaveOut leaveOut) const {
+    const Entry* const of = entries.data();
+    const auto isCandidate = [&](Index place) { return !leaveOut(neighbours[place]); };
+    const auto end = static_cast<Index>(row.start + row.count);
+    double total = 0.0;
+    for (Index place = row.start; place < end; ++place) {
+      if (isCandidate(place)) total += of[place].weight;
+    }
+    if (!(total > 0.0)) return (*this)(row, draw);
+    const double limit = total * fromDraw<double>(draw);
+    double sum = 0.0;
+    for (Index place = row.start;; ++place) {
+      if (!isCandidate(place)) continue;
+      sum += of[place].weight;
+      if (sum > limit) return place;
+    }
+  }
+};
 
 }  // namespace veq::internal

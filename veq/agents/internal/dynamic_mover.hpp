@@ -1,48 +1,44 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <new>
 #include <optional>
-#include <span>
 
 #include "veq/agents/internal/agent_memories.hpp"
 #include "veq/agents/internal/choice.hpp"
 #include "veq/agents/internal/tiles.hpp"
-#include "veq/base/internal/memory.hpp"
-#include "veq/base/internal/uint128.hpp"
-#include "veq/models/internal/random_engine.hpp"
+#include "veq/agents/internal/walk_draws.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
 
 /// Agents that go to an entry of their vertex's list which they do not remember, or to any where
 /// they remember all, and that share what they remember after every step.
-template <class Index, class Word>
+template <class Index, class Word, class Choice>
 class DynamicMover {
  public:
   static constexpr bool kCanRewind = false;
 
-  DynamicMover(const Topology<Index>& topology, std::uint64_t vertices, std::uint64_t agents,
-               std::uint64_t steps, AgentMemories<Word>& memories, const VEQNetwork* agentsNetwork)
-      : lists_(topology.out),
+  DynamicMover(const AdjacencyLists<Index>& lists, std::uint64_t vertices, std::uint64_t agents,
+               std::uint64_t steps, Choice choice, Restarts restarts, AgentMemories<Word>& memories,
+               const VEQNetwork* agentsNetwork)
+      : lists_(lists),
         vertices_(vertices),
         agents_(agents),
+        choice_(choice),
+        restarts_(restarts),
         memories_(memories),
-        agentsNetwork_(agentsNetwork) {
-    for (Numbers& numbers : numbers_) {
-      numbers.draws.resize(agents * std::min(steps, stepsPerTile(agents)));
-    }
+        agentsNetwork_(agentsNetwork),
+        draws_(agents, steps, restarts_.happen() ? 4 : 3) {}
+
+  void draw(const RandomSource& source, std::uint64_t steps, bool endless) {
+    draws_.take(source, steps, endless);
   }
 
-  void draw(std::uint64_t steps) {
-    for (Numbers& numbers : numbers_) {
-      numbers.stream = SharedRandomSequence::instance().take(Uint128{agents_} * steps);
-    }
-  }
+  [[nodiscard]] std::uint64_t purposes() const { return draws_.purposes(); }
 
   void walk(Word* positions, Word* moves, std::uint64_t steps) {
-    for (Numbers& numbers : numbers_) numbers.stream->fill(numbers.draws.data(), agents_ * steps);
+    draws_.fill(steps);
     for (std::uint64_t s = 0; s < steps; ++s, moves += agents_) {
       const std::uint64_t first = agents_ * s;
       bool moved = false;
@@ -63,18 +59,14 @@ class DynamicMover {
   /// Sharing goes on when nobody moves any longer: until it changes nothing, or for ever round the
   /// same states, as where two agents pass their latest visits on to a third that has one slot.
   [[nodiscard]] bool skip(std::uint64_t steps) {
-    if (idling_.period == 0) return false;
+    if (restarts_.happen() || idling_.period == 0) return false;
     for (std::uint64_t s = steps % idling_.period; s > 0; --s) shareAll();
     return true;
   }
 
  private:
-  // The three requests of numbers: for the next vertex, for the errors and for the wrong vertices.
-  struct Numbers {
-    std::optional<RandomStream> stream;
-    Block<std::uint32_t> draws;  // those of a tile
-  };
-  enum Purpose { kNextVertex, kError, kWrongVertex };
+  // What the draws are for. The published walk takes the first three.
+  enum Purpose : std::uint8_t { kNextVertex, kError, kWrongVertex, kRestart };
 
   // Steps in which nobody moves: after how many of them, once known, the memories come round to the
   // same state; else a state, the steps since, and after how many steps a later one is taken.
@@ -86,29 +78,25 @@ class DynamicMover {
   };
 
   Word move(std::uint64_t agent, Word& position, std::uint64_t number) {
-    const std::span<const Index> list = lists_.neighbours(position);
-    if (list.empty()) return kStayed<Word>;
-    position = static_cast<Word>(choose(agent, list, numbers_[kNextVertex].draws[number]));
-    std::uint64_t remembered = position;
-    if (memories_.isMistaken(agent, numbers_[kError].draws[number])) {
-      remembered = chooseEntry(vertices_, numbers_[kWrongVertex].draws[number]);
+    const Word to = next(agent, position, number);
+    if (to == kStayed<Word>) return to;
+    position = to;
+    std::uint64_t remembered = to;
+    if (memories_.isMistaken(agent, draws_[kError][number])) {
+      remembered = chooseEntry(vertices_, draws_[kWrongVertex][number]);
     }
     memories_.remember(agent, remembered, agentsNetwork_ != nullptr);
-    return position;
+    return to;
   }
 
-  // Counting the candidates and then looking for the chosen one takes no memory, which a walk could
-  // run out of in the middle of a step.
-  Index choose(std::uint64_t agent, std::span<const Index> list, std::uint32_t draw) const {
-    std::uint64_t candidates = 0;
-    for (const Index neighbour : list) candidates += !memories_.remembers(agent, neighbour);
-    if (candidates == 0 || candidates == list.size()) {
-      return list[chooseEntry(list.size(), draw)];
+  [[nodiscard]] Word next(std::uint64_t agent, Word position, std::uint64_t number) const {
+    if (restarts_.happen() && draws_[kRestart][number] < restarts_.threshold) {
+      return static_cast<Word>(restarts_.starts[agent]);
     }
-    std::uint64_t left = chooseEntry(candidates, draw);
-    for (const Index* neighbour = list.data();; ++neighbour) {
-      if (!memories_.remembers(agent, *neighbour) && left-- == 0) return *neighbour;
-    }
+    const Index chosen =
+        choice_.among(lists_.rows()[position], lists_.neighbourZone(), draws_[kNextVertex][number],
+                      [&](Index neighbour) { return memories_.remembers(agent, neighbour); });
+    return chosen == 0 ? kStayed<Word> : static_cast<Word>(lists_.neighbourZone()[chosen]);
   }
 
   // Lists and their places, for agents that come soon: each waits for memory on its own otherwise.
@@ -158,9 +146,11 @@ class DynamicMover {
   const AdjacencyLists<Index>& lists_;
   std::uint64_t vertices_;
   std::uint64_t agents_;
+  Choice choice_;
+  Restarts restarts_;
   AgentMemories<Word>& memories_;
   const VEQNetwork* agentsNetwork_;
-  Numbers numbers_[3];
+  WalkDraws draws_;
   Idling idling_;
 };
 

@@ -7,9 +7,11 @@
 #include <variant>
 #include <vector>
 
+#include "veq/agents/agents_group.hpp"
 #include "veq/agents/agents_property_table.hpp"
 #include "veq/agents/internal/reach_record.hpp"
 #include "veq/agents/internal/walk_history.hpp"
+#include "veq/agents/internal/weight_sums.hpp"
 #include "veq/agents/internal/work_control.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/network/network.hpp"
@@ -56,7 +58,17 @@ struct GroupState {
   mutable std::mutex historyLock;
   GroupHistory history;             // guarded by the lock
   std::uint64_t walksUnderWay = 0;  // guarded by the lock; until then the history is not forgotten
+  WeightSums weightSums;
   Shared<AgentsPropertyTable> properties = std::make_shared<AgentsPropertyTable>();
+};
+
+struct DynamicState;
+
+/// The library's own way into a group.
+struct GroupAccess {
+  [[nodiscard]] static GroupState& of(const VEQNetworkAgentsGroup& group) { return *group.state_; }
+  /// Null for agents without memory.
+  [[nodiscard]] static DynamicState* memoriesOf(const VEQNetworkAgentsGroup& group);
 };
 
 /// Keeps the history from being forgotten as long as a walk needs it.

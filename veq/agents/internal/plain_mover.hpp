@@ -2,72 +2,79 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <optional>
 
 #include "veq/agents/internal/choice.hpp"
 #include "veq/agents/internal/tiles.hpp"
-#include "veq/base/internal/memory.hpp"
-#include "veq/base/internal/uint128.hpp"
-#include "veq/models/internal/random_engine.hpp"
+#include "veq/agents/internal/walk_draws.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 
 namespace veq::internal {
 
 /// Agents that go to any entry of their vertex's list.
-template <class Index, class Word>
+template <class Index, class Word, class Choice>
 class PlainMover {
  public:
   static constexpr bool kCanRewind = true;
 
-  PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps)
-      : rows_(lists.rows()), neighbours_(lists.neighbourPool()), agents_(agents) {
-    draws_.resize(std::min(agents, kMovesPerTile) * std::min(steps, stepsPerTile(agents)));
+  PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps,
+             Choice choice, Restarts restarts)
+      : rows_(lists.rows()),
+        neighbours_(lists.neighbourZone()),
+        agents_(agents),
+        choice_(choice),
+        restarts_(restarts),
+        draws_(agents, steps, restarts_.happen() ? 2 : 1) {}
+
+  void draw(const RandomSource& source, std::uint64_t steps, bool endless) {
+    draws_.take(source, steps, endless);
   }
 
-  void draw(std::uint64_t steps) {
-    numbers_ = SharedRandomSequence::instance().take(Uint128{agents_} * steps);
-  }
+  [[nodiscard]] std::uint64_t purposes() const { return draws_.purposes(); }
 
   void walk(Word* positions, Word* moves, std::uint64_t steps) {
-    // Only a tile of one step has more agents than fit in a piece.
-    for (std::uint64_t first = 0; first < agents_; first += kMovesPerTile) {
-      const std::uint64_t some = std::min(agents_ - first, kMovesPerTile);
-      numbers_->fill(draws_.data(), some * steps);
-      if (some == 1) {
-        walkOne(positions[first], moves + first, steps);
-        continue;
-      }
-      for (std::uint64_t a = 0; a < some; a += kAgentsAtOnce) {
-        walkSome(positions + first + a, moves + first + a, draws_.data() + a,
-                 std::min(some - a, kAgentsAtOnce), some, steps);
-      }
-    }
+    draws_.fill(steps);
+    restarts_.happen() ? walkAll<true>(positions, moves, steps)
+                       : walkAll<false>(positions, moves, steps);
   }
 
-  /// Steps in which nobody moves change nothing.
-  [[nodiscard]] bool skip(std::uint64_t /*steps*/) const { return true; }
+  /// Steps in which nobody moves change nothing, but restarts end them.
+  [[nodiscard]] bool skip(std::uint64_t /*steps*/) const { return !restarts_.happen(); }
 
  private:
   // So many that what was fetched ahead for them is still in the cache when it is used.
   static constexpr std::uint64_t kAgentsAtOnce = 256;
+  enum Purpose : std::uint8_t { kNextVertex, kRestart };
 
-  // The place of the chosen neighbour in the zone; place 0 belongs to no list.
-  [[nodiscard]] Index choose(Row<Index> row, std::uint32_t draw) const {
-    if (row.count == 0) return 0;
-    return static_cast<Index>(row.start + chooseEntry(row.count, draw));
+  template <bool kRestarts>
+  void walkAll(Word* positions, Word* moves, std::uint64_t steps) {
+    if (agents_ == 1) return walkOne<kRestarts>(*positions, moves, steps);
+    for (std::uint64_t first = 0; first < agents_; first += kAgentsAtOnce) {
+      walkSome<kRestarts>(positions, moves, first, std::min(agents_ - first, kAgentsAtOnce), steps);
+    }
   }
 
   // Moves some neighbouring agents by all steps, in rounds of two passes: each pass fetches ahead
   // what the next will read, so that the agents wait for memory together.
-  void walkSome(Word* positions, Word* moves, const std::uint32_t* draws, std::uint64_t some,
-                std::uint64_t drawsPerStep, std::uint64_t steps) {
+  template <bool kRestarts>
+  void walkSome(Word* positions, Word* moves, std::uint64_t first, std::uint64_t some,
+                std::uint64_t steps) {
+    const std::uint32_t* draws = draws_[kNextVertex] + first;
+    const std::uint32_t* restarts = kRestarts ? draws_[kRestart] + first : nullptr;
+    positions += first;
+    moves += first;
     Index chosen[kAgentsAtOnce];
-    for (std::uint64_t s = 0; s < steps; ++s, draws += drawsPerStep, moves += agents_) {
+    for (std::uint64_t s = 0; s < steps; ++s, draws += agents_, moves += agents_) {
       for (std::uint64_t i = 0; i < some; ++i) {
-        chosen[i] = choose(rows_[positions[i]], draws[i]);
+        chosen[i] = choice_(rows_[positions[i]], draws[i]);
         __builtin_prefetch(neighbours_ + chosen[i]);
       }
       for (std::uint64_t i = 0; i < some; ++i) {
+        if constexpr (kRestarts) {
+          if (restarts[i] < restarts_.threshold) {
+            positions[i] = moves[i] = static_cast<Word>(restarts_.starts[first + i]);
+            continue;
+          }
+        }
         if (chosen[i] == 0) {
           moves[i] = kStayed<Word>;
           continue;
@@ -76,18 +83,27 @@ class PlainMover {
         __builtin_prefetch(rows_ + to);
         positions[i] = moves[i] = to;
       }
+      if constexpr (kRestarts) restarts += agents_;
     }
   }
 
+  template <bool kRestarts>
   void walkOne(Word& position, Word* moves, std::uint64_t steps) {
+    const std::uint32_t* const draws = draws_[kNextVertex];
     Word at = position;
     for (std::uint64_t s = 0; s < steps; ++s) {
-      const Index chosen = choose(rows_[at], draws_[s]);
+      if constexpr (kRestarts) {
+        if (draws_[kRestart][s] < restarts_.threshold) {
+          moves[s] = at = static_cast<Word>(restarts_.starts[0]);
+          continue;
+        }
+      }
+      const Index chosen = choice_(rows_[at], draws[s]);
       if (chosen == 0) {
-        moves[s * agents_] = kStayed<Word>;
+        moves[s] = kStayed<Word>;
         continue;
       }
-      moves[s * agents_] = at = static_cast<Word>(neighbours_[chosen]);
+      moves[s] = at = static_cast<Word>(neighbours_[chosen]);
     }
     position = at;
   }
@@ -95,8 +111,9 @@ class PlainMover {
   const Row<Index>* rows_;
   const Index* neighbours_;
   std::uint64_t agents_;
-  std::optional<RandomStream> numbers_;
-  Block<std::uint32_t> draws_;  // those of a tile
+  Choice choice_;
+  Restarts restarts_;
+  WalkDraws draws_;
 };
 
 }  // namespace veq::internal

@@ -8,29 +8,51 @@
 #include <variant>
 #include <vector>
 
+#include "veq/agents/internal/arrival_record.hpp"
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/agents/internal/move_log.hpp"
 #include "veq/agents/internal/tiles.hpp"
+#include "veq/agents/internal/walk_draws.hpp"
 #include "veq/agents/internal/walk_history.hpp"
 #include "veq/agents/vertex_paths.hpp"
+#include "veq/agents/walk_outcome.hpp"
+#include "veq/base/internal/pace.hpp"
+#include "veq/base/internal/uint128.hpp"
+#include "veq/base/progress.hpp"
+#include "veq/models/internal/random_source.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
 
 struct WalkRequest {
-  std::uint64_t steps;
-  bool returnPath;
-  float untilReach;
+  /// At most.
+  std::uint64_t steps = 0;
+  bool returnPath = false;
+  /// None for 0 or less.
+  double untilReach = 0.0;
+  RandomSource source{nullptr};
+  Restarts restarts;
+  /// Whether the walk goes on without a number of steps, and takes the draws of those that it made.
+  bool endless = false;
+  /// To be followed and stopped by, and to be told of first arrivals, where somebody wants that.
+  const Progress* progress = nullptr;
+  ArrivalRecord* arrivals = nullptr;
+};
+
+struct WalkResult {
+  std::optional<VEQVertexPaths> paths;
+  std::uint64_t steps = 0;
+  WalkEnd end = WalkEnd::kSteps;
 };
 
 /// All of a walk except the moves: its beginning and end, progress, reach target, history and
 /// paths. The moves are a Mover's:
 ///   static constexpr bool kCanRewind: whether the last steps can be taken back by putting the
 ///     agents back to where they stood;
-///   void draw(steps): takes its numbers from the shared sequence; must not fail;
-///   void walk(Word* positions, Word* moves, steps): moves all agents by some steps (up to
-///   stepsPerTile), and
-///     writes for each step where each agent arrived, or kStayed;
+///   draw(source, steps, endless): takes its numbers; must not fail;
+///   purposes(): how many numbers it takes for each agent and step;
+///   walk(Word* positions, Word* moves, steps): moves all agents by some steps (up to
+///     stepsPerTile), and writes for each step where each agent arrived, or kStayed;
 ///   bool skip(steps): if it can, brings itself at once to where so many further steps would bring
 ///     it in which nobody moves, as nobody did in the last one; must not fail.
 template <class Word, class Mover>
@@ -43,34 +65,41 @@ class WalkFrame {
         mover_(mover),
         positions_(group.positions.begin(),
                    group.positions.begin() + static_cast<std::ptrdiff_t>(group.agents)),
-        hasTarget_(request.untilReach > 0.0F),
+        hasTarget_(request.untilReach > 0.0),
         log_(group, history, request.steps, request.returnPath) {
     if (!hasTarget_) return;
     before_.resize(positions_.size());
     group.reached.prepare();
   }
 
-  std::optional<VEQVertexPaths> run() {
-    group_.work.begin(request_.steps);
-    mover_.draw(request_.steps);
+  WalkResult run() {
+    group_.work.begin(request_.endless ? 0 : request_.steps);
+    mover_.draw(request_.source, request_.steps, request_.endless);
     std::exception_ptr failure;
     try {
       walk();
-    } catch (const std::bad_alloc&) {
+    } catch (...) {  // also of somebody who follows the walk
       failure = std::current_exception();
     }
     finish();
     if (failure) std::rethrow_exception(failure);
-    if (!request_.returnPath) return std::nullopt;
-    return log_.paths();
+    WalkResult result{std::nullopt, done_, end_};
+    if (request_.returnPath) result.paths = log_.paths();
+    return result;
   }
 
  private:
   void walk() {
+    std::optional<Pace> pace;
+    if (request_.progress) pace.emplace(*request_.progress, request_.endless ? 0 : request_.steps);
     const std::uint64_t longest = stepsPerTile(group_.agents);
     // A target may be met at once, so the first tiles are short.
     std::uint64_t tile = hasTarget_ ? 1 : longest;
     while (done_ < request_.steps) {
+      if (pace && pace->shallStop(done_)) {
+        end_ = WalkEnd::kStopped;
+        return;
+      }
       const std::uint64_t wanted = std::min(tile, request_.steps - done_);
       const std::uint64_t steps = log_.roomFor(wanted);
       if (walkTile(steps)) return;
@@ -87,16 +116,20 @@ class WalkFrame {
     std::uint64_t taken = steps;
     bool met = false;
     if (hasTarget_) {
-      taken = group_.reached.take(moves, group_.agents, steps,
-                                  static_cast<double>(request_.untilReach), met);
+      taken = group_.reached.take(moves, group_.agents, steps, request_.untilReach, met);
       if (taken < steps) rewind(moves, taken);
     }
+    if (request_.arrivals) request_.arrivals->take(moves, group_.agents, taken, done_ + 1);
     complete(taken);
     log_.commit(taken);
-    if (met) return true;
+    if (met) {
+      end_ = WalkEnd::kTarget;
+      return true;
+    }
     // Where nobody moved nobody will ever move again.
-    const std::uint64_t idle = request_.steps - done_;
+    const std::uint64_t idle = request_.endless ? 0 : request_.steps - done_;
     if (somebodyMoved(moves + (steps - 1) * group_.agents) || !mover_.skip(idle)) return false;
+    if (request_.endless) end_ = WalkEnd::kStuck;
     if (hasTarget_) group_.reached.addSteps(idle);
     log_.commitIdle(idle);
     complete(idle);
@@ -125,7 +158,10 @@ class WalkFrame {
   void finish() noexcept {
     std::copy(positions_.begin(), positions_.end(), group_.positions.begin());
     log_.end();
-    group_.work.end(request_.steps);
+    if (request_.endless) {
+      (void)request_.source.take(Uint128{mover_.purposes() * group_.agents} * done_);
+    }
+    group_.work.end(request_.endless ? done_ : request_.steps);
   }
 
   GroupState& group_;
@@ -136,13 +172,13 @@ class WalkFrame {
   bool hasTarget_;
   MoveLog<Word> log_;
   std::uint64_t done_ = 0;
+  WalkEnd end_ = WalkEnd::kSteps;
 };
 
 /// Walks with the movers that `makeMover(topology, history)` makes for the network's lists and the
 /// group's history in their widths.
 template <class MakeMover>
-std::optional<VEQVertexPaths> runWalk(GroupState& group, const WalkRequest& request,
-                                      MakeMover makeMover) {
+WalkResult runWalk(GroupState& group, const WalkRequest& request, MakeMover makeMover) {
   const WalkUnderWay walk(group);
   requireAgentsWithin(group);
   const auto& store = CoreAccess::of(*group.network).store;

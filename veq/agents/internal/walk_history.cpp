@@ -196,6 +196,35 @@ const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
 }
 
 template <class Word>
+std::vector<std::uint64_t> WalkHistory<Word>::visits() {
+  std::vector<std::uint64_t> counts(vertices_);
+  countArrivals();
+  for (std::uint64_t v = 0; v < vertices_; ++v) counts[v] = arrivals_[v].count;
+  return counts;
+}
+
+template <class Word>
+std::vector<std::uint64_t> WalkHistory<Word>::visitsOf(std::uint64_t agent) {
+  makeHistories();
+  std::vector<std::uint64_t> counts(vertices_);
+  const AgentHistory<Word>& history = histories_[agent];
+  if (history.arrays) {
+    std::copy_n(history.arrays->visitsData, vertices_, counts.begin());
+  } else {
+    if (logBytes_ > kLargestBlock) fold();
+    history.forEachTally([&](std::uint64_t v, Word count, Word) { counts[v] = count; });
+  }
+  for (std::uint64_t r = history.counted; r < logEnd(); ++r) {
+    const MoveRun<Word>& run = log_[r - logBegin_];
+    const Word* to = run.first + agent;
+    for (std::uint64_t s = 0; s < run.steps; ++s, to += agents_) {
+      if (*to != kStayed<Word>) ++counts[*to];
+    }
+  }
+  return counts;
+}
+
+template <class Word>
 void WalkHistory<Word>::fold() {
   makeHistories();
   countArrivals();

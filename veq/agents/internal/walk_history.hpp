@@ -81,6 +81,14 @@ class WalkHistory {
   [[nodiscard]] const AgentArrays& arraysOf(std::uint64_t agent);
   /// @}
 
+  /// \name Copies
+  /// How often each vertex was arrived at, by all agents or by one. During a walk as far as the log
+  /// has been told.
+  /// @{
+  [[nodiscard]] std::vector<std::uint64_t> visits();
+  [[nodiscard]] std::vector<std::uint64_t> visitsOf(std::uint64_t agent);
+  /// @}
+
   [[nodiscard]] std::uint64_t logBytes() const { return logBytes_; }
   [[nodiscard]] std::uint64_t compactBytes() const { return compactBytes_; }
 

@@ -35,6 +35,8 @@ struct NetworkCore {
   AdjacencyStore store;
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
+  /// Changes whenever the weight of an edge that was there before does.
+  std::uint64_t weightsRevision = 0;
   Shared<NetworkProperties> properties;
   /// The sizes that per-vertex and per-edge storage reports: fixed at construction, and for edges
   /// twice the number of edges whenever an insertion exceeds it. Memory follows by its own rules.

@@ -1,0 +1,276 @@
+#include "veq/agents/walkers.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <mutex>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "veq/agents/dynamic_agents_group.hpp"
+#include "veq/agents/internal/group_state.hpp"
+#include "veq/agents/internal/walks.hpp"
+#include "veq/base/internal/number_text.hpp"
+#include "veq/models/internal/random_source.hpp"
+#include "veq/network/internal/network_core.hpp"
+
+namespace veq {
+namespace {
+
+using internal::GroupAccess;
+using internal::GroupState;
+using internal::RandomSource;
+
+Error wrong(std::string text) { return {ErrorKind::kArgument, std::move(text)}; }
+
+template <class Number>
+std::string text(Number value) {
+  std::string digits;
+  internal::appendShortest(digits, value);
+  return digits;
+}
+
+std::string text(Uint128 value) {
+  std::string digits;
+  do {
+    digits.insert(digits.begin(), static_cast<char>('0' + static_cast<int>(value % 10)));
+    value /= 10;
+  } while (value != 0);
+  return digits;
+}
+
+std::uint64_t requireAgent(const GroupState& group, std::uint64_t agent) {
+  if (agent >= group.agents) throw std::out_of_range("The group has no agent of this number.");
+  return agent;
+}
+
+// "start 2: vertex 7 of 5"
+std::optional<Error> placeError(const char* what, std::span<const std::uint64_t> places,
+                                std::uint64_t vertices) {
+  const auto outside = std::find_if(places.begin(), places.end(),
+                                    [=](std::uint64_t place) { return place >= vertices; });
+  if (outside == places.end()) return std::nullopt;
+  return wrong(std::string(what) + " " + std::to_string(outside - places.begin()) + ": vertex " +
+               std::to_string(*outside) + " of " + std::to_string(vertices));
+}
+
+std::optional<Error> drawsError(RandomState* random, Uint128 draws) {
+  if (RandomSource(random).has(draws)) return std::nullopt;
+  return wrong("the substream has " + std::to_string(*random->drawsLeft()) + " draws left, not " +
+               text(draws));
+}
+
+Error noMemory() { return {ErrorKind::kMemory, "memory cannot hold the agents"}; }
+
+// One value for all is as good as one for each; none is `byDefault` for all.
+template <class T>
+std::optional<std::vector<T>> forEachAgent(const std::vector<T>& values, std::uint64_t agents,
+                                           std::optional<T> byDefault) {
+  if (values.empty() && byDefault) return std::vector<T>(agents, *byDefault);
+  if (values.size() == 1) return std::vector<T>(agents, values[0]);
+  if (values.size() != agents) return std::nullopt;
+  return values;
+}
+
+std::optional<Error> optionsError(const GroupState& group, const WalkOptions& options) {
+  if (!options.steps && !options.target) return wrong("neither steps nor target");
+  if (options.target && !(*options.target > 0.0 && *options.target <= 1.0)) {
+    return wrong("target " + text(*options.target) + ": give more than 0, up to 1");
+  }
+  if (!(options.restart >= 0.0 && options.restart <= 1.0)) {
+    return wrong("restart " + text(options.restart) + ": give 0 to 1");
+  }
+  if (options.paths && !options.steps) {
+    return Error(ErrorKind::kUnsupported, "paths without a number of steps");
+  }
+  if (options.paths && group.agents != 0 && *options.steps > UINT64_MAX / group.agents) {
+    return wrong("paths of 2^64 entries or more");
+  }
+  return placeError("agent", {group.positions.data(), group.agents},
+                    group.network->countVertices());
+}
+
+// Calls walk(choice) with the choice that is asked for.
+template <class Walk>
+auto withChoice(GroupState& group, Choice choice, Walk walk) {
+  if (choice == Choice::kEven) return walk(internal::EvenChoice());
+  if (choice == Choice::kWeighted) return walk(group.weightSums.choice());
+  return walk(internal::PublishedChoice());
+}
+
+template <class StartOf>
+Result<std::vector<std::uint64_t>> drawStarts(std::uint64_t agents, RandomState* random,
+                                              StartOf startOf) {
+  const Uint128 draws = Uint128{agents} * 2;
+  if (auto error = drawsError(random, draws)) return *error;
+  std::vector<std::uint64_t> starts(agents);
+  RandomState state = internal::StateAccess::make(RandomSource(random).take(draws));
+  for (std::uint64_t& start : starts) start = startOf(state);
+  return starts;
+}
+
+}  // namespace
+
+Walkers::Walkers(Shared<VEQNetworkAgentsGroup> published) {
+  if (!published) throw std::invalid_argument("There is no group of agents.");
+  const GroupState& group = GroupAccess::of(*published);
+  const auto* first = group.positions.data();
+  std::vector<std::uint64_t> starts(first, first + group.agents);
+  state_ = std::make_shared<const State>(State{std::move(published), std::move(starts)});
+}
+
+Result<Walkers> Walkers::at(const Network& network, std::span<const std::uint64_t> starts) {
+  if (auto error = placeError("start", starts, network.countVertices())) return *error;
+  Shared<VEQNetworkAgentsGroup> group = VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(
+      network.published(), VEQNumberArray::ofIndices(starts));
+  if (!group) return noMemory();
+  return Walkers(std::move(group));
+}
+
+Result<Walkers> Walkers::withMemory(const Network& network, std::span<const std::uint64_t> starts,
+                                    const MemoryOptions& memory) {
+  if (auto error = placeError("start", starts, network.countVertices())) return *error;
+  const std::string forAgents = " for " + std::to_string(starts.size()) + " agents";
+  const auto sizes = forEachAgent<std::uint64_t>(memory.sizes, starts.size(), std::nullopt);
+  if (!sizes) return wrong(std::to_string(memory.sizes.size()) + " memory sizes" + forAgents);
+  const auto errors = forEachAgent<float>(memory.errors, starts.size(), 0.0F);
+  if (!errors) return wrong(std::to_string(memory.errors.size()) + " errors" + forAgents);
+  for (std::size_t a = 0; a < starts.size(); ++a) {
+    if ((*sizes)[a] == 0) return wrong("agent " + std::to_string(a) + ": memory size 0");
+    const float error = (*errors)[a];
+    if (error >= 0.0F && error <= 1.0F) continue;
+    return wrong("agent " + std::to_string(a) + ": error " + text(error) + ", not 0 to 1");
+  }
+  if (memory.listeners && memory.listeners->countVertices() < starts.size()) {
+    return wrong(std::to_string(memory.listeners->countVertices()) + " listeners" + forAgents);
+  }
+  Shared<VEQNetworkAgentsGroup> group = VEQNetworkDynamicAgentsGroup::
+      initAtNetwork_initialVerticesIndices_agentsNetwork_agentsErrors_agentsMemory(
+          network.published(), VEQNumberArray::ofIndices(starts),
+          memory.listeners ? memory.listeners->published() : nullptr,
+          *VEQNumberArray::initWithFloatArray_count(errors->data(), errors->size()),
+          VEQNumberArray::ofIndices(*sizes));
+  if (!group) return noMemory();
+  return Walkers(std::move(group));
+}
+
+Result<std::vector<std::uint64_t>> Walkers::uniformStarts(const Network& network,
+                                                          std::uint64_t agents,
+                                                          RandomState* random) {
+  const std::uint64_t n = network.countVertices();
+  if (n == 0) return wrong("the network has no vertices");
+  return drawStarts(agents, random, [n](RandomState& state) { return state.nextBelow(n); });
+}
+
+Result<std::vector<std::uint64_t>> Walkers::startsByDegree(const Network& network,
+                                                           std::uint64_t agents,
+                                                           RandomState* random) {
+  const std::uint64_t n = network.countVertices();
+  // For each vertex the entries of all lists up to and with its own.
+  std::vector<std::uint64_t> entries(n);
+  std::uint64_t all = 0;
+  internal::CoreAccess::of(*network.published()).store.visit([&](const auto& topology) {
+    for (std::uint64_t v = 0; v < n; ++v) entries[v] = all += topology.out.count(v);
+  });
+  if (all == 0) return wrong("the network has no edges");
+  return drawStarts(agents, random, [&](RandomState& state) {
+    const auto vertex = std::upper_bound(entries.begin(), entries.end(), state.nextBelow(all));
+    return static_cast<std::uint64_t>(vertex - entries.begin());
+  });
+}
+
+Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
+  VEQNetworkAgentsGroup& published = *state_->published;
+  GroupState& group = GroupAccess::of(published);
+  if (auto error = optionsError(group, options)) return *error;
+  const internal::NetworkCore& core = internal::CoreAccess::of(*group.network);
+  if (options.choice == Choice::kWeighted) {
+    if (const auto edge = group.weightSums.prepare(core)) {
+      return wrong("edge " + std::to_string(*edge) + ": weight " +
+                   text((*core.edgesWeights)[*edge]));
+    }
+  }
+
+  internal::WalkRequest request;
+  request.returnPath = options.paths;
+  request.untilReach = options.target.value_or(0.0);
+  request.source = RandomSource(options.random);
+  request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)),
+                      state_->starts};
+  request.progress = &options.progress;
+  request.endless = !options.steps;
+  const Uint128 draws = drawsOfWalk(options).all();
+  if (options.steps) {
+    request.steps = *options.steps;
+    if (auto error = drawsError(options.random, draws)) return *error;
+  } else {
+    const auto left = options.random ? options.random->drawsLeft() : std::nullopt;
+    request.steps = left && draws != 0 ? static_cast<std::uint64_t>(*left / draws) : UINT64_MAX;
+  }
+  std::optional<internal::ArrivalRecord> arrivals;
+  if (options.firstArrivals) request.arrivals = &arrivals.emplace(group.network->countVertices());
+
+  std::vector<std::uint64_t> starts;
+  if (options.paths) starts = positions();
+  internal::DynamicState* const memories = GroupAccess::memoriesOf(published);
+  internal::WalkResult walked = withChoice(group, options.choice, [&](auto choice) {
+    return memories ? internal::walkWithMemory(group, *memories, request, choice)
+                    : internal::walkPlainly(group, request, choice);
+  });
+
+  WalkOutcome outcome;
+  const bool allSteps = walked.end == WalkEnd::kSteps;
+  outcome.end = allSteps && request.endless ? WalkEnd::kDraws : walked.end;
+  outcome.steps = walked.steps;
+  if (walked.paths) outcome.paths.emplace(std::move(*walked.paths), std::move(starts));
+  if (arrivals) outcome.firstArrivals = arrivals->takeSteps();
+  return outcome;
+}
+
+DrawCount Walkers::drawsOfWalk(const WalkOptions& options) const {
+  std::uint64_t purposes = GroupAccess::memoriesOf(*state_->published) ? 3 : 1;
+  if (options.restart > 0.0) ++purposes;
+  return DrawCount::of(Uint128{countAgents()} * options.steps.value_or(1) * purposes);
+}
+
+std::uint64_t Walkers::countAgents() const { return GroupAccess::of(*state_->published).agents; }
+
+std::vector<std::uint64_t> Walkers::positions() const {
+  const GroupState& group = GroupAccess::of(*state_->published);
+  return {group.positions.data(), group.positions.data() + group.agents};
+}
+
+std::vector<std::uint64_t> Walkers::visits() const {
+  GroupState& group = GroupAccess::of(*state_->published);
+  const std::lock_guard guard(group.historyLock);
+  return std::visit([](auto& history) { return history.visits(); }, group.history);
+}
+
+std::vector<std::uint64_t> Walkers::visits(std::uint64_t agent) const {
+  GroupState& group = GroupAccess::of(*state_->published);
+  requireAgent(group, agent);
+  const std::lock_guard guard(group.historyLock);
+  return std::visit([agent](auto& history) { return history.visitsOf(agent); }, group.history);
+}
+
+Shared<const VEQNumberArray> Walkers::liveVisits(std::uint64_t agent) const {
+  const GroupState& group = GroupAccess::of(*state_->published);
+  return state_->published->visitFrequencyOfVerticesForAgent(
+      static_cast<std::int64_t>(requireAgent(group, agent)));
+}
+
+std::vector<std::uint64_t> Walkers::remembered(std::uint64_t agent) const {
+  requireAgent(GroupAccess::of(*state_->published), agent);
+  std::vector<std::uint64_t> vertices;
+  if (const internal::DynamicState* dynamic = GroupAccess::memoriesOf(*state_->published)) {
+    std::visit(
+        [&](const auto& memories) {
+          memories.forEachRemembered(agent, [&](std::uint64_t v) { vertices.push_back(v); });
+        },
+        dynamic->memories);
+  }
+  return vertices;
+}
+
+}  // namespace veq
