@@ -87,7 +87,7 @@ std::optional<Error> optionsError(const GroupState& group, const WalkOptions& op
   if (options.paths && group.agents != 0 && *options.steps > UINT64_MAX / group.agents) {
     return wrong("paths of 2^64 entries or more");
   }
-  return placeError("agent", {group.positions.data(), group.agents},
+  return placeError("agent", std::span(group.positions.data(), group.agents),
                     group.network->countVertices());
 }
 

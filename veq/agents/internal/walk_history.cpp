@@ -271,7 +271,8 @@ std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word
   for (std::uint64_t j = 0; j < width; ++j) {
     if (histories[j].arrivals + steps > limits_.word) makeArrays(agent + j);
     const std::uint64_t compact = histories[j].compactBytes();
-    folder_.add(histories[j], {space.columns.data() + j * apart, steps}, space);
+    const std::span<const Word> moves(space.columns.data() + j * apart, steps);
+    folder_.add(histories[j], moves, space);
     compactBytes_ += histories[j].compactBytes() - compact;
     histories[j].counted = end;
   }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "veq/agents/internal/choice.hpp"
 #include "veq/base/internal/memory.hpp"
@@ -17,7 +18,9 @@ class WeightSums {
   /// std::bad_alloc where memory is lacking. O(n + m) where something is to be made.
   [[nodiscard]] std::optional<std::uint64_t> prepare(const NetworkCore& core);
 
-  [[nodiscard]] WeightedChoice choice() const { return {{entries_.data(), entries_.size()}}; }
+  [[nodiscard]] WeightedChoice choice() const {
+    return {std::span(entries_.data(), entries_.size())};
+  }
 
  private:
   bool isMade_ = false;
