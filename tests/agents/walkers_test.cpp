@@ -129,7 +129,7 @@ TEST(Walkers, WalkAsWorkedOutElsewhere) {
     EXPECT_EQ(outcome.end, WalkEnd::kSteps);
     EXPECT_EQ(outcome.steps, 12U);
     EXPECT_EQ(random, seeded(12).after(walkers.drawsOfWalk(options)));
-    const std::uint64_t purposes = (golden.memory ? 3 : 1) + (golden.restart > 0 ? 1 : 0);
+    const std::uint64_t purposes = (golden.memory ? 3U : 1U) + (golden.restart > 0 ? 1U : 0U);
     EXPECT_EQ(walkers.drawsOfWalk(options), DrawCount(24 * purposes));
   }
 }
