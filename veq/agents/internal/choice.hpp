@@ -36,7 +36,7 @@ inline constexpr std::uint64_t kExactChoices = std::uint64_t{1} << 22;
 
 /// Choices that depend on a list's length alone, by one of the functions above.
 ///
-/// Every choice answers for a list with the place of an entry in the zone of neighbours, or with 0,
+/// Every choice answers for a list with the place of an entry in the pool of neighbours, or with 0,
 /// where no list is, if there is none to take; and among() does where some vertices are to be left
 /// out, unless they are all that there is.
 template <auto kEntry>
@@ -66,7 +66,7 @@ using EvenChoice = CountingChoice<chooseEvenly>;
 
 /// The first entry whose weight together with those before it exceeds x times the sum of all.
 struct WeightedChoice {
-  /// For each place in the zone the weight of its entry, and the sum from its list's first entry.
+  /// For each place in the pool the weight of its entry, and the sum from its list's first entry.
   struct Entry {
     double sum;
     double weight;

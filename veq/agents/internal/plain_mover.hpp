@@ -6,6 +6,7 @@
 #include "veq/agents/internal/choice.hpp"
 #include "veq/agents/internal/tiles.hpp"
 #include "veq/agents/internal/walk_draws.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 
 namespace veq::internal {
@@ -19,7 +20,7 @@ class PlainMover {
   PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps,
              Choice choice, Restarts restarts)
       : rows_(lists.rows()),
-        neighbours_(lists.neighbourZone()),
+        neighbours_(lists.neighbourPool()),
         agents_(agents),
         choice_(choice),
         restarts_(restarts),
@@ -66,7 +67,7 @@ class PlainMover {
     for (std::uint64_t s = 0; s < steps; ++s, draws += agents_, moves += agents_) {
       for (std::uint64_t i = 0; i < some; ++i) {
         chosen[i] = choice_(rows_[positions[i]], draws[i]);
-        __builtin_prefetch(neighbours_ + chosen[i]);
+        prefetch(neighbours_ + chosen[i]);
       }
       for (std::uint64_t i = 0; i < some; ++i) {
         if constexpr (kRestarts) {
@@ -80,7 +81,7 @@ class PlainMover {
           continue;
         }
         const auto to = static_cast<Word>(neighbours_[chosen[i]]);
-        __builtin_prefetch(rows_ + to);
+        prefetch(rows_ + to);
         positions[i] = moves[i] = to;
       }
       if constexpr (kRestarts) restarts += agents_;

@@ -264,7 +264,7 @@ std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word
     const MoveRun<Word>& run = log_[r - logBegin_];
     const Word* row = run.first + agent;
     for (std::uint64_t s = 0; s < run.steps; ++s, row += agents_, ++column) {
-      __builtin_prefetch(row + kStepsAhead * agents_);  // mostly in the same block
+      prefetch(row + kStepsAhead * agents_);  // mostly in the same block
       for (std::uint64_t j = 0; j < width; ++j) column[j * apart] = row[j];
     }
   }
