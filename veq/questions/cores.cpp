@@ -1,7 +1,6 @@
 #include "veq/questions/cores.hpp"
 
-#include <algorithm>
-#include <utility>
+#include <cstdint>
 
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -17,9 +16,9 @@ using internal::Topology;
 
 namespace {
 
-// Takes away the vertex with the fewest edges again and again. Vertices stand in the order of how
-// many they have left; when one loses an edge, it changes places with the first of its like, which
-// makes it the last of those with one less.
+// For k = 0, 1, ... takes away the vertices that have k edges left, and those that this leaves with
+// as many. Each level looks at all vertices that are left, which together is no more than the sum
+// of all core numbers, and so than that of all degrees.
 template <class Index>
 class Peeling {
  public:
@@ -28,62 +27,68 @@ class Peeling {
         losers_(store, topology, internal::turned(direction)),
         left_(count_) {
     const SideLists<Index> lists(store, topology, direction);
-    std::uint64_t largest = 0;
     for (std::uint64_t v = 0; v < count_; ++v) {
       std::uint64_t degree = lists.count(v);
       lists.forEachNeighbour(v, [&](std::uint64_t other) { degree -= other == v; });
       left_[v] = static_cast<Index>(degree);
-      largest = std::max(largest, degree);
     }
-    order(largest);
+    remaining_.resize(count_);
+    for (std::uint64_t v = 0; v < count_; ++v) remaining_[v] = static_cast<Index>(v);
+    taken_.resize(count_);
   }
 
   std::vector<std::uint64_t> run() && {
     std::vector<std::uint64_t> cores(count_);
-    for (std::uint64_t i = 0; i < count_; ++i) {
-      const std::uint64_t v = order_[i];
-      cores[v] = left_[v];
-      losers_.forEachNeighbour(v, [&](std::uint64_t other) {
-        if (left_[other] > left_[v]) loseOne(other);
-      });
+    std::uint64_t done = 0;
+    for (std::uint64_t k = 0; done < count_; ++k) {
+      takeThoseWith(k);
+      for (; done < takenCount_; ++done) {
+        fetchAhead(done);
+        cores[taken_[done]] = k;
+        takeAway(taken_[done], k);
+      }
     }
     return cores;
   }
 
  private:
-  void order(std::uint64_t largest) {
-    firsts_ = Block<Index>(largest + 2);
-    for (std::uint64_t v = 0; v < count_; ++v) ++firsts_[left_[v] + 1u];
-    for (std::uint64_t d = 0; d < largest; ++d) {
-      firsts_[d + 1] = static_cast<Index>(firsts_[d + 1] + firsts_[d]);
+  void takeThoseWith(std::uint64_t k) {
+    std::uint64_t kept = 0;
+    for (std::uint64_t i = 0; i < remainingCount_; ++i) {
+      const Index v = remaining_[i];
+      if (left_[v] == k) taken_[takenCount_++] = v;
+      if (left_[v] > k) remaining_[kept++] = v;  // What has fewer was taken before.
     }
-    order_.resize(count_);
-    places_.resize(count_);
-    for (std::uint64_t v = 0; v < count_; ++v) {
-      places_[v] = firsts_[left_[v]]++;
-      order_[places_[v]] = static_cast<Index>(v);
-    }
-    // Back to where each begins.
-    for (std::uint64_t d = largest + 1; d > 0; --d) firsts_[d] = firsts_[d - 1];
-    firsts_[0] = 0;
+    remainingCount_ = kept;
   }
 
-  void loseOne(std::uint64_t vertex) {
-    const Index first = firsts_[left_[vertex]]++;
-    const Index place = places_[vertex];
-    const Index other = order_[first];
-    std::swap(order_[first], order_[place]);
-    places_[other] = place;
-    places_[vertex] = first;
-    --left_[vertex];
+  void takeAway(std::uint64_t vertex, std::uint64_t k) {
+    losers_.forEachNeighbour(vertex, [&](Index other) {
+      if (left_[other] > k && --left_[other] == k) taken_[takenCount_++] = other;
+    });
+  }
+
+  // The row of a vertex; the list of one that comes sooner, whose row was fetched before; and what
+  // the neighbours of one that comes still sooner have left, whose list was.
+  void fetchAhead(std::uint64_t i) const {
+    constexpr std::uint64_t kAhead = 4;
+    if (i + 3 * kAhead >= takenCount_) return;
+    for (const auto* lists : losers_.all()) {
+      lists->fetchRow(taken_[i + 3 * kAhead]);
+      lists->fetchNeighbours(taken_[i + 2 * kAhead]);
+      for (const Index neighbour : lists->neighbours(taken_[i + kAhead])) {
+        __builtin_prefetch(left_.data() + neighbour);
+      }
+    }
   }
 
   std::uint64_t count_;
   SideLists<Index> losers_;  // Who loses an edge when a vertex is taken away.
-  Block<Index> left_;        // How many edges each has left.
-  Block<Index> firsts_;      // Where the vertices with so many left begin in the order.
-  Block<Index> order_;
-  Block<Index> places_;
+  Block<Index> left_;        // How many edges each has left, or had when it was taken.
+  Block<Index> remaining_;   // Who was left when the level began.
+  std::uint64_t remainingCount_ = count_;
+  Block<Index> taken_;
+  std::uint64_t takenCount_ = 0;
 };
 
 }  // namespace
