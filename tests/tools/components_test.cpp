@@ -55,21 +55,20 @@ TEST(ComponentsCommand, WritesTheLargestWithItsWeights) {
             "1 0 1.500000\n1 2 3.500000\n");
 }
 
-TEST(ComponentsCommand, SplitsIntoFilesWithoutWeightsAndSaysSo) {
+TEST(ComponentsCommand, SplitsIntoFilesWithTheirWeights) {
   const TemporaryDirectory directory;
   const std::string file = directory.write("n.xnet", kNetwork);
   const std::string parts = directory.path("deep/parts");
   const ProgramRun run = runVeq({"components", file, "--split", parts, "--top", "0"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.errors, "veq: " + parts + ": 3 files written\nveq: " + parts +
-                            ": the weights are lost in these files\n");
-  EXPECT_EQ(
-      contentsOf(parts + "/component-0.xnet"),
-      "#vertices 3 nonweighted\n\"a\"\n\"c\"\n\"f\"\n#edges nonweighted directed\n1 0\n1 2\n");
+  EXPECT_EQ(run.errors, "veq: " + parts + ": 3 files written\n");
+  EXPECT_EQ(contentsOf(parts + "/component-0.xnet"),
+            "#vertices 3 nonweighted\n\"a\"\n\"c\"\n\"f\"\n#edges weighted directed\n"
+            "1 0 1.500000\n1 2 3.500000\n");
   EXPECT_EQ(contentsOf(parts + "/component-1.xnet"),
-            "#vertices 2 nonweighted\n\"b\"\n\"e\"\n#edges nonweighted directed\n1 0\n");
+            "#vertices 2 nonweighted\n\"b\"\n\"e\"\n#edges weighted directed\n1 0 2.500000\n");
   EXPECT_EQ(contentsOf(parts + "/component-2.xnet"),
-            "#vertices 1 nonweighted\n\"d\"\n#edges nonweighted directed\n");
+            "#vertices 1 nonweighted\n\"d\"\n#edges weighted directed\n");
 }
 
 TEST(ComponentsCommand, ADirectoryThatCannotBeMadeIsAFailure) {
@@ -95,7 +94,7 @@ TEST(ComponentsCommand, OldPartsAreToldApartFromNewOnes) {
   EXPECT_EQ(run.errors,
             "veq: " + parts +
                 ": has parts of an earlier split: 1 is replaced, 2 stay\nveq: " + parts +
-                ": 3 files written\nveq: " + parts + ": the weights are lost in these files\n");
+                            ": 3 files written\n");
   EXPECT_EQ(contentsOf(parts + "/component-3.xnet"), "old");
 }
 

@@ -2,8 +2,10 @@
 #include <iostream>
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <veq/veq.hpp>
@@ -29,8 +31,6 @@ struct Options {
   std::optional<std::size_t> format;
 };
 
-using Components = std::vector<Shared<VEQNetwork>>;
-
 constexpr auto kExamples = R"(  veq components network.xnet
       How many connected components the network has, and how large they are.
   veq components network.xnet --largest largest.xnet
@@ -38,8 +38,8 @@ constexpr auto kExamples = R"(  veq components network.xnet
   veq components network.xnet --split parts
       Also writes every component into the directory parts, which is made if it
       does not exist: component-0.xnet, component-1.xnet and so on, in the order
-      of their lowest vertices. These files do not keep weights, which is said;
-      parts of an earlier split that stay behind are said, too.
+      of their lowest vertices. Parts of an earlier split that are replaced or
+      stay behind are said.
   veq components network.xnet --format csv
       For other programs, as is --format json.
 
@@ -49,10 +49,17 @@ whatever the direction of its edges.)";
 /// How many components there are of each size, the largest first.
 using Sizes = std::map<std::uint64_t, std::uint64_t, std::greater<>>;
 
-Sizes sizesOf(const Components& components) {
+Sizes sizesOf(const ComponentLabels& components) {
   Sizes sizes;
-  for (const auto& component : components) ++sizes[component->countVertices()];
+  for (const std::uint64_t size : components.sizes) ++sizes[size];
   return sizes;
+}
+
+/// A part of the network, or what stopped it from being made, which can only be lack of memory.
+template <class T>
+T made(Result<T> result) {
+  if (!result) throw std::bad_alloc();
+  return std::move(result).value();
 }
 
 void printSizes(std::ostream& out, const VEQNetwork& network, std::uint64_t count,
@@ -116,22 +123,22 @@ void runComponents(const Options& options) {
   if (!options.largest.file.empty()) requireWritable(options.largest);
   const LoadedNetwork loaded = loadNetwork(options.input);
   const VEQNetwork& network = *loaded.network;
-  Components components;
-  watch("finding components", [&] { components = network.connectedSubNetworksArray(); });
+  const Network value(loaded.network);
+  ComponentLabels labels;
+  watch("finding components", [&] { labels = components(value); });
   std::ostream& out = reportFor(outputs);
-  answer(out, loaded.name, network, components.size(), sizesOf(components), options);
+  answer(out, loaded.name, network, labels.sizes.size(), sizesOf(labels), options);
   out.flush();
   if (!options.largest.file.empty()) {
-    Shared<VEQNetwork> largest;
-    watch("finding the largest component", [&] { largest = network.largestConnectedSubNetwork(); });
-    saveNetwork(largest, options.largest);
+    std::optional<Network> largest;
+    watch("making the largest component", [&] { largest = made(largestComponent(value)).network; });
+    saveNetwork(largest->published(), options.largest);
   }
   if (options.splitDirectory.empty()) return;
-  splitInto(options.splitDirectory, options.largest.to, components,
+  std::vector<DerivedNetwork> parts;
+  watch("making the components", [&] { parts = made(componentNetworks(value)); });
+  splitInto(options.splitDirectory, options.largest.to, parts,
             {options.input.file, options.largest.file});
-  if (network.isVertexWeighted() || network.isEdgeWeighted()) {
-    note(options.splitDirectory, "the weights are lost in these files");
-  }
 }
 
 }  // namespace

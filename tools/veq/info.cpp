@@ -153,7 +153,7 @@ void printInfo(const Options& options) {
                                    " vertices, and 1000 is the limit");
   }
   NetworkFacts facts;
-  watch("counting", [&] { facts = factsOf(network); });
+  watch("counting", [&] { facts = factsOf(Network(loaded.network)); });
   if (answer == Answer::kJson) dataOf(facts, loaded.name).writeJson(std::cout);
   if (answer == Answer::kCsv) dataOf(facts, loaded.name).writeCsv(std::cout);
   if (answer == Answer::kTable) printFacts(facts);

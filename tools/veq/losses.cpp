@@ -4,6 +4,7 @@
 #include <new>
 
 #include "differences.hpp"
+#include "reader.hpp"
 #include "text.hpp"
 
 namespace veq::tool {
@@ -75,7 +76,7 @@ std::vector<std::string> listNotes(const VEQNetwork& network, const VEQNetwork& 
 Losses lossesOf(const VEQNetwork& network, FileFormat format, const std::string& bytes) {
   ReadOptions options;
   options.format = format == FileFormat::kCsv ? FileFormat::kList : format;
-  const Reading reading = readNetworkText(bytes, options);
+  const Reading reading = reader::readNetworkText(bytes, options);
   if (!reading) {
     const ErrorKind kind = reading.error().kind();
     if (kind == ErrorKind::kMemory) throw std::bad_alloc();

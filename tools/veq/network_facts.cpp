@@ -1,8 +1,7 @@
 #include "network_facts.hpp"
 
 #include <algorithm>
-#include <iterator>
-#include <numeric>
+#include <utility>
 
 namespace veq::tool {
 namespace {
@@ -15,34 +14,6 @@ Vertices sortedNeighbours(const Shared<VEQNumberArray>& indices) {
   std::sort(neighbours.begin(), neighbours.end());
   return neighbours;
 }
-
-/// Sets of vertices that grow together.
-class Sets {
- public:
-  explicit Sets(std::uint64_t count) : parents_(count) {
-    std::iota(parents_.begin(), parents_.end(), std::uint64_t{0});
-  }
-
-  std::uint64_t rootOf(std::uint64_t vertex) {
-    while (parents_[vertex] != vertex) {
-      parents_[vertex] = parents_[parents_[vertex]];
-      vertex = parents_[vertex];
-    }
-    return vertex;
-  }
-
-  /// Whether they were apart.
-  bool join(std::uint64_t a, std::uint64_t b) {
-    a = rootOf(a);
-    b = rootOf(b);
-    // The lower index above, so that the same file always does the same work.
-    parents_[std::max(a, b)] = std::min(a, b);
-    return a != b;
-  }
-
- private:
-  Vertices parents_;
-};
 
 /// Counts what the out-list of one vertex tells.
 void countList(NetworkFacts& facts, std::uint64_t vertex, const Vertices& neighbours) {
@@ -59,32 +30,14 @@ void countList(NetworkFacts& facts, std::uint64_t vertex, const Vertices& neighb
   }
 }
 
-/// How many of a vertex's arcs to others have a reverse.
-std::uint64_t returned(std::uint64_t vertex, const Vertices& out, const Vertices& in) {
-  return static_cast<std::uint64_t>(std::count_if(out.begin(), out.end(), [&](std::uint64_t to) {
-    return to != vertex && std::binary_search(in.begin(), in.end(), to);
-  }));
-}
-
-void countTopology(NetworkFacts& facts, const VEQNetwork& network) {
-  Sets sets(facts.vertices);
-  facts.components = facts.vertices;
-  std::uint64_t withReverse = 0;
+void countTopology(NetworkFacts& facts, const Network& network) {
   for (std::uint64_t i = 0; i < facts.vertices; ++i) {
-    const Vertices out = sortedNeighbours(network.indicesOfVerticesLinkedFromVertexAtIndex(i));
-    countList(facts, i, out);
-    for (const std::uint64_t neighbour : out) facts.components -= sets.join(i, neighbour);
-    if (!facts.directed) continue;
-    withReverse +=
-        returned(i, out, sortedNeighbours(network.indicesOfVerticesLinkedToVertexAtIndex(i)));
+    countList(facts, i,
+              sortedNeighbours(network.published()->indicesOfVerticesLinkedFromVertexAtIndex(i)));
   }
-  const std::uint64_t arcs = facts.edges - facts.selfLoops;
-  if (facts.directed && arcs > 0) {
-    facts.reciprocity = static_cast<double>(withReverse) / static_cast<double>(arcs);
-  }
-  const auto n = static_cast<double>(facts.vertices);
-  const double pairs = facts.directed ? n * (n - 1) : n * (n - 1) / 2;
-  if (pairs > 0) facts.density = static_cast<double>(facts.edges) / pairs;
+  facts.components = components(network).sizes.size();
+  if (facts.vertices > 1) facts.density = density(network);
+  if (facts.directed && facts.edges > facts.selfLoops) facts.reciprocity = reciprocity(network);
 }
 
 std::optional<Spread> spreadOf(const Shared<VEQNumberArray>& numbers) {
@@ -149,15 +102,16 @@ std::vector<ColumnFact> columnsOf(const PropertyTable& table) {
 
 }  // namespace
 
-NetworkFacts factsOf(const VEQNetwork& network) {
+NetworkFacts factsOf(const Network& network) {
+  const VEQNetwork& published = *network.published();
   NetworkFacts facts;
   facts.directed = network.isDirected();
   facts.vertices = network.countVertices();
   facts.edges = network.countEdges();
   countTopology(facts, network);
-  measure(facts, network);
-  facts.vertexColumns = columnsOf(*network.propertiesOfVertices());
-  facts.edgeColumns = columnsOf(*network.propertiesOfEdges());
+  measure(facts, published);
+  facts.vertexColumns = columnsOf(*published.propertiesOfVertices());
+  facts.edgeColumns = columnsOf(*published.propertiesOfEdges());
   return facts;
 }
 

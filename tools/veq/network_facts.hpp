@@ -45,6 +45,6 @@ struct NetworkFacts {
 };
 
 /// O(n + m log d), d being the highest degree.
-[[nodiscard]] NetworkFacts factsOf(const VEQNetwork& network);
+[[nodiscard]] NetworkFacts factsOf(const Network& network);
 
 }  // namespace veq::tool

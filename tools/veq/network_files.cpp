@@ -11,6 +11,7 @@
 #include "format.hpp"
 #include "losses.hpp"
 #include "progress_line.hpp"
+#include "reader.hpp"
 #include "streams.hpp"
 #include "suggestions.hpp"
 #include "text.hpp"
@@ -67,7 +68,7 @@ Reading readWatched(const std::string& file, const std::string& name, ReadOption
   const std::string what = "reading " + printable(name);
   watch(
       [&](Elapsed elapsed, std::size_t width) { return workText(what, done, all, elapsed, width); },
-      [&] { reading = readNetwork(file, options); });
+      [&] { reading = reader::readNetwork(file, options); });
   return std::move(*reading);
 }
 

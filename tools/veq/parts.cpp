@@ -67,7 +67,7 @@ void noteOldParts(const std::string& directory, std::string_view suffix, std::ui
 }  // namespace
 
 void splitInto(const std::string& directory, std::optional<std::size_t> format,
-               const std::vector<Shared<VEQNetwork>>& networks,
+               const std::vector<DerivedNetwork>& networks,
                const std::vector<std::string>& notToTouch) {
   const std::string_view suffix =
       suffixOf(format ? static_cast<FileFormat>(*format) : FileFormat::kXnet);
@@ -79,7 +79,7 @@ void splitInto(const std::string& directory, std::optional<std::size_t> format,
   noteOldParts(directory, suffix, networks.size());
   for (std::size_t i = 0; i < networks.size(); ++i) {
     std::string file = directory + "/" + std::string(kPrefix) + std::to_string(i);
-    saveNetwork(networks[i], {file.append(suffix), format});
+    saveNetwork(networks[i].network.published(), {file.append(suffix), format});
   }
   note(directory, counted(networks.size(), "file", "files") + " written");
 }

@@ -15,7 +15,7 @@ namespace veq::tool {
 /// is there, and how many files it wrote. Failure where one of the files not to be touched would be
 /// overwritten, before anything is written.
 void splitInto(const std::string& directory, std::optional<std::size_t> format,
-               const std::vector<Shared<VEQNetwork>>& networks,
+               const std::vector<DerivedNetwork>& networks,
                const std::vector<std::string>& notToTouch);
 
 }  // namespace veq::tool
