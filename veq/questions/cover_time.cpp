@@ -7,11 +7,11 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
+#include "veq/natural/internal/complaints.hpp"
 #include "veq/questions/internal/elimination.hpp"
 #include "veq/questions/internal/walk_times.hpp"
 
@@ -192,9 +192,7 @@ CoverTime boundsFrom(const Matrix& matrix, std::uint64_t start, bool startCounts
 
 Result<CoverTime> WalkLaw::coverTime(std::uint64_t start, const CoverOptions& options) const {
   const std::uint64_t n = countVertices();
-  if (start >= n) {
-    throw std::out_of_range("vertex " + std::to_string(start) + " of " + std::to_string(n));
-  }
+  internal::requireVertex(start, n);
   if (n > kWithinBounds) {
     return Error(ErrorKind::kUnsupported,
                  "cover times of " + std::to_string(n) + " vertices: walk and take the mean");

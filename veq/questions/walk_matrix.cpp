@@ -11,11 +11,13 @@
 #include "veq/base/internal/number_text.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/base/internal/uint128.hpp"
+#include "veq/natural/internal/complaints.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq {
 namespace {
 
+using internal::argumentError;
 using internal::NetworkCore;
 using internal::Pace;
 
@@ -145,8 +147,6 @@ class RowWriter {
   std::vector<std::pair<std::uint64_t, std::uint64_t>>
       row_;  // targets, and numbers that lead there
 };
-
-Error argumentError(std::string text) { return {ErrorKind::kArgument, std::move(text)}; }
 
 template <class Number>
 std::string shortText(Number value) {

@@ -7,10 +7,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <stdexcept>
-#include <string>
 #include <vector>
 
+#include "veq/natural/internal/complaints.hpp"
 #include "veq/questions/internal/elimination.hpp"
 #include "veq/questions/internal/walk_times.hpp"
 
@@ -141,10 +140,7 @@ HittingTimes timesTo(const Matrix& matrix, const BackwardRows& backward, std::ui
 
 Result<HittingTimes> WalkLaw::hittingTimes(std::uint64_t target,
                                            const SolvingOptions& options) const {
-  if (target >= countVertices()) {
-    throw std::out_of_range("vertex " + std::to_string(target) + " of " +
-                            std::to_string(countVertices()));
-  }
+  internal::requireVertex(target, countVertices());
   return internal::untilSettled(options, [&]() -> Result<HittingTimes> {
     const internal::BackwardRows backward(rowStarts(), targets());
     internal::Pace pace(options.progress, std::max(countVertices(), options.mostRounds));

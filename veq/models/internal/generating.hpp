@@ -11,13 +11,11 @@
 #include "veq/base/internal/pace.hpp"
 #include "veq/models/internal/draw_blocks.hpp"
 #include "veq/models/model_networks.hpp"
+#include "veq/natural/internal/complaints.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
 
-[[nodiscard]] inline Error argumentError(std::string text) {
-  return {ErrorKind::kArgument, std::move(text)};
-}
 /// "p = 0.25", in the shortest form.
 [[nodiscard]] std::string namedNumber(const std::string& name, double value);
 [[nodiscard]] inline std::string namedNumber(const std::string& name, std::uint64_t value) {
