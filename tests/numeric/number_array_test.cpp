@@ -3,10 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cstdint>
 #include <limits>
 #include <new>
+#include <span>
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -116,12 +119,50 @@ TEST(NumberArrayConstruction, CountsThatNoMemoryHoldsAreBadAllocations) {
 
 TEST(NumberArrayConstruction, ShortFormsTakeTheirTypeFromTheirName) {
   EXPECT_EQ(VEQNumberArray().elementType(), ElementType::kDouble);
-  EXPECT_THAT(VEQNumberArray::ofIndices({3, 1}).values<std::uint64_t>(), ElementsAre(3U, 1U));
+  const auto indices = VEQNumberArray::ofIndices({3, 1});
+  EXPECT_THAT(indices.values<std::uint64_t>(), ElementsAre(3U, 1U));
+  const auto integers = VEQNumberArray::ofIntegers({-3});
+  EXPECT_THAT(integers.values<std::int64_t>(), ElementsAre(-3));
+  const auto floats = VEQNumberArray::ofFloats({0.5F});
+  EXPECT_THAT(floats.values<float>(), ElementsAre(0.5F));
+  const auto doubles = VEQNumberArray::ofDoubles({0.5});
+  EXPECT_THAT(doubles.values<double>(), ElementsAre(0.5));
+}
+
+TEST(NumberArrayConstruction, ShortFormsTakeVectorsArraysAndSpans) {
   const std::vector<std::uint64_t> indices = {4, 5};
-  EXPECT_THAT(VEQNumberArray::ofIndices(indices).values<std::uint64_t>(), ElementsAre(4U, 5U));
-  EXPECT_THAT(VEQNumberArray::ofIntegers({-3}).values<std::int64_t>(), ElementsAre(-3));
-  EXPECT_THAT(VEQNumberArray::ofFloats({0.5F}).values<float>(), ElementsAre(0.5F));
-  EXPECT_THAT(VEQNumberArray::ofDoubles({0.5}).values<double>(), ElementsAre(0.5));
+  EXPECT_THAT(VEQNumberArray::ofIndices(indices).toVector<std::uint64_t>(), ElementsAre(4U, 5U));
+  const std::array<std::int64_t, 2> integers = {-4, 5};
+  EXPECT_EQ(VEQNumberArray::ofIntegers(integers).elementType(), ElementType::kInteger);
+  EXPECT_THAT(VEQNumberArray::ofIntegers(integers).toVector<std::int64_t>(), ElementsAre(-4, 5));
+  const std::vector<float> floats = {0.5F, 0.25F};
+  EXPECT_EQ(VEQNumberArray::ofFloats(floats).elementType(), ElementType::kFloat);
+  EXPECT_THAT(VEQNumberArray::ofFloats(floats).toVector<float>(), ElementsAre(0.5F, 0.25F));
+  const std::vector<double> doubles = {0.1};
+  EXPECT_EQ(VEQNumberArray::ofDoubles(doubles).elementType(), ElementType::kDouble);
+  EXPECT_THAT(VEQNumberArray::ofDoubles(std::span(doubles)).toVector(), ElementsAre(0.1));
+  EXPECT_THAT(VEQNumberArray::ofDoubles(std::vector<double>()).toVector(), IsEmpty());
+}
+
+TEST(NumberArrayElements, AreReadAsAnyTypeByOneAccessor) {
+  const auto array = VEQNumberArray::ofDoubles({2.9, -1.5});
+  EXPECT_EQ(array.at(0), 2.9);
+  EXPECT_EQ(array.at<std::int64_t>(0), 2);  // truncated, as convertNumber says
+  EXPECT_EQ(array.at<std::int64_t>(1), -1);
+  EXPECT_EQ(array.at<float>(1), -1.5F);
+  EXPECT_EQ(VEQNumberArray::ofIndices({7}).at(0), 7.0);
+  EXPECT_THROW((void)array.at(2), std::out_of_range);
+  EXPECT_THROW((void)array.at(UINT64_MAX), std::out_of_range);
+}
+
+TEST(NumberArrayElements, AreCopiedAsAnyType) {
+  EXPECT_THAT(VEQNumberArray::ofDoubles({2.9, -1.5}).toVector<std::int64_t>(), ElementsAre(2, -1));
+  EXPECT_THAT(VEQNumberArray::ofIndices({7, 8}).toVector(), ElementsAre(7.0, 8.0));
+  double sum = 0;
+  for (const double value : VEQNumberArray::initWithDoubleScalar_count(1.5, 4)->toVector()) {
+    sum += value;
+  }
+  EXPECT_EQ(sum, 6.0);
 }
 
 TEST(NumberArrayElements, AreConvertedOnTheWayIn) {
@@ -266,8 +307,29 @@ TEST(NumberArrayStorage, UnsetElementsAreZeroAlsoWhereOldOnesLay) {
   EXPECT_THAT(array.values<std::uint64_t>(), ElementsAre(7U, 0U, 0U, 0U));
 }
 
-TEST(NumberArrayStorage, HasOnlyItsOwnType) {
-  EXPECT_THROW((void)VEQNumberArray().values<float>(), std::bad_variant_access);
+template <class T>
+std::string complaintAbout(const VEQNumberArray& array) {
+  try {
+    (void)array.values<T>();
+  } catch (const std::bad_variant_access& error) {
+    return error.what();
+  }
+  return "none";
+}
+
+TEST(NumberArrayStorage, HasOnlyItsOwnTypeAndSaysWhich) {
+  EXPECT_EQ(complaintAbout<double>(VEQNumberArray()), "none");
+  EXPECT_EQ(complaintAbout<float>(VEQNumberArray()), "The array holds doubles.");
+  EXPECT_EQ(complaintAbout<double>(VEQNumberArray::ofIntegers({1})), "The array holds integers.");
+  EXPECT_EQ(complaintAbout<double>(VEQNumberArray::ofFloats({1})), "The array holds floats.");
+  EXPECT_EQ(complaintAbout<double>(VEQNumberArray::ofIndices({1})),
+            "The array holds unsigned integers.");
+  try {
+    (void)VEQNumberArray::initWithFloatScalar_count(1.0F, 1)->values<double>();
+    FAIL();
+  } catch (const WrongElementType& error) {
+    EXPECT_EQ(error.held(), ElementType::kFloat);
+  }
 }
 
 TEST(NumberArraySubarray, KeepsTheElementType) {
@@ -297,7 +359,8 @@ TEST(NumberArrayValues, ACopyOfAFixedArrayIsEditable) {
 }
 
 TEST(NumberArrayValues, EmptyOnesHaveNothingToVisit) {
-  EXPECT_THAT(VEQNumberArray().values<double>(), IsEmpty());
+  const VEQNumberArray empty;
+  EXPECT_THAT(empty.values<double>(), IsEmpty());
 }
 
 }  // namespace

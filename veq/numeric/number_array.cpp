@@ -50,6 +50,20 @@ void copyOut(const VEQNumberArray& array, T* buffer, std::uint64_t count) {
 
 }  // namespace
 
+const char* WrongElementType::what() const noexcept {
+  switch (held_) {
+    case ElementType::kDouble:
+      return "The array holds doubles.";
+    case ElementType::kInteger:
+      return "The array holds integers.";
+    case ElementType::kFloat:
+      return "The array holds floats.";
+    case ElementType::kUnsignedInteger:
+      return "The array holds unsigned integers.";
+  }
+  return "The array holds numbers of another type.";
+}
+
 // The elements are copied outside the variant: GCC 12's library believes that a variant of vectors
 // always holds one, and destroys what is not there when a copy inside it runs out of memory.
 VEQNumberArray::VEQNumberArray(const VEQNumberArray& other)
@@ -69,12 +83,24 @@ VEQNumberArray VEQNumberArray::ofIntegers(std::initializer_list<std::int64_t> va
   return VEQNumberArray(RawVector<std::int64_t>(values));
 }
 
+VEQNumberArray VEQNumberArray::ofIntegers(std::span<const std::int64_t> values) {
+  return VEQNumberArray(RawVector<std::int64_t>(values.begin(), values.end()));
+}
+
 VEQNumberArray VEQNumberArray::ofFloats(std::initializer_list<float> values) {
   return VEQNumberArray(RawVector<float>(values));
 }
 
+VEQNumberArray VEQNumberArray::ofFloats(std::span<const float> values) {
+  return VEQNumberArray(RawVector<float>(values.begin(), values.end()));
+}
+
 VEQNumberArray VEQNumberArray::ofDoubles(std::initializer_list<double> values) {
   return VEQNumberArray(RawVector<double>(values));
+}
+
+VEQNumberArray VEQNumberArray::ofDoubles(std::span<const double> values) {
+  return VEQNumberArray(RawVector<double>(values.begin(), values.end()));
 }
 
 Owned<VEQNumberArray> VEQNumberArray::initWithDoubleScalar_count(double value,

@@ -56,6 +56,22 @@ using RawVector = std::vector<T, UninitialisedAllocator<T>>;
 
 }  // namespace internal
 
+/// What values() throws where another element type is asked for than the array holds. The text says
+/// which one it holds: "The array holds doubles.", "... integers.", "... floats." or "... unsigned
+/// integers."
+/// \ingroup values
+class VEQ_EXPORT WrongElementType final : public std::bad_variant_access {
+ public:
+  explicit WrongElementType(ElementType held) noexcept : held_(held) {}
+
+  /// What the array holds.
+  [[nodiscard]] ElementType held() const noexcept { return held_; }
+  [[nodiscard]] const char* what() const noexcept override;
+
+ private:
+  ElementType held_;
+};
+
 /// Numbers that go in or come out are converted by the rules of convertNumber. An array can be
 /// moved and copied as a value; published operations hand it out as Owned or Shared. Operations on
 /// one array need one thread at a time, except that any number of threads may read.
@@ -78,13 +94,17 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   }
 
   /// \name Arrays from values, for short programs
-  /// The element type is what the name says, indices being unsigned integers.
+  /// The element type is what the name says, indices being unsigned integers. A std::vector or
+  /// std::array of that type is a span, too.
   /// @{
   [[nodiscard]] static VEQNumberArray ofIndices(std::initializer_list<std::uint64_t> values);
   [[nodiscard]] static VEQNumberArray ofIndices(std::span<const std::uint64_t> values);
   [[nodiscard]] static VEQNumberArray ofIntegers(std::initializer_list<std::int64_t> values);
+  [[nodiscard]] static VEQNumberArray ofIntegers(std::span<const std::int64_t> values);
   [[nodiscard]] static VEQNumberArray ofFloats(std::initializer_list<float> values);
+  [[nodiscard]] static VEQNumberArray ofFloats(std::span<const float> values);
   [[nodiscard]] static VEQNumberArray ofDoubles(std::initializer_list<double> values);
+  [[nodiscard]] static VEQNumberArray ofDoubles(std::span<const double> values);
   /// @}
 
   /// An array over storage that the caller filled; the element type is T.
@@ -144,6 +164,12 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   /// std::out_of_range past the end.
   /// @{
   [[nodiscard]] Number numberAtIndex(std::uint64_t index) const;
+  /// The element as T, which is double, float, std::int64_t or std::uint64_t, whatever the array
+  /// holds, by the rules of convertNumber.
+  template <class T = double>
+  [[nodiscard]] T at(std::uint64_t index) const {
+    return numberAtIndex(index).as<T>();
+  }
   [[nodiscard]] std::int64_t integerValueAtIndex(std::uint64_t index) const;
   void setIntegerValue_atIndex(std::int64_t value, std::uint64_t index);
   /// @}
@@ -166,18 +192,38 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
 
   /// The elements in one block, in the array's own element type; writable whatever isEditable()
   /// says. The block moves only when the array grows.
-  [[nodiscard]] void* VEQ_dataPointer();
-  [[nodiscard]] const void* VEQ_dataPointer() const;
+  [[nodiscard]] void* VEQ_dataPointer() VEQ_LIFETIME_BOUND;
+  [[nodiscard]] const void* VEQ_dataPointer() const VEQ_LIFETIME_BOUND;
 
-  /// The same block with its type; std::bad_variant_access where T is not the element type.
+  /// A copy of the elements as T, which is double, float, std::int64_t or std::uint64_t, whatever
+  /// the array holds, by the rules of convertNumber. It owns itself, so that `for (double d :
+  /// network->calcDegrees()->toVector())` is right. O(n).
+  template <class T = double>
+  [[nodiscard]] std::vector<T> toVector() const {
+    std::vector<T> result(static_cast<std::size_t>(count()));
+    visit([&result](auto elements) {
+      for (std::size_t i = 0; i < elements.size(); ++i) result[i] = convertNumber<T>(elements[i]);
+    });
+    return result;
+  }
+
+  /// The same block with its type; WrongElementType, a std::bad_variant_access, where T is not the
+  /// element type. **It dies with the array**: of an operation that gives an array, keep the array
+  /// first. In C++20 `for (double d : network->calcDegrees()->values<double>())` reads freed
+  /// memory, for the array is gone before the loop begins; toVector() is right there. Asking an
+  /// array that is itself a temporary does not compile.
+  /// @{
   template <class T>
-  [[nodiscard]] std::span<T> values() {
-    return std::get<internal::RawVector<T>>(storage_);
+      [[nodiscard]] std::span<T> values() & VEQ_LIFETIME_BOUND {
+    return elements<T>(storage_);
   }
   template <class T>
-  [[nodiscard]] std::span<const T> values() const {
-    return std::get<internal::RawVector<T>>(storage_);
+  [[nodiscard]] std::span<const T> values() const& VEQ_LIFETIME_BOUND {
+    return elements<T>(storage_);
   }
+  template <class T>
+  std::span<const T> values() const&& = delete;
+  /// @}
 
   /// Calls f with the span of elements in the array's own type.
   template <class F>
@@ -188,6 +234,13 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
  private:
   using Storage = std::variant<internal::RawVector<double>, internal::RawVector<std::int64_t>,
                                internal::RawVector<float>, internal::RawVector<std::uint64_t>>;
+
+  template <class T, class Held>
+  auto& elements(Held& storage) const {
+    auto* const found = std::get_if<internal::RawVector<T>>(&storage);
+    if (found == nullptr) throw WrongElementType(elementType());
+    return *found;
+  }
 
   std::uint64_t doCount() const override;
   PropertyValue doGet(std::uint64_t index) const override;
