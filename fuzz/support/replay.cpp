@@ -1,9 +1,9 @@
 // Runs a target over inputs where there is no fuzzer: every compiler replays the corpus like this.
 // Of a file that ends in ".inputs" each line is an input, as scripts/corpus writes them; any other
 // file is one.
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <iterator>
 #include <optional>
 #include <string>
@@ -59,7 +59,7 @@ std::size_t replayLines(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   std::size_t number = 0;
   for (std::string line; std::getline(file, line);) {
-    std::fprintf(stderr, "%s:%zu\n", path.c_str(), ++number);
+    std::cerr << path.string() << ':' << ++number << '\n';
     const std::optional<std::string> input = inputOf(line);
     if (!input) return 0;
     run(*input);
@@ -68,7 +68,7 @@ std::size_t replayLines(const std::filesystem::path& path) {
 }
 
 std::size_t replayFile(const std::filesystem::path& path) {
-  std::fprintf(stderr, "%s\n", path.c_str());
+  std::cerr << path.string() << '\n';
   std::ifstream file(path, std::ios::binary);
   if (!file) return 0;
   run({std::istreambuf_iterator<char>(file), {}});

@@ -1,6 +1,6 @@
 /// \file
-/// What a compiler must be told before the rest can mean what it says. A header that nobody has ends
-/// the compilation with the one error that matters; hundreds would follow it.
+/// What a compiler must be told before the rest can mean what it says. A header that nobody has
+/// ends the compilation with the one error that matters; hundreds would follow it.
 #pragma once
 
 #if __cplusplus < 202002L

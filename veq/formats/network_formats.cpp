@@ -46,8 +46,7 @@ std::optional<NetworkDraft> readPajekText(std::string_view text) {
 std::optional<NetworkDraft> readPajekFile(std::string_view path) {
   Result<std::string> bytes = internal::readWholeFile(path);
   if (!bytes) return std::nullopt;
-  const std::optional<std::string> text =
-      internal::decodeAutomatically(std::move(bytes).value());
+  const std::optional<std::string> text = internal::decodeAutomatically(std::move(bytes).value());
   return text ? internal::readPajek(*text) : std::nullopt;
 }
 

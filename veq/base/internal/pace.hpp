@@ -10,8 +10,8 @@ namespace veq::internal {
 /// Thrown by Pace::reach() where the work is to stop; caught where the operation began.
 struct Stopped {};
 
-/// Follows one piece of work for its Progress. To be asked between pieces of a few milliseconds, not
-/// in hot loops.
+/// Follows one piece of work for its Progress. To be asked between pieces of a few milliseconds,
+/// not in hot loops.
 class Pace {
  public:
   Pace(const Progress& progress, std::uint64_t all) : progress_(progress), all_(all) {}
