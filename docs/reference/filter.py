@@ -6,10 +6,25 @@ declaration in the block, and any other comment for all that follow it without a
 another comment. A topic (`\\ingroup`) is meant for a whole block or class. Doxygen knows none of
 this, so here each declaration gets all of it. Left out are functions that are only defaulted or
 deleted, which say all about themselves, the members of iterators, and what is for the library's use.
+Constructors, and the members listed in plain_names, need no comment: they get one that is empty.
 """
 
+import pathlib
 import re
 import sys
+
+
+NAMES = pathlib.Path(__file__).with_name("plain_names").read_text(encoding="utf-8").splitlines()
+PLAIN_NAMES = {name for name in NAMES if name and not name.startswith("#")}
+
+
+def says_all(declaration, scope):
+    """Whether the name of what is declared says all that there is to say."""
+    head = declaration.split("(")[0].split("=")[0].split("{")[0].strip().rstrip(";")
+    if head.endswith("operator bool"):
+        return "operator bool" in PLAIN_NAMES
+    name = re.split(r"[\s&*]+", head)[-1]
+    return name in PLAIN_NAMES or (scope.kind == "class" and name == scope.name)
 
 
 def plain(line):
@@ -28,6 +43,7 @@ class Scope:
     def __init__(self, kind, topic=None, shown=True):
         self.kind, self.topic, self.shown = kind, topic, shown
         self.hides = False  # its contents
+        self.name = None  # of a class
 
     def inner(self, statement, comment):
         head = re.sub(r"^template <.*?> (?=class|struct)", "", statement)
@@ -37,6 +53,8 @@ class Scope:
             topic = topic_of(comment) or self.topic
             scope = Scope("class", topic, self.shown and head.startswith("struct"))
             scope.hides = head.startswith("class Iterator")
+            words = head.replace("VEQ_EXPORT", "").replace("[[nodiscard]]", "").split()
+            scope.name = words[1] if len(words) > 1 else None
             return scope
         return Scope("body", None, False)
 
@@ -142,6 +160,8 @@ class Filter:
                 print(sys.argv[1], whole[:70], "<<", " ".join(self.shared)[:90], file=sys.stderr)
             self.shared = self.shared if comment is self.shared else self.comment
             topic = next((b.topic for b in self.blocks[::-1] if b.topic), scope.topic)
+            if not comment and says_all(whole, scope):
+                comment = ["&zwnj;"]
             if comment and topic and not topic_of(comment):
                 comment = comment + ["", "\\ingroup " + topic]
             yield from ("/// " + line for line in comment)
