@@ -14,8 +14,6 @@
 namespace veq::internal {
 namespace {
 
-bool isLetter(char byte) { return lowerAscii(byte) >= 'a' && lowerAscii(byte) <= 'z'; }
-
 /// Printable ASCII; everything else, and what would end a string, as numbers of characters.
 void appendGml(std::string& out, std::string_view text) {
   if (!isValidUtf8(text)) return appendGml(out, utf8FromLatin1(text));

@@ -13,8 +13,6 @@ bool beginsWith(std::string_view text, std::string_view beginning) {
   return sameWord(text.substr(0, beginning.size()), beginning);
 }
 
-bool isLetter(char byte) { return lowerAscii(byte) >= 'a' && lowerAscii(byte) <= 'z'; }
-
 /// GML begins with keys and their values, of which one is "graph" with a list.
 bool isGml(std::string_view text) {
   LineReader lines(text);

@@ -148,6 +148,9 @@ class LineCursor {
 [[nodiscard]] constexpr char lowerAscii(char byte) {
   return byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte - 'A' + 'a') : byte;
 }
+[[nodiscard]] constexpr bool isLetter(char byte) {
+  return lowerAscii(byte) >= 'a' && lowerAscii(byte) <= 'z';
+}
 [[nodiscard]] constexpr bool sameWord(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
   for (std::size_t i = 0; i < a.size(); ++i) {
