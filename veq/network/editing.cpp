@@ -70,14 +70,15 @@ void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
 void VEQNetwork::addEdgesFromVerticesIndices_toVerticesIndices_count(const std::uint64_t* from,
                                                                      const std::uint64_t* to,
                                                                      std::uint64_t count) {
-  EdgeEnds edges{{from, count}, {to, count}};
+  const auto size = static_cast<std::size_t>(count);
+  EdgeEnds edges{{from, size}, {to, size}};
   requireVertices(edges, countVertices());
   internal::RawVector<std::uint64_t> kept;
   if (lieIn(core_->properties->edges, edges.from) || lieIn(core_->properties->edges, edges.to)) {
-    kept.reserve(2 * count);
-    kept.insert(kept.end(), from, from + count);
-    kept.insert(kept.end(), to, to + count);
-    edges = {{kept.data(), count}, {kept.data() + count, count}};
+    kept.reserve(2 * size);
+    kept.insert(kept.end(), from, from + size);
+    kept.insert(kept.end(), to, to + size);
+    edges = {{kept.data(), size}, {kept.data() + size, size}};
   }
 
   const std::uint64_t edgesAfter = countEdges() + count;
