@@ -74,8 +74,8 @@ class Peeling {
     constexpr std::uint64_t kAhead = 4;
     if (i + 3 * kAhead >= takenCount_) return;
     for (const auto* lists : losers_.all()) {
-      lists->fetchRow(taken_[i + 3 * kAhead]);
-      lists->fetchNeighbours(taken_[i + 2 * kAhead]);
+      lists->prefetchRow(taken_[i + 3 * kAhead]);
+      lists->prefetchNeighbours(taken_[i + 2 * kAhead]);
       for (const Index neighbour : lists->neighbours(taken_[i + kAhead])) {
         __builtin_prefetch(left_.data() + neighbour);
       }
