@@ -231,8 +231,8 @@ TEST(WalkHistoryThreads, ArraysMayBeAskedForWhileTheLogIsFolded) {
   }
 }
 
-// Where totals are out, what is left to do at the end of a walk takes milliseconds. Who asks for the
-// progress in that time, now and then, is answered again and again, and not when all is over.
+// Where totals are out, what is left to do at the end of a walk takes milliseconds. Who asks for
+// the progress in that time, now and then, is answered again and again, and not when all is over.
 TEST(WalkHistoryThreads, NobodyWaitsForTheProgressWhileArraysAreBroughtUpToDate) {
   constexpr std::int64_t kSteps = 3;
   constexpr std::uint64_t kVertices = 4000000;

@@ -91,10 +91,9 @@ TEST(ComponentsCommand, OldPartsAreToldApartFromNewOnes) {
   }
   const ProgramRun run = runVeq({"components", file, "--split", parts, "--top", "0"});
   EXPECT_EQ(run.exitCode, 0);
-  EXPECT_EQ(run.errors,
-            "veq: " + parts +
-                ": has parts of an earlier split: 1 is replaced, 2 stay\nveq: " + parts +
-                            ": 3 files written\n");
+  EXPECT_EQ(run.errors, "veq: " + parts +
+                            ": has parts of an earlier split: 1 is replaced, 2 stay\nveq: " +
+                            parts + ": 3 files written\n");
   EXPECT_EQ(contentsOf(parts + "/component-3.xnet"), "old");
 }
 

@@ -19,10 +19,8 @@ namespace veq {
 enum class WalkEnd : std::uint8_t {
   kSteps,    ///< All steps were made.
   kTarget,   ///< The target was met.
-  kStopped,  ///< Its StopToken asked for it; the last step was made by all
-             // /< agents.
-  kStuck,    ///< Nobody can ever move again, and there is no number of steps to be
-             // /< made in place.
+  kStopped,  ///< Its StopToken asked for it; all agents made the last step.
+  kStuck,    ///< Nobody can ever move again, and no number of steps was asked for.
   kDraws,    ///< The substream has too few draws left for another step.
 };
 
@@ -33,7 +31,9 @@ inline constexpr std::uint64_t kNever = std::numeric_limits<std::uint64_t>::max(
 /// How many vertices had been arrived at after a step.
 /// \ingroup walks
 struct Coverage {
+  /// From 1.
   std::uint64_t step = 0;
+  /// How many had been arrived at by then.
   std::uint64_t vertices = 0;
 
   friend bool operator==(const Coverage&, const Coverage&) = default;
@@ -50,8 +50,11 @@ class VEQ_EXPORT WalkPaths {
   WalkPaths(VEQVertexPaths published, std::vector<std::uint64_t> starts)
       : published_(std::move(published)), starts_(std::move(starts)) {}
 
+  /// Their numbers.
+  /// @{
   [[nodiscard]] std::uint64_t countAgents() const { return published_.count(); }
   [[nodiscard]] std::uint64_t countSteps() const { return published_.countSteps(); }
+  /// @}
 
   /// Where the agent stood before the first step. std::out_of_range.
   [[nodiscard]] std::uint64_t start(std::uint64_t agent) const { return starts_.at(agent); }
@@ -81,6 +84,7 @@ class VEQ_EXPORT WalkPaths {
 /// What Walkers::walk() gives.
 /// \ingroup walks
 struct VEQ_EXPORT WalkOutcome {
+  /// Why the walk ended.
   WalkEnd end = WalkEnd::kSteps;
   /// That all agents have made.
   std::uint64_t steps = 0;

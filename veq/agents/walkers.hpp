@@ -110,6 +110,7 @@ class VEQ_EXPORT Walkers {
   /// How many draws walk() takes, or would take for one step if no number of steps is given.
   [[nodiscard]] DrawCount drawsOfWalk(const WalkOptions& options) const;
 
+  /// How many there are, which never changes.
   [[nodiscard]] std::uint64_t countAgents() const;
   /// Where they stand.
   [[nodiscard]] std::vector<std::uint64_t> positions() const;

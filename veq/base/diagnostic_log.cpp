@@ -1,10 +1,12 @@
 #include "veq/base/diagnostic_log.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <limits>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <utility>
 
 namespace veq {
@@ -26,7 +28,9 @@ struct Log {
 };
 
 Log& sharedLog() {
-  static Log& log = *new Log;
+  // In memory of its own, so that the first line takes none.
+  alignas(Log) static std::byte memory[sizeof(Log)];
+  static Log& log = *new (memory) Log;
   return log;
 }
 

@@ -78,8 +78,8 @@ NetworkDraft draftOfNames(const std::vector<std::string_view>& names, RawVector<
   draft.from = std::move(from);
   draft.to = std::move(to);
   draft.directed = directed;
-  draft.properties.vertices.set("Name", std::make_shared<GenericArray>(
-                                           std::vector<PropertyValue>(names.begin(), names.end())));
+  draft.properties.vertices.set("Name", std::make_shared<GenericArray>(std::vector<PropertyValue>(
+                                            names.begin(), names.end())));
   return draft;
 }
 

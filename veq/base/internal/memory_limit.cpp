@@ -53,7 +53,8 @@ std::uint64_t memoryLimit() {
 std::uint64_t controlGroupLimit(const std::string& list, const std::string& mount) {
   std::uint64_t limit = UINT64_MAX;
   std::ifstream lines(list);
-  // A line is "number:controllers:group"; version 2 has one hierarchy, without names of controllers.
+  // A line is "number:controllers:group"; version 2 has one hierarchy, without names of
+  // controllers.
   for (std::string line; std::getline(lines, line);) {
     const std::size_t first = line.find(':');
     const std::size_t second = first == std::string::npos ? first : line.find(':', first + 1);

@@ -95,7 +95,7 @@ void PajekEdges::finish(NetworkDraft& draft, ReadContext& context, unsigned mixe
   if (hasLayers_) {
     layers_.resize(count(), 0);
     draft.properties.edges.set("Layer", std::make_shared<VEQNumberArray>(RawVector<std::int64_t>(
-                                           layers_.begin(), layers_.end())));
+                                            layers_.begin(), layers_.end())));
   }
   // Pajek writes a weight behind every line, also where none means anything.
   if (weights_.differsFromOne()) weights_.finish(draft, context, roundedCode);

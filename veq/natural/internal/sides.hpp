@@ -11,8 +11,8 @@
 
 namespace veq::internal {
 
-/// The sides on which the edges of a direction stand, one after the other. Undirected edges stand in
-/// the out-lists alone, whichever way is meant.
+/// The sides on which the edges of a direction stand, one after the other. Undirected edges stand
+/// in the out-lists alone, whichever way is meant.
 [[nodiscard]] inline std::span<const AdjacencyStore::Side> sidesOf(const AdjacencyStore& store,
                                                                    Direction direction) {
   using Side = AdjacencyStore::Side;

@@ -143,7 +143,7 @@ class Partition {
   // Whether the edge leads from one component to another.
   template <class Index>
   static bool crosses(std::uint64_t edge, const Components<Index>& components,
-                    const Topology<Index>& topology, Between between) {
+                      const Topology<Index>& topology, Between between) {
     return between == Between::kEdges &&
            components.of(topology.from[edge]) != components.of(topology.to[edge]);
   }
