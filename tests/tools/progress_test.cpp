@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -127,16 +128,47 @@ TEST(ProgressLine, ShowsABarWhereThereIsRoomAndElseWholeNumbersAlone) {
   EXPECT_EQ(narrow.find('['), std::string::npos);
 }
 
-TEST(ProgressLine, IsGoneAfterAnInterrupt) {
-  TerminalRun run(kLongWalk, 60);
+TEST(ProgressLine, GivesWayToWhatWasWalkedAfterAnInterrupt) {
+  const TemporaryDirectory directory;
+  const std::string old = directory.write("old.xnet", "old");
+  std::vector<std::string> arguments = kLongWalk;
+  arguments.insert(arguments.end(), {"--output", old});
+  TerminalRun run(arguments, 60);
   run.readUntil(" left");
   run.type('\x03');
   const std::string all = run.readUntil("nothing more");
-  // Blanks over the last line.
-  EXPECT_TRUE(std::regex_search(all, std::regex("\r {30,59}\r$"))) << all.substr(all.size() - 80);
+  EXPECT_TRUE(std::regex_search(
+      all,
+      std::regex("\r {30,59}\r(\\^C)?network  [^\r]*\r\n"
+                 "agents   2, agent i starting at vertex i\r\n"
+                 "memory   none\r\n"
+                 "walk     [1-9][0-9]* of at most 1000000000000 steps each, interrupted, choice "
+                 "published, seed 1\r\n"
+                 "reached  34 of 34 vertices \\(100.00 %\\)\r\n"
+                 "veq: [^\r]*old.xnet: not written, as the walk was interrupted\r\n$")))
+      << all.substr(all.size() - std::min<std::size_t>(all.size(), 600));
+  EXPECT_EQ(contentsOf(old), "old");
   const int status = run.status();
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(WTERMSIG(status), SIGINT);
+}
+
+TEST(ProgressLine, ShowsTheReachWhereThatIsTheTarget) {
+  const TemporaryDirectory directory;
+  // Nobody ever comes to vertex 2.
+  const std::string file = directory.write("n.xnet", "#vertices 3\n#edges\n0 1\n");
+  TerminalRun run({"walk", file, "--agents", "1", "--until-reach", "0.9", "--top", "0"}, 100);
+  run.readUntil("/s");
+  run.type('\x03');
+  const std::string all = run.readUntil("nothing more");
+  // 2/3 of 9/10 are 17 of 24 places in the bar.
+  EXPECT_TRUE(std::regex_search(all, std::regex("\r\\[#{17}-{7}\\] 66\\.7 % of 90 % reached, "
+                                                "[0-9.]+( [kMG])? steps, [0-9.]+( [kMG])?/s")))
+      << all;
+  EXPECT_EQ(all.find(" left"), std::string::npos);
+  EXPECT_NE(all.find("\r\nreached  2 of 3 vertices (66.67 %), less than was asked for\r\n"),
+            std::string::npos);
+  EXPECT_TRUE(WIFSIGNALED(run.status()));
 }
 
 TEST(ProgressLine, TellsWhatTakesLongBeforeTheResultStandsInItsPlace) {

@@ -67,7 +67,7 @@ TEST(WalkArguments, SeedsAre32BitNumbers) {
 TEST(WalkArguments, TheTargetIsAShareAbove0) {
   EXPECT_EQ(walkWith({"--until-reach", "1"}).exitCode, 0);
   for (const std::string value :
-       {"nan", "inf", "-0.5", "1.5", "99%", "0x1p-1", "1e-60", "", "0", "-0", "0.0"}) {
+       {"nan", "inf", "-0.5", "1.5", "99%", "0x1p-1", "1e-400", "", "0", "-0", "0.0"}) {
     expectWrongUsage("--until-reach", value, "needs a number above 0 and up to 1, not " + value);
   }
 }
@@ -135,6 +135,16 @@ TEST(WalkArguments, OutputsMustBeFilesOfTheirOwn) {
   EXPECT_EQ(runVeq({"walk", "-", "--agents", "1", "--steps", "1", "--start", "-"}).errors,
             "veq: --start and FILE are both standard input" + help);
   EXPECT_EQ(directory.names(), (std::vector<std::string>{"n.xnet", "starts.csv"}));
+}
+
+TEST(WalkArguments, PathsNeedANumberOfSteps) {
+  const ProgramRun run =
+      runVeq({"walk", kKarate, "--agents", "1", "--until-reach", "0.1", "--paths", "never.csv"});
+  EXPECT_EQ(run.exitCode, 2);
+  EXPECT_EQ(run.errors, "veq: --paths needs --steps (see veq walk --help)\n");
+  expectWrongUsage("--choice", "odd", "needs published, even or weighted, not odd");
+  expectWrongUsage("--restart", "1.5", "needs a number from 0 to 1, not 1.5");
+  expectWrongUsage("--substream", "4194304", "needs a whole number from 0 to 4194303, not 4194304");
 }
 
 TEST(WalkArguments, OutputsThatCannotBeWrittenAreRefusedBeforeTheWalk) {

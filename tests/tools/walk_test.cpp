@@ -360,7 +360,9 @@ TEST(WalkCommand, AnswersOtherPrograms) {
                 "  \"untilReach\": null,\n"
                 "  \"interrupted\": false,\n"
                 "  \"choice\": \"published\",\n"
+                "  \"restart\": 0,\n"
                 "  \"seed\": 1,\n"
+                "  \"substream\": null,\n"
                 "  \"reached\": 2,\n"
                 "  \"visits\": [\n"
                 "    {\n"
@@ -383,6 +385,100 @@ TEST(WalkCommand, PathsToStandardOutputPutTheTableAside) {
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.output, "agent,step,index,name\n0,0,0,0\n0,1,1,1\n0,2,0,0\n");
   EXPECT_EQ(run.errors.substr(0, 9), "network  ");
+}
+
+/// The lines behind the first one of a walk that needs no luck, on a directed ring of three.
+std::string onRing(const std::vector<std::string>& more) {
+  const TemporaryDirectory directory;
+  std::vector<std::string> arguments{
+      "walk",     directory.write("ring.xnet", "#vertices 3\n#edges directed\n0 1\n1 2\n2 0\n"),
+      "--agents", "1",
+      "--seed",   "5"};
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  const ProgramRun run = runVeq(arguments);
+  EXPECT_EQ(run.exitCode, 0) << run.errors;
+  return run.output.substr(run.output.find('\n') + 1);
+}
+
+TEST(WalkCommand, NeedsNoNumberOfStepsWhereItHasATarget) {
+  // Arrivals at 1, 2 and 0.
+  EXPECT_EQ(onRing({"--until-reach", "1", "--top", "0"}),
+            "agents   1, agent i starting at vertex i\n"
+            "memory   none\n"
+            "walk     3 steps, until reaching 100.00 %, choice published, seed 5\n"
+            "reached  3 of 3 vertices (100.00 %)\n");
+}
+
+TEST(WalkCommand, WritesHowManyVerticesWereReachedByWhen) {
+  const TemporaryDirectory directory;
+  const std::string coverage = directory.path("coverage.csv");
+  onRing({"--steps", "9", "--coverage", coverage});
+  EXPECT_EQ(contentsOf(coverage), "step,vertices\n1,1\n2,2\n3,3\n");
+}
+
+TEST(WalkCommand, GoesBackToTheStartByChance) {
+  // Always: each step is an arrival at vertex 1.
+  EXPECT_EQ(onRing({"--steps", "4", "--start", "1", "--restart", "1", "--top", "1"}),
+            "agents   1, starting at 1\n"
+            "memory   none\n"
+            "walk     4 steps, choice published, restart 1, seed 5\n"
+            "reached  1 of 3 vertices (33.33 %)\n"
+            "\n"
+            "vertex  out-degree  in-degree  visits     share\n"
+            "1                1          1       4  100.00 %\n");
+}
+
+TEST(WalkCommand, ChoosesByWeightsWhereAsked) {
+  const TemporaryDirectory directory;
+  // Of three ways from vertex 0 one alone has a weight.
+  const std::string file = directory.write("n.xnet",
+                                           "#vertices 4\n#edges weighted directed\n0 1 0\n0 2 7\n"
+                                           "0 3 0\n1 0 1\n2 0 1\n3 0 1\n");
+  const ProgramRun run = runVeq({"walk", file, "--agents", "1", "--steps", "100", "--seed", "3",
+                                 "--choice", "weighted", "--format", "csv"});
+  EXPECT_EQ(run.exitCode, 0);
+  EXPECT_EQ(run.output,
+            "index,name,outDegree,inDegree,visits,share\n"
+            "0,0,3,3,50,0.5\n"
+            "2,2,1,1,50,0.5\n"
+            "1,1,1,1,0,0\n"
+            "3,3,1,1,0,0\n");
+  EXPECT_NE(run.errors.find(", choice weighted, seed 3\n"), std::string::npos);
+
+  const std::string bad = directory.write("bad.xnet", "#vertices 2\n#edges weighted\n0 1 -1\n");
+  const ProgramRun refused =
+      runVeq({"walk", bad, "--agents", "1", "--steps", "1", "--choice", "weighted"});
+  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.errors, "veq: " + bad + ": edge 0: weight -1\n");
+}
+
+TEST(WalkCommand, DrawsStartsWhereAsked) {
+  const TemporaryDirectory directory;
+  // Vertex 2 has no edge, so that nobody starts there by degree; each alike somebody does, but for
+  // a chance of (2 / 3)^200.
+  const std::string file = directory.write("n.xnet", "#vertices 3\n#edges\n0 1\n");
+  const auto startsAt2 = [&](const std::string& start) {
+    const ProgramRun run = runVeq({"walk", file, "--agents", "200", "--steps", "1", "--seed", "1",
+                                   "--start", start, "--paths", "-", "--top", "0"});
+    EXPECT_EQ(run.exitCode, 0);
+    return run.output.find(",0,2,2\n") != std::string::npos;
+  };
+  EXPECT_FALSE(startsAt2("degree"));
+  EXPECT_TRUE(startsAt2("uniform"));
+}
+
+TEST(WalkCommand, SubstreamsOfOneSeedAreWalksOfTheirOwn) {
+  const auto visitsWith = [](const std::vector<std::string>& more) {
+    std::vector<std::string> arguments{"walk", kLesMis,  "--agents", "20",       "--steps",
+                                       "50",   "--seed", "4",        "--format", "csv"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return runVeq(arguments).output;
+  };
+  const std::string plain = visitsWith({});
+  EXPECT_EQ(visitsWith({"--substream", "0"}), plain);
+  const std::string third = visitsWith({"--substream", "3"});
+  EXPECT_NE(third, plain);
+  EXPECT_EQ(visitsWith({"--substream", "3"}), third);
 }
 
 TEST(WalkCommand, TellsTheSeedThatItChoseSoThatTheWalkCanBeRepeated) {

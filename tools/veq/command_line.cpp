@@ -18,6 +18,7 @@ struct OptionRecord {
   std::string name;
   std::string needs;  // empty for arguments without a dash
   bool required = false;
+  std::string requiredUnless;  // an option that makes it needless
   std::function<void(const std::string&)> read;
   std::vector<std::string> texts;
 };
@@ -47,7 +48,7 @@ CLI::Option* addOption(CommandRecord& command, const std::string& name, const st
                        bool required, std::function<void(const std::string&)> read,
                        const std::string& description) {
   command.options.push_back(
-      std::make_unique<OptionRecord>(OptionRecord{name, needs, required, std::move(read), {}}));
+      std::make_unique<OptionRecord>(OptionRecord{name, needs, required, {}, std::move(read), {}}));
   OptionRecord* const record = command.options.back().get();
   const auto collect = [record](const CLI::results_t& texts) {
     record->texts = texts;
@@ -123,11 +124,17 @@ std::string surplusReason(const CommandRecord& command, const std::string& argum
   return "there is no option " + option + meant(option, namesOfOptions(command));
 }
 
+bool isMissing(const OptionRecord& option, const CLI::App& app) {
+  if (app.count(option.name) > 0) return false;
+  return option.required ||
+         (!option.requiredUnless.empty() && app.count(option.requiredUnless) == 0);
+}
+
 /// What is missing, all of it; empty where nothing is.
-std::string missingReason(const CommandRecord& command, const CLI::App& app) {
+std::string missingReason(const CommandRecord& command) {
   std::string reason;
   for (const auto& option : command.options) {
-    if (!option->required || app.count(option->name) > 0) continue;
+    if (!isMissing(*option, *command.app)) continue;
     if (!reason.empty()) reason += "; ";
     reason += option->name + (option->needs.empty() ? " is missing" : " needs " + option->needs);
   }
@@ -152,7 +159,7 @@ std::string reasonOf(CommandRecord& root, const std::vector<std::string>& argume
       if (name != argument && name[0] == '-') return name + " takes no value";
     }
   }
-  const std::string missing = missingReason(command, *command.app);
+  const std::string missing = missingReason(command);
   return missing.empty() ? error.what() : missing;
 }
 
@@ -180,6 +187,9 @@ std::vector<std::string> plainArguments(int argc, char** argv) {
 }
 
 void readValues(const CommandRecord& command) {
+  if (const std::string missing = missingReason(command); !missing.empty()) {
+    throw WrongUsage(missing);
+  }
   for (const auto& option : command.options) {
     if (option->texts.size() > 1) throw WrongUsage(option->name + " is given twice");
     if (!option->texts.empty()) option->read(option->texts[0]);
@@ -241,13 +251,14 @@ void Command::addWholeNumber(const std::string& option, std::uint64_t& target, s
 
 void Command::addWholeNumber(const std::string& option, std::optional<std::uint64_t>& target,
                              std::uint64_t least, std::uint64_t most,
-                             const std::string& description) {
+                             const std::string& description, const std::string& requiredUnless) {
   addWholeNumberTo(
       *record_, option, {least, most}, false, [&target](std::uint64_t value) { target = value; },
       description);
+  record_->options.back()->requiredUnless = requiredUnless;
 }
 
-void Command::addShare(const std::string& option, bool aboveZero, std::optional<float>& target,
+void Command::addShare(const std::string& option, bool aboveZero, std::optional<double>& target,
                        const std::string& description) {
   const auto read = [option, aboveZero, &target](const std::string& text) {
     const auto value = readShare(text);

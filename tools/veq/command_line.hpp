@@ -31,15 +31,17 @@ class Command {
   void addChoice(const std::string& option, const std::string& valueName,
                  const std::vector<std::string>& words, std::optional<std::size_t>& target,
                  const std::string& description);
-  /// A whole number in decimal digits; required.
+  /// A whole number in decimal digits; required. In the second form it is not, or only where
+  /// another option is not given.
   void addWholeNumber(const std::string& option, std::uint64_t& target, std::uint64_t least,
                       std::uint64_t most, const std::string& description);
   void addWholeNumber(const std::string& option, std::optional<std::uint64_t>& target,
-                      std::uint64_t least, std::uint64_t most, const std::string& description);
+                      std::uint64_t least, std::uint64_t most, const std::string& description,
+                      const std::string& requiredUnless = {});
   /// A number in decimal digits from 0 on; required.
   void addNumber(const std::string& option, double& target, const std::string& description);
   /// A number from 0 to 1, or one that is above 0.
-  void addShare(const std::string& option, bool aboveZero, std::optional<float>& target,
+  void addShare(const std::string& option, bool aboveZero, std::optional<double>& target,
                 const std::string& description);
   /// A command below this one. One of them must be chosen. What they are is said in messages, as
   /// in "command".

@@ -48,8 +48,8 @@ std::optional<double> readNumber(const std::string& text) {
   return value && std::isfinite(*value) ? value : std::nullopt;
 }
 
-std::optional<float> readShare(const std::string& text) {
-  const auto value = parsed<float>(text);
+std::optional<double> readShare(const std::string& text) {
+  const auto value = parsed<double>(text);
   return value && *value >= 0 && *value <= 1 ? value : std::nullopt;
 }
 

@@ -26,7 +26,7 @@ struct WholeNumbers {
 
 /// The finite decimal number that the whole text is. Otherwise nothing.
 [[nodiscard]] std::optional<double> readNumber(const std::string& text);
-/// The same as a 32-bit float, which is what shares are in the library.
-[[nodiscard]] std::optional<float> readShare(const std::string& text);
+/// The same from 0 to 1.
+[[nodiscard]] std::optional<double> readShare(const std::string& text);
 
 }  // namespace veq::tool

@@ -1,6 +1,6 @@
 #include "seed.hpp"
 
-#include <veq/veq.hpp>
+#include <algorithm>
 
 namespace veq::tool {
 
@@ -9,6 +9,10 @@ std::uint64_t useSeed(std::optional<std::uint64_t> seed) {
   if (!seed) seed = static_cast<std::uint64_t>(generator->randomInteger());
   generator->setRandomSeed(static_cast<std::uint32_t>(*seed));
   return *seed;
+}
+
+RandomState substreamOf(std::uint64_t seed, std::uint64_t number) {
+  return RandomState::seeded(std::max<std::uint64_t>(seed, 1)).value().substream(number);
 }
 
 }  // namespace veq::tool

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <system_error>
 #include <unordered_map>
+#include <utility>
 
 #include "failure.hpp"
 #include "streams.hpp"
@@ -106,22 +107,32 @@ std::vector<std::uint64_t> startsOf(const VertexFinder& finder, const std::strin
   throw Failure(network, "has no vertex \"" + *unknown + "\"");
 }
 
+std::vector<std::uint64_t> drawn(Result<std::vector<std::uint64_t>> starts,
+                                 const std::string& file) {
+  if (starts) return std::move(starts).value();
+  if (starts.error().kind() == ErrorKind::kMemory) throw std::bad_alloc();
+  throw Failure(file, starts.error().text());
+}
+
 }  // namespace
 
-std::vector<std::uint64_t> startVertices(const VEQNetwork& network, const std::string& file,
-                                         const std::string& value, std::uint64_t agents) {
-  if (network.countVertices() == 0) throw Failure(file, "has no vertices to walk on");
+std::vector<std::uint64_t> startVertices(const Network& network, const std::string& file,
+                                         const std::string& value, std::uint64_t agents,
+                                         RandomState* random) {
+  const std::uint64_t n = network.countVertices();
+  if (n == 0) throw Failure(file, "has no vertices to walk on");
+  if (agents > std::vector<std::uint64_t>().max_size()) throw std::bad_alloc();
+  if (value == "uniform") return drawn(Walkers::uniformStarts(network, agents, random), file);
+  if (value == "degree") return drawn(Walkers::startsByDegree(network, agents, random), file);
   std::vector<std::uint64_t> listed;
-  if (!value.empty()) listed = startsOf(VertexFinder(network), file, value);
+  if (!value.empty()) listed = startsOf(VertexFinder(*network.published()), file, value);
   if (listed.size() > agents) {
     throw WrongUsage("--start has " + std::to_string(listed.size()) + " vertices for " +
                      counted(agents, "agent", "agents"));
   }
-  std::vector<std::uint64_t> starts;
-  if (agents > starts.max_size()) throw std::bad_alloc();
-  starts.resize(agents);
+  std::vector<std::uint64_t> starts(agents);
   for (std::uint64_t i = 0; i < agents; ++i) {
-    starts[i] = listed.empty() ? i % network.countVertices() : listed[i % listed.size()];
+    starts[i] = listed.empty() ? i % n : listed[i % listed.size()];
   }
   return starts;
 }

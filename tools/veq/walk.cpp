@@ -1,3 +1,5 @@
+#include <algorithm>
+#include <atomic>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -18,6 +20,8 @@
 #include "seed.hpp"
 #include "starts.hpp"
 #include "streams.hpp"
+#include "suggestions.hpp"
+#include "terminal.hpp"
 #include "text.hpp"
 #include "walk_paths.hpp"
 #include "walk_report.hpp"
@@ -28,19 +32,29 @@ namespace {
 struct Options {
   Input input;
   std::uint64_t agents = 0;
-  std::uint64_t steps = 0;
-  std::optional<float> target;
+  std::optional<std::uint64_t> steps;
+  std::optional<double> target;
   std::optional<std::uint64_t> seed;
+  std::optional<std::uint64_t> substream;
   std::string starts;
+  std::optional<std::size_t> choice;
+  std::optional<double> restart;
   std::optional<std::uint64_t> top;
   std::optional<std::uint64_t> memory;
-  std::optional<float> errors;
+  std::optional<double> errors;
   std::string agentsFile;
   std::string pathsFile;
+  std::string coverageFile;
   Output output;
   bool force = false;
   std::optional<std::size_t> format;
 };
+
+/// In the order of Choice.
+const std::vector<std::string>& choiceWords() {
+  static const std::vector<std::string> words{"published", "even", "weighted"};
+  return words;
+}
 
 /// Steps and progress are signed 64-bit numbers in the library.
 constexpr std::uint64_t kMostSteps = 9223372036854775807u;
@@ -58,6 +72,12 @@ constexpr auto kExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 100
       first, then an index, which counts from 0. A name with commas stands in
       double quotes inside a list. What is no vertex may be a file with one
       vertex a line.
+  veq walk data/lesmis.xnet --agents 5 --until-reach 1 --choice weighted \
+      --start degree --coverage coverage.csv
+      They start at vertices drawn by degree, choose edges by their weights, and
+      stop when every vertex was reached; the file tells how many were by when.
+  veq walk data/lesmis.xnet --agents 5 --steps 1000 --choice even --restart 0.1
+      They choose each edge alike, and one step in ten leads back to the start.
   veq walk data/lesmis.xnet --agents 5 --steps 1000 --memory 10
       They remember their last ten visits and avoid them where they can.
   veq walk data/lesmis.xnet --agents 34 --steps 1000 --memory 10 \
@@ -77,17 +97,22 @@ constexpr auto kExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 100
 The table: a visit is an arrival, so that starts do not count; the share is
 that of all visits. In an undirected network, degree/2m is the share that a
 vertex would get in the long run if agents chose evenly among the edge ends of
-each vertex of a connected network. They do not quite: this walk takes the
-first and the last entry of a vertex's list half as often as each other one.
-Directed networks have no such simple share, and list both degrees instead.
+each vertex of a connected network, as with --choice even. The choice that is
+published and the default takes the first and the last entry of a vertex's list
+half as often as each other one. Directed networks have no such simple share,
+and list both degrees instead.
 
-Edge weights play no part. An agent at a vertex without outgoing edges stays.)";
+Edge weights play a part with --choice weighted alone. An agent at a vertex
+without outgoing edges stays. An interrupt ends the walk after a whole step and
+shows what was walked; files are not written then.)";
 
 /// The key under which visits are written.
 constexpr std::string_view kVisits = "Visits";
 
 std::vector<NamedFile> outputsOf(const Options& options) {
-  return {{"--paths", options.pathsFile}, {"--output", options.output.file}};
+  return {{"--paths", options.pathsFile},
+          {"--coverage", options.coverageFile},
+          {"--output", options.output.file}};
 }
 
 void checkOptions(const Options& options) {
@@ -99,13 +124,16 @@ void checkOptions(const Options& options) {
   requireOption(options.errors.has_value(), "--errors", options.memory.has_value(), "--memory");
   requireOption(!options.agentsFile.empty(), "--agents-network", options.memory.has_value(),
                 "--memory");
+  requireOption(!options.pathsFile.empty(), "--paths", options.steps.has_value(), "--steps");
   requireOption(options.output.to.has_value(), "--to", !options.output.file.empty(), "--output");
   requireOption(options.force, "--force", !options.output.file.empty(), "--output");
   requireDistinct({options.input.file, options.agentsFile, options.starts}, outputsOf(options));
   if (isStandardStream(options.input.file) && isStandardStream(options.starts)) {
     throw WrongUsage("--start and FILE are both standard input");
   }
-  if (!options.pathsFile.empty()) requireWritable(options.pathsFile);
+  for (const std::string& file : {options.pathsFile, options.coverageFile}) {
+    if (!file.empty()) requireWritable(file);
+  }
   if (!options.output.file.empty()) requireWritable(options.output);
 }
 
@@ -118,96 +146,143 @@ void requireNoVisits(const LoadedNetwork& loaded, const Options& options) {
 }
 
 /// The network that links the agents, if there is one.
-Shared<VEQNetwork> loadAgentsNetwork(const Options& options) {
-  if (options.agentsFile.empty()) return nullptr;
-  const LoadedNetwork loaded = loadNetwork({options.agentsFile, std::nullopt, false});
-  if (loaded.network->countVertices() < options.agents) {
-    // The library would leave it out of account.
-    throw Failure(loaded.name, "has " +
-                                   counted(loaded.network->countVertices(), "vertex", "vertices") +
-                                   " for " + counted(options.agents, "agent", "agents"));
+std::optional<Network> loadAgentsNetwork(const Options& options) {
+  if (options.agentsFile.empty()) return std::nullopt;
+  Input input;
+  input.file = options.agentsFile;
+  input.quiet = options.input.quiet;
+  const LoadedNetwork loaded = loadNetwork(input);
+  const std::uint64_t n = loaded.network->countVertices();
+  if (n < options.agents) {
+    throw Failure(loaded.name, "has " + counted(n, "vertex", "vertices") + " for " +
+                                   counted(options.agents, "agent", "agents"));
   }
-  return loaded.network;
+  return Network(loaded.network);
 }
 
-Owned<VEQNetworkAgentsGroup> makeGroup(const Shared<VEQNetwork>& network,
-                                       const std::vector<std::uint64_t>& starts,
-                                       const Shared<VEQNetwork>& agentsNetwork,
-                                       const Options& options) {
-  const VEQNumberArray indices = VEQNumberArray::ofIndices(starts);
-  Owned<VEQNetworkAgentsGroup> group;
-  if (options.memory) {
-    const auto errors =
-        VEQNumberArray::initWithFloatScalar_count(options.errors.value_or(0), options.agents);
-    const auto sizes = VEQNumberArray::initWithIntegerScalar_count(
-        static_cast<std::int64_t>(*options.memory), options.agents);
-    group = VEQNetworkDynamicAgentsGroup::
-        initAtNetwork_initialVerticesIndices_agentsNetwork_agentsErrors_agentsMemory(
-            network, indices, agentsNetwork, *errors, *sizes);
-  } else {
-    group = VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(network, indices);
-  }
-  if (!group) throw std::bad_alloc();
-  return group;
+/// What a walk gives; where its input forbids it, a Failure that names the network's file.
+template <class T>
+T given(Result<T> result, const std::string& file) {
+  if (result) return std::move(result).value();
+  if (result.error().kind() == ErrorKind::kMemory) throw std::bad_alloc();
+  throw Failure(file, result.error().text());
 }
 
-std::optional<VEQVertexPaths> walk(VEQNetworkAgentsGroup& group, const Options& options) {
-  std::optional<VEQVertexPaths> paths;
-  const auto text = [&group](Elapsed elapsed, std::size_t width) {
-    return stepsText(static_cast<std::uint64_t>(group.currentProgress()),
-                     static_cast<std::uint64_t>(group.currentWork()), elapsed, width);
+Walkers makeWalkers(const Network& network, const std::vector<std::uint64_t>& starts,
+                    const Options& options, const std::string& file) {
+  std::optional<Network> listeners = loadAgentsNetwork(options);
+  if (!options.memory) return given(Walkers::at(network, starts), file);
+  MemoryOptions memory;
+  memory.sizes = {*options.memory};
+  memory.errors = {static_cast<float>(options.errors.value_or(0))};
+  memory.listeners = std::move(listeners);
+  return given(Walkers::withMemory(network, starts, memory), file);
+}
+
+/// How far a walk has come, for the thread that draws it.
+struct WalkMeter {
+  std::atomic<std::uint64_t> steps = 0;
+  std::atomic<double> reached = 0;
+};
+
+double shareReached(const Walkers& walkers) {
+  const std::vector<std::uint64_t> visits = walkers.visits();
+  const auto missed = std::count(visits.begin(), visits.end(), std::uint64_t{0});
+  return 1 - static_cast<double>(missed) / static_cast<double>(visits.size());
+}
+
+WalkOutcome walk(Walkers& walkers, const Options& options, RandomState* random,
+                 const std::string& file) {
+  WalkMeter meter;
+  StopSource interrupt;
+  WalkOptions how;
+  how.steps = options.steps;
+  how.target = options.target;
+  how.paths = !options.pathsFile.empty();
+  how.firstArrivals = !options.coverageFile.empty();
+  how.choice = static_cast<Choice>(options.choice.value_or(0));
+  how.restart = options.restart.value_or(0);
+  how.random = random;
+  how.progress.stop = interrupt.token();
+  how.progress.observer = [&](std::uint64_t done, std::uint64_t) {
+    meter.steps = done;
+    if (options.target && terminalWidth() > 0) meter.reached = shareReached(walkers);
   };
-  watch(text, [&] {
-    paths = group.walkForSteps_returnPath_untilReach(options.steps, !options.pathsFile.empty(),
-                                                     options.target.value_or(-1.0f));
-  });
-  return paths;
+  const auto text = [&](Elapsed elapsed, std::size_t width) {
+    return options.target ? reachText(meter.reached, *options.target, meter.steps, elapsed, width)
+                          : stepsText(meter.steps, *options.steps, elapsed, width);
+  };
+  std::optional<Result<WalkOutcome>> outcome;
+  watch(
+      text, [&] { outcome = walkers.walk(how); }, [&] { interrupt.requestStop(); });
+  return given(std::move(*outcome), file);
 }
 
-WalkReport reportOf(const LoadedNetwork& loaded, const VEQNetworkAgentsGroup& group,
+WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const WalkOutcome& outcome,
                     const Options& options, std::uint64_t seed) {
   WalkReport report;
   report.network = loaded.network;
   report.networkFile = loaded.name;
   report.agents = options.agents;
   report.starts = options.starts;
+  report.choice = choiceWords()[options.choice.value_or(0)];
+  report.restart = options.restart.value_or(0);
   report.memory = options.memory;
   report.errors = options.errors.value_or(0);
   report.agentsFile = options.agentsFile;
   report.seed = seed;
+  report.substream = options.substream;
   report.stepsAsked = options.steps;
-  report.steps = static_cast<std::uint64_t>(group.currentProgress());
   report.target = options.target;
-  // One walk of a fresh group: its totals are the visits.
-  const auto totals = group.globalVisitFrequencyOfVertices();
-  const auto visits = totals->values<std::int64_t>();
-  report.visits.assign(visits.begin(), visits.end());
+  report.end = outcome.end;
+  report.steps = outcome.steps;
+  report.visits = walkers.visits();
   return report;
+}
+
+void writeFiles(const LoadedNetwork& loaded, const WalkOutcome& outcome,
+                const std::vector<std::uint64_t>& visits, const Options& options) {
+  if (outcome.paths) {
+    watch("writing " + printable(outputName(options.pathsFile)),
+          [&] { writePaths(options.pathsFile, *loaded.network, *outcome.paths); });
+  }
+  if (!options.coverageFile.empty()) writeCoverage(options.coverageFile, outcome.coverage());
+  if (options.output.file.empty()) return;
+  loaded.network->setPropertiesOfVertices_forKey(
+      std::make_shared<VEQNumberArray>(VEQNumberArray::ofIndices(visits)), kVisits);
+  saveNetwork(loaded.network, options.output);
+}
+
+/// What was asked for in files is not there, since it would look like a whole walk.
+[[noreturn]] void endInterrupted(const Options& options) {
+  for (const NamedFile& output : outputsOf(options)) {
+    if (!output.file.empty())
+      note(outputName(output.file), "not written, as the walk was interrupted");
+  }
+  flushStandardOutput();
+  endByInterrupt();
 }
 
 void runWalk(const Options& options) {
   checkOptions(options);
   const LoadedNetwork loaded = loadNetwork(options.input);
   requireNoVisits(loaded, options);
-  const std::vector<std::uint64_t> starts =
-      startVertices(*loaded.network, loaded.name, options.starts, options.agents);
-  const Shared<VEQNetwork> agentsNetwork = loadAgentsNetwork(options);
+  const Network network(loaded.network);
   const std::uint64_t seed = useSeed(options.seed);
-  const auto group = makeGroup(loaded.network, starts, agentsNetwork, options);
-  const auto paths = walk(*group, options);
+  std::optional<RandomState> state;
+  if (options.substream) state = substreamOf(seed, *options.substream);
+  RandomState* const random = state ? &*state : nullptr;
+  const std::vector<std::uint64_t> starts =
+      startVertices(network, loaded.name, options.starts, options.agents, random);
+  Walkers walkers = makeWalkers(network, starts, options, loaded.name);
+  const WalkOutcome outcome = walk(walkers, options, random, loaded.name);
 
+  const WalkReport report = reportOf(loaded, walkers, outcome, options, seed);
   std::ostream& out = reportFor(outputsOf(options));
-  writeReport(reportOf(loaded, *group, options, seed),
-              static_cast<Answer>(options.format.value_or(0)), options.top, out, std::cerr);
+  writeReport(report, static_cast<Answer>(options.format.value_or(0)), options.top, out, std::cerr);
   out.flush();
-  if (paths) {
-    watch("writing " + printable(outputName(options.pathsFile)),
-          [&] { writePaths(options.pathsFile, *loaded.network, starts, *paths); });
-  }
-  if (options.output.file.empty()) return;
-  loaded.network->setPropertiesOfVertices_forKey(
-      group->globalVisitFrequencyOfVertices()->editableCopy(), kVisits);
-  saveNetwork(loaded.network, options.output);
+  if (outcome.end == WalkEnd::kStopped) endInterrupted(options);
+  writeFiles(loaded, outcome, report.visits, options);
 }
 
 }  // namespace
@@ -218,13 +293,21 @@ void addWalk(CommandLine& commandLine) {
       commandLine.addCommand("walk", "Let agents walk at random over a network", kExamples);
   addInput(command, "FILE", options->input);
   command.addWholeNumber("--agents", options->agents, 1, UINT64_MAX, "How many agents walk");
-  command.addWholeNumber("--steps", options->steps, 1, kMostSteps, "How many steps each takes");
+  command.addWholeNumber("--steps", options->steps, 1, kMostSteps,
+                         "How many steps each takes; with --until-reach at most", "--until-reach");
   command.addShare("--until-reach", true, options->target,
                    "Stop once this share of the vertices was reached, above 0 and up to 1");
   command.addWholeNumber("--seed", options->seed, 0, UINT32_MAX,
                          "Choose the random numbers; 0 counts as 1");
-  command.addText("--start", "V,V,...|FILE", "vertices or a file", options->starts,
-                  "Where agents start, by name or index, or a file with one vertex a line");
+  command.addWholeNumber("--substream", options->substream, 0, RandomState::kSubstreams - 1,
+                         "Take the numbers of this task, which are its own for each seed");
+  command.addText("--start", "V,V,...|FILE|uniform|degree", "vertices or a file", options->starts,
+                  "Where agents start: by name or index, a file with one vertex a line, or drawn, "
+                  "each alike or by degree");
+  command.addChoice("--choice", "CHOICE", choiceWords(), options->choice,
+                    "How to choose among the edges of a vertex: " + wordList(choiceWords(), "or"));
+  command.addShare("--restart", false, options->restart,
+                   "The probability of going back to the start in a step, by default 0");
   command.addWholeNumber("--top", options->top, 0, UINT64_MAX,
                          "How many vertices to list, by default 10, or all as CSV or JSON");
   command.addWholeNumber("--memory", options->memory, 1, kMostSteps,
@@ -235,6 +318,8 @@ void addWalk(CommandLine& commandLine) {
                   "The network in which agents tell each other what they remember");
   command.addText("--paths", "OUT.csv", "a file", options->pathsFile,
                   "Write every agent's path, as CSV; - for standard output");
+  command.addText("--coverage", "OUT.csv", "a file", options->coverageFile,
+                  "Write how many vertices were reached by which step, as CSV");
   command.addText("--output", "OUT", "a file", options->output.file,
                   "Write the network with its visits; - for standard output");
   addOutputFormat(command, options->output);

@@ -1,8 +1,7 @@
 /// \file
-/// The paths of a walk as a table for other programs.
+/// What a walk did, step by step, as tables for other programs.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -11,9 +10,12 @@
 namespace veq::tool {
 
 /// Writes a CSV file, "agent,step,index,name", with one line for each agent and step; step 0 is the
-/// start, to a file or to standard output for "-". Failure where not everything can be written; the
-/// old file, if there is one, stays.
-void writePaths(const std::string& file, const VEQNetwork& network,
-                const std::vector<std::uint64_t>& starts, const VEQVertexPaths& paths);
+/// start, and an agent that cannot move stays. Failure where not everything can be written; the old
+/// file, if there is one, stays.
+void writePaths(const std::string& file, const VEQNetwork& network, const WalkPaths& paths);
+
+/// The same for "step,vertices": the steps in which vertices were reached for the first time, and
+/// how many had been by then.
+void writeCoverage(const std::string& file, const std::vector<Coverage>& coverage);
 
 }  // namespace veq::tool

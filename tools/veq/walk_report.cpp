@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 #include <ostream>
+#include <string_view>
 #include <utility>
 
 #include "network_files.hpp"
@@ -13,16 +14,16 @@
 namespace veq::tool {
 namespace {
 
-constexpr auto kChoice = "published";
-
 std::uint64_t reachedBy(const WalkReport& report) {
   return static_cast<std::uint64_t>(std::count_if(report.visits.begin(), report.visits.end(),
-                                                  [](std::int64_t count) { return count > 0; }));
+                                                  [](std::uint64_t count) { return count > 0; }));
 }
 
 std::string startsText(const WalkReport& report) {
-  if (!report.starts.empty()) return "starting at " + shortened(printable(report.starts), 60);
-  return "agent i starting at vertex i";
+  if (report.starts.empty()) return "agent i starting at vertex i";
+  if (report.starts == "uniform") return "starting at vertices drawn each alike";
+  if (report.starts == "degree") return "starting at vertices drawn by degree";
+  return "starting at " + shortened(printable(report.starts), 60);
 }
 
 std::string memoryText(const WalkReport& report) {
@@ -33,15 +34,38 @@ std::string memoryText(const WalkReport& report) {
   return text;
 }
 
+/// What made the walk end before all of its steps were made.
+std::string_view endText(WalkEnd end) {
+  switch (end) {
+    case WalkEnd::kStopped:
+      return ", interrupted";
+    case WalkEnd::kStuck:
+      return ", as nobody can move any longer";
+    case WalkEnd::kDraws:
+      return ", as the substream has no more numbers";
+    case WalkEnd::kSteps:
+    case WalkEnd::kTarget:
+      break;
+  }
+  return "";
+}
+
 std::string stepsText(const WalkReport& report) {
   std::string text = std::to_string(report.steps);
-  const bool early = report.target || report.interrupted;
-  text += early ? " of at most " + counted(report.stepsAsked, "step", "steps")
-                : std::string(report.steps == 1 ? " step" : " steps");
+  const bool early = report.target || report.end == WalkEnd::kStopped;
+  text += early && report.stepsAsked ? " of at most " + counted(*report.stepsAsked, "step", "steps")
+                                     : std::string(report.steps == 1 ? " step" : " steps");
   text += report.agents == 1 ? "" : " each";
-  if (report.target)
-    text += ", until reaching " + percentage(static_cast<double>(*report.target), 1);
-  if (report.interrupted) text += ", interrupted";
+  if (report.target) text += ", until reaching " + percentage(*report.target, 1);
+  return text.append(endText(report.end));
+}
+
+/// How each step was chosen.
+std::string lawText(const WalkReport& report) {
+  std::string text = ", choice " + report.choice;
+  if (report.restart > 0) text += ", restart " + Data(report.restart).plain();
+  text += ", seed " + std::to_string(report.seed);
+  if (report.substream) text += ", substream " + std::to_string(*report.substream);
   return text;
 }
 
@@ -50,7 +74,7 @@ std::string reachText(const WalkReport& report) {
   const double share = static_cast<double>(reachedBy(report)) / static_cast<double>(n);
   std::string text = std::to_string(reachedBy(report)) + " of " + counted(n, "vertex", "vertices") +
                      " (" + percentage(share, 1) + ")";
-  if (report.target && share < static_cast<double>(*report.target)) {
+  if (report.target && share < *report.target) {
     text += ", less than was asked for";
   }
   return text;
@@ -60,26 +84,25 @@ void writeSummary(const WalkReport& report, std::ostream& out) {
   out << "network  " << printable(report.networkFile) << ": " << sizeText(*report.network) << '\n'
       << "agents   " << report.agents << ", " << startsText(report) << '\n'
       << "memory   " << memoryText(report) << '\n'
-      << "walk     " << stepsText(report) << ", choice " << kChoice << ", seed " << report.seed
-      << '\n'
+      << "walk     " << stepsText(report) << lawText(report) << '\n'
       << "reached  " << reachText(report) << '\n';
 }
 
 /// The most visited vertices, of equals the lower index first.
-std::vector<std::uint64_t> mostVisited(const std::vector<std::int64_t>& visits,
+std::vector<std::uint64_t> mostVisited(const std::vector<std::uint64_t>& visits,
                                        std::uint64_t count) {
   std::vector<std::uint64_t> order(visits.size());
   std::iota(order.begin(), order.end(), std::uint64_t{0});
   const auto rows = static_cast<std::ptrdiff_t>(std::min<std::uint64_t>(count, order.size()));
   std::partial_sort(order.begin(), order.begin() + rows, order.end(),
                     [&visits](std::uint64_t a, std::uint64_t b) {
-                      return std::pair(-visits[a], a) < std::pair(-visits[b], b);
+                      return std::pair(visits[b], a) < std::pair(visits[a], b);
                     });
   order.resize(static_cast<std::size_t>(rows));
   return order;
 }
 
-double sumOf(const std::vector<std::int64_t>& visits) {
+double sumOf(const std::vector<std::uint64_t>& visits) {
   return std::accumulate(visits.begin(), visits.end(), 0.0);
 }
 
@@ -137,12 +160,14 @@ Data dataOf(const WalkReport& report, std::uint64_t top) {
       .set("memory", report.memory ? Data(*report.memory) : Data())
       .set("errors", report.errors)
       .set("agentsNetwork", report.agentsFile.empty() ? Data() : Data(report.agentsFile))
-      .set("stepsAsked", report.stepsAsked)
+      .set("stepsAsked", report.stepsAsked ? Data(*report.stepsAsked) : Data())
       .set("steps", report.steps)
       .set("untilReach", report.target ? Data(*report.target) : Data())
-      .set("interrupted", report.interrupted)
-      .set("choice", kChoice)
+      .set("interrupted", report.end == WalkEnd::kStopped)
+      .set("choice", report.choice)
+      .set("restart", report.restart)
       .set("seed", report.seed)
+      .set("substream", report.substream ? Data(*report.substream) : Data())
       .set("reached", reachedBy(report))
       .set("visits", recordsOf(report, top).asList());
 }

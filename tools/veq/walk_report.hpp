@@ -20,15 +20,18 @@ struct WalkReport {
   std::string networkFile;
   std::uint64_t agents = 0;
   std::string starts;  // as they were given; empty for all vertices in turn
+  std::string choice;
+  double restart = 0;
   std::optional<std::uint64_t> memory;
-  float errors = 0;
+  double errors = 0;
   std::string agentsFile;  // empty without a network of agents
   std::uint64_t seed = 0;
-  std::uint64_t stepsAsked = 0;
+  std::optional<std::uint64_t> substream;
+  std::optional<std::uint64_t> stepsAsked;
+  std::optional<double> target;
+  WalkEnd end = WalkEnd::kSteps;
   std::uint64_t steps = 0;
-  std::optional<float> target;
-  bool interrupted = false;
-  std::vector<std::int64_t> visits;
+  std::vector<std::uint64_t> visits;
 };
 
 /// Answers with the summary and a table of the most visited vertices, ten of them where their

@@ -6,14 +6,15 @@ _veq() {
   COMPREPLY=()
   [[ $command == help ]] && command=
   case $previous in
-    --agents | --steps | --until-reach | --seed | --top | --memory | --errors | --vertices | \
+    --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | --vertices | \
       --degree) return ;;
     --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
-    --start | --paths | --output | --agents-network | --largest)
+    --start | --paths | --coverage | --output | --agents-network | --largest)
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --from) words="xnet pajek list matrix-market gml graphml archive" ;;
     --to) words="xnet pajek list matrix-market gml graphml archive csv" ;;
     --format) words="table csv json" ;;
+    --choice) words="published even weighted" ;;
   esac
   if [[ -n $words ]]; then
     :
@@ -25,8 +26,8 @@ _veq() {
   elif [[ $current == -* ]]; then
     case $command in
       info) words="$reading --raw --matrix --format" ;;
-      walk) words="$reading --agents --steps --until-reach --seed --start --top --memory
-                   --errors --agents-network --paths --output --to --force --format" ;;
+      walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
+                   --errors --agents-network --paths --coverage --output --to --force --format" ;;
       convert) words="$reading --to" ;;
       generate) words="--vertices --degree --seed --to" ;;
       components) words="$reading --top --largest --split --to --format" ;;

@@ -23,11 +23,15 @@ _veq() {
         '--steps[how many steps each takes]:number:' \
         '--until-reach[stop once this share was reached]:share:' \
         '--start[where agents start]:vertices or file:_files' \
+        '--substream[take the numbers of this task]:number:' \
+        '--choice[how to choose among edges]:choice:(published even weighted)' \
+        '--restart[the probability of going back to the start]:share:' \
         '--top[how many vertices to list]:number:' \
         '--memory[how many visits each agent remembers]:number:' \
         '--errors[the probability of remembering a wrong vertex]:share:' \
         '--agents-network[the network that links the agents]:network:_files' \
         '--paths[write the path of every agent]:file:_files' \
+        '--coverage[write how many vertices were reached by when]:file:_files' \
         '--output[write the network with its visits]:file:_files' \
         '--force[replace a property Visits]' ;;
     convert)
