@@ -194,7 +194,7 @@ class Folding final : public VEQNetworkAgentsGroup {
           return start;
         })) {
     state().history =
-        internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {UINT32_MAX, 0, 0, 0, 0});
+        internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {0, 0, 0, 0});
   }
 };
 

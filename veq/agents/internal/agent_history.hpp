@@ -142,13 +142,13 @@ class HistoryFolder {
     std::fill(tallies + agent.size, tallies + most, Tally<Word>{0, 0});
 
     auto size = static_cast<Word>(agent.size);
-    for (Word i = 0; i < size; ++i) places[vertices[i]] = i + 1;
+    for (Word i = 0; i < size; ++i) places[vertices[i]] = static_cast<Word>(i + 1);
     auto stamp = static_cast<Word>(agent.arrivals);
     // Without branches, which would be guessed wrong half of the time.
     forEachArrival(moves.data(), 1, moves.size(), [&](Word to) {
       const bool isNew = places[to] == 0;
       vertices[size] = to;
-      size += isNew;
+      size = static_cast<Word>(size + isNew);
       const Word place = isNew ? size : places[to];
       places[to] = place;
       count(tallies[place - 1], stamp++);

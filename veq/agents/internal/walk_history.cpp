@@ -269,7 +269,7 @@ std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word
     }
   }
   for (std::uint64_t j = 0; j < width; ++j) {
-    if (histories[j].arrivals + steps > limits_.word) makeArrays(agent + j);
+    if (histories[j].arrivals + steps > kStayed<Word>) makeArrays(agent + j);
     const std::uint64_t compact = histories[j].compactBytes();
     const std::span<const Word> moves(space.columns.data() + j * apart, steps);
     folder_.add(histories[j], moves, space);
@@ -279,6 +279,7 @@ std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word
   return end == logEnd() ? width : 0;
 }
 
+template class WalkHistory<std::uint16_t>;
 template class WalkHistory<std::uint32_t>;
 template class WalkHistory<std::uint64_t>;
 

@@ -12,8 +12,6 @@ namespace veq::internal {
 
 /// What may be set lower to test what happens beyond.
 struct HistoryLimits {
-  /// Up to this number of arrivals of an agent its tallies do.
-  std::uint64_t word = UINT32_MAX;
   /// What a log may take during a walk and after it, beyond what the arrays leave: as much as the
   /// tallies might, but neither more nor less than this.
   std::uint64_t leastDuringWalk = std::uint64_t{1} << 20;
@@ -134,6 +132,7 @@ class WalkHistory {
   Shared<VEQNumberArray> zeros_;
 };
 
+extern template class WalkHistory<std::uint16_t>;  // whose words tests can outgrow
 extern template class WalkHistory<std::uint32_t>;
 extern template class WalkHistory<std::uint64_t>;
 
