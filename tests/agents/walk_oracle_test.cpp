@@ -179,8 +179,8 @@ class FoldingGroup final : public VEQNetworkAgentsGroup {
       : VEQNetworkAgentsGroup(
             internal::GroupState::make(std::move(network), [&] { return start; })) {
     constexpr std::uint64_t kLog = std::uint64_t{64} << 10;
-    state().history = History(state().network->countVertices(), start.size(), 0,
-                              {kLog, kLog, kLog, 0});
+    state().history =
+        History(state().network->countVertices(), start.size(), 0, {kLog, kLog, kLog, 0});
   }
   std::uint64_t compactBytes() { return std::get<History>(state().history).compactBytes(); }
 

@@ -193,8 +193,7 @@ class Folding final : public VEQNetworkAgentsGroup {
           std::iota(start.begin(), start.end(), 0);
           return start;
         })) {
-    state().history =
-        internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {0, 0, 0, 0});
+    state().history = internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {0, 0, 0, 0});
   }
 };
 

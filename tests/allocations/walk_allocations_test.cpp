@@ -29,8 +29,7 @@ class Walkers final : public VEQNetworkAgentsGroup {
   explicit Walkers(Shared<const VEQNetwork> network)
       : VEQNetworkAgentsGroup(internal::GroupState::make(
             std::move(network), [] { return std::vector<std::uint64_t>(kAgents, 0); })) {
-    state().history =
-        internal::WalkHistory<std::uint32_t>(kVertices, kAgents, 0, {0, 0, 0, 0});
+    state().history = internal::WalkHistory<std::uint32_t>(kVertices, kAgents, 0, {0, 0, 0, 0});
     walkForSteps_returnPath_untilReach(70, false, 2.0F);
   }
 };

@@ -193,7 +193,8 @@ std::error_code writingError(const std::string& path) {
 namespace veq {
 
 // The standard library has nothing that a signal handler may call for this.
-#ifndef VEQ_PORTABLE_FILES  // A test that puts this layer in the place of the other keeps its function.
+#ifndef VEQ_PORTABLE_FILES  // A test that puts this layer in the place of the other keeps its
+                            // function.
 void removeTemporaryFiles() noexcept {}
 #endif
 
