@@ -192,9 +192,9 @@ std::error_code writingError(const std::string& path) {
 
 namespace veq {
 
-// The standard library has nothing that a signal handler may call for this.
-#ifndef VEQ_PORTABLE_FILES  // A test that puts this layer in the place of the other keeps its
-                            // function.
+// The standard library has nothing that a signal handler may call for this. A test that puts this
+// layer in the place of the other keeps that one's function.
+#ifndef VEQ_PORTABLE_FILES
 void removeTemporaryFiles() noexcept {}
 #endif
 
