@@ -56,8 +56,8 @@ TEST(WalkMemory, OfALoneAgentIsBoundedHoweverLongItWalks) {
 }
 
 TEST(WalkMemory, OfManyAgentsIsBoundedByTheirArrays) {
-  for (const std::uint64_t agents : {2, 20, 200}) {
-    for (const std::uint64_t vertices : {100, 20000}) {
+  for (const std::uint64_t agents : {2U, 20U, 200U}) {
+    for (const std::uint64_t vertices : {100U, 20000U}) {
       const auto arrays = static_cast<std::int64_t>(16 * agents * vertices);
       const Taken taken = takenBy(agents, vertices, 5000000 / agents, false);
       EXPECT_LE(taken.during, arrays + kDuring) << agents << " " << vertices;
