@@ -98,6 +98,56 @@ TEST(ReadingLists, ReadsExportsOfSpreadsheets) {
   EXPECT_THAT(notesOf(reading), IsEmpty());
 }
 
+TEST(ReadingLists, AnEmptyFieldBetweenTabsIsAField) {
+  const Reading reading = read("a\tb\tx\tred\na\tc\t\tblue\n");
+  EXPECT_THAT(edgeTexts(reading, "Column 3"), ElementsAre("x", "<null>"));
+  EXPECT_THAT(edgeTexts(reading, "Column 4"), ElementsAre("red", "blue"));
+}
+
+TEST(ReadingLists, WhatFollowsAQuoteBelongsToNoField) {
+  const Reading reading = read("\"a\" x,b\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("a", "b"));
+}
+
+TEST(ReadingLists, KeepsWhatIsWrittenLikeALabel) {
+  for (const std::string label : {"07", "007", "-0", "+1"}) {
+    const Reading reading = read("a b x " + label + "\nb c y 1\n");
+    EXPECT_THAT(edgeTexts(reading, "Column 4"), ElementsAre(label, "1"));
+  }
+}
+
+TEST(ReadingLists, AColumnThatEndsEarlyIsNotSetBelow) {
+  const Reading reading = read("a b x 3\nb c y\n");
+  EXPECT_THAT(edgeTexts(reading, "Column 4"), ElementsAre("3", "<null>"));
+}
+
+TEST(ReadingLists, TheTypesOfTheEdgesOverruleAComment) {
+  EXPECT_EQ(summaryOf(read("# Directed graph\nsource,target,type\n1,2,Undirected\n")),
+            "undirected 2: 0>1");
+}
+
+TEST(ReadingLists, ALineOfOneWordDoesNotHideTheList) {
+  const Reading reading = read("graph\nhello world\n");
+  EXPECT_EQ(reading.format(), FileFormat::kList);
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("hello", "world", "graph"));
+}
+
+TEST(ReadingLists, AStarBeforeANumberIsAName) {
+  const Reading reading = read("*1 2\n");
+  EXPECT_EQ(reading.format(), FileFormat::kList);
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("*1", "2"));
+}
+
+TEST(ReadingLists, ASlashAloneBeginsNoComment) {
+  EXPECT_THAT(vertexTexts(read("/a b\n//a c\n"), "Name"), ElementsAre("/a", "b"));
+}
+
+TEST(ReadingLists, ATextWithANulIsNoList) {
+  EXPECT_EQ(summaryOf(read(std::string("a b\0\n", 5))), "error 0:0 no format that is known");
+}
+
 TEST(ReadingLists, TakesMixedTypesForDirected) {
   const Reading reading = read("source,target,type\n1,2,Directed\n2,3,Undirected\n");
   EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>2");
@@ -117,6 +167,20 @@ TEST(ReadingLists, KeepsTheTwoModesOfABipartiteListApart) {
   const Reading reading = read("% bip unweighted\n% 2 2 3\n1 1\n2 3\n");
   EXPECT_EQ(summaryOf(reading), "undirected 5: 0>2 1>4");
   EXPECT_THAT(vertexTexts(reading, "Mode"), ElementsAre("1", "1", "2", "2", "2"));
+}
+
+TEST(ReadingLists, NumbersBothModesFromOne) {
+  EXPECT_EQ(summaryOf(read("% bip unweighted\n0 1\n")), "error 0:0 the id 0 is below 1");
+  // One word is a comment like any other.
+  EXPECT_EQ(summaryOf(read("% bip\n0 1\n")), "undirected 2: 0>1");
+}
+
+TEST(ReadingLists, CountsBothModesAgainstTheLimit) {
+  ReadOptions options;
+  options.mostVertices = 5;
+  EXPECT_EQ(summaryOf(read("% bip x\n% 1 2 3\n1 1\n", options)), "undirected 5: 0>2");
+  EXPECT_EQ(summaryOf(read("% bip x\n% 1 3 3\n1 1\n", options)),
+            "error 0:0 6 vertices, more than the 5 that a text of 20 bytes may have");
 }
 
 TEST(ReadingLists, IsDirectedWhereAsked) {

@@ -35,6 +35,13 @@ TEST(ReadingMatrixMarket, ReadsSkewMatricesAsPairsOfArcs) {
             "directed 3: 1>0 0>1 2>1 1>2 w(4, -4, 5, -5)");
 }
 
+TEST(ReadingMatrixMarket, AnEntryOnTheDiagonalIsItsOwnImage) {
+  EXPECT_EQ(summaryOf(read("coordinate integer skew-symmetric", "2 2 1\n1 1 3\n")),
+            "directed 2: 0>0 w(3)");
+  // Below the diagonal of one cell there is nothing.
+  EXPECT_EQ(summaryOf(read("array real skew-symmetric", "1 1\n")), "directed 1:");
+}
+
 TEST(ReadingMatrixMarket, ReadsRectanglesWithTwoModes) {
   const Reading reading = read("coordinate pattern general", "2 3 2\n1 1\n2 3\n");
   EXPECT_EQ(summaryOf(reading), "undirected 5: 0>2 1>4");
@@ -80,6 +87,15 @@ TEST(ReadingMatrixMarket, RefusesMoreVerticesThanATextMayAskFor) {
   EXPECT_EQ(
       summaryOf(read("coordinate pattern general", "3000000000 3000000000 0\n")),
       "error 2:1 3000000000 vertices, more than the 1004672 that a text of 73 bytes may have");
+}
+
+TEST(ReadingMatrixMarket, CountsRowsAndColumnsOfARectangle) {
+  ReadOptions options;
+  options.mostVertices = 4;
+  const std::string banner = "%%MatrixMarket matrix coordinate pattern general\n";
+  EXPECT_EQ(summaryOf(readNetworkText(banner + "1 3 0\n", options)), "undirected 4:");
+  EXPECT_EQ(summaryOf(readNetworkText(banner + "2 3 0\n", options)),
+            "error 2:1 5 vertices, more than the 4 that a text of 55 bytes may have");
 }
 
 TEST(ReadingMatrixMarket, SurvivesDamagedTexts) {
