@@ -38,8 +38,8 @@ TEST(ReadingMatrixMarket, ReadsSkewMatricesAsPairsOfArcs) {
 TEST(ReadingMatrixMarket, AnEntryOnTheDiagonalIsItsOwnImage) {
   EXPECT_EQ(summaryOf(read("coordinate integer skew-symmetric", "2 2 1\n1 1 3\n")),
             "directed 2: 0>0 w(3)");
-  // Below the diagonal of one cell there is nothing.
-  EXPECT_EQ(summaryOf(read("array real skew-symmetric", "1 1\n")), "directed 1:");
+  // Below the diagonal of one cell there is nothing; a matrix of numbers has weights all the same.
+  EXPECT_EQ(summaryOf(read("array real skew-symmetric", "1 1\n")), "directed 1: w()");
 }
 
 TEST(ReadingMatrixMarket, ReadsRectanglesWithTwoModes) {
