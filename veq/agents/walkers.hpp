@@ -23,10 +23,10 @@ namespace veq {
 /// \ingroup walks
 struct WalkOptions {
   /// How many steps to make at most; without it the walk goes on until its target is met.
-  std::optional<std::uint64_t> steps;
+  std::optional<std::uint64_t> steps{};
   /// Above 0 and up to 1: the walk ends after the step with which that share of the vertices has
   /// been arrived at, in this and earlier walks with a target since the history was forgotten.
-  std::optional<double> target;
+  std::optional<double> target{};
   /// Whether the outcome is to tell the paths, and when each vertex was first arrived at.
   bool paths = false;
   bool firstArrivals = false;
@@ -40,7 +40,7 @@ struct WalkOptions {
   /// Follows the walk by its steps, `all` being 0 where nobody knows. A stop ends it after a whole
   /// step, and so does what the observer throws. The sequence is moved by the draws of all steps
   /// all the same.
-  Progress progress;
+  Progress progress{};
   /// Taken as 1 for now. What a walk leads to will never depend on it.
   unsigned threads = 1;
 };
@@ -49,11 +49,11 @@ struct WalkOptions {
 /// \ingroup walks
 struct MemoryOptions {
   /// How many visits each remembers: one size for all, or one for each agent. At least 1.
-  std::vector<std::uint64_t> sizes;
+  std::vector<std::uint64_t> sizes{};
   /// The probability of remembering a wrong vertex: none, one for all, or one for each agent.
-  std::vector<float> errors;
+  std::vector<float> errors{};
   /// In it vertex i stands for agent i, which passes on what it remembers along its links.
-  std::optional<Network> listeners;
+  std::optional<Network> listeners{};
 };
 
 /// A share of a group of agents. Copies are the same agents. Never empty, except after it was moved

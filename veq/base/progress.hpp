@@ -58,8 +58,8 @@ class StopSource {
 struct Progress {
   /// Called from the thread that works, never under a lock and at most every 50 ms, with how much
   /// is done of how much. What it throws ends the work as a stop does, and passes through.
-  std::function<void(std::uint64_t done, std::uint64_t all)> observer;
-  StopToken stop;
+  std::function<void(std::uint64_t done, std::uint64_t all)> observer{};
+  StopToken stop{};
 };
 
 }  // namespace veq

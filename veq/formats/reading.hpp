@@ -21,10 +21,10 @@ namespace veq {
 /// \ingroup files
 struct ReadOptions {
   /// By default seen from the content; the suffix of the file only breaks ties.
-  std::optional<FileFormat> format;
+  std::optional<FileFormat> format{};
   /// Whether a list of edges is directed. By default as the list itself says, and undirected where
   /// it says nothing. Other formats say it themselves.
-  std::optional<bool> directed;
+  std::optional<bool> directed{};
   /// Takes the integers of a list for indices of vertices, instead of keeping them as a column
   /// "Id": the network then has all vertices from 0 to the largest.
   bool idsAreIndices = false;
@@ -35,10 +35,10 @@ struct ReadOptions {
   /// How many notes are kept; further ones are counted.
   std::uint64_t mostNotes = 100;
   /// More vertices than these are an error. By default 64 for each byte of text, and a million.
-  std::optional<std::uint64_t> mostVertices;
+  std::optional<std::uint64_t> mostVertices{};
   /// A compressed file that holds more is an error. By default 64 times its size and a GiB.
-  std::optional<std::uint64_t> mostBytes;
-  Progress progress;
+  std::optional<std::uint64_t> mostBytes{};
+  Progress progress{};
   unsigned threads = 1;
 };
 

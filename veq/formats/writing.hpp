@@ -17,8 +17,8 @@ namespace veq {
 /// \ingroup files
 struct WriteOptions {
   /// By default that of the file's suffix.
-  std::optional<FileFormat> format;
-  Progress progress;
+  std::optional<FileFormat> format{};
+  Progress progress{};
   unsigned threads = 1;
 };
 

@@ -25,10 +25,10 @@ struct ModelOptions {
   /// Draws from this state and moves it. Otherwise from the process's sequence.
   RandomState* random = nullptr;
   /// Draws from a state of its own, RandomState::seeded(seed).
-  std::optional<std::uint64_t> seed;
+  std::optional<std::uint64_t> seed{};
   /// Taken as 1.
   unsigned threads = 1;
-  Progress progress;
+  Progress progress{};
 };
 
 /// \name Model networks

@@ -26,7 +26,7 @@ struct WalkLawOptions {
   /// Where restarts lead. Not asked for without restarts.
   std::uint64_t start = 0;
   /// Of making the matrix.
-  Progress progress;
+  Progress progress{};
 };
 
 /// How to solve or iterate.
@@ -39,7 +39,7 @@ struct SolvingOptions {
   /// permits; one that is not there after so many rounds over all entries gives an error.
   double precision = 1e-10;
   std::uint64_t mostRounds = 100000;
-  Progress progress;
+  Progress progress{};
 };
 
 /// Where a walk is in the long run.
@@ -75,7 +75,7 @@ struct CoverOptions {
   /// Whether the vertex where the walk begins counts as visited. It does not for the reach target
   /// of walks: there it has to be come back to.
   bool startCounts = false;
-  Progress progress;
+  Progress progress{};
 };
 
 /// The transition probabilities of a walk, exact as the numbers of 31 bits that decide it make
