@@ -72,7 +72,7 @@ class [[nodiscard]] Result {
   [[nodiscard]] explicit operator bool() const noexcept { return hasValue(); }
 
   /// \name The value
-  /// Throws the error where there is none.
+  /// Throws the error where there is none, which may be all that is wanted: `walk(...).value();`.
   /// @{
   [[nodiscard]] T& value() & {
     requireValue();
@@ -82,7 +82,7 @@ class [[nodiscard]] Result {
     requireValue();
     return *std::get_if<0>(&either_);
   }
-  [[nodiscard]] T value() && {
+  T value() && {
     requireValue();
     return std::move(*std::get_if<0>(&either_));
   }
