@@ -29,12 +29,12 @@ struct GroupAccess;
 /// first and the last entry of a list are chosen about half as often as each other entry. An agent
 /// on a vertex without out-list stays where it is. Edge weights play no part.
 ///
-/// Threads: one thread walks. Any others may meanwhile ask for the progress, walkCount() and
-/// reachedWalkPercentage(), pause, resume or cancel the work, ask for the arrays of the history,
-/// whose elements are to be read when no walk runs, and try to flush it, which is refused from
-/// before the first step until the walk has returned. Everything else is for times when no walk
-/// runs, and the network must not be edited during a walk. Any number of groups may walk at once on
-/// one network. Asking a const group from several threads is safe.
+/// Threads: one thread walks. Any others may meanwhile call what stands under "Progress and
+/// control", walkCount() and reachedWalkPercentage(), ask for the arrays of the history, whose
+/// elements are to be read when no walk runs, and try to flush it, which is refused from before the
+/// first step until the walk has returned. Everything else is for times when no walk runs, when any
+/// number of threads may ask and none may change. The network must not be edited during a walk; any
+/// number of groups may walk on it at once.
 /// \ingroup walks
 class VEQ_EXPORT VEQNetworkAgentsGroup {
  public:

@@ -9,7 +9,8 @@
 namespace veq {
 
 /// Whether the bytes are UTF-8. Overlong forms, surrogates and what is above U+10FFFF are not.
-/// O(n). \ingroup files
+/// O(n).
+/// \ingroup files
 [[nodiscard]] VEQ_EXPORT bool isUtf8(std::string_view bytes);
 
 }  // namespace veq

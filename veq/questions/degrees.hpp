@@ -11,7 +11,8 @@
 namespace veq {
 
 /// How many vertices have degree 0, 1, 2, ... up to the largest; nothing without vertices. Loops
-/// and parallel edges count as in Network::degrees. O(n). \ingroup ask
+/// and parallel edges count as in Network::degrees. O(n).
+/// \ingroup ask
 [[nodiscard]] VEQ_EXPORT std::vector<std::uint64_t> degreeDistribution(
     const Network& network, Direction direction = Direction::kOut);
 

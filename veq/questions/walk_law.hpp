@@ -80,7 +80,8 @@ struct CoverOptions {
 
 /// The transition probabilities of a walk, exact as the numbers of 31 bits that decide it make
 /// them, and what follows from them. Copies share one matrix. It does not change when the network
-/// does. Any number of threads may ask. \ingroup walks
+/// does. Any number of threads may ask.
+/// \ingroup walks
 class VEQ_EXPORT WalkLaw {
  public:
   /// Errors of kind kArgument: "the network has no vertices", "restart 1.5: give 0 to 1", "start 12
