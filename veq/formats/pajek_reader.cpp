@@ -15,17 +15,18 @@
 namespace veq::internal {
 namespace {
 
-enum class Section { kNone, kVertices, kEdges, kArcs, kArcList, kEdgesList };
+enum class PublishedSection { kNone, kVertices, kEdges, kArcs, kArcList, kEdgesList };
 
-struct SectionWord {
+struct PublishedHeader {
   std::string_view word;
-  Section section;
+  PublishedSection section;
 };
 /// In the order in which they are tried. "ArcList" does not match "*Arcslist", but "Arcs" does.
-constexpr std::array<SectionWord, 4> kEdgeSections = {{{"ArcList", Section::kArcList},
-                                                       {"EdgesList", Section::kEdgesList},
-                                                       {"Edges", Section::kEdges},
-                                                       {"Arcs", Section::kArcs}}};
+constexpr std::array<PublishedHeader, 4> kEdgeSections = {
+    {{"ArcList", PublishedSection::kArcList},
+     {"EdgesList", PublishedSection::kEdgesList},
+     {"Edges", PublishedSection::kEdges},
+     {"Arcs", PublishedSection::kArcs}}};
 
 /// What a line says of a vertex. Entries take memory for what stands in the text, not for the
 /// number of vertices that it claims.
@@ -57,16 +58,16 @@ class PajekReader {
     if (scanner_.startsWith('%')) return true;
     scanner_.skipBlanks();
     switch (section_) {
-      case Section::kNone:
+      case PublishedSection::kNone:
         break;
-      case Section::kVertices:
+      case PublishedSection::kVertices:
         return readVertex();
-      case Section::kEdges:
-      case Section::kArcs:
+      case PublishedSection::kEdges:
+      case PublishedSection::kArcs:
         readEdge();
         break;
-      case Section::kArcList:
-      case Section::kEdgesList:
+      case PublishedSection::kArcList:
+      case PublishedSection::kEdgesList:
         readEdgesOfOneVertex();
         break;
     }
@@ -74,15 +75,15 @@ class PajekReader {
   }
 
   bool readHeader() {
-    section_ = Section::kNone;
+    section_ = PublishedSection::kNone;
     if (scanner_.matchPrefix("Vertices")) return readVerticesHeader();
-    for (const SectionWord& candidate : kEdgeSections) {
+    for (const PublishedHeader& candidate : kEdgeSections) {
       if (!scanner_.matchPrefix(candidate.word)) continue;
       section_ = candidate.section;
       // Only the weights start afresh, so that those of earlier sections are lost.
       weights_.clear();
       weights_.reserve(topology_.reserveFor(scanner_.rest()));
-      if (section_ == Section::kArcs) topology_.setDirected(true);
+      if (section_ == PublishedSection::kArcs) topology_.setDirected(true);
       break;
     }
     return true;
@@ -93,7 +94,7 @@ class PajekReader {
     names_.clear();
     positions_.clear();
     reserveNames();
-    section_ = Section::kVertices;
+    section_ = PublishedSection::kVertices;
     return true;
   }
 
@@ -134,12 +135,12 @@ class PajekReader {
     topology_.readSource(scanner_);
     topology_.readTarget(scanner_);
     scanner_.skipBlanks();
-    append(scanner_.readFloat().value_or(1.0F), section_ == Section::kEdges);
+    append(scanner_.readFloat().value_or(1.0F), section_ == PublishedSection::kEdges);
   }
 
   void readEdgesOfOneVertex() {
     topology_.readSource(scanner_);
-    while (topology_.readTarget(scanner_)) append(1.0F, section_ == Section::kEdgesList);
+    while (topology_.readTarget(scanner_)) append(1.0F, section_ == PublishedSection::kEdgesList);
   }
 
   /// Behind arcs an edge is two of them, one each way.
@@ -186,7 +187,7 @@ class PajekReader {
     const auto count = static_cast<std::size_t>(topology_.vertexCount());
     auto column = VEQVector3dArray::initWithSize_precision(count, kDoublePrecision);
     // A header behind the vertices makes the range ten times as large.
-    const double scale = section_ == Section::kVertices ? 1.0 : 10.0;
+    const double scale = section_ == PublishedSection::kVertices ? 1.0 : 10.0;
     const std::array<double*, 3> axes = {column->xd(), column->yd(), column->zd()};
     for (std::size_t axis = 0; axis < axes.size(); ++axis) {
       for (const PositionEntry& entry : positions_) axes[axis][entry.vertex] = entry.at[axis];
@@ -196,7 +197,7 @@ class PajekReader {
   }
 
   TextScanner scanner_;
-  Section section_ = Section::kNone;
+  PublishedSection section_ = PublishedSection::kNone;
   TextTopology topology_{/*first=*/1};
   bool namesSeen_ = false;
   bool positionsSeen_ = false;

@@ -15,7 +15,7 @@
 namespace veq::internal {
 namespace {
 
-enum class Section { kNone, kVertices, kEdges, kVertexProperty, kEdgeProperty };
+enum class XnetSection { kNone, kVertices, kEdges, kVertexProperty, kEdgeProperty };
 enum class ValueType { kNumber, kVector2d, kVector3d, kString };
 
 /// The lines of one property section on their way to a column.
@@ -128,15 +128,15 @@ class XnetReader {
     if (scanner_.match('#')) return readHeader();
     scanner_.skipBlanks();
     switch (section_) {
-      case Section::kNone:
+      case XnetSection::kNone:
         return true;
-      case Section::kVertices:
+      case XnetSection::kVertices:
         return readVertex();
-      case Section::kEdges:
+      case XnetSection::kEdges:
         readEdge();
         return true;
-      case Section::kVertexProperty:
-      case Section::kEdgeProperty:
+      case XnetSection::kVertexProperty:
+      case XnetSection::kEdgeProperty:
         column_.readLine(scanner_);
         return true;
     }
@@ -145,12 +145,12 @@ class XnetReader {
 
   bool readHeader() {
     closeSection();
-    section_ = Section::kNone;
+    section_ = XnetSection::kNone;
     // The longer word first: each matches whatever begins with it. Anything else is a comment.
     if (scanner_.matchPrefix("vertices")) return readVerticesHeader();
     if (scanner_.matchPrefix("edges")) return readEdgesHeader();
-    if (scanner_.matchPrefix("v")) return readPropertyHeader(Section::kVertexProperty);
-    if (scanner_.matchPrefix("e")) return readPropertyHeader(Section::kEdgeProperty);
+    if (scanner_.matchPrefix("v")) return readPropertyHeader(XnetSection::kVertexProperty);
+    if (scanner_.matchPrefix("e")) return readPropertyHeader(XnetSection::kEdgeProperty);
     return true;
   }
 
@@ -159,7 +159,7 @@ class XnetReader {
     scanner_.skipBlanks();
     renewWeights(verticesWeights_);
     names_.clear();
-    section_ = Section::kVertices;
+    section_ = XnetSection::kVertices;
     return true;
   }
 
@@ -171,7 +171,7 @@ class XnetReader {
     if (scanner_.matchPrefix("undirected")) topology_.setDirected(false);
     const std::size_t edges = topology_.reserveFor(scanner_.rest());
     if (edgesWeights_) edgesWeights_->reserve(edges);
-    section_ = Section::kEdges;
+    section_ = XnetSection::kEdges;
     return true;
   }
 
@@ -182,7 +182,7 @@ class XnetReader {
     if (!scanner_.matchPrefix("nonweighted") && weighted) weights.emplace();
   }
 
-  bool readPropertyHeader(Section section) {
+  bool readPropertyHeader(XnetSection section) {
     scanner_.skipBlanks();
     const bool quoted = scanner_.match('"');
     const std::string_view key =
@@ -191,10 +191,10 @@ class XnetReader {
     if (quoted) scanner_.match('"');
     scanner_.skipBlanks();
     const ValueType type = readType();
-    if (type == ValueType::kVector3d && section == Section::kVertexProperty) {
+    if (type == ValueType::kVector3d && section == XnetSection::kVertexProperty) {
       logDiagnostic("vector 3D data");
     }
-    column_ = ColumnDraft(key, type, section == Section::kEdgeProperty);
+    column_ = ColumnDraft(key, type, section == XnetSection::kEdgeProperty);
     section_ = section;
     return true;
   }
@@ -228,14 +228,15 @@ class XnetReader {
   }
 
   void closeSection() {
-    if (section_ == Section::kVertices && !names_.empty()) {
+    if (section_ == XnetSection::kVertices && !names_.empty()) {
       properties_.vertices.set("Name", std::make_shared<GenericArray>(std::move(names_)));
       names_ = {};
     }
-    if (section_ == Section::kVertexProperty) {
+    if (section_ == XnetSection::kVertexProperty) {
       properties_.vertices.set(column_.key(), column_.finish());
     }
-    if (section_ == Section::kEdgeProperty) properties_.edges.set(column_.key(), column_.finish());
+    if (section_ == XnetSection::kEdgeProperty)
+      properties_.edges.set(column_.key(), column_.finish());
   }
 
   std::optional<NetworkDraft> finish() {
@@ -248,7 +249,7 @@ class XnetReader {
   }
 
   TextScanner scanner_;
-  Section section_ = Section::kNone;
+  XnetSection section_ = XnetSection::kNone;
   ColumnDraft column_;
   TextTopology topology_{/*first=*/0};
   std::vector<PropertyValue> names_;

@@ -23,9 +23,10 @@ constexpr std::uint64_t kFewTargets = 24;
 // So many numbers ahead what they will choose is fetched.
 constexpr std::uint64_t kAhead = 24;
 
-class Growth {
+class AttachmentProcess {
  public:
-  Growth(DrawBlocks& draws, std::uint64_t n, std::uint64_t m) : draws_(draws), n_(n), m_(m) {
+  AttachmentProcess(DrawBlocks& draws, std::uint64_t n, std::uint64_t m)
+      : draws_(draws), n_(n), m_(m) {
     ends_.from.resize(m * (n - m));
     ends_.to.resize(m * (n - m));
     if (m > kFewTargets) chosenBy_.resize(n);
@@ -93,7 +94,7 @@ Result<Network> barabasiAlbertNetwork(std::uint64_t n, std::uint64_t m,
   return internal::generated(options, [&](DrawBlocks& draws) {
     if (m == 0) return internal::draftOf(n, {});
     Pace pace(options.progress, n);
-    return internal::draftOf(n, Growth(draws, n, m).grow(pace));
+    return internal::draftOf(n, AttachmentProcess(draws, n, m).grow(pace));
   });
 }
 

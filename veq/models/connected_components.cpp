@@ -12,8 +12,8 @@
 
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/base/internal/memory.hpp"
-#include "veq/network/internal/carried_properties.hpp"
 #include "veq/network/internal/components.hpp"
+#include "veq/network/internal/copied_properties.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
@@ -46,16 +46,16 @@ Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
   logDiagnostic(edgesWeights ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
   const HandleRun vertices = runOf(core, part.vertices);
   const HandleRun edges = runOf(core, part.edges);
-  internal::askDoubtful(core.handles().vertices, vertices,
-                        [](const VEQVertex& v) { static_cast<void>(v.properties()); });
-  internal::askDoubtful(core.handles().edges, edges,
-                        [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
+  internal::visitInvalid(core.handles().vertices, vertices,
+                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
+  internal::visitInvalid(core.handles().edges, edges,
+                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
   NetworkDraft draft;
-  draft.carriesProperties = true;
+  draft.columnsAreReady = true;
   if (vertices.count != 0) {
-    draft.properties.vertices = internal::carriedVertexProperties({&vertices, 1});
+    draft.properties.vertices = internal::copiedVertexProperties({&vertices, 1});
   }
-  if (edges.count != 0) draft.properties.edges = internal::carriedEdgeProperties({&edges, 1});
+  if (edges.count != 0) draft.properties.edges = internal::copiedEdgeProperties({&edges, 1});
   draft.vertexCount = vertices.count;
   draft.from = IndexList(part.from);
   draft.to = IndexList(part.to);
@@ -105,7 +105,8 @@ template <class Kind>
 std::optional<Weights> weightsAt(const std::optional<Weights>& weights, const HandleRun& run,
                                  const internal::HandleTable<Kind>& table) {
   if (!weights) return std::nullopt;
-  internal::askDoubtful(table, run, [](const Kind& handle) { static_cast<void>(handle.weight()); });
+  internal::visitInvalid(table, run,
+                         [](const Kind& handle) { static_cast<void>(handle.weight()); });
   Weights result(run.count);
   for (std::uint64_t i = 0; i < run.count; ++i) result[i] = (*weights)[run[i]];
   return result;

@@ -81,9 +81,9 @@ class CrossPairs {
 
 // Links each pair with probability p. A whole block of numbers is turned into skips at once; what
 // is not needed of the last one goes to the next pairs of blocks, or is used up.
-class Linker {
+class PairLinker {
  public:
-  Linker(DrawBlocks& draws, GrowingEnds& ends, Pace& pace)
+  PairLinker(DrawBlocks& draws, GrowingEnds& ends, Pace& pace)
       : draws_(draws), ends_(ends), pace_(pace) {}
 
   template <class PairSpace>
@@ -163,7 +163,7 @@ Result<Network> gnpNetwork(std::uint64_t n, double p, const ModelOptions& option
     Pace pace(options.progress, pairs.count());
     GrowingEnds ends;
     ends.reserve(std::min(roomFor(expected), pairs.count()));
-    Linker(draws, ends, pace).link(pairs, p);
+    PairLinker(draws, ends, pace).link(pairs, p);
     return draftOf(n, std::move(ends), directed);
   });
 }
@@ -265,7 +265,7 @@ Result<Network> blockNetwork(std::span<const std::uint64_t> sizes,
     Pace pace(options.progress, static_cast<std::uint64_t>(pairCount(n, directed)));
     GrowingEnds ends;
     ends.reserve(roomFor(expected));
-    Linker linker(draws, ends, pace);
+    PairLinker linker(draws, ends, pace);
     for (std::size_t a = 0; a < sizes.size(); ++a) {
       for (std::size_t b = directed ? 0 : a; b < sizes.size(); ++b) {
         const double p = probabilities[a * sizes.size() + b];

@@ -4,7 +4,7 @@
 #include <memory>
 #include <numeric>
 
-#include "veq/network/internal/carried_properties.hpp"
+#include "veq/network/internal/copied_properties.hpp"
 
 namespace veq::internal {
 namespace {
@@ -131,7 +131,7 @@ Network derived(const NetworkCore& core, Derivation derivation, Pace& pace) {
   const std::uint64_t more = derivation.moreVertices;
   if (chosen + more < chosen) throw std::bad_alloc();
   NetworkDraft draft;
-  draft.carriesProperties = true;
+  draft.columnsAreReady = true;
   draft.properties.vertices = columnsOf(core.properties->vertices, n, derivation.vertices, pace);
   for (const auto& entry : draft.properties.vertices) entry.second->appendUnset(more);
   draft.properties.edges =

@@ -23,8 +23,8 @@ template <class Index>
 Block<Index> firstParallels(const Topology<Index>& topology, const AdjacencyStore& store) {
   const std::uint64_t n = store.vertexCount();
   Block<Index> result(store.edgeCount());
-  Block<Index> first(n);  // The first edge to each neighbour
-  Block<Index> metBy(n);  // of the vertex of which this is one more than the index.
+  Block<Index> first(n);     // The first edge to each neighbour
+  Block<Index> seenFrom(n);  // of the vertex of which this is one more than the index.
   for (std::uint64_t v = 0; v < n; ++v) {
     const auto neighbours = topology.out.neighbours(v);
     const auto edges = topology.out.edges(v);
@@ -32,8 +32,8 @@ Block<Index> firstParallels(const Topology<Index>& topology, const AdjacencyStor
       const Index neighbour = neighbours[i];
       // Undirected, an edge is looked at from its lower end.
       if (!store.directed() && neighbour < v) continue;
-      if (metBy[neighbour] != v + 1) {
-        metBy[neighbour] = static_cast<Index>(v + 1);
+      if (seenFrom[neighbour] != v + 1) {
+        seenFrom[neighbour] = static_cast<Index>(v + 1);
         first[neighbour] = edges[i];
       }
       result[edges[i]] = first[neighbour];

@@ -46,9 +46,9 @@ Result<std::vector<std::uint64_t>> choice(const IndexSpan& chosen, std::uint64_t
 }
 
 // The vertices within a distance, by breadth-first search.
-class Surroundings {
+class NeighbourhoodSearch {
  public:
-  Surroundings(const NetworkCore& core, Direction direction)
+  NeighbourhoodSearch(const NetworkCore& core, Direction direction)
       : core_(core),
         out_(!core.store.directed() || direction != Direction::kIn),
         in_(core.store.directed() && direction != Direction::kOut) {}
@@ -150,7 +150,8 @@ Result<DerivedNetwork> Network::neighbourhood(std::uint64_t vertex,
     Pace pace(options.progress, countVertices());
     const NetworkCore& core = CoreAccess::of(*published_);
     return internal::inducedBy(
-        core, Surroundings(core, options.direction).of(vertex, options.distance, pace), pace);
+        core, NeighbourhoodSearch(core, options.direction).of(vertex, options.distance, pace),
+        pace);
   });
 }
 

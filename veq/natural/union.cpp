@@ -10,7 +10,7 @@
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
-#include "veq/network/internal/carried_properties.hpp"
+#include "veq/network/internal/copied_properties.hpp"
 #include "veq/network/internal/property_columns.hpp"
 
 namespace veq {
@@ -202,7 +202,7 @@ UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOption
   Pace pace(options.progress, edges.count);
   pace.reach(0);
   internal::NetworkDraft draft;
-  draft.carriesProperties = true;
+  draft.columnsAreReady = true;
   draft.properties.vertices = unitedColumns(
       networks, vertices,
       [](const Network& n) -> const PropertyTable& { return coreOf(n).properties->vertices; },

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "veq/base/diagnostic_log.hpp"
-#include "veq/network/internal/carried_properties.hpp"
+#include "veq/network/internal/copied_properties.hpp"
 #include "veq/network/internal/handle_positions.hpp"
 #include "veq/network/internal/handle_runs.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -65,7 +65,7 @@ HandlePositions positionsOf(const HandleRuns<VEQVertex>& vertices) {
 }
 
 // The ends of the edges of a run, as indices of their own network.
-struct Ends {
+struct HandleEnds {
   RawVector<std::uint64_t> from;
   RawVector<std::uint64_t> to;
 
@@ -84,8 +84,8 @@ void translate(std::span<std::uint64_t> indices, const PositionsInNetwork* posit
   for (std::uint64_t& index : indices) index = positions ? positions->of(index) : 0;
 }
 
-Ends endsOf(const HandleRuns<VEQVertex>& vertices, const HandleRuns<VEQEdge>& edges) {
-  Ends ends;
+HandleEnds endsOf(const HandleRuns<VEQVertex>& vertices, const HandleRuns<VEQEdge>& edges) {
+  HandleEnds ends;
   ends.from.reserve(edges.count());
   ends.to.reserve(edges.count());
   // Among all vertices of one network every vertex lies at its own index.
@@ -140,8 +140,8 @@ VEQVertexArray distinctEnds(const VEQVertexArray& from, const VEQVertexArray& to
 }
 
 void askForProperties(const VEQVertexArray& vertices, const HandleRuns<VEQVertex>& runs) {
-  internal::askDoubtful(vertices, runs,
-                        [](const VEQVertex& v) { static_cast<void>(v.properties()); });
+  internal::visitInvalid(vertices, runs,
+                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
 }
 
 // Without vertices there is none to which an end that was not given could be attached.
@@ -159,17 +159,17 @@ Owned<VEQNetwork> fromHandles(GiveHandles giveHandles, bool directed, GiveWeight
     NetworkDraft draft;
     draft.vertexCount = vertices.count();
     draft.directed = directed;
-    draft.carriesProperties = true;
+    draft.columnsAreReady = true;
     giveWeights(draft);
     if (!weightsFit(draft, edges.count())) return std::nullopt;
     const HandleRuns<VEQVertex> givenVertices(vertices);
     const HandleRuns<VEQEdge> givenEdges(edges);
     askForProperties(vertices, givenVertices);
-    internal::askDoubtful(edges, givenEdges,
-                          [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
-    draft.properties.vertices = internal::carriedVertexProperties(givenVertices.runs());
-    draft.properties.edges = internal::carriedEdgeProperties(givenEdges.runs());
-    Ends ends = endsOf(givenVertices, givenEdges);
+    internal::visitInvalid(edges, givenEdges,
+                           [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
+    draft.properties.vertices = internal::copiedVertexProperties(givenVertices.runs());
+    draft.properties.edges = internal::copiedEdgeProperties(givenEdges.runs());
+    HandleEnds ends = endsOf(givenVertices, givenEdges);
     draft.from = std::move(ends.from);
     draft.to = std::move(ends.to);
     return hasVertexForEnds(draft) ? std::move(draft) : std::optional<NetworkDraft>();
@@ -206,12 +206,12 @@ VEQNetwork::initWithVertices_linkFromVertices_toVertices_directed_verticesWeight
     NetworkDraft draft;
     draft.vertexCount = all.count();
     draft.directed = directed;
-    draft.carriesProperties = true;
+    draft.columnsAreReady = true;
     GivenWeights{verticesWeights, edgesWeights}(draft);
     if (!weightsFit(draft, from.count())) return std::nullopt;
     const HandleRuns<VEQVertex> given(all);
     askForProperties(all, given);
-    draft.properties.vertices = internal::carriedVertexProperties(given.runs());
+    draft.properties.vertices = internal::copiedVertexProperties(given.runs());
     const HandlePositions positions = positionsOf(given);
     draft.from = positionsOf(from, positions);
     draft.to = positionsOf(to, positions);

@@ -90,7 +90,7 @@ class Neighbourhoods {
 };
 
 // What is known of triangles once all were met.
-struct Corners {
+struct TriangleCounts {
   std::vector<std::uint64_t> triangles;
   std::vector<std::uint64_t> degrees;
 
@@ -103,9 +103,9 @@ struct Corners {
   }
 };
 
-Corners cornersOf(const Network& network) {
+TriangleCounts triangleCountsOf(const Network& network) {
   const NetworkCore& core = CoreAccess::of(*network.published());
-  Corners corners;
+  TriangleCounts corners;
   const std::uint64_t n = core.store.vertexCount();
   corners.triangles.resize(n);
   corners.degrees.resize(n);
@@ -124,7 +124,7 @@ Corners cornersOf(const Network& network) {
 }  // namespace
 
 std::vector<std::uint64_t> triangles(const Network& network) {
-  return cornersOf(network).triangles;
+  return triangleCountsOf(network).triangles;
 }
 
 std::uint64_t countTriangles(const Network& network) {
@@ -138,14 +138,14 @@ std::uint64_t countTriangles(const Network& network) {
 }
 
 std::vector<double> localClustering(const Network& network) {
-  const Corners corners = cornersOf(network);
+  const TriangleCounts corners = triangleCountsOf(network);
   std::vector<double> result(corners.degrees.size());
   for (std::uint64_t v = 0; v < result.size(); ++v) result[v] = corners.clustering(v);
   return result;
 }
 
 double averageClustering(const Network& network, WithoutPairs withoutPairs) {
-  const Corners corners = cornersOf(network);
+  const TriangleCounts corners = triangleCountsOf(network);
   double sum = 0;
   std::uint64_t count = 0;
   for (std::uint64_t v = 0; v < corners.degrees.size(); ++v) {

@@ -68,7 +68,7 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
     pace.reach(0);
     const Partition parts = core.store.visit([&](const auto& topology) {
       return Partition(componentsOf(core.store, topology, strong), topology, core.store.edgeCount(),
-                       strong ? Partition::Between::kEdges : Partition::Between::kNothing);
+                       strong ? Partition::CrossEdges::kPossible : Partition::CrossEdges::kNone);
     });
     std::vector<DerivedNetwork> result;
     result.reserve(parts.count());

@@ -21,16 +21,17 @@ namespace {
 const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 // Of the edges that are no loops, how many there are and to how many there is one back.
-struct Returns {
+struct ReciprocatedEdges {
   std::uint64_t edges = 0;
   std::uint64_t returned = 0;
 };
 
 template <class Index>
-Returns returnsOf(const AdjacencyStore& store, const Topology<Index>& topology) {
+ReciprocatedEdges reciprocatedEdgesOf(const AdjacencyStore& store,
+                                      const Topology<Index>& topology) {
   const std::uint64_t n = store.vertexCount();
   Block<Index> leadsTo(n);  // One more than the last vertex that an edge from this one leads to.
-  Returns result;
+  ReciprocatedEdges result;
   for (std::uint64_t v = 0; v < n; ++v) {
     for (const Index source : topology.in->neighbours(v)) {
       leadsTo[source] = static_cast<Index>(v + 1);
@@ -107,9 +108,9 @@ double density(const Network& network) {
 
 double reciprocity(const Network& network) {
   const NetworkCore& core = coreOf(network);
-  const Returns returns = core.store.visit([&core](const auto& topology) {
-    if (core.store.directed()) return returnsOf(core.store, topology);
-    Returns all;
+  const ReciprocatedEdges returns = core.store.visit([&core](const auto& topology) {
+    if (core.store.directed()) return reciprocatedEdgesOf(core.store, topology);
+    ReciprocatedEdges all;
     for (std::uint64_t e = 0; e < core.store.edgeCount(); ++e) {
       all.edges += topology.from[e] != topology.to[e];
     }

@@ -28,8 +28,8 @@ constexpr std::uint64_t kNothing = UINT64_MAX;
 const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 // How each vertex that was reached was reached.
-struct Arrivals {
-  explicit Arrivals(std::uint64_t vertices)
+struct ShortestPathTree {
+  explicit ShortestPathTree(std::uint64_t vertices)
       : lengths(vertices, kInfinity), before(vertices, kNothing), by(vertices, kNothing) {}
 
   std::vector<double> lengths;
@@ -52,12 +52,12 @@ struct Arrivals {
 
 // Until all or the target is reached. Of paths of equal length the one found first stays, which is
 // always the same: lists have an order, and of equally near vertices the lowest comes first.
-Arrivals nearestFirst(const NetworkCore& core, std::uint64_t source, Direction direction,
-                      std::uint64_t target = kNothing) {
+ShortestPathTree nearestFirst(const NetworkCore& core, std::uint64_t source, Direction direction,
+                              std::uint64_t target = kNothing) {
   using Near = std::pair<double, std::uint64_t>;
-  Arrivals arrivals(core.store.vertexCount());
+  ShortestPathTree tree(core.store.vertexCount());
   std::priority_queue<Near, std::vector<Near>, std::greater<>> queue;
-  arrivals.lengths[source] = 0;
+  tree.lengths[source] = 0;
   queue.emplace(0.0, source);
   core.store.visit([&](const auto& topology) {
     const SideLists lists(core.store, topology, direction);
@@ -65,40 +65,40 @@ Arrivals nearestFirst(const NetworkCore& core, std::uint64_t source, Direction d
       const double length = queue.top().first;
       const std::uint64_t vertex = queue.top().second;
       queue.pop();
-      if (length != arrivals.lengths[vertex]) continue;  // A shorter way was found since.
+      if (length != tree.lengths[vertex]) continue;  // A shorter way was found since.
       if (vertex == target) return;
       lists.forEachEntry(vertex, [&](std::uint64_t neighbour, std::uint64_t edge) {
         const double longer = length + internal::weightOf(core, edge);
-        if (!(longer < arrivals.lengths[neighbour])) return;
-        arrivals.lengths[neighbour] = longer;
-        arrivals.before[neighbour] = vertex;
-        arrivals.by[neighbour] = edge;
+        if (!(longer < tree.lengths[neighbour])) return;
+        tree.lengths[neighbour] = longer;
+        tree.before[neighbour] = vertex;
+        tree.by[neighbour] = edge;
         queue.emplace(longer, neighbour);
       });
     }
   });
-  return arrivals;
+  return tree;
 }
 
-Arrivals fewestEdgesFirst(const NetworkCore& core, std::uint64_t source, Direction direction,
-                          std::uint64_t target) {
-  Arrivals arrivals(core.store.vertexCount());
+ShortestPathTree fewestEdgesFirst(const NetworkCore& core, std::uint64_t source,
+                                  Direction direction, std::uint64_t target) {
+  ShortestPathTree tree(core.store.vertexCount());
   std::vector<std::uint64_t> reached{source};
-  arrivals.lengths[source] = 0;
+  tree.lengths[source] = 0;
   core.store.visit([&](const auto& topology) {
     const SideLists lists(core.store, topology, direction);
-    for (std::size_t i = 0; i < reached.size() && arrivals.lengths[target] == kInfinity; ++i) {
+    for (std::size_t i = 0; i < reached.size() && tree.lengths[target] == kInfinity; ++i) {
       const std::uint64_t vertex = reached[i];
       lists.forEachEntry(vertex, [&](std::uint64_t neighbour, std::uint64_t edge) {
-        if (arrivals.lengths[neighbour] != kInfinity) return;
-        arrivals.lengths[neighbour] = arrivals.lengths[vertex] + 1;
-        arrivals.before[neighbour] = vertex;
-        arrivals.by[neighbour] = edge;
+        if (tree.lengths[neighbour] != kInfinity) return;
+        tree.lengths[neighbour] = tree.lengths[vertex] + 1;
+        tree.before[neighbour] = vertex;
+        tree.by[neighbour] = edge;
         reached.push_back(neighbour);
       });
     }
   });
-  return arrivals;
+  return tree;
 }
 
 }  // namespace
@@ -132,10 +132,11 @@ Result<std::optional<Path>> shortestPath(const Network& network, std::uint64_t f
   if (options.weighted) {
     if (auto error = internal::edgeWeightsError(core)) return *error;
   }
-  const Arrivals arrivals = options.weighted ? nearestFirst(core, from, options.direction, to)
-                                             : fewestEdgesFirst(core, from, options.direction, to);
-  if (arrivals.lengths[to] == kInfinity) return std::optional<Path>();
-  return std::optional(arrivals.to(to));
+  const ShortestPathTree tree = options.weighted
+                                    ? nearestFirst(core, from, options.direction, to)
+                                    : fewestEdgesFirst(core, from, options.direction, to);
+  if (tree.lengths[to] == kInfinity) return std::optional<Path>();
+  return std::optional(tree.to(to));
 }
 
 }  // namespace veq

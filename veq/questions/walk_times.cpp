@@ -48,7 +48,7 @@ class Times {
       iterate(options, pace);
     }
     const double bound = residual() + rounding();
-    comeBack();
+    setReturnTime();
     return {std::move(steps_), bound / (1.0 - bound)};
   }
 
@@ -113,7 +113,7 @@ class Times {
   }
 
   // The target's own time, where to stay is not to come back.
-  void comeBack() {
+  void setReturnTime() {
     const double stay = matrix_.stayAt(target_);
     double sum = 1.0;
     matrix_.forRow(target_, [&](std::uint64_t to, double share) {

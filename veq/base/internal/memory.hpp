@@ -112,20 +112,20 @@ class Arena {
   template <class T>
   [[nodiscard]] Block<T> block(std::uint64_t count) {
     Block<T> result;
-    if (!lend(result, count)) result.resize(count);
+    if (!carve(result, count)) result.resize(count);
     return result;
   }
   template <class T>
   [[nodiscard]] Block<T> zeroedBlock(std::uint64_t count) {
     Block<T> result;
-    if (!lend(result, count)) return Block<T>(count);
+    if (!carve(result, count)) return Block<T>(count);
     std::fill_n(result.data_, count, T{});
     return result;
   }
 
  private:
   template <class T>
-  bool lend(Block<T>& block, std::uint64_t count) {
+  bool carve(Block<T>& block, std::uint64_t count) {
     static_assert(alignof(T) == alignof(Unit) && sizeof(T) % sizeof(Unit) == 0);
     if (count == 0 || count > left_.size_bytes() / sizeof(T)) return false;
     block = Block<T>::borrowed(reinterpret_cast<T*>(left_.data()), count);

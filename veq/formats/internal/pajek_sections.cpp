@@ -42,11 +42,11 @@ enum class Section {
   kColumn,
 };
 
-struct SectionWord {
+struct SectionName {
   std::string_view word;
   Section section;
 };
-constexpr std::array<SectionWord, 16> kSections{{{"network", Section::kNetwork},
+constexpr std::array<SectionName, 16> kSections{{{"network", Section::kNetwork},
                                                  {"vertices", Section::kVertices},
                                                  {"arcs", Section::kArcs},
                                                  {"arc", Section::kArcs},
@@ -64,7 +64,7 @@ constexpr std::array<SectionWord, 16> kSections{{{"network", Section::kNetwork},
                                                  {"vector", Section::kColumn}}};
 
 Section sectionOf(std::string_view word) {
-  for (const SectionWord& each : kSections) {
+  for (const SectionName& each : kSections) {
     if (sameWord(each.word, word)) return each.section;
   }
   return Section::kLeftOut;

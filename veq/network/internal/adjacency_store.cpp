@@ -12,7 +12,7 @@ namespace {
 // into ranges of vertices whose rows and lists stay within them.
 constexpr std::uint64_t kPartitionVertices = std::uint64_t{1} << 15;
 constexpr std::uint64_t kPartitionEntries = std::uint64_t{1} << 16;
-constexpr unsigned kPartitions = 512;
+constexpr unsigned kBuckets = 512;
 
 // From this many edges on, an insertion that is large against what is there builds all lists anew.
 constexpr std::uint64_t kBulkInsertion = 64;
@@ -28,21 +28,21 @@ void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::ui
 }
 
 template <class Index>
-struct Item {
+struct BucketEntry {
   Index vertex;
   Entry<Index> entry;
 };
 
 // Entries sorted by ranges of vertices; within a range they keep their order.
 template <class Index>
-class Partition {
+class EntryBuckets {
  public:
   template <class ForEach>
-  Partition(std::uint64_t vertices, std::uint64_t entries, ForEach forEach) {
-    while (vertices >> shift_ >= kPartitions) ++shift_;
+  EntryBuckets(std::uint64_t vertices, std::uint64_t entries, ForEach forEach) {
+    while (vertices >> shift_ >= kBuckets) ++shift_;
     items_.resize(entries);
     forEach([this](Index vertex, Index, Index) { ++ends_[(vertex >> shift_) + 1]; });
-    for (unsigned p = 1; p <= kPartitions; ++p) ends_[p] += ends_[p - 1];
+    for (unsigned p = 1; p <= kBuckets; ++p) ends_[p] += ends_[p - 1];
     // Filling a range moves its start up to its end, which is where the next one starts.
     forEach([this](Index vertex, Index neighbour, Index edge) {
       items_[ends_[vertex >> shift_]++] = {vertex, {neighbour, edge}};
@@ -52,7 +52,7 @@ class Partition {
   template <class F>
   void forEachRange(F f) const {
     std::uint64_t start = 0;
-    for (unsigned p = 0; p < kPartitions; ++p) {
+    for (unsigned p = 0; p < kBuckets; ++p) {
       f(std::span(items_.data() + start, ends_[p] - start));
       start = ends_[p];
     }
@@ -60,8 +60,8 @@ class Partition {
 
  private:
   unsigned shift_ = 0;
-  std::array<std::uint64_t, kPartitions + 1> ends_{};
-  Block<Item<Index>> items_;
+  std::array<std::uint64_t, kBuckets + 1> ends_{};
+  Block<BucketEntry<Index>> items_;
 };
 
 // The lists of those edges' ends that stand in `at`, or of both where they go both ways.
@@ -73,10 +73,10 @@ void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Bloc
   ListFiller<Index> filler(lists, vertices, entries, arena);
   const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, f); };
   if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
-    const Partition<Index> partition(vertices, entries, forEach);
-    partition.forEachRange([&filler](std::span<const Item<Index>> items) {
-      for (const Item<Index>& item : items) filler.announce(item.vertex);
-      for (const Item<Index>& item : items) filler.place(item.vertex, item.entry);
+    const EntryBuckets<Index> buckets(vertices, entries, forEach);
+    buckets.forEachRange([&filler](std::span<const BucketEntry<Index>> items) {
+      for (const BucketEntry<Index>& item : items) filler.announce(item.vertex);
+      for (const BucketEntry<Index>& item : items) filler.place(item.vertex, item.entry);
     });
   } else {
     forEach([&filler](Index vertex, Index, Index) { filler.announce(vertex); });

@@ -30,7 +30,7 @@ template <class Index>
 struct Topology final : SharedTopology {
   /// With an arena of so many indices behind it, for all blocks of a small network.
   [[nodiscard]] static Topology* make(std::uint64_t arenaSize) {
-    return new (Behind{static_cast<std::size_t>(arenaSize) * sizeof(Index)}) Topology;
+    return new (TrailingBytes{static_cast<std::size_t>(arenaSize) * sizeof(Index)}) Topology;
   }
   [[nodiscard]] Arena<Index> arena(std::uint64_t arenaSize) {
     return Arena<Index>({reinterpret_cast<Index*>(this + 1), static_cast<std::size_t>(arenaSize)});
@@ -53,7 +53,7 @@ struct HeldTopology {
 
 /// A lock that is held for a few instructions or for an insertion; whoever finds it taken looks
 /// again until it is free.
-class BriefLock {
+class SpinLock {
  public:
   void lock() {
     while (taken_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
@@ -151,7 +151,7 @@ class AdjacencyStore {
   bool directed_ = false;
   bool narrow_ = true;
   // Guards the topology's place and the number of edges against those who take a share of it.
-  mutable BriefLock lock_;
+  mutable SpinLock lock_;
   TopologyShare topology_;
 };
 

@@ -103,13 +103,13 @@ struct Part {
 class Partition {
  public:
   /// Whether edges can lead from one component to another; weakly connected ones have none.
-  enum class Between { kNothing, kEdges };
+  enum class CrossEdges { kNone, kPossible };
 
   template <class Index>
   Partition(const Components<Index>& components, const Topology<Index>& topology,
-            std::uint64_t edgeCount, Between between = Between::kNothing)
+            std::uint64_t edgeCount, CrossEdges crossEdges = CrossEdges::kNone)
       : vertexStarts_(startsOf(components.sizes)),
-        edgeStarts_(startsOf(edgeCounts(components, topology, edgeCount, between))) {
+        edgeStarts_(startsOf(edgeCounts(components, topology, edgeCount, crossEdges))) {
     const std::uint64_t n = vertexStarts_.back();
     vertices_.resize(n);
     Block<Index> positions;
@@ -123,7 +123,7 @@ class Partition {
     for (auto* column : {&edges_, &from_, &to_}) column->resize(edgeStarts_.back());
     next = edgeStarts_;
     for (std::uint64_t e = 0; e < edgeCount; ++e) {
-      if (crosses(e, components, topology, between)) continue;
+      if (crosses(e, components, topology, crossEdges)) continue;
       const std::uint64_t place = next[components.of(topology.from[e])]++;
       edges_[place] = e;
       from_[place] = positions[topology.from[e]];
@@ -143,17 +143,17 @@ class Partition {
   // Whether the edge leads from one component to another.
   template <class Index>
   static bool crosses(std::uint64_t edge, const Components<Index>& components,
-                      const Topology<Index>& topology, Between between) {
-    return between == Between::kEdges &&
+                      const Topology<Index>& topology, CrossEdges crossEdges) {
+    return crossEdges == CrossEdges::kPossible &&
            components.of(topology.from[edge]) != components.of(topology.to[edge]);
   }
   template <class Index>
   static std::vector<std::uint64_t> edgeCounts(const Components<Index>& components,
                                                const Topology<Index>& topology,
-                                               std::uint64_t edgeCount, Between between) {
+                                               std::uint64_t edgeCount, CrossEdges crossEdges) {
     std::vector<std::uint64_t> counts(components.sizes.size());
     for (std::uint64_t e = 0; e < edgeCount; ++e) {
-      if (!crosses(e, components, topology, between)) ++counts[components.of(topology.from[e])];
+      if (!crosses(e, components, topology, crossEdges)) ++counts[components.of(topology.from[e])];
     }
     return counts;
   }

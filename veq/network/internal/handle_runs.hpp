@@ -67,7 +67,7 @@ class HandleRuns {
 /// Calls ask(handle) for the handles of a network that lives which may have an objection to being
 /// asked, in order: those that have been invalidated alone. Makes no handle.
 template <class Kind, class Ask>
-void askDoubtful(const HandleTable<Kind>& table, const HandleRun& run, Ask ask) {
+void visitInvalid(const HandleTable<Kind>& table, const HandleRun& run, Ask ask) {
   if (!table.hasMadeAny()) return;
   for (std::uint64_t i = 0; i < run.count; ++i) {
     const Kind* handle = table.find(run[i]);
@@ -78,10 +78,10 @@ void askDoubtful(const HandleTable<Kind>& table, const HandleRun& run, Ask ask) 
 /// The same for any handles, which may also belong to a dead network, or have been made by hand and
 /// lie outside their network.
 template <class Kind, class Ask>
-void askDoubtful(const HandleArray<Kind>& array, const HandleRuns<Kind>& runs, Ask ask) {
+void visitInvalid(const HandleArray<Kind>& array, const HandleRuns<Kind>& runs, Ask ask) {
   const auto& table = array.table();
   if (table && table->life().alive.load(std::memory_order_acquire)) {
-    for (const HandleRun& run : runs.runs()) askDoubtful(*table, run, ask);
+    for (const HandleRun& run : runs.runs()) visitInvalid(*table, run, ask);
     return;
   }
   for (const Kind& handle : array) {

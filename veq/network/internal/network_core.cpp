@@ -21,7 +21,7 @@ NetworkCore::NetworkCore(NetworkDraft&& draft)
       properties(std::make_shared<NetworkProperties>(std::move(draft.properties))),
       vertexCapacity(store.vertexCount()),
       edgesCapacity(store.edgeCount()) {
-  if (draft.carriesProperties) return;
+  if (draft.columnsAreReady) return;
   installAll(properties->vertices);
   installAll(properties->edges);
 }

@@ -31,9 +31,9 @@ struct NetworkDraft {
   std::optional<Weights> verticesWeights;
   std::optional<Weights> edgesWeights;
   /// Installed by the rules of the whole-column setters (reserved keys are dropped, null columns
-  /// ignored, fixed columns copied), unless they are those of networks and carried as they are.
+  /// ignored, fixed columns copied), unless they come from networks, where these were applied.
   NetworkProperties properties;
-  bool carriesProperties = false;
+  bool columnsAreReady = false;
   /// For tests of the wide form with few edges.
   std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit;
 };

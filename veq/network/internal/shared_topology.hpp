@@ -17,14 +17,14 @@ class SharedTopology {
   SharedTopology& operator=(const SharedTopology&) = delete;
 
   /// Further memory behind the object.
-  struct Behind {
+  struct TrailingBytes {
     std::size_t bytes;
   };
-  static void* operator new(std::size_t size, Behind behind) {
+  static void* operator new(std::size_t size, TrailingBytes behind) {
     return ::operator new(size + behind.bytes);
   }
   static void operator delete(void* memory) { ::operator delete(memory); }
-  static void operator delete(void* memory, Behind /*behind*/) { ::operator delete(memory); }
+  static void operator delete(void* memory, TrailingBytes /*behind*/) { ::operator delete(memory); }
 
   void retain() { shares_.fetch_add(1, std::memory_order_relaxed); }
   /// What the share was read for has happened before whoever finds it gone goes on.

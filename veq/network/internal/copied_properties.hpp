@@ -15,9 +15,9 @@ namespace veq::internal {
 /// the order in which they are first met, a kind fixed by the first value, nothing set where a
 /// vertex's network lacks the key. But a column with a value that this kind cannot hold becomes one
 /// that holds any kind. O(vertices) for each key.
-[[nodiscard]] PropertyTable carriedVertexProperties(std::span<const HandleRun> runs);
+[[nodiscard]] PropertyTable copiedVertexProperties(std::span<const HandleRun> runs);
 
 /// The same for edges, whose columns always hold any kind.
-[[nodiscard]] PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs);
+[[nodiscard]] PropertyTable copiedEdgeProperties(std::span<const HandleRun> runs);
 
 }  // namespace veq::internal

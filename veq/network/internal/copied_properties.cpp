@@ -1,4 +1,4 @@
-#include "veq/network/internal/carried_properties.hpp"
+#include "veq/network/internal/copied_properties.hpp"
 
 #include <algorithm>
 #include <string_view>
@@ -12,15 +12,15 @@ namespace veq::internal {
 namespace {
 
 // Which of a network's two tables the runs speak of.
-struct Vertices {
+struct VertexTables {
   static const PropertyTable& table(const NetworkCore& core) { return core.properties->vertices; }
 };
-struct Edges {
+struct EdgeTables {
   static const PropertyTable& table(const NetworkCore& core) { return core.properties->edges; }
 };
 
-// The part of a column that a run takes over: elements of `column` that go to `first` and after.
-struct Part {
+// The elements of `column` that a run of handles copies, to `first` and after.
+struct ColumnSlice {
   HandleRun run;
   std::uint64_t first;
   const PropertyColumn* column;
@@ -40,37 +40,37 @@ struct Part {
 };
 
 template <class Side>
-std::vector<Part> partsOf(std::span<const HandleRun> runs, std::string_view key) {
-  std::vector<Part> parts;
+std::vector<ColumnSlice> slicesOf(std::span<const HandleRun> runs, std::string_view key) {
+  std::vector<ColumnSlice> slices;
   std::uint64_t first = 0;
   for (const HandleRun& run : runs) {
     if (const auto* column = Side::table(run.core()).find(key)) {
-      parts.push_back({run, first, column->get()});
+      slices.push_back({run, first, column->get()});
     }
     first += run.count;
   }
-  return parts;
+  return slices;
 }
 
-void fillNumbers(VEQNumberArray& to, const Part& part) {
+void fillNumbers(VEQNumberArray& to, const ColumnSlice& slice) {
   const std::span<double> values = to.values<double>();
-  static_cast<const VEQNumberArray&>(*part.column).visit([&](auto elements) {
-    part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+  static_cast<const VEQNumberArray&>(*slice.column).visit([&](auto elements) {
+    slice.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
       values[position] = static_cast<double>(elements[index]);
     });
   });
 }
 
-void fillVectors(VEQVector2dArray& to, const Part& part) {
-  const auto& from = static_cast<const VEQVector2dArray&>(*part.column);
-  part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+void fillVectors(VEQVector2dArray& to, const ColumnSlice& slice) {
+  const auto& from = static_cast<const VEQVector2dArray&>(*slice.column);
+  slice.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
     to.setVector_atIndex(from.vectorAtIndex(index), position);
   });
 }
 
-void fillVectors(VEQVector3dArray& to, const Part& part) {
-  const auto& from = static_cast<const VEQVector3dArray&>(*part.column);
-  part.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
+void fillVectors(VEQVector3dArray& to, const ColumnSlice& slice) {
+  const auto& from = static_cast<const VEQVector3dArray&>(*slice.column);
+  slice.forEachPresent([&](std::uint64_t position, std::uint64_t index) {
     to.setVector_atIndex(from.vectorAtIndex(index), position);
   });
 }
@@ -90,48 +90,49 @@ bool canHold(PropertyColumn::Kind kind, const PropertyValue& value) {
 }
 
 // False, and the column of no use, where it cannot hold a value.
-bool fillTyped(PropertyColumn& to, const Part& part) {
-  if (to.kind() == part.column->kind()) {
+bool fillTyped(PropertyColumn& to, const ColumnSlice& slice) {
+  if (to.kind() == slice.column->kind()) {
     switch (to.kind()) {
       case PropertyColumn::Kind::kNumber:
-        fillNumbers(static_cast<VEQNumberArray&>(to), part);
+        fillNumbers(static_cast<VEQNumberArray&>(to), slice);
         return true;
       case PropertyColumn::Kind::kVector2d:
-        fillVectors(static_cast<VEQVector2dArray&>(to), part);
+        fillVectors(static_cast<VEQVector2dArray&>(to), slice);
         return true;
       case PropertyColumn::Kind::kVector3d:
-        fillVectors(static_cast<VEQVector3dArray&>(to), part);
+        fillVectors(static_cast<VEQVector3dArray&>(to), slice);
         return true;
       case PropertyColumn::Kind::kGeneric:
         break;
     }
   }
-  for (std::uint64_t i = 0; i < part.run.count; ++i) {
-    const PropertyValue value = part.value(i);
+  for (std::uint64_t i = 0; i < slice.run.count; ++i) {
+    const PropertyValue value = slice.value(i);
     if (!canHold(to.kind(), value)) return false;
-    to.replaceObjectAtIndex_withObject(part.first + i, value);
+    to.replaceObjectAtIndex_withObject(slice.first + i, value);
   }
   return true;
 }
 
-Shared<PropertyColumn> genericColumn(const std::vector<Part>& parts, std::uint64_t count) {
+Shared<PropertyColumn> genericColumn(const std::vector<ColumnSlice>& slices, std::uint64_t count) {
   std::vector<PropertyValue> values(count);
-  for (const Part& part : parts) {
-    for (std::uint64_t i = 0; i < part.run.count; ++i) values[part.first + i] = part.value(i);
+  for (const ColumnSlice& slice : slices) {
+    for (std::uint64_t i = 0; i < slice.run.count; ++i) values[slice.first + i] = slice.value(i);
   }
   return std::make_shared<GenericArray>(std::move(values));
 }
 
-Shared<PropertyColumn> vertexColumn(const std::vector<Part>& parts, std::uint64_t count) {
-  const Shared<PropertyColumn> typed = newVertexColumn(parts.front().value(0), count);
-  const bool holdsAll = typed->kind() != PropertyColumn::Kind::kGeneric &&
-                        std::all_of(parts.begin(), parts.end(),
-                                    [&typed](const Part& part) { return fillTyped(*typed, part); });
-  return holdsAll ? typed : genericColumn(parts, count);
+Shared<PropertyColumn> vertexColumn(const std::vector<ColumnSlice>& slices, std::uint64_t count) {
+  const Shared<PropertyColumn> typed = newVertexColumn(slices.front().value(0), count);
+  const bool holdsAll =
+      typed->kind() != PropertyColumn::Kind::kGeneric &&
+      std::all_of(slices.begin(), slices.end(),
+                  [&typed](const ColumnSlice& slice) { return fillTyped(*typed, slice); });
+  return holdsAll ? typed : genericColumn(slices, count);
 }
 
 template <class Side, class NewColumn>
-PropertyTable carried(std::span<const HandleRun> runs, NewColumn newColumn) {
+PropertyTable copied(std::span<const HandleRun> runs, NewColumn newColumn) {
   PropertyTable result;
   if (std::all_of(runs.begin(), runs.end(),
                   [](const HandleRun& run) { return Side::table(run.core()).empty(); })) {
@@ -144,7 +145,7 @@ PropertyTable carried(std::span<const HandleRun> runs, NewColumn newColumn) {
     const PropertyTable& table = Side::table(run.core());
     if (table.empty() || !seen.insert(run.life).second) continue;
     for (const auto& [key, column] : table) {
-      if (!result.contains(key)) result.set(key, newColumn(partsOf<Side>(runs, key), count));
+      if (!result.contains(key)) result.set(key, newColumn(slicesOf<Side>(runs, key), count));
     }
   }
   return result;
@@ -152,12 +153,12 @@ PropertyTable carried(std::span<const HandleRun> runs, NewColumn newColumn) {
 
 }  // namespace
 
-PropertyTable carriedVertexProperties(std::span<const HandleRun> runs) {
-  return carried<Vertices>(runs, vertexColumn);
+PropertyTable copiedVertexProperties(std::span<const HandleRun> runs) {
+  return copied<VertexTables>(runs, vertexColumn);
 }
 
-PropertyTable carriedEdgeProperties(std::span<const HandleRun> runs) {
-  return carried<Edges>(runs, genericColumn);
+PropertyTable copiedEdgeProperties(std::span<const HandleRun> runs) {
+  return copied<EdgeTables>(runs, genericColumn);
 }
 
 }  // namespace veq::internal
