@@ -14,7 +14,7 @@ namespace veq {
 
 /// Asks whether the work that holds it is to stop. One that was made without a source never stops.
 /// Copies ask the same. May be asked by any thread, and copied like any value.
-/// \ingroup process
+/// \ingroup long
 class StopToken {
  public:
   StopToken() = default;
@@ -33,7 +33,7 @@ class StopToken {
 
 /// Stops the work that holds its tokens, from any thread, once and for ever. Copies are the same
 /// source.
-/// \ingroup process
+/// \ingroup long
 class StopSource {
  public:
   StopSource() : flag_(std::make_shared<std::atomic<bool>>(false)) {}
@@ -54,7 +54,7 @@ class StopSource {
 /// How to follow work that takes long, and how to stop it. What stopping leaves is said by each
 /// operation: a walk ends after a whole step, all other work leaves its object as it was and gives
 /// an error of kind kStopped.
-/// \ingroup process
+/// \ingroup long
 struct Progress {
   /// Called from the thread that works, never under a lock and at most every 50 ms, with how much
   /// is done of how much. What it throws ends the work as a stop does, and passes through.

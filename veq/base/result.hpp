@@ -14,7 +14,7 @@
 namespace veq {
 
 /// What kind of thing went wrong.
-/// \ingroup process
+/// \ingroup errors
 enum class ErrorKind {
   kArgument,     ///< An argument that cannot be: a negative index, too few weights, a limit.
   kFile,         ///< A file that cannot be opened, read or written.
@@ -26,7 +26,7 @@ enum class ErrorKind {
 
 /// Where in a text something stands. Lines and columns count from 1; a column counts bytes, and 0
 /// means that only the line is known.
-/// \ingroup process
+/// \ingroup errors
 struct Place {
   /// The two numbers.
   std::uint64_t line = 0;
@@ -37,7 +37,7 @@ struct Place {
 
 /// Why there is no result: a kind for programs, a sentence for people, and the place in the text
 /// where there is one. Result::value() throws it.
-/// \ingroup process
+/// \ingroup errors
 class VEQ_EXPORT Error : public std::exception {
  public:
   /// Of its parts.
@@ -59,7 +59,7 @@ class VEQ_EXPORT Error : public std::exception {
 };
 
 /// A T, or the Error that says why there is none.
-/// \ingroup process
+/// \ingroup errors
 template <class T>
 class [[nodiscard]] Result {
  public:
@@ -102,7 +102,7 @@ class [[nodiscard]] Result {
 };
 
 /// For operations that only succeed or fail.
-/// \ingroup process
+/// \ingroup errors
 using Outcome = Result<std::monostate>;
 
 }  // namespace veq

@@ -16,7 +16,7 @@ struct HeldTopology;
 }  // namespace internal
 
 /// Vertices and edges as arrays of 32-bit or 64-bit indices.
-/// \ingroup ask
+/// \ingroup bulk
 template <class Index>
 struct TopologyArrays {
   /// Edge e runs from from[e] to to[e].
@@ -30,7 +30,7 @@ struct TopologyArrays {
 };
 
 /// Both directions of a topology as compressed sparse rows.
-/// \ingroup ask
+/// \ingroup bulk
 template <class Index>
 struct PackedTopology {
   /// As in TopologyArrays.
@@ -49,7 +49,7 @@ struct PackedTopology {
 /// Threads: any thread may take views, read them and let go of them, also while another inserts
 /// edges; taking one waits for an insertion that is under way. One view object at a time belongs to
 /// one thread, its copies to any.
-/// \ingroup ask
+/// \ingroup bulk
 class VEQ_EXPORT TopologyView {
  public:
   /// Views are copied where they could be moved, so that none is ever empty.

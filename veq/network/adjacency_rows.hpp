@@ -10,7 +10,7 @@ namespace veq {
 
 /// Where a vertex's list lies in the pools: the place of its first entry, and its length. A list
 /// that has never held an entry starts at 0, where no list is.
-/// \ingroup ask
+/// \ingroup bulk
 template <class Index>
 struct AdjacencyRow {
   /// The place of the first entry.
@@ -21,7 +21,7 @@ struct AdjacencyRow {
 
 /// The lists of one direction, in edge order. They lie in two pools, one of neighbours and one of
 /// edges, at the same places, in no particular order and with gaps. Indices are not checked.
-/// \ingroup ask
+/// \ingroup bulk
 template <class Index>
 class AdjacencyRows {
  public:
@@ -51,7 +51,7 @@ class AdjacencyRows {
 
 /// The lists of one direction one behind the other in the order of the vertices: those of vertex v
 /// are the entries offsets[v] to offsets[v + 1] - 1 (compressed sparse rows).
-/// \ingroup ask
+/// \ingroup bulk
 template <class Index>
 struct PackedRows {
   /// One more than there are vertices.

@@ -17,7 +17,7 @@
 namespace veq {
 
 /// Which walk is meant: that of one agent without memory.
-/// \ingroup walks
+/// \ingroup laws
 struct WalkLawOptions {
   Choice choice = Choice::kPublished;
   /// The probability with which a step leads back to `start` instead. It counts as the multiple of
@@ -30,7 +30,7 @@ struct WalkLawOptions {
 };
 
 /// How to solve or iterate.
-/// \ingroup walks
+/// \ingroup laws
 struct SolvingOptions {
   /// Above so many unknowns equations are iterated, not solved: solving takes a third of their cube
   /// in operations, and the square in memory.
@@ -43,7 +43,7 @@ struct SolvingOptions {
 };
 
 /// Where a walk is in the long run.
-/// \ingroup walks
+/// \ingroup laws
 struct StationaryShares {
   /// The share of its steps that end at each vertex. They sum to 1.
   std::vector<double> shares;
@@ -52,7 +52,7 @@ struct StationaryShares {
 };
 
 /// How long a walk takes to a vertex.
-/// \ingroup walks
+/// \ingroup laws
 struct HittingTimes {
   /// The mean number of steps from each vertex to the first arrival at the target, from the target
   /// itself until it comes back. Infinite where it may never come there.
@@ -63,14 +63,14 @@ struct HittingTimes {
 
 /// How long a walk takes to have been everywhere, on average. Both are the same, but for rounding,
 /// where the time is known.
-/// \ingroup walks
+/// \ingroup laws
 struct CoverTime {
   double atLeast = 0.0;
   double atMost = 0.0;
 };
 
 /// How to ask for a cover time.
-/// \ingroup walks
+/// \ingroup laws
 struct CoverOptions {
   /// Whether the vertex where the walk begins counts as visited. It does not for the reach target
   /// of walks: there it has to be come back to.
@@ -81,7 +81,7 @@ struct CoverOptions {
 /// The transition probabilities of a walk, exact as the numbers of 31 bits that decide it make
 /// them, and what follows from them. Copies share one matrix. It does not change when the network
 /// does. Any number of threads may ask.
-/// \ingroup walks
+/// \ingroup laws
 class VEQ_EXPORT WalkLaw {
  public:
   /// Errors of kind kArgument: "the network has no vertices", "restart 1.5: give 0 to 1", "start 12
