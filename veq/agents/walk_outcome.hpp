@@ -50,11 +50,8 @@ class VEQ_EXPORT WalkPaths {
   WalkPaths(VEQVertexPaths published, std::vector<std::uint64_t> starts)
       : published_(std::move(published)), starts_(std::move(starts)) {}
 
-  /// Their numbers.
-  /// @{
   [[nodiscard]] std::uint64_t countAgents() const { return published_.count(); }
   [[nodiscard]] std::uint64_t countSteps() const { return published_.countSteps(); }
-  /// @}
 
   /// Where the agent stood before the first step. std::out_of_range.
   [[nodiscard]] std::uint64_t start(std::uint64_t agent) const { return starts_.at(agent); }

@@ -19,7 +19,6 @@ class StopToken {
  public:
   StopToken() = default;
 
-  /// Whether the work is to stop.
   [[nodiscard]] bool stopRequested() const noexcept {
     return flag_ && flag_->load(std::memory_order_acquire);
   }
@@ -38,11 +37,8 @@ class StopSource {
  public:
   StopSource() : flag_(std::make_shared<std::atomic<bool>>(false)) {}
 
-  /// For the work to hold.
   [[nodiscard]] StopToken token() const { return StopToken(flag_); }
-  /// From now on its tokens say so.
   void requestStop() const noexcept { flag_->store(true, std::memory_order_release); }
-  /// Whether they do.
   [[nodiscard]] bool stopRequested() const noexcept {
     return flag_->load(std::memory_order_acquire);
   }

@@ -28,7 +28,6 @@ enum class ErrorKind {
 /// means that only the line is known.
 /// \ingroup errors
 struct Place {
-  /// The two numbers.
   std::uint64_t line = 0;
   std::uint64_t column = 0;
 
@@ -40,16 +39,13 @@ struct Place {
 /// \ingroup errors
 class VEQ_EXPORT Error : public std::exception {
  public:
-  /// Of its parts.
   Error(ErrorKind kind, std::string text, std::optional<Place> place = std::nullopt)
       : kind_(kind), text_(std::move(text)), place_(place) {}
 
-  /// What kind of thing went wrong.
   [[nodiscard]] ErrorKind kind() const noexcept { return kind_; }
   /// Without a full stop: "edge 7: target -1", "4 weights for 5 edges".
   [[nodiscard]] const std::string& text() const noexcept { return text_; }
   [[nodiscard]] const std::optional<Place>& place() const noexcept { return place_; }
-  /// The text.
   [[nodiscard]] const char* what() const noexcept override { return text_.c_str(); }
 
  private:
@@ -67,7 +63,6 @@ class [[nodiscard]] Result {
   Result(T value) : either_(std::in_place_index<0>, std::move(value)) {}
   Result(Error error) : either_(std::in_place_index<1>, std::move(error)) {}
 
-  /// Whether there is a value.
   [[nodiscard]] bool hasValue() const noexcept { return either_.index() == 0; }
   [[nodiscard]] explicit operator bool() const noexcept { return hasValue(); }
 

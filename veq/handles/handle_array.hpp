@@ -28,7 +28,6 @@ namespace veq {
 template <class Kind>
 class HandleArray {
  public:
-  /// An empty array.
   HandleArray() = default;
   /// An array of any handles, also of several networks. A null handle throws std::invalid_argument,
   /// "An array of handles cannot hold a null handle.".

@@ -15,10 +15,8 @@ namespace veq {
 /// given ones these do not hold exactly, and the first of them.
 /// \ingroup build
 struct BuildNotes {
-  /// How many.
   std::uint64_t roundedVertexWeights = 0;
   std::uint64_t roundedEdgeWeights = 0;
-  /// Which is the first.
   std::optional<std::uint64_t> firstRoundedVertexWeight;
   std::optional<std::uint64_t> firstRoundedEdgeWeight;
 };

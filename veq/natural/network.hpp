@@ -251,7 +251,6 @@ class VEQ_EXPORT Network {
 /// A network that was made of parts of another.
 /// \ingroup edit
 struct DerivedNetwork {
-  /// The new one.
   Network network;
   /// For each of its vertices and edges the index in the network that it comes from.
   std::vector<std::uint64_t> vertices;
@@ -261,7 +260,6 @@ struct DerivedNetwork {
 /// A network that was made of several others.
 /// \ingroup edit
 struct UnitedNetwork {
-  /// The new one.
   Network network;
   /// For each of the networks, and each of its vertices, the new index.
   std::vector<std::vector<std::uint64_t>> vertices;

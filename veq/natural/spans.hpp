@@ -56,7 +56,6 @@ struct StridedElements {
 /// \ingroup build
 class VEQ_EXPORT IndexSpan {
  public:
-  /// None.
   IndexSpan() = default;
   /// Whatever lies in one block.
   template <class Range>
@@ -75,7 +74,6 @@ class VEQ_EXPORT IndexSpan {
         inPlace_(stride == 8 && (std::same_as<T, std::int64_t> || std::same_as<T, std::uint64_t>)) {
   }
 
-  /// How many there are.
   [[nodiscard]] std::uint64_t count() const { return count_; }
 
   /// Calls f with something whose operator[] gives the integers in their own type.
@@ -121,7 +119,6 @@ class VEQ_EXPORT IndexSpan {
 /// \ingroup build
 class VEQ_EXPORT NumberSpan {
  public:
-  /// None at all.
   NumberSpan() = default;
   /// Of what outlives the expression: a vector or array that somebody holds, or a span.
   template <class Range>

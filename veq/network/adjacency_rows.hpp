@@ -13,9 +13,7 @@ namespace veq {
 /// \ingroup bulk
 template <class Index>
 struct AdjacencyRow {
-  /// The place of the first entry.
   Index start;
-  /// The number of entries.
   Index count;
 };
 

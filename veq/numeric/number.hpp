@@ -31,7 +31,6 @@ class VEQ_EXPORT Number {
   Number(float value) : value_(value) {}
   Number(double value) : value_(value) {}
 
-  /// The kind of number that it is.
   [[nodiscard]] ElementType type() const;
 
   /// The value as T: double, float, std::int64_t or std::uint64_t, by the rules of convertNumber.

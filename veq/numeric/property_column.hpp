@@ -20,12 +20,10 @@ class VEQNumberArray;
 /// \ingroup values
 class VEQ_EXPORT PropertyColumn {
  public:
-  /// What its elements are.
   enum class Kind { kGeneric, kNumber, kVector2d, kVector3d };
 
   virtual ~PropertyColumn() = default;
 
-  /// Its kind, whether it can be changed, and its number of elements.
   [[nodiscard]] Kind kind() const { return kind_; }
   [[nodiscard]] bool isEditable() const { return editable_; }
   [[nodiscard]] std::uint64_t count() const { return doCount(); }
@@ -62,7 +60,6 @@ class VEQ_EXPORT PropertyColumn {
   [[nodiscard]] Owned<PropertyColumn> fixedCopy() const;
 
  protected:
-  /// For derived columns.
   explicit PropertyColumn(Kind kind) noexcept : kind_(kind) {}
   /// A copy is editable.
   PropertyColumn(const PropertyColumn& other) noexcept : kind_(other.kind_) {}

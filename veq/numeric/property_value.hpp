@@ -60,7 +60,6 @@ class VEQ_EXPORT PropertyValue {
     if (object) value_ = Shared<const PropertyObject>(std::move(object));
   }
 
-  /// Whether it is the null marker.
   [[nodiscard]] bool isNull() const { return std::holds_alternative<std::monostate>(value_); }
 
   /// Each gives the value of its kind, or null where the value is of another kind.

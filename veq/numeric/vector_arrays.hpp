@@ -51,7 +51,6 @@ class VEQ_EXPORT VectorArray : public PropertyColumn {
   [[nodiscard]] static Owned<Array> initWithSize_precision(std::uint64_t count,
                                                            Precision precision);
 
-  /// The precision of all its vectors.
   [[nodiscard]] Precision precision() const { return precision_; }
 
   /// std::out_of_range past the end.

@@ -21,7 +21,6 @@ enum class Connection { kWeak, kStrong };
 struct ComponentLabels {
   /// For each vertex the number of its component.
   std::vector<std::uint64_t> labels;
-  /// The number of vertices of each.
   std::vector<std::uint64_t> sizes;
 };
 

@@ -19,7 +19,6 @@ namespace veq {
 /// How many vertices have one strength.
 /// \ingroup ask
 struct StrengthCount {
-  /// Which one, and how many.
   double strength = 0;
   std::uint64_t vertices = 0;
 

@@ -104,7 +104,6 @@ struct Diameter {
   /// Two vertices at the distance `least`; both 0 in a network without vertices.
   std::uint64_t from = 0;
   std::uint64_t to = 0;
-  /// How many searches it took.
   std::uint64_t searches = 0;
 };
 

@@ -21,7 +21,6 @@ namespace veq::internal {
 /// In words that hold the vertices of the network, whatever it takes to hold its edges.
 using GroupHistory = std::variant<WalkHistory<std::uint32_t>, WalkHistory<std::uint64_t>>;
 
-/// What a group consists of.
 struct GroupState {
   using Positions = std::vector<std::uint64_t>;
 

@@ -35,7 +35,6 @@ WalkResult walkWithMemory(GroupState& group, DynamicState& dynamic, const WalkRe
       });
 }
 
-/// The published walk's request.
 [[nodiscard]] inline WalkRequest publishedRequest(std::uint64_t steps, bool returnPath,
                                                   float untilReach) {
   WalkRequest request;

@@ -7,7 +7,6 @@
 
 namespace veq::internal {
 
-/// The tokens of a GML text.
 class GmlTokens {
  public:
   enum class Kind { kKey, kNumber, kString, kOpen, kClose, kEnd };

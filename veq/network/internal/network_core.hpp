@@ -25,7 +25,6 @@ struct NetworkHandles final : HandleOwner {
   HandleTable<VEQEdge> edges{*this};
 };
 
-/// What a network consists of.
 struct NetworkCore {
   /// Of a draft whose weights are one for each vertex and edge.
   explicit NetworkCore(NetworkDraft&& draft);
