@@ -41,7 +41,7 @@ VEQNumberArray indicesOf(const Index* indices, std::uint64_t count) {
 }
 
 // The arrays that a draft borrows.
-struct ArchivedEnds {
+struct EndArrays {
   Owned<VEQNumberArray> from;
   Owned<VEQNumberArray> to;
 };
@@ -52,7 +52,7 @@ bool decodeWeights(VEQCoder& coder, std::string_view key, std::optional<Weights>
   return weights.has_value();
 }
 
-std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, ArchivedEnds& ends) {
+std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, EndArrays& ends) {
   const std::optional<bool> directed = coder.decodeBool(kDirected);
   const std::optional<bool> edgeWeighted = coder.decodeBool(kEdgeWeighted);
   const std::optional<bool> vertexWeighted = coder.decodeBool(kVertexWeighted);
@@ -102,7 +102,7 @@ void VEQNetwork::encodeWithCoder(VEQCoder& coder) const {
 }
 
 Owned<VEQNetwork> VEQNetwork::initWithCoder(VEQCoder& coder) {
-  ArchivedEnds ends;
+  EndArrays ends;
   return CoreAccess::make([&] { return decodeDraft(coder, ends); });
 }
 
