@@ -17,6 +17,15 @@ const std::vector<std::vector<std::string>> kCommands = {{"info"},
                                                          {"generate"},
                                                          {"generate", "barabasi"},
                                                          {"generate", "random"},
+                                                         {"generate", "gnp"},
+                                                         {"generate", "gnm"},
+                                                         {"generate", "barabasi-albert"},
+                                                         {"generate", "configuration"},
+                                                         {"generate", "watts-strogatz"},
+                                                         {"generate", "lattice"},
+                                                         {"generate", "geometric"},
+                                                         {"generate", "blocks"},
+                                                         {"generate", "rewired"},
                                                          {"components"}};
 
 std::string helpOf(std::vector<std::string> command) {
@@ -45,6 +54,7 @@ TEST(Documentation, EveryExampleInEveryHelpWorks) {
   directory.write("small.xnet", "#vertices 2\n#edges\n0 1\n");
   directory.write("network.xnet", "#vertices 3\n#edges\n0 1\n");
   directory.write("citations.txt", "a b\nb c\n");
+  directory.write("degrees.txt", "3\n3\n2\n2\n2\n");
   for (const auto& command : kCommands) {
     const std::vector<std::string> examples = examplesIn(helpOf(command));
     EXPECT_FALSE(examples.empty()) << command.back();
@@ -155,7 +165,10 @@ TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
   }
   EXPECT_EQ(fishCompletions(""),
             (std::set<std::string>{"info", "walk", "convert", "generate", "components", "help"}));
-  EXPECT_EQ(fishCompletions("generate "), (std::set<std::string>{"barabasi", "random"}));
+  EXPECT_EQ(
+      fishCompletions("generate "),
+      (std::set<std::string>{"barabasi", "random", "gnp", "gnm", "barabasi-albert", "configuration",
+                             "watts-strogatz", "lattice", "geometric", "blocks", "rewired"}));
   EXPECT_EQ(fishCompletions("walk x --format "), (std::set<std::string>{"table", "csv", "json"}));
 }
 

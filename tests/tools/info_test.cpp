@@ -14,7 +14,9 @@ TEST(InfoCommand, KarateClubHas34VerticesAnd78Edges) {
   const ProgramRun run = runVeq({"info", kData + "/karate.xnet"});
   EXPECT_EQ(run.exitCode, 0);
   EXPECT_EQ(run.errors, "");
-  // 78 of 34 * 33 / 2 = 561 pairs; the mean degree is 156 / 34.
+  // 78 of 34 * 33 / 2 = 561 pairs; the mean degree is 156 / 34. NetworkX counts the assortativity,
+  // -0.475613097685, the clustering, 0.570638478208, the transitivity, 0.255681818182, and the
+  // distances, on average 2.408199643494 and 5 at most.
   EXPECT_EQ(run.output,
             "direction           undirected\n"
             "weights             none\n"
@@ -25,6 +27,11 @@ TEST(InfoCommand, KarateClubHas34VerticesAnd78Edges) {
             "parallel edges      0\n"
             "density             0.139037\n"
             "degree              1 to 17, mean 4.58824\n"
+            "assortativity       -0.475613\n"
+            "clustering          0.570638\n"
+            "transitivity        0.255682\n"
+            "mean distance       2.4082\n"
+            "diameter            5\n"
             "vertex property     Name: text, as 1\n"
             "vertex property     Club: text, as Mr. Hi\n");
 }
@@ -33,7 +40,8 @@ TEST(InfoCommand, LesMiserablesHas77NamedVerticesAnd254WeightedEdges) {
   const ProgramRun run = runVeq({"info", kData + "/lesmis.xnet"});
   EXPECT_EQ(run.exitCode, 0);
   // 254 of 77 * 76 / 2 = 2926 pairs; the mean degree is 508 / 77. NetworkX counts the strengths:
-  // 1 to 158, mean 21.2987012987; and the weights: 1 to 31, mean 3.22834645669.
+  // 1 to 158, mean 21.2987012987; the weights: 1 to 31, mean 3.22834645669; and what does not
+  // depend on weights: -0.165225134422, 0.573136749932, 0.498931623932, 2.641148325359 and 5.
   EXPECT_EQ(run.output,
             "direction           undirected\n"
             "weights             of edges\n"
@@ -46,6 +54,11 @@ TEST(InfoCommand, LesMiserablesHas77NamedVerticesAnd254WeightedEdges) {
             "degree              1 to 36, mean 6.5974\n"
             "strength            1 to 158, mean 21.2987\n"
             "edge weight         1 to 31, mean 3.22835\n"
+            "assortativity       -0.165225\n"
+            "clustering          0.573137\n"
+            "transitivity        0.498932\n"
+            "mean distance       2.64115\n"
+            "diameter            5\n"
             "vertex property     Name: text, as Napoleon\n");
 }
 
@@ -61,12 +74,17 @@ TEST(InfoCommand, DirectedNetworksListBothDegreesAndTheMatrixShowsSourcesAsRows)
             "vertices            3\n"
             "edges               3\n"
             "components          1\n"
+            "strong components   3\n"
             "self-loops          1\n"
             "parallel edges      0\n"
             "density             0.5\n"
             "out-degree          0 to 3, mean 1\n"
             "in-degree           1 to 1, mean 1\n"
             "reciprocity         0\n"
+            "clustering          0\n"
+            "transitivity        0\n"
+            "mean distance       1\n"
+            "diameter            1\n"
             "\n"
             "Network:\n"
             "Number of Vertices:3 \n"
@@ -95,7 +113,12 @@ TEST(InfoCommand, CountsWhatANetworkHasMoreThanOnce) {
             "self-loops          2\n"
             "parallel edges      3\n"
             "density             0.833333\n"
-            "degree              0 to 4, mean 2.5\n");
+            "degree              0 to 4, mean 2.5\n"
+            "assortativity       1\n"
+            "clustering          0\n"
+            "transitivity        0\n"
+            "mean distance       1\n"
+            "diameter            1\n");
 }
 
 TEST(InfoCommand, ReciprocityLeavesSelfLoopsOut) {
@@ -143,6 +166,10 @@ TEST(InfoCommand, ColumnsSayTheirKindAndGiveAnExample) {
             "edge weight         4 to 4, mean 4\n"
             "vertex weight       2 to 3, mean 2.5\n"
             "reciprocity         0\n"
+            "clustering          0\n"
+            "transitivity        0\n"
+            "mean distance       1\n"
+            "diameter            1\n"
             "vertex property     text: text, as " +
                 std::string(40, 'x') +
                 "...\n"
@@ -185,6 +212,7 @@ TEST(InfoCommand, AnswersOtherPrograms) {
                 "  \"vertices\": 3,\n"
                 "  \"edges\": 1,\n"
                 "  \"components\": 2,\n"
+                "  \"strongComponents\": null,\n"
                 "  \"selfLoops\": 0,\n"
                 "  \"parallelEdges\": 0,\n"
                 "  \"density\": 0.3333333333333333,\n"
@@ -205,6 +233,16 @@ TEST(InfoCommand, AnswersOtherPrograms) {
                 "  },\n"
                 "  \"vertexWeight\": null,\n"
                 "  \"reciprocity\": null,\n"
+                "  \"assortativity\": null,\n"
+                "  \"averageClustering\": 0,\n"
+                "  \"transitivity\": 0,\n"
+                "  \"distances\": {\n"
+                "    \"mean\": 1,\n"
+                "    \"sources\": 3,\n"
+                "    \"sampled\": false,\n"
+                "    \"leastDiameter\": 1,\n"
+                "    \"mostDiameter\": 1\n"
+                "  },\n"
                 "  \"vertexProperties\": {\n"
                 "    \"Name\": {\n"
                 "      \"kind\": \"text\",\n"
@@ -222,6 +260,7 @@ TEST(InfoCommand, AnswersOtherPrograms) {
                 "vertices,3\n"
                 "edges,1\n"
                 "components,2\n"
+                "strongComponents,\n"
                 "selfLoops,0\n"
                 "parallelEdges,0\n"
                 "density,0.3333333333333333\n"
@@ -236,10 +275,36 @@ TEST(InfoCommand, AnswersOtherPrograms) {
                 "edgeWeight.most,0.5\n"
                 "vertexWeight,\n"
                 "reciprocity,\n"
+                "assortativity,\n"
+                "averageClustering,0\n"
+                "transitivity,0\n"
+                "distances.mean,1\n"
+                "distances.sources,3\n"
+                "distances.sampled,false\n"
+                "distances.leastDiameter,1\n"
+                "distances.mostDiameter,1\n"
                 "vertexProperties.Name.kind,text\n"
                 "vertexProperties.Name.example,\"say \"\"a, b\"\"\"\n");
   EXPECT_EQ(runVeq({"info", "--format", "csv", "--raw", file}).errors,
             "veq: --raw needs --format table (see veq info --help)\n");
+}
+
+TEST(InfoCommand, SamplesWhatWouldTakeLongUnlessAllIsAskedFor) {
+  const TemporaryDirectory directory;
+  // A star: its centre is 1 away from 19,999 others, which are 2 from each other. All sources take
+  // some 20,000 x 60,000 visits. From any k leaves the mean is (1 + 2 x 19,998) / 19,999.
+  const std::string file = directory.path("star.edges");
+  std::string text;
+  for (int leaf = 1; leaf < 20000; ++leaf) text += "0 " + std::to_string(leaf) + "\n";
+  directory.write("star.edges", text);
+  const std::string some = runVeq({"info", file}).output;
+  EXPECT_TRUE(std::regex_search(some, std::regex("\nmean distance       1\\.99[0-9]*, from [0-9]+ "
+                                                 "vertices drawn at random; --all takes all\n")))
+      << some;
+  EXPECT_NE(some.find("\ndiameter            2\n"), std::string::npos) << some;
+  // 2 x (19,999 + 19,999 x 19,998) / (20,000 x 19,999) = 1.9999.
+  const std::string all = runVeq({"info", "--all", file}).output;
+  EXPECT_NE(all.find("\nmean distance       1.9999\n"), std::string::npos) << all;
 }
 
 TEST(InfoCommand, MatrixIsRefusedAboveAThousandVertices) {

@@ -230,6 +230,14 @@ void Command::addText(const std::string& option, const std::string& valueName,
   addOption(*record_, option, needs, false, read, description)->type_name(valueName);
 }
 
+void Command::addRequiredText(const std::string& option, const std::string& valueName,
+                              const std::string& needs, std::string& target,
+                              const std::string& description) {
+  addText(option, valueName, needs, target, description);
+  record_->options.back()->required = true;
+  record_->app->get_option(option)->required();
+}
+
 void Command::addChoice(const std::string& option, const std::string& valueName,
                         const std::vector<std::string>& words, std::optional<std::size_t>& target,
                         const std::string& description) {

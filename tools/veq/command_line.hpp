@@ -27,6 +27,9 @@ class Command {
   /// needs is said where there is none, as in "a file".
   void addText(const std::string& option, const std::string& valueName, const std::string& needs,
                std::string& target, const std::string& description);
+  void addRequiredText(const std::string& option, const std::string& valueName,
+                       const std::string& needs, std::string& target,
+                       const std::string& description);
   /// One of several words; the target becomes its index.
   void addChoice(const std::string& option, const std::string& valueName,
                  const std::vector<std::string>& words, std::optional<std::size_t>& target,

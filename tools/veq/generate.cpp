@@ -8,6 +8,7 @@
 
 #include "command_line.hpp"
 #include "failure.hpp"
+#include "models.hpp"
 #include "network_files.hpp"
 #include "outputs.hpp"
 #include "progress_line.hpp"
@@ -18,103 +19,80 @@ namespace veq::tool {
 namespace {
 
 struct Options {
-  std::uint64_t vertices = 0;
-  std::uint64_t evenDegree = 0;
-  double degree = 0;
+  ModelArguments arguments;
   std::optional<std::uint64_t> seed;
+  std::optional<std::uint64_t> substream;
   Output output;
 };
 
 constexpr auto kExamples =
-    R"(  veq generate barabasi --vertices 1000 --degree 6 --seed 1 scale-free.xnet
+    R"(  veq generate barabasi-albert --vertices 1000 --links 3 --seed 1 grown.xnet
       A thousand vertices, of which each new one is linked to three older ones,
       those with many edges being preferred.
-  veq generate random --vertices 1000 --degree 6 --seed 1 random.xnet
+  veq generate gnp --vertices 1000 --probability 0.006 --seed 1 random.xnet
       A thousand vertices, of which each two are linked with the probability
       0.006, so that the mean degree is about 6.
-  veq generate random --vertices 1000 --degree 6 random.net
-      The same in the Pajek format; the seed that was used is printed.
+  veq generate gnm --vertices 1000 --edges 3000 random.net
+      Three thousand edges in the Pajek format; the seed that was used is printed.
+  veq generate gnm --vertices 1000 --edges 3000 --seed 1 --substream 7 task7.xnet
+      The numbers of task 7, of thousands that share a seed.
 
-The same seed gives the same network on every machine.)";
+veq help generate MODEL states the law of a model. The same seed gives the same
+network on every machine.)";
 
-constexpr auto kBarabasiExamples =
-    R"(  veq generate barabasi --vertices 1000 --degree 6 --seed 1 scale-free.xnet
-      Preferential attachment (Barabasi and Albert, 1999): 3 vertices at first,
-      then 997 new ones with 3 edges each. The mean degree is close to 6 then;
-      of an odd degree, the half is rounded down.)";
+Network grown(const Model& model, const ModelArguments& arguments, RandomState state) {
+  VEQRandomGenerator::sharedRandomGenerator()->setState(state);
+  std::optional<Result<Network>> network;
+  watch("growing the network", [&](const Progress& progress) {
+    ModelOptions options;
+    options.random = &state;
+    options.progress = progress;
+    network = model.make(arguments, options);
+  });
+  if (*network) return std::move(*network).value();
+  const Error& error = network->error();
+  if (error.kind() == ErrorKind::kArgument) throw WrongUsage(inOptions(model, error.text()));
+  throw Failure("not grown", error.text());
+}
 
-constexpr auto kRandomExamples =
-    R"(  veq generate random --vertices 1000 --degree 6 --seed 1 random.xnet
-      Each two vertices are linked with the probability 6 / 1000 (Erdos and
-      Renyi, 1959; Gilbert, 1959). The time grows with the square of the number
-      of vertices. Vertices after the last one with an edge are left out, which
-      is said.)";
-
-/// Grows the network of a function, saves it and says what it is.
-template <class Grow>
-void generate(const Options& options, Grow grow) {
+void generate(const Model& model, const Options& options) {
+  requireDistinct({options.arguments.network.file, options.arguments.degrees},
+                  {{"OUT", options.output.file}});
   requireWritable(options.output);
+  ModelArguments arguments = options.arguments;
+  if (!arguments.network.file.empty()) {
+    arguments.loaded = Network(loadNetwork(arguments.network).network);
+  }
   const std::uint64_t seed = useSeed(options.seed);
-  Shared<VEQNetwork> network;
-  watch("growing the network", [&] { network = grow(); });
-  if (!network) throw std::bad_alloc();
-  saveNetwork(network, options.output);
-  const std::uint64_t n = network->countVertices();
+  const Network network = grown(model, arguments, stateOf(seed, options.substream));
+  saveNetwork(network.published(), options.output);
   std::ostream& report = reportFor({{"OUT", options.output.file}});
-  report << sizeText(*network) << ", seed " << seed << '\n';
-  if (n < options.vertices) {
-    report << "without the last " << options.vertices - n << " of " << options.vertices
-           << ", which have no edges\n";
+  report << sizeText(*network.published()) << ", seed " << seed;
+  if (options.substream) report << ", substream " << *options.substream;
+  report << '\n';
+  if (network.countVertices() < arguments.vertices) {
+    report << "without the last " << arguments.vertices - network.countVertices() << " of "
+           << arguments.vertices << ", which have no edges\n";
   }
-}
-
-void generateBarabasi(const Options& options) {
-  if (options.evenDegree / 2 >= options.vertices) {
-    throw WrongUsage("--degree needs a number below twice the number of vertices, not " +
-                     std::to_string(options.evenDegree));
-  }
-  generate(options, [&options] {
-    return VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(options.vertices,
-                                                                            options.evenDegree);
-  });
-}
-
-void generateRandom(const Options& options) {
-  if (options.degree > static_cast<double>(options.vertices)) {
-    throw WrongUsage("--degree needs a number up to the number of vertices, not " +
-                     shortNumber(options.degree));
-  }
-  generate(options, [&options] {
-    return VEQNetwork::randomNetworkWithNumberOfVertices_degree(options.vertices, options.degree);
-  });
-}
-
-void addSeedAndOutput(Command& command, Options& options) {
-  command.addWholeNumber("--seed", options.seed, 0, UINT32_MAX,
-                         "Choose the random numbers; 0 counts as 1");
-  command.addPositional("OUT", options.output.file, "The file to write; - for standard output");
-  addOutputFormat(command, options.output);
 }
 
 }  // namespace
 
 void addGenerate(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
-  Command generate = commandLine.addCommand("generate", "Grow a model network", kExamples);
-
-  Command barabasi =
-      generate.addCommand("model", "barabasi", "Preferential attachment", kBarabasiExamples);
-  barabasi.addWholeNumber("--vertices", options->vertices, 2, UINT64_MAX, "How many vertices");
-  barabasi.addWholeNumber("--degree", options->evenDegree, 2, UINT64_MAX, "The mean degree");
-  addSeedAndOutput(barabasi, *options);
-  barabasi.onRun([options] { generateBarabasi(*options); });
-
-  Command random = generate.addCommand("model", "random", "Every pair linked with one probability",
-                                       kRandomExamples);
-  random.addWholeNumber("--vertices", options->vertices, 1, UINT64_MAX, "How many vertices");
-  random.addNumber("--degree", options->degree, "The mean degree");
-  addSeedAndOutput(random, *options);
-  random.onRun([options] { generateRandom(*options); });
+  Command generateCommand = commandLine.addCommand("generate", "Grow a model network", kExamples);
+  for (const Model& model : models()) {
+    Command command =
+        generateCommand.addCommand("model", model.name, model.summary, model.examples);
+    model.addOptions(command, options->arguments);
+    command.addWholeNumber("--seed", options->seed, 0, UINT32_MAX,
+                           "Choose the random numbers; 0 counts as 1");
+    command.addWholeNumber("--substream", options->substream, 0, RandomState::kSubstreams - 1,
+                           "Take the numbers of this task, of many that share the seed");
+    command.addPositional("OUT", options->output.file, "The file to write; - for standard output");
+    addOutputFormat(command, options->output);
+    command.onRun([options, &model] { generate(model, *options); });
+  }
 }
 
 }  // namespace veq::tool

@@ -21,6 +21,7 @@ struct Options {
   Input input;
   bool raw = false;
   bool matrix = false;
+  bool all = false;
   std::optional<std::size_t> format;
 };
 
@@ -38,11 +39,17 @@ constexpr auto kExamples = R"(  veq info data/karate.xnet
       Also the adjacency matrix, rows being sources. Up to 1000 vertices.
   veq info --format json data/lesmis.xnet
       For other programs; --format csv has lines "key,value".
+  veq info --all data/lesmis.xnet
+      Nothing is sampled and nothing left out: in large networks, triangles are
+      not counted and distances are those from vertices drawn at random.
 
 In directed networks out-degrees and in-degrees are listed separately, and
 reciprocity is the share of arcs between two vertices whose reverse exists. A
-self-loop counts twice in the degree of an undirected network's vertex. A
-strength is the sum of the weights of a vertex's edges. Parallel edges are those
+self-loop counts twice in the degree of an undirected network's vertex. The
+clustering is the mean share of the pairs of a vertex's neighbours that are
+neighbours, the transitivity that of all such pairs, and the assortativity how
+much vertices are linked to those of like degree. Distances are numbers of edges
+between vertices of which one can be reached from the other. A strength is the sum of the weights of a vertex's edges. Parallel edges are those
 that link what an edge before them links already, in the same direction.)";
 
 void printLine(std::string_view name, std::string_view value) {
@@ -70,6 +77,30 @@ std::string densityText(const NetworkFacts& facts) {
   return *facts.density > 1 ? number + ", above 1 as parallel edges and self-loops count" : number;
 }
 
+std::string diameterText(const DistanceFacts& distances) {
+  std::string text = std::to_string(distances.leastDiameter);
+  if (distances.mostDiameter == distances.leastDiameter) return text;
+  return text + " to " + std::to_string(distances.mostDiameter) + "; --all finds it";
+}
+
+std::string meanDistanceText(const DistanceFacts& distances) {
+  const std::string text = shortNumber(distances.mean);
+  if (!distances.sampled) return text;
+  return text + ", from " + counted(distances.sources, "vertex", "vertices") +
+         " drawn at random; --all takes all";
+}
+
+/// What a network has beyond counts, as far as it was asked for.
+void printStructure(const NetworkFacts& facts) {
+  if (facts.assortativity) printLine("assortativity", shortNumber(*facts.assortativity));
+  if (facts.withoutTriangles) printLine("clustering", "not counted; --all does");
+  if (facts.averageClustering) printLine("clustering", shortNumber(*facts.averageClustering));
+  if (facts.transitivity) printLine("transitivity", shortNumber(*facts.transitivity));
+  if (!facts.distances) return;
+  printLine("mean distance", meanDistanceText(*facts.distances));
+  printLine("diameter", diameterText(*facts.distances));
+}
+
 void printColumns(std::string_view name, const std::vector<ColumnFact>& columns) {
   for (const ColumnFact& column : columns) {
     std::string text = printable(column.key) + ": " + column.kind;
@@ -84,6 +115,7 @@ void printFacts(const NetworkFacts& facts) {
   printLine("vertices", std::to_string(facts.vertices));
   printLine("edges", std::to_string(facts.edges));
   printLine("components", std::to_string(facts.components));
+  if (facts.directed) printLine("strong components", std::to_string(*facts.strongComponents));
   printLine("self-loops", std::to_string(facts.selfLoops));
   printLine("parallel edges", std::to_string(facts.parallelEdges));
   printLine("density", densityText(facts));
@@ -96,6 +128,7 @@ void printFacts(const NetworkFacts& facts) {
   if (facts.directed) {
     printLine("reciprocity", facts.reciprocity ? shortNumber(*facts.reciprocity) : "-");
   }
+  printStructure(facts);
   printColumns("vertex property", facts.vertexColumns);
   printColumns("edge property", facts.edgeColumns);
 }
@@ -118,6 +151,15 @@ Data dataOf(const std::vector<ColumnFact>& columns) {
   return data;
 }
 
+Data dataOf(const DistanceFacts& distances) {
+  return Data::object()
+      .set("mean", distances.mean)
+      .set("sources", distances.sources)
+      .set("sampled", distances.sampled)
+      .set("leastDiameter", distances.leastDiameter)
+      .set("mostDiameter", distances.mostDiameter);
+}
+
 Data dataOf(const NetworkFacts& facts, const std::string& file) {
   Data data = Data::object();
   data.set("file", file)
@@ -125,6 +167,7 @@ Data dataOf(const NetworkFacts& facts, const std::string& file) {
       .set("vertices", facts.vertices)
       .set("edges", facts.edges)
       .set("components", facts.components)
+      .set("strongComponents", facts.strongComponents ? Data(*facts.strongComponents) : Data())
       .set("selfLoops", facts.selfLoops)
       .set("parallelEdges", facts.parallelEdges)
       .set("density", dataOf(facts.density))
@@ -135,6 +178,10 @@ Data dataOf(const NetworkFacts& facts, const std::string& file) {
   data.set("edgeWeight", dataOf(facts.edgeWeight))
       .set("vertexWeight", dataOf(facts.vertexWeight))
       .set("reciprocity", dataOf(facts.reciprocity))
+      .set("assortativity", dataOf(facts.assortativity))
+      .set("averageClustering", dataOf(facts.averageClustering))
+      .set("transitivity", dataOf(facts.transitivity))
+      .set("distances", facts.distances ? dataOf(*facts.distances) : Data())
       .set("vertexProperties", dataOf(facts.vertexColumns))
       .set("edgeProperties", dataOf(facts.edgeColumns));
   return data;
@@ -153,7 +200,8 @@ void printInfo(const Options& options) {
                                    " vertices, and 1000 is the limit");
   }
   NetworkFacts facts;
-  watch("counting", [&] { facts = factsOf(Network(loaded.network)); });
+  watch("counting",
+        [&] { facts = factsOf(Network(loaded.network), options.all ? kEverything : kAffordable); });
   if (answer == Answer::kJson) dataOf(facts, loaded.name).writeJson(std::cout);
   if (answer == Answer::kCsv) dataOf(facts, loaded.name).writeCsv(std::cout);
   if (answer == Answer::kTable) printFacts(facts);
@@ -167,6 +215,8 @@ void addInfo(CommandLine& commandLine) {
   const auto options = std::make_shared<Options>();
   Command command = commandLine.addCommand("info", "Say what a network is", kExamples);
   addInput(command, "FILE", options->input);
+  command.addFlag("--all", options->all,
+                  "Sample nothing and leave nothing out, however long it takes");
   command.addFlag("--raw", options->raw, "Print the library's own description, too");
   command.addFlag("--matrix", options->matrix, "Print the adjacency matrix, too");
   addAnswer(command, options->format);

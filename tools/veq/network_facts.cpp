@@ -1,6 +1,7 @@
 #include "network_facts.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace veq::tool {
@@ -38,6 +39,27 @@ void countTopology(NetworkFacts& facts, const Network& network) {
   facts.components = components(network).sizes.size();
   if (facts.vertices > 1) facts.density = density(network);
   if (facts.directed && facts.edges > facts.selfLoops) facts.reciprocity = reciprocity(network);
+}
+
+std::optional<double> unlessNaN(double value) {
+  return std::isnan(value) ? std::nullopt : std::optional(value);
+}
+
+void countTriangles(NetworkFacts& facts, const Network& network, const Effort& effort) {
+  facts.withoutTriangles = facts.edges > effort.triangleEdges;
+  if (facts.withoutTriangles || facts.edges == 0) return;
+  facts.averageClustering = averageClustering(network);
+  facts.transitivity = transitivity(network);
+}
+
+void measureDistances(NetworkFacts& facts, const Network& network, const Effort& effort) {
+  DistanceOptions options;
+  options.mostVisits = effort.distanceVisits;
+  const DistanceHistogram histogram = distanceHistogram(network, options).value();
+  if (histogram.pairs.size() < 2) return;
+  const Diameter extent = diameter(network, options).value();
+  facts.distances = {histogram.meanDistance, histogram.sources, histogram.sampled, extent.least,
+                     extent.most};
 }
 
 std::optional<Spread> spreadOf(const Shared<VEQNumberArray>& numbers) {
@@ -102,7 +124,7 @@ std::vector<ColumnFact> columnsOf(const PropertyTable& table) {
 
 }  // namespace
 
-NetworkFacts factsOf(const Network& network) {
+NetworkFacts factsOf(const Network& network, const Effort& effort) {
   const VEQNetwork& published = *network.published();
   NetworkFacts facts;
   facts.directed = network.isDirected();
@@ -110,6 +132,12 @@ NetworkFacts factsOf(const Network& network) {
   facts.edges = network.countEdges();
   countTopology(facts, network);
   measure(facts, published);
+  if (facts.directed) {
+    facts.strongComponents = components(network, Connection::kStrong).sizes.size();
+  }
+  facts.assortativity = unlessNaN(degreeAssortativity(network));
+  countTriangles(facts, network, effort);
+  measureDistances(facts, network, effort);
   facts.vertexColumns = columnsOf(*published.propertiesOfVertices());
   facts.edgeColumns = columnsOf(*published.propertiesOfEdges());
   return facts;

@@ -1,6 +1,5 @@
 #include "network_files.hpp"
 
-#include <atomic>
 #include <iostream>
 #include <new>
 #include <utility>
@@ -58,17 +57,11 @@ void printNotes(const Reading& reading, const std::string& file) {
 
 /// Reads, and shows how far it has come.
 Reading readWatched(const std::string& file, const std::string& name, ReadOptions options) {
-  std::atomic<std::uint64_t> done = 0;
-  std::atomic<std::uint64_t> all = 0;
-  options.progress.observer = [&](std::uint64_t read, std::uint64_t length) {
-    done = read;
-    all = length;
-  };
   std::optional<Reading> reading;
-  const std::string what = "reading " + printable(name);
-  watch(
-      [&](Elapsed elapsed, std::size_t width) { return workText(what, done, all, elapsed, width); },
-      [&] { reading = reader::readNetwork(file, options); });
+  watch("reading " + printable(name), [&](const Progress& progress) {
+    options.progress = progress;
+    reading = reader::readNetwork(file, options);
+  });
   return std::move(*reading);
 }
 

@@ -1,6 +1,7 @@
 #include "progress_line.hpp"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <future>
 #include <iterator>
@@ -135,10 +136,21 @@ void watch(const LineText& text, const std::function<void()>& work,
   result.get();
 }
 
-void watch(const std::string& what, const std::function<void()>& work) {
+void watch(const std::string& what, const std::function<void(const Progress&)>& work) {
+  std::atomic<std::uint64_t> done = 0;
+  std::atomic<std::uint64_t> all = 0;
+  Progress progress;
+  progress.observer = [&](std::uint64_t doneNow, std::uint64_t allNow) {
+    done = doneNow;
+    all = allNow;
+  };
   watch(
-      [&what](Elapsed elapsed, std::size_t width) { return workText(what, 0, 0, elapsed, width); },
-      work);
+      [&](Elapsed elapsed, std::size_t width) { return workText(what, done, all, elapsed, width); },
+      [&] { work(progress); });
+}
+
+void watch(const std::string& what, const std::function<void()>& work) {
+  watch(what, [&work](const Progress&) { work(); });
 }
 
 }  // namespace veq::tool

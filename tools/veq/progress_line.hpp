@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include <veq/veq.hpp>
+
 namespace veq::tool {
 
 using Elapsed = std::chrono::duration<double>;
@@ -52,6 +54,9 @@ using LineText = std::function<std::string(Elapsed, std::size_t)>;
 /// without such a thing it ends the program, the line being erased.
 void watch(const LineText& text, const std::function<void()>& work,
            const std::function<void()>& onInterrupt = {});
+
+/// The same for work that tells how far it is.
+void watch(const std::string& what, const std::function<void(const Progress&)>& work);
 
 /// The same for work that tells nothing but its name.
 void watch(const std::string& what, const std::function<void()>& work);

@@ -11,8 +11,9 @@ std::uint64_t useSeed(std::optional<std::uint64_t> seed) {
   return *seed;
 }
 
-RandomState substreamOf(std::uint64_t seed, std::uint64_t number) {
-  return RandomState::seeded(std::max<std::uint64_t>(seed, 1)).value().substream(number);
+RandomState stateOf(std::uint64_t seed, std::optional<std::uint64_t> substream) {
+  const RandomState state = RandomState::seeded(std::max<std::uint64_t>(seed, 1)).value();
+  return substream ? state.substream(*substream) : state;
 }
 
 }  // namespace veq::tool

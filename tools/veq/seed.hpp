@@ -13,7 +13,7 @@ namespace veq::tool {
 /// that number, so that every run can be repeated.
 std::uint64_t useSeed(std::optional<std::uint64_t> seed);
 
-/// A substream of the sequence that the seed begins; seed 0 counts as 1.
-[[nodiscard]] RandomState substreamOf(std::uint64_t seed, std::uint64_t number);
+/// The sequence that the seed begins, or one of its substreams; seed 0 counts as 1.
+[[nodiscard]] RandomState stateOf(std::uint64_t seed, std::optional<std::uint64_t> substream);
 
 }  // namespace veq::tool

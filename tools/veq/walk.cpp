@@ -270,7 +270,7 @@ void runWalk(const Options& options) {
   const Network network(loaded.network);
   const std::uint64_t seed = useSeed(options.seed);
   std::optional<RandomState> state;
-  if (options.substream) state = substreamOf(seed, *options.substream);
+  if (options.substream) state = stateOf(seed, options.substream);
   RandomState* const random = state ? &*state : nullptr;
   const std::vector<std::uint64_t> starts =
       startVertices(network, loaded.name, options.starts, options.agents, random);

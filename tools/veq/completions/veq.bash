@@ -7,9 +7,10 @@ _veq() {
   [[ $command == help ]] && command=
   case $previous in
     --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | --vertices | \
-      --degree) return ;;
+      --edges | --degree | --probability | --probabilities | --links | --neighbours | --sizes | --radius | --dimensions | \
+      --tries) return ;;
     --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
-    --start | --paths | --coverage | --output | --agents-network | --largest)
+    --start | --paths | --coverage | --output | --agents-network | --largest | --degrees | --network)
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --from) words="xnet pajek list matrix-market gml graphml archive" ;;
     --to) words="xnet pajek list matrix-market gml graphml archive csv" ;;
@@ -22,14 +23,16 @@ _veq() {
     words="info walk convert generate components"
     [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
   elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
-    words="barabasi random --help"
+    words="barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice
+            geometric blocks rewired --help"
   elif [[ $current == -* ]]; then
     case $command in
-      info) words="$reading --raw --matrix --format" ;;
+      info) words="$reading --all --raw --matrix --format" ;;
       walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
                    --errors --agents-network --paths --coverage --output --to --force --format" ;;
       convert) words="$reading --to" ;;
-      generate) words="--vertices --degree --seed --to" ;;
+      generate) words="--vertices --edges --degree --degrees --simple --probability --probabilities --links --neighbours
+                       --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;
       components) words="$reading --top --largest --split --to --format" ;;
     esac
     words+=" --help"

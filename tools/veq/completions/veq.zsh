@@ -2,6 +2,7 @@
 # Completes the veq program's commands, options and files in zsh.
 _veq() {
   local formats='xnet pajek list matrix-market gml graphml archive' answers='(table csv json)'
+  local models='barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
   local commands='(info walk convert generate components)'
   local -a reading=("--from[the format to read]:format:($formats)"
                     '--directed[take an edge list for a list of arcs]'
@@ -10,11 +11,13 @@ _veq() {
                     '--notes[say all that is odd]')
   local -a writing=("--to[the format to write]:format:($formats csv)")
   local -a answering=("--format[how to answer]:format:$answers")
-  local -a seeding=('--seed[choose the random numbers]:number:')
+  local -a seeding=('--seed[choose the random numbers]:number:'
+                    '--substream[take the numbers of this task]:number:')
   local -a help=('--help[print help]')
   case $words[2] in
     info)
       _arguments $help $reading $answering '1: :' '2:network:_files' \
+        '--all[sample nothing and leave nothing out]' \
         '--raw[print the own description of the library, too]' \
         '--matrix[print the adjacency matrix, too]' ;;
     walk)
@@ -23,7 +26,6 @@ _veq() {
         '--steps[how many steps each takes]:number:' \
         '--until-reach[stop once this share was reached]:share:' \
         '--start[where agents start]:vertices or file:_files' \
-        '--substream[take the numbers of this task]:number:' \
         '--choice[how to choose among edges]:choice:(published even weighted)' \
         '--restart[the probability of going back to the start]:share:' \
         '--top[how many vertices to list]:number:' \
@@ -37,16 +39,30 @@ _veq() {
     convert)
       _arguments $help $reading $writing '1: :' '2:network:_files' '3:output:_files' ;;
     generate)
-      _arguments $help $writing $seeding '1: :' '2:model:(barabasi random)' '3:output:_files' \
+      _arguments $help $writing $seeding '1: :' "2:model:($models)" '3:output:_files' \
         '--vertices[how many vertices]:number:' \
-        '--degree[the mean degree]:number:' ;;
+        '--edges[how many edges]:number:' \
+        '--degree[the mean degree]:number:' \
+        '--degrees[a file of degrees]:file:_files' \
+        '--simple[without loops and parallel edges]' \
+        '--probability[the probability of an edge]:share:' \
+        '--probabilities[those within and between blocks]:shares:' \
+        '--links[how many links a new vertex makes]:number:' \
+        '--neighbours[how many neighbours on each side]:number:' \
+        '--sizes[the sizes of dimensions or blocks]:numbers:' \
+        '--periodic[link the last to the first]' \
+        '--radius[how far apart linked vertices may be]:number:' \
+        '--dimensions[2 or 3]:number:(2 3)' \
+        '--network[the network to rewire]:network:_files' \
+        '--tries[how often two edges may exchange ends]:number:' \
+        '--directed[draw for each ordered pair]' ;;
     components)
       _arguments $help $reading $writing $answering '1: :' '2:network:_files' \
         '--top[how many sizes to list]:number:' \
         '--largest[write the largest component]:file:_files' \
         '--split[write every component]:directory:_files -/' ;;
     help)
-      _arguments '1: :' "2:command:$commands" '3:model:(barabasi random)' ;;
+      _arguments '1: :' "2:command:$commands" "3:model:($models)" ;;
     *)
       _arguments $help '--version[print the version]' \
         '1:command:(info walk convert generate components help)' ;;
