@@ -199,7 +199,7 @@ void readValues(const CommandRecord& command) {
 int reportWrongUsage(CommandRecord& root, const std::string& reason) {
   std::string help;
   for (const CLI::App* at = chosenFrom(root).app; at; at = at->get_parent()) {
-    help = at->get_name() + " " + help;
+    help.insert(0, at->get_name() + " ");
   }
   std::cerr << "veq: " << printable(reason) << " (see " << help << "--help)\n";
   return kWrongUsage;

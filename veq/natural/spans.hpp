@@ -122,6 +122,7 @@ class VEQ_EXPORT NumberSpan {
   NumberSpan() = default;
   /// Of what outlives the expression: a vector or array that somebody holds, or a span.
   template <class Range>
+  // NOLINTNEXTLINE(bugprone-forwarding-reference-overload): a NumberSpan is no such range.
   requires internal::FloatsThatStay<Range> NumberSpan(Range&& range)
       : data_(std::data(range)),
         count_(std::size(range)),

@@ -23,6 +23,7 @@ class SharedTopology {
   static void* operator new(std::size_t size, TrailingBytes behind) {
     return ::operator new(size + behind.bytes);
   }
+  // NOLINTNEXTLINE(cert-dcl54-cpp): what a delete expression calls for memory of the form above.
   static void operator delete(void* memory) { ::operator delete(memory); }
   static void operator delete(void* memory, TrailingBytes /*behind*/) { ::operator delete(memory); }
 
