@@ -91,7 +91,7 @@ Result<Network> built(const IndexSpan& sources, const IndexSpan& targets,
   return network;
 }
 
-std::string quoted(std::string_view name) { return "\"" + std::string(name) + "\""; }
+std::string inQuotes(std::string_view name) { return "\"" + std::string(name) + "\""; }
 
 // The ends as indices, and the column of names.
 struct NamedEnds {
@@ -125,7 +125,7 @@ std::optional<Error> fillTable(internal::NameTable& table, std::span<const std::
     const std::uint64_t first = table.insert(names[i], i);
     if (first == i || again++ != 0) continue;
     text = "names " + std::to_string(first) + " and " + std::to_string(i) + " are both " +
-           quoted(names[i]);
+           inQuotes(names[i]);
   }
   if (again == 0) return std::nullopt;
   if (again > 1) text += ", and " + std::to_string(again - 1) + " more";
@@ -147,7 +147,7 @@ Result<NamedEnds> lookedUp(std::span<const std::string> sources,
     const auto to = table.find(targets[e]);
     if ((!from || !to) && unknown++ == 0) {
       text = "edge " + std::to_string(e) + ": " + (from ? "target " : "source ") +
-             quoted(from ? targets[e] : sources[e]) + " is not among the names";
+             inQuotes(from ? targets[e] : sources[e]) + " is not among the names";
     }
     ends.from.push_back(from.value_or(0));
     ends.to.push_back(to.value_or(0));
