@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "veq/base/requirements.hpp"
+
 namespace veq {
 
 /// A result that belongs to the caller alone. Null where the operation made nothing.

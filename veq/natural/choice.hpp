@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "veq/base/requirements.hpp"
+
 namespace veq {
 
 /// How a walker at a vertex whose list has k entries chooses one of them with a number x of 31

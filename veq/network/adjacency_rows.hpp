@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#include "veq/base/requirements.hpp"
+
 namespace veq {
 
 /// Where a vertex's list lies in the pools: the place of its first entry, and its length. A list
