@@ -65,6 +65,20 @@ function(veq_need found name package switch)
   endif()
 endfunction()
 
+# veq_command(RESULT TARGET): what starts a program that was built here: its file, or where it is one of
+# another processor, a script of one line that has the emulator run it.
+function(veq_command result target)
+  set(command "$<TARGET_FILE:${target}>")
+  if(CMAKE_CROSSCOMPILING_EMULATOR)
+    list(JOIN CMAKE_CROSSCOMPILING_EMULATOR " " emulator)
+    set(script "${PROJECT_BINARY_DIR}/emulated/$<TARGET_FILE_NAME:${target}>")
+    file(GENERATE OUTPUT "${script}" CONTENT "#!/bin/sh\nexec ${emulator} '${command}' \"$@\"\n"
+         FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    set(command "${script}")
+  endif()
+  set(${result} "${command}" PARENT_SCOPE)
+endfunction()
+
 # veq_test(NAME SOURCE...): a GoogleTest program, each of its tests known to ctest by name and, as its
 # label, by the program's.
 function(veq_test name)
