@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "gtest/gtest.h"
+#include "tests/support/rounds.hpp"
 
 namespace veq::internal {
 namespace {
@@ -55,7 +56,7 @@ TEST(EntryChoice, AgreesWithRoundingAroundTheLimitOfTheIntegerForm) {
   std::uint64_t state = 1;
   for (const std::uint64_t k : {kExactChoices - 1, kExactChoices, kExactChoices + 1,
                                 kExactChoices + 2, std::uint64_t{3} << 40}) {
-    for (int i = 0; i < 100000; ++i) {
+    for (int i = 0; i < test::rounds(100000); ++i) {
       state = state * 6364136223846793005U + 1442695040888963407U;
       const auto draw = static_cast<std::uint32_t>(state >> 33);
       ASSERT_EQ(chooseEntry(k, draw), rounded(k, draw)) << k << " " << draw;

@@ -12,6 +12,7 @@
 #include "gtest/gtest.h"
 #include "tests/support/agents.hpp"
 #include "tests/support/literal_dynamic_walk.hpp"
+#include "tests/support/rounds.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 
 namespace veq::test {
@@ -202,7 +203,7 @@ void walkAtRandom(Draw& draw, DynamicPair& pair) {
 
 TEST(DynamicWalkOracle, AgreesWithTheLiteralWalkThroughRandomHistories) {
   Draw draw(20261120);
-  for (int round = 0; round < 400; ++round) {
+  for (int round = 0; round < rounds(400); ++round) {
     SCOPED_TRACE(::testing::Message() << "round " << round);
     DynamicPair pair(draw, networkOfAnyKind(draw));
     ASSERT_TRUE(pair.isMade());
@@ -238,7 +239,7 @@ TEST(DynamicWalkOracle, AgreesWithTheLiteralWalkThroughRandomHistories) {
 // is never met a step is a tile, so that both are found soon.
 TEST(DynamicWalkOracle, AgreesWhereStuckAgentsGoOnSharing) {
   Draw draw(7);
-  for (int round = 0; round < 200; ++round) {
+  for (int round = 0; round < rounds(200); ++round) {
     SCOPED_TRACE(::testing::Message() << "round " << round);
     DynamicPair pair(draw, networkOfTraps(draw, 4 + below(draw, 40)));
     ASSERT_TRUE(pair.isMade());

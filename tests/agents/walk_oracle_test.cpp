@@ -7,6 +7,7 @@
 
 #include "gtest/gtest.h"
 #include "tests/support/agents.hpp"
+#include "tests/support/rounds.hpp"
 #include "veq/agents/internal/group_state.hpp"
 
 namespace veq::test {
@@ -141,7 +142,7 @@ TEST(WalkOracle, AgreesWithTheLiteralWalkThroughRandomHistories) {
   static constexpr std::uint64_t kAgents[] = {0, 1, 2, 3, 16, 17, 100, 300};
   static constexpr std::uint64_t kVertices[] = {1, 2, 5, 34, 200, 1000};
   Draw draw(20261120);
-  for (int round = 0; round < 120; ++round) {
+  for (int round = 0; round < rounds(120); ++round) {
     const std::uint64_t n = kVertices[below(draw, std::size(kVertices))];
     const std::uint64_t agents = kAgents[below(draw, std::size(kAgents))];
     const bool wide = below(draw, 3) == 0;

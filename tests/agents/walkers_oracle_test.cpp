@@ -12,6 +12,7 @@
 
 #include "tests/support/agents.hpp"
 #include "tests/support/literal_walkers.hpp"
+#include "tests/support/rounds.hpp"
 #include "veq/walkers.hpp"
 
 namespace veq::test {
@@ -121,7 +122,7 @@ void walkBoth(Draw& draw, LiteralWalkers& literal, Walkers& walkers) {
 
 TEST(WalkersOracle, AgreesForEveryChoiceWithAndWithoutMemoryAndRestarts) {
   Draw draw(20261122);
-  for (int round = 0; round < 400; ++round) {
+  for (int round = 0; round < rounds(400); ++round) {
     LiteralWalkers literal = randomWalkers(draw);
     const bool wide = below(draw, 3) == 0;
     SCOPED_TRACE(testing::Message()

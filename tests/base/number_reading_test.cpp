@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "tests/support/comma_locale.hpp"
+#include "tests/support/rounds.hpp"
 #include "veq/base/internal/number_text.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 
@@ -226,7 +227,7 @@ void expectLikeTheCLibrary(const std::string& text) {
 
 TEST(NumberReading, AgreesWithTheCLibraryOnRandomNumbers) {
   std::mt19937_64 random(20240611);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < test::rounds(20000); ++round) {
     const double wide = std::bit_cast<double>(random());
     const float narrow = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
     char text[400];
@@ -246,7 +247,7 @@ TEST(NumberReading, AgreesWithTheCLibraryOnRandomNumbers) {
 TEST(NumberReading, AgreesWithTheCLibraryOnRandomDecimals) {
   std::mt19937_64 random(7);
   const auto below = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
-  for (int round = 0; round < 100000; ++round) {
+  for (int round = 0; round < test::rounds(100000); ++round) {
     std::string text = below(2) ? "-" : "";
     const unsigned digits = 1 + below(below(8) == 0 ? 60 : 20);
     const unsigned point = below(digits + 1);
@@ -261,7 +262,7 @@ TEST(NumberReading, AgreesWithTheCLibraryOnRandomDecimals) {
 
 TEST(NumberReading, AgreesWithTheCLibraryHalfWayBetweenNeighbours) {
   std::mt19937_64 random(99);
-  for (int round = 0; round < 20000; ++round) {
+  for (int round = 0; round < test::rounds(20000); ++round) {
     const auto bits = static_cast<std::uint32_t>(random()) & 0x7F7FFFFFu;
     const double low = std::bit_cast<float>(bits);
     const double high = std::bit_cast<float>(bits + 1);

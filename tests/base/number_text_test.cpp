@@ -9,6 +9,7 @@
 #include <random>
 #include <string>
 
+#include "tests/support/rounds.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 
 namespace veq::internal {
@@ -69,7 +70,7 @@ TEST(NumberText, ShortestTextOfAFloat) {
 
 TEST(NumberText, ShortestTextReadsBackBitForBit) {
   std::mt19937_64 random(3);
-  for (int round = 0; round < 100000; ++round) {
+  for (int round = 0; round < test::rounds(100000); ++round) {
     const double wide = std::bit_cast<double>(random());
     const float narrow = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
     if (std::isfinite(wide)) {
@@ -141,7 +142,7 @@ void expectLikePrintf(double value) {
 TEST(NumberText, SixDecimalsAgreeWithPrintf) {
   std::mt19937_64 random(11);
   std::uniform_real_distribution<double> unit(0, 1);
-  for (int round = 0; round < 100000; ++round) {
+  for (int round = 0; round < test::rounds(100000); ++round) {
     expectLikePrintf(std::bit_cast<double>(random()));
     expectLikePrintf(double{std::bit_cast<float>(static_cast<std::uint32_t>(random()))});
     expectLikePrintf(unit(random));

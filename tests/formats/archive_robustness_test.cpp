@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tests/support/archives.hpp"
+#include "tests/support/rounds.hpp"
 
 namespace veq {
 namespace {
@@ -86,7 +87,7 @@ TEST(Archive, CorruptedBytesGiveNoNetworkOrASoundOne) {
 TEST(Archive, ManyCorruptionsAtOnceDoNoHarm) {
   std::mt19937_64 random(42);
   const std::vector<std::string> archives = someArchives();
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < rounds(1500); ++round) {
     std::string bytes = archives[static_cast<std::size_t>(round) % archives.size()];
     for (int changes = round % 7; changes >= 0; --changes) {
       bytes[random() % bytes.size()] = static_cast<char>(random());

@@ -6,6 +6,7 @@
 #include <limits>
 #include <random>
 
+#include "tests/support/rounds.hpp"
 #include "veq/base/internal/number_text.hpp"
 
 namespace veq::internal {
@@ -40,7 +41,7 @@ TEST(SixDecimals, AgreesWithTheTextOfRandomNumbers) {
   std::mt19937_64 random(1);
   std::uniform_real_distribution<double> mantissa(-1, 1);
   std::uniform_int_distribution<int> exponent(-40, 40);
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < test::rounds(20000); ++i) {
     const double value = std::ldexp(mantissa(random), exponent(random));
     EXPECT_EQ(throughSixDecimals(value), throughText(value)) << value;
     const double millionths = std::nearbyint(value * 1e6) / 1e6;
@@ -54,7 +55,7 @@ TEST(SixDecimals, FloatsAgreeWithTheirTexts) {
   std::mt19937 random(2);
   std::uniform_real_distribution<float> mantissa(-1, 1);
   std::uniform_int_distribution<int> exponent(-30, 10);
-  for (int i = 0; i < 100000; ++i) {
+  for (int i = 0; i < test::rounds(100000); ++i) {
     const float value = std::ldexp(mantissa(random), exponent(random));
     std::string text;
     appendSixDecimals(text, value);

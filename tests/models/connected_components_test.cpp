@@ -6,6 +6,7 @@
 
 #include "tests/support/log_capture.hpp"
 #include "tests/support/network_dump.hpp"
+#include "tests/support/rounds.hpp"
 
 namespace veq {
 namespace {
@@ -256,7 +257,7 @@ class Oracle {
 TEST(ConnectedComponents, EqualThoseFoundByMergingSetsOnRandomNetworks) {
   const test::LogCapture log;
   std::mt19937 random(5);
-  for (int round = 0; round < 1500; ++round) {
+  for (int round = 0; round < test::rounds(1500); ++round) {
     const std::uint64_t n = 1 + random() % 12;
     Indices from(random() % 12);
     Indices to(from.size());

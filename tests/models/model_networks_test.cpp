@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "gtest/gtest.h"
+#include "tests/support/rounds.hpp"
 #include "veq/models/internal/edge_set.hpp"
 #include "veq/models/random_generator.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -472,7 +473,7 @@ TEST(EdgeSet, CountsEdgesLikeASlowOne) {
     const auto key = [&](std::uint64_t a, std::uint64_t b) {
       return directed || a < b ? std::pair(a, b) : std::pair(b, a);
     };
-    for (int step = 0; step < 20000; ++step) {
+    for (int step = 0; step < test::rounds(20000); ++step) {
       const std::uint64_t a = state.nextBelow(12);
       const std::uint64_t b = state.nextBelow(12);
       const auto at = std::find(slow.begin(), slow.end(), key(a, b));

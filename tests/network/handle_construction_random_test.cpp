@@ -5,6 +5,7 @@
 #include "tests/support/literal_handle_construction.hpp"
 #include "tests/support/log_capture.hpp"
 #include "tests/support/network_dump.hpp"
+#include "tests/support/rounds.hpp"
 
 namespace veq {
 namespace {
@@ -106,8 +107,8 @@ class Chance {
 
 TEST(HandleConstructionAgainstLiteralForm, FromVerticesAndEdgesOfSeveralNetworks) {
   const test::LogCapture log;
-  for (unsigned seed = 0; seed < 3000; ++seed) {
-    Chance chance(seed);
+  for (int seed = 0; seed < test::rounds(3000); ++seed) {
+    Chance chance(static_cast<unsigned>(seed));
     std::vector<Owned<VEQNetwork>> networks;
     std::vector<VEQVertexArray> vertices;
     std::vector<VEQEdgeArray> edges;
@@ -128,8 +129,8 @@ TEST(HandleConstructionAgainstLiteralForm, FromVerticesAndEdgesOfSeveralNetworks
 }
 
 TEST(HandleConstructionAgainstLiteralForm, FromLinksBetweenVerticesOfSeveralNetworks) {
-  for (unsigned seed = 0; seed < 3000; ++seed) {
-    Chance chance(seed);
+  for (int seed = 0; seed < test::rounds(3000); ++seed) {
+    Chance chance(static_cast<unsigned>(seed));
     std::vector<Owned<VEQNetwork>> networks;
     std::vector<VEQVertexArray> vertices;
     for (std::uint64_t i = 1 + chance.below(3); i > 0; --i) {
