@@ -10,6 +10,8 @@
 #include <random>
 #include <vector>
 
+#include "tests/support/rounds.hpp"
+
 namespace veq::test {
 namespace {
 
@@ -47,7 +49,7 @@ void compareWithPlainMemories(std::uint64_t vertices, std::uint64_t some, std::u
   }
   AgentMemories<Word> memories(vertices, abilities);
   std::mt19937_64 draw(vertices + some);
-  for (int i = 0; i < 40000; ++i) {
+  for (int i = 0; i < rounds(40000); ++i) {
     const std::uint64_t agent = draw() % sizes.size();
     const std::uint64_t vertex = draw() % some * apart;
     memories.remember(agent, vertex, draw() % 2 == 0);
@@ -94,7 +96,7 @@ TEST(AgentMemories, FindWhatWasPushedPastItsPlaceAndRoundTheEnd) {
   AgentMemories<std::uint32_t> memories(1000000, {&ability, 1});
   PlainMemory expected(8);
   std::mt19937_64 draw(3);
-  for (int i = 0; i < 20000; ++i) {
+  for (int i = 0; i < rounds(20000); ++i) {
     const std::uint64_t vertex = draw() % 3 == 0 ? draw() % 1000 : vertices[draw() % 12];
     memories.remember(0, vertex, false);
     expected.remember(vertex);
