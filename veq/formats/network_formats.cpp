@@ -1,4 +1,4 @@
-// The door of this room: the operations of VEQNetwork that read and write text. What they do is
+// The operations of VEQNetwork that read and write text. What they do is
 // done by functions from texts to drafts and from cores to texts.
 #include <algorithm>
 #include <initializer_list>
