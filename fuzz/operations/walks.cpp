@@ -30,7 +30,7 @@ std::uint64_t sum(const VEQNumberArray& integers) {
 }
 
 // Each agent's visits are its moves, and no order is above the number of visits.
-void checkHistory(const Walkers& walkers) {
+void checkHistory(const FuzzedGroup& walkers) {
   const VEQNetworkAgentsGroup& group = *walkers.group;
   for (std::size_t a = 0; a < walkers.moves.size(); ++a) {
     const auto agent = static_cast<std::int64_t>(a);
@@ -67,7 +67,7 @@ std::uint64_t follow(const VEQNetwork& network, std::uint64_t& at, const VEQVert
   return moves;
 }
 
-void checkPaths(Walkers& walkers, std::vector<std::uint64_t> positions,
+void checkPaths(FuzzedGroup& walkers, std::vector<std::uint64_t> positions,
                 const VEQVertexPaths& paths) {
   const auto completed = static_cast<std::uint64_t>(walkers.group->currentProgress());
   VEQ_CHECK(paths.count() == positions.size());
@@ -78,7 +78,7 @@ void checkPaths(Walkers& walkers, std::vector<std::uint64_t> positions,
   VEQ_CHECK(positions == positionsOf(*walkers.group));
 }
 
-void walk(Walkers& walkers, Input& input) {
+void walk(FuzzedGroup& walkers, Input& input) {
   constexpr std::array<float, 6> kTargets = {-1.0F, 0.0F, 0.25F,
                                              1.0F,  2.0F, std::numeric_limits<float>::quiet_NaN()};
   VEQNetworkAgentsGroup& group = *walkers.group;
@@ -123,7 +123,7 @@ void walkTwins(World& world, Input& input) {
   VEQ_CHECK(next[0] == next[1]);
 }
 
-void place(Walkers& walkers, Input& input) {
+void place(FuzzedGroup& walkers, Input& input) {
   VEQNetworkAgentsGroup& group = *walkers.group;
   const std::uint64_t n = walkers.network->countVertices();
   if (input.flag()) {
@@ -179,7 +179,7 @@ void makeGroup(World& world, Input& input) {
   if (!subject) return;
   const VEQNumberArray places = anyIndices(input, subject->model.topology.vertexCount);
   const std::uint64_t agents = places.count();
-  Walkers walkers{nullptr, subject->network, std::vector<std::uint64_t>(agents, 0)};
+  FuzzedGroup walkers{nullptr, subject->network, std::vector<std::uint64_t>(agents, 0)};
   if (input.flag()) {
     walkers.group =
         VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(subject->network, places);
@@ -210,7 +210,7 @@ void makeGroup(World& world, Input& input) {
 }
 
 void useGroup(World& world, Input& input) {
-  Walkers* const walkers = choose(world.groups, input);
+  FuzzedGroup* const walkers = choose(world.groups, input);
   if (!walkers) return walkTwins(world, input);
   switch (input.below(10)) {
     case 0:

@@ -27,7 +27,7 @@ struct LooseColumn {
   Shared<ColumnImage> model;
 };
 
-struct Walkers {
+struct FuzzedGroup {
   Owned<VEQNetworkAgentsGroup> group;
   Shared<VEQNetwork> network;
   /// Moves of each agent since the history was last flushed.
@@ -45,7 +45,7 @@ struct KeptHandle {
 struct World {
   std::vector<Subject> subjects;
   std::vector<LooseColumn> columns;
-  std::vector<Walkers> groups;
+  std::vector<FuzzedGroup> groups;
   std::vector<KeptHandle<VEQVertex>> vertices;
   std::vector<KeptHandle<VEQEdge>> edges;
 };

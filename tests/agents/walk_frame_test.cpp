@@ -101,9 +101,9 @@ TEST(WalkFrame, EndsBetweenTwoStepsWhenMemoryRunsOut) {
 }
 
 /// A walk on another thread that stands still before step 2 until it is told to go on.
-class WalkUnderWay : public ::testing::Test {
+class WalkFrameUnderWay : public ::testing::Test {
  protected:
-  WalkUnderWay() {
+  WalkFrameUnderWay() {
     group_.before = [this](std::uint64_t done) {
       if (done == 2) {
         arrived_.set_value();
@@ -126,7 +126,7 @@ class WalkUnderWay : public ::testing::Test {
   std::thread walker_;
 };
 
-TEST_F(WalkUnderWay, TellsItsProgress) {
+TEST_F(WalkFrameUnderWay, TellsItsProgress) {
   EXPECT_TRUE(group_.isWorking());
   EXPECT_FALSE(group_.isWaiting());
   EXPECT_EQ(group_.currentProgress(), 2);
@@ -137,7 +137,7 @@ TEST_F(WalkUnderWay, TellsItsProgress) {
   EXPECT_EQ(group_.currentWork(), 5);
 }
 
-TEST_F(WalkUnderWay, IsNeitherPausedNorResumed) {
+TEST_F(WalkFrameUnderWay, IsNeitherPausedNorResumed) {
   group_.pauseWork();
   EXPECT_FALSE(group_.isWaiting());
   EXPECT_TRUE(group_.isWorking());
@@ -147,7 +147,7 @@ TEST_F(WalkUnderWay, IsNeitherPausedNorResumed) {
   EXPECT_FALSE(group_.isWaiting());
 }
 
-TEST_F(WalkUnderWay, GoesOnWhenItsWorkIsCancelledAndKeepsItsPaths) {
+TEST_F(WalkFrameUnderWay, GoesOnWhenItsWorkIsCancelledAndKeepsItsPaths) {
   group_.cancelWork();
   EXPECT_FALSE(group_.isWorking());
   EXPECT_EQ(group_.currentProgress(), 0);
@@ -159,7 +159,7 @@ TEST_F(WalkUnderWay, GoesOnWhenItsWorkIsCancelledAndKeepsItsPaths) {
   EXPECT_EQ(indices(*paths_), (std::vector<Indices>{{1, 2, 3, 0, 1}}));
 }
 
-TEST_F(WalkUnderWay, CannotBeFlushed) {
+TEST_F(WalkFrameUnderWay, CannotBeFlushed) {
   EXPECT_FALSE(group_.flushWalkHistory());
   group_.cancelWork();
   EXPECT_FALSE(group_.flushWalkHistory());
@@ -169,7 +169,7 @@ TEST_F(WalkUnderWay, CannotBeFlushed) {
   EXPECT_TRUE(group_.flushWalkHistory());
 }
 
-TEST_F(WalkUnderWay, ShowsTheHistoryOfEarlierWalksMeanwhile) {
+TEST_F(WalkFrameUnderWay, ShowsTheHistoryOfEarlierWalksMeanwhile) {
   EXPECT_EQ(integers(group_.visitFrequencyOfVerticesForAgent(0)), (Integers{0, 0, 0, 0}));
   EXPECT_EQ(integers(group_.globalVisitFrequencyOfVertices()), (Integers{0, 0, 0, 0}));
   goOn();

@@ -40,11 +40,11 @@ Owned<VEQNetworkDynamicAgentsGroup> makeGroup(Shared<const VEQNetwork> network,
 }
 
 // Two slots on a cycle: after the second step nobody turns round any more.
-struct Walkers {
+struct TalkingAgents {
   Owned<VEQNetworkDynamicAgentsGroup> group = makeGroup(cycle(kVertices), nullptr, kAgents, 2);
   Indices ahead;
 
-  Walkers() {
+  TalkingAgents() {
     seed(1);
     const VEQVertexPaths paths = group->walkForSteps(kFirst);
     for (const Indices& path : indices(paths)) {
@@ -103,11 +103,11 @@ TEST(FailingDynamicWalk, EndsWithEverythingInAgreement) {
   seed(1);  // makes the generator, which is never deleted
   std::uint64_t interrupted = 0;
   const std::uint64_t failures = forEachFailingAllocation(
-      [] { return std::make_unique<Walkers>(); },
-      [&](std::unique_ptr<Walkers>& walkers) {
+      [] { return std::make_unique<TalkingAgents>(); },
+      [&](std::unique_ptr<TalkingAgents>& walkers) {
         (void)walkers->group->walkForSteps_returnPath(kSecond, false);
       },
-      [&](std::unique_ptr<Walkers>& walkers, bool failed) {
+      [&](std::unique_ptr<TalkingAgents>& walkers, bool failed) {
         VEQNetworkAgentsGroup& group = *walkers->group;
         EXPECT_FALSE(group.isWorking());
         const bool begun = group.currentWork() == static_cast<std::int64_t>(kSecond);

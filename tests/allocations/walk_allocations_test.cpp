@@ -24,9 +24,9 @@ Shared<VEQNetwork> cycle() {
 }
 
 /// A group whose log is folded whenever there is one, and which has made 70 steps.
-class Walkers final : public VEQNetworkAgentsGroup {
+class FoldingGroup final : public VEQNetworkAgentsGroup {
  public:
-  explicit Walkers(Shared<const VEQNetwork> network)
+  explicit FoldingGroup(Shared<const VEQNetwork> network)
       : VEQNetworkAgentsGroup(internal::GroupState::make(
             std::move(network), [] { return std::vector<std::uint64_t>(kAgents, 0); })) {
     state().history = internal::WalkHistory<std::uint32_t>(kVertices, kAgents, 0, {0, 0, 0, 0});
@@ -34,10 +34,10 @@ class Walkers final : public VEQNetworkAgentsGroup {
   }
 };
 
-std::unique_ptr<Walkers> walkers() { return std::make_unique<Walkers>(cycle()); }
+std::unique_ptr<FoldingGroup> walkers() { return std::make_unique<FoldingGroup>(cycle()); }
 
 // That everything tells of the same number of steps, all agents having begun at vertex 0.
-void expectSteps(Walkers& group, std::uint64_t steps) {
+void expectSteps(FoldingGroup& group, std::uint64_t steps) {
   EXPECT_FALSE(group.isWorking());
   EXPECT_EQ(indices(group.agentsCurrentVerticesList()), Indices(kAgents, steps % kVertices));
   Integers visits(kVertices);
@@ -83,10 +83,10 @@ TEST(FailingWalk, EndsWithEverythingInAgreement) {
     for (const float target : {-1.0F, 2.0F}) {
       const std::uint64_t failures = forEachFailingAllocation(
           walkers,
-          [&](std::unique_ptr<Walkers>& group) {
+          [&](std::unique_ptr<FoldingGroup>& group) {
             (void)group->walkForSteps_returnPath_untilReach(2000, paths, target);
           },
-          [&](std::unique_ptr<Walkers>& group, bool failed) {
+          [&](std::unique_ptr<FoldingGroup>& group, bool failed) {
             const auto progress = static_cast<std::uint64_t>(group->currentProgress());
             const bool begun = group->currentWork() == 2000;
             if (!failed) {
@@ -103,12 +103,12 @@ TEST(FailingWalk, EndsWithEverythingInAgreement) {
 TEST(FailingWalk, ItsHistoryCanBeAskedForAgain) {
   forEachFailingAllocation(
       walkers,
-      [](std::unique_ptr<Walkers>& group) {
+      [](std::unique_ptr<FoldingGroup>& group) {
         (void)group->visitFrequencyOfVerticesForAgent(7);
         (void)group->globalVisitFrequencyOfVertices();
         (void)group->globalOrderOfVisitedVertices();
       },
-      [](std::unique_ptr<Walkers>& group, bool) {
+      [](std::unique_ptr<FoldingGroup>& group, bool) {
         expectSteps(*group, 70);
         Integers totals(kVertices, kAgents);
         for (std::size_t v = 1; v <= 20; ++v) totals[v] = 2 * kAgents;
@@ -120,11 +120,11 @@ TEST(FailingWalk, ItsGroupStaysAsItIsWhenItCannotBePlacedOrDescribed) {
   const auto elsewhere = VEQNumberArray::ofIndices(Indices(kAgents + 1, 9));
   forEachFailingAllocation(
       walkers,
-      [&](std::unique_ptr<Walkers>& group) {
+      [&](std::unique_ptr<FoldingGroup>& group) {
         group->setPropertyValue_forKey_forAgent("a text too long for the string itself", "Key", 3);
         group->setAgentsCurrentVerticesIndices(elsewhere);
       },
-      [](std::unique_ptr<Walkers>& group, bool failed) {
+      [](std::unique_ptr<FoldingGroup>& group, bool failed) {
         const auto property = group->propertyValueForAgent_forKey(3, "Key");
         if (property) {
           EXPECT_EQ(*property,

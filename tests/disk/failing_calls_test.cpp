@@ -25,16 +25,16 @@ const std::string kNew(5000, 'n');
 
 /// A file to write: there already or not, by its name or by a symbolic link, and where files may
 /// have no name or must have one.
-struct Place {
+struct WritePlace {
   const char* name;
   bool exists;
   bool byLink;
   bool named;
 };
 
-void PrintTo(const Place& place, std::ostream* out) { *out << place.name; }
+void PrintTo(const WritePlace& place, std::ostream* out) { *out << place.name; }
 
-class FailingCalls : public testing::TestWithParam<Place> {
+class FailingCalls : public testing::TestWithParam<WritePlace> {
  protected:
   void SetUp() override {
     if (GetParam().byLink) std::filesystem::create_symlink("target", folder_.path("link"));
@@ -164,13 +164,13 @@ TEST_P(FailingCalls, TheFolderIsSyncedOnceTheFileIsInItsPlace) {
   EXPECT_THAT(FailingCall::trace(), ContainsRegex("write .*fsync .*close .*" + std::string(last)));
 }
 
-const Place kPlaces[] = {{"over_a_file", true, false, false},
-                         {"where_nothing_is", false, false, false},
-                         {"over_a_file_by_a_link", true, true, false},
-                         {"by_a_link_to_nothing", false, true, false},
-                         {"over_a_file_with_names_alone", true, false, true},
-                         {"where_nothing_is_with_names_alone", false, false, true}};
-std::string nameOf(const testing::TestParamInfo<Place>& info) { return info.param.name; }
+const WritePlace kPlaces[] = {{"over_a_file", true, false, false},
+                              {"where_nothing_is", false, false, false},
+                              {"over_a_file_by_a_link", true, true, false},
+                              {"by_a_link_to_nothing", false, true, false},
+                              {"over_a_file_with_names_alone", true, false, true},
+                              {"where_nothing_is_with_names_alone", false, false, true}};
+std::string nameOf(const testing::TestParamInfo<WritePlace>& info) { return info.param.name; }
 INSTANTIATE_TEST_SUITE_P(Places, FailingCalls, testing::ValuesIn(kPlaces), nameOf);
 
 }  // namespace

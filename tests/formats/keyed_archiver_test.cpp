@@ -179,22 +179,22 @@ TEST(KeyedArchiver, RefusesAKeyThatIsThere) {
   EXPECT_EQ(toHex(archiver.bytes()), packed("a1 6161 f5"));
 }
 
-struct Stranger : PropertyObject {
+struct Unarchivable : PropertyObject {
   std::string description() const override { return "a stranger"; }
 };
 
-struct Place : PropertyObject {
+struct PointObject : PropertyObject {
   std::string description() const override { return "a place"; }
   PropertyValue archivedForm() const override { return VEQVector2d(1.0, 2.0); }
 };
 
 struct Pretender : PropertyObject {
   std::string description() const override { return "a pretender"; }
-  PropertyValue archivedForm() const override { return std::make_shared<Place>(); }
+  PropertyValue archivedForm() const override { return std::make_shared<PointObject>(); }
 };
 
 TEST(KeyedArchiver, ARefusedObjectLeavesNoTrace) {
-  for (const PropertyValue& value : {PropertyValue(std::make_shared<Stranger>()),
+  for (const PropertyValue& value : {PropertyValue(std::make_shared<Unarchivable>()),
                                      PropertyValue(std::make_shared<Pretender>())}) {
     const PropertyTable table =
         tableOf(std::make_shared<GenericArray>(std::vector<PropertyValue>{"first", value}));
@@ -215,7 +215,7 @@ TEST(KeyedArchiver, RefusesATableWithoutAColumn) {
 }
 
 TEST(KeyedArchiver, AnObjectIsReplacedByItsArchivedForm) {
-  EXPECT_EQ(encodedValue(std::make_shared<Place>()), encodedValue(VEQVector2d(1.0, 2.0)));
+  EXPECT_EQ(encodedValue(std::make_shared<PointObject>()), encodedValue(VEQVector2d(1.0, 2.0)));
 }
 
 TEST(KeyedArchiver, DoesNotDecode) {

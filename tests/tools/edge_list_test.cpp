@@ -8,13 +8,13 @@
 namespace veq::test {
 namespace {
 
-struct Reading {
+struct ProgramReading {
   std::string notes;
   std::string xnet;
 };
 
 /// Converts an edge list of these bytes to xnet; "FILE" stands for its path in the notes.
-Reading read(const std::string& bytes, const std::vector<std::string>& options = {}) {
+ProgramReading read(const std::string& bytes, const std::vector<std::string>& options = {}) {
   const TemporaryDirectory directory;
   const std::string file = directory.write("list.txt", bytes);
   std::vector<std::string> arguments{"convert", file, directory.path("n.xnet")};
@@ -27,7 +27,7 @@ Reading read(const std::string& bytes, const std::vector<std::string>& options =
 }
 
 TEST(EdgeLists, OfTwoColumnsAreReadWhole) {
-  const Reading reading = read("0 1\n1 2\n3 4\n");
+  const ProgramReading reading = read("0 1\n1 2\n3 4\n");
   EXPECT_EQ(reading.notes, "");
   EXPECT_EQ(reading.xnet,
             "#vertices 5 nonweighted\n#edges nonweighted undirected\n0 1\n1 2\n3 4\n"
@@ -35,7 +35,7 @@ TEST(EdgeLists, OfTwoColumnsAreReadWhole) {
 }
 
 TEST(EdgeLists, HaveWeightsInAThirdColumn) {
-  const Reading reading = read("b a 0.5\nb c +2e1\n", {"--directed"});
+  const ProgramReading reading = read("b a 0.5\nb c +2e1\n", {"--directed"});
   EXPECT_EQ(reading.notes, "");
   EXPECT_EQ(reading.xnet,
             "#vertices 3 nonweighted\n\"b\"\n\"a\"\n\"c\"\n"
@@ -43,7 +43,7 @@ TEST(EdgeLists, HaveWeightsInAThirdColumn) {
 }
 
 TEST(EdgeLists, SayWhatWasMadeOfOddLines) {
-  const Reading reading = read("a b 2\nb c\nc d\ne\n");
+  const ProgramReading reading = read("a b 2\nb c\nc d\ne\n");
   EXPECT_EQ(reading.notes,
             "FILE:2: no weight is taken for 1 (2 times)\n"
             "FILE:4: the one end \"e\" is taken for a vertex without this edge\n");
@@ -54,7 +54,7 @@ TEST(EdgeLists, SayWhatWasMadeOfOddLines) {
 }
 
 TEST(EdgeLists, AreRefusedForTheFirstRepairWhereStrict) {
-  const Reading reading = read("a b 2\nb c\n", {"--strict"});
+  const ProgramReading reading = read("a b 2\nb c\n", {"--strict"});
   EXPECT_EQ(reading.notes, "veq: FILE:2: no weight is taken for 1\n");
   EXPECT_EQ(reading.xnet, "");
 }
