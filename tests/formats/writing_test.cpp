@@ -139,8 +139,18 @@ TEST(Writing, RefusesASuffixThatItDoesNotKnow) {
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error().kind(), ErrorKind::kArgument);
   EXPECT_EQ(outcome.error().text(),
-            "no format goes with this name; known are .xnet, .net, .edges, .csv, .mtx, .gml, "
-            ".graphml and .veqa");
+            "no format goes with this name; known are .xnet .net .edges .mtx .gml .graphml .veqa "
+            ".csv");
+}
+
+TEST(Writing, RefusesANumberThatIsNoFormat) {
+  constexpr auto kNone = static_cast<FileFormat>(99);
+  const Result<std::string> text = networkText(networkOf(path3()), kNone);
+  ASSERT_FALSE(text);
+  EXPECT_EQ(text.error().text(), "there is no such format");
+  const Outcome outcome = writeNetwork(networkOf(path3()), "net.gml", {.format = kNone});
+  ASSERT_FALSE(outcome);
+  EXPECT_EQ(outcome.error().text(), "there is no such format");
 }
 
 TEST(Writing, RefusesNamesThatAFormatCannotHold) {

@@ -2,6 +2,7 @@
 
 #include "tests/formats/format_support.hpp"
 #include "tests/support/log_capture.hpp"
+#include "veq/formats/reading.hpp"
 
 namespace veq::test {
 namespace {
@@ -73,6 +74,14 @@ TEST(XnetProperties, VectorsOfSpaceAreLogged) {
   EXPECT_THAT(vertexTexts(*network, "k"), ElementsAre("1 2 3", "0 0.5 0"));
   EXPECT_THAT(edgeTexts(*network, "k"), ElementsAre("4 5 6"));
   EXPECT_THAT(log.lines(), ElementsAre("vector 3D data"));
+}
+
+TEST(XnetProperties, TheReaderOfAnyFormatLogsNothing) {
+  LogCapture log;
+  const Reading reading = readNetworkText("#vertices 1\n#v k v3\n1 2 3\n");
+  ASSERT_TRUE(reading);
+  EXPECT_THAT(vertexTexts(*reading.value().published(), "k"), ElementsAre("1 2 3"));
+  EXPECT_THAT(log.lines(), ElementsAre());
 }
 
 TEST(XnetProperties, OtherSectionsLogNothing) {

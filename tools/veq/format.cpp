@@ -1,6 +1,6 @@
 #include "format.hpp"
 
-#include <array>
+#include <cstddef>
 
 #include "failure.hpp"
 #include "streams.hpp"
@@ -9,40 +9,37 @@
 namespace veq::tool {
 namespace {
 
-/// In the order of FileFormat; what is written as CSV is read as a list.
-constexpr std::array<std::string_view, 8> kSuffixes{".xnet", ".net",     ".edges", ".mtx",
-                                                    ".gml",  ".graphml", ".veqa",  ".csv"};
-constexpr std::size_t kReadFormats = 7;
-
-std::vector<std::string> words(std::size_t count) {
+/// Without the last ones, of which so many are only written: CSV is read as a list.
+std::vector<std::string> words(std::size_t last) {
   std::vector<std::string> all;
-  for (std::size_t i = 0; i < count; ++i) all.emplace_back(nameOf(static_cast<FileFormat>(i)));
+  for (const FileFormat format : fileFormats().first(fileFormats().size() - last)) {
+    all.emplace_back(nameOf(format));
+  }
   return all;
 }
 
 }  // namespace
 
 const std::vector<std::string>& wordsForReading() {
-  static const std::vector<std::string> all = words(kReadFormats);
+  static const std::vector<std::string> all = words(1);
   return all;
 }
 
 const std::vector<std::string>& wordsForWriting() {
-  static const std::vector<std::string> all = words(kSuffixes.size());
+  static const std::vector<std::string> all = words(0);
   return all;
 }
 
 FileFormat formatToWrite(std::string_view file, std::optional<std::size_t> word) {
-  if (word) return static_cast<FileFormat>(*word);
+  if (word) return fileFormats()[*word];
   if (isStandardStream(file)) {
     throw Failure(kStandardOutput, "has no suffix; --to FORMAT names the format");
   }
   if (const auto format = fileFormatOfSuffix(file)) return *format;
-  const std::vector<std::string> known(kSuffixes.begin(), kSuffixes.end());
+  std::vector<std::string> known;
+  for (const FileFormat format : fileFormats()) known.emplace_back(suffixOf(format));
   throw Failure(file, "has no suffix that is known (such as " + wordList(known) +
                           "); --to FORMAT names the format");
 }
-
-std::string_view suffixOf(FileFormat format) { return kSuffixes[static_cast<std::size_t>(format)]; }
 
 }  // namespace veq::tool

@@ -21,7 +21,4 @@ namespace veq::tool {
 /// suffix stands for. Failure, with what is known, where neither is there.
 [[nodiscard]] FileFormat formatToWrite(std::string_view file, std::optional<std::size_t> word);
 
-/// The suffix of files that the program names itself.
-[[nodiscard]] std::string_view suffixOf(FileFormat format);
-
 }  // namespace veq::tool

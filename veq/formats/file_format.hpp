@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string_view>
 
 #include "veq/base/export.hpp"
@@ -33,5 +34,12 @@ enum class FileFormat {
 /// ".veqa". Nothing for other names.
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT std::optional<FileFormat> fileFormatOfSuffix(std::string_view name);
+/// The usual one of its suffixes: ".xnet", ".net", ".edges", ".mtx", ".gml", ".graphml", ".veqa",
+/// ".csv". Empty, as nameOf() is, for a number that is no format.
+/// \ingroup files
+[[nodiscard]] VEQ_EXPORT std::string_view suffixOf(FileFormat format);
+/// All formats, in the order of the enumeration.
+/// \ingroup files
+[[nodiscard]] VEQ_EXPORT std::span<const FileFormat> fileFormats();
 
 }  // namespace veq

@@ -150,8 +150,10 @@ Result<Network> readBytes(std::string bytes, std::string_view name, ReadContext&
   for (const TextReader& reader : kTextReaders) {
     if (reader.format == *format) return networkOf(reader.read(text, context), context);
   }
-  return Error(ErrorKind::kUnsupported,
-               std::string(nameOf(*format)) + " is read by the library veq::readers");
+  if (*format == FileFormat::kGraphMl) {
+    return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers");
+  }
+  return internal::unhandled(*format, "read");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "veq/base/files.hpp"
 #include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/edge_list.hpp"
+#include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/formats/internal/writers.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -60,9 +61,11 @@ void writeArchiveBytes(const NetworkCore& core, TextOutput& out) {
   out.flush();
 }
 
+using Write = void(const NetworkCore& core, TextOutput& out);
+
 struct Writer {
   FileFormat format;
-  void (*write)(const NetworkCore& core, TextOutput& out);
+  Write* write;
 };
 constexpr std::array<Writer, 8> kWriters{{{FileFormat::kXnet, writeXnetText},
                                           {FileFormat::kPajek, writePajekText},
@@ -75,14 +78,15 @@ constexpr std::array<Writer, 8> kWriters{{{FileFormat::kXnet, writeXnetText},
 
 /// Calls use(source of the bytes), and turns what a writer throws into errors.
 template <class Use>
-auto withSource(const Network& network, void (*write)(const NetworkCore&, TextOutput&),
-                const Progress& progress, Use use) -> decltype(use(ByteSource())) {
+auto withSource(const Network& network, Result<Write*> write, const Progress& progress, Use use)
+    -> decltype(use(ByteSource())) {
+  if (!write) return write.error();
   const NetworkCore& core = CoreAccess::of(*network.published());
   const ByteSource source = [&](const ByteSink& sink) {
     internal::Pace pace(progress, core.store.vertexCount() + core.store.edgeCount());
     TextOutput out(sink, pace);
     try {
-      write(core, out);
+      write.value()(core, out);
     } catch (const internal::SinkClosed&) {
       return false;
     }
@@ -110,11 +114,11 @@ Result<std::string> textOf(const ByteSource& source) {
   return text;
 }
 
-const Writer* writerOf(FileFormat format) {
+Result<Write*> writerOf(FileFormat format) {
   for (const Writer& writer : kWriters) {
-    if (writer.format == format) return &writer;
+    if (writer.format == format) return writer.write;
   }
-  return nullptr;
+  return internal::unhandled(format, "written");
 }
 
 }  // namespace
@@ -122,19 +126,18 @@ const Writer* writerOf(FileFormat format) {
 Outcome writeNetwork(const Network& network, const std::string& path, const WriteOptions& options) {
   const std::optional<FileFormat> format =
       options.format ? options.format : fileFormatOfSuffix(path);
-  const Writer* const writer = format ? writerOf(*format) : nullptr;
-  if (!writer) {
-    return Error(ErrorKind::kArgument,
-                 "no format goes with this name; known are .xnet, .net, .edges, .csv, .mtx, .gml, "
-                 ".graphml and .veqa");
+  if (!format) {
+    std::string known;
+    for (const FileFormat each : fileFormats()) known.append(" ").append(suffixOf(each));
+    return Error(ErrorKind::kArgument, "no format goes with this name; known are" + known);
   }
-  return withSource(network, writer->write, options.progress,
+  return withSource(network, writerOf(*format), options.progress,
                     [&](const ByteSource& source) { return writeFile(path, source); });
 }
 
 Result<std::string> networkText(const Network& network, FileFormat format,
                                 const Progress& progress) {
-  return withSource(network, writerOf(format)->write, progress, textOf);
+  return withSource(network, writerOf(format), progress, textOf);
 }
 
 Outcome writeVertexTable(const Network& network, const std::string& path,

@@ -111,7 +111,7 @@ class ColumnDraft {
 /// Each step answers false where the whole read fails.
 class XnetReader {
  public:
-  explicit XnetReader(std::string_view text) : scanner_(text) {}
+  XnetReader(std::string_view text, bool logs) : scanner_(text), logs_(logs) {}
 
   std::optional<NetworkDraft> read() {
     while (!scanner_.atEnd()) {
@@ -191,7 +191,7 @@ class XnetReader {
     if (quoted) scanner_.match('"');
     scanner_.skipBlanks();
     const ValueType type = readType();
-    if (type == ValueType::kVector3d && section == XnetSection::kVertexProperty) {
+    if (logs_ && type == ValueType::kVector3d && section == XnetSection::kVertexProperty) {
       logDiagnostic("vector 3D data");
     }
     column_ = ColumnDraft(key, type, section == XnetSection::kEdgeProperty);
@@ -249,6 +249,7 @@ class XnetReader {
   }
 
   TextScanner scanner_;
+  bool logs_;
   XnetSection section_ = XnetSection::kNone;
   ColumnDraft column_;
   TextTopology topology_{/*first=*/0};
@@ -261,7 +262,7 @@ class XnetReader {
 }  // namespace
 
 std::optional<NetworkDraft> readXnet(std::string_view text, std::size_t* failedAt) {
-  XnetReader reader(text);
+  XnetReader reader(text, failedAt == nullptr);
   std::optional<NetworkDraft> draft = reader.read();
   if (!draft && failedAt) *failedAt = reader.position();
   return draft;

@@ -83,4 +83,10 @@ std::optional<FileFormat> formatOfText(std::string_view text, std::string_view n
   return fileFormatOfSuffix(name);
 }
 
+Error unhandled(FileFormat format, std::string_view done) {
+  const std::string_view name = nameOf(format);
+  if (name.empty()) return {ErrorKind::kArgument, "there is no such format"};
+  return {ErrorKind::kUnsupported, std::string(name).append(" is not ").append(done)};
+}
+
 }  // namespace veq::internal

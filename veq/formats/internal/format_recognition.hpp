@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "veq/base/export.hpp"
+#include "veq/base/result.hpp"
 #include "veq/formats/file_format.hpp"
 
 namespace veq::internal {
@@ -18,5 +19,9 @@ namespace veq::internal {
 /// Nothing where neither does.
 [[nodiscard]] VEQ_EXPORT std::optional<FileFormat> formatOfText(std::string_view text,
                                                                 std::string_view name);
+
+/// Why files of the format are not "read" or "written": nothing here does it, or there is no such
+/// format.
+[[nodiscard]] Error unhandled(FileFormat format, std::string_view done);
 
 }  // namespace veq::internal

@@ -1,5 +1,5 @@
 /// \file
-/// The GML format, as docs/formats/gml.md describes it.
+/// The GML format, as docs/formats/reading.md describes it.
 #pragma once
 
 #include <string_view>

@@ -1,5 +1,5 @@
 /// \file
-/// The Matrix Market format, as docs/formats/matrix_market.md describes it.
+/// The Matrix Market format, as docs/formats/reading.md describes it.
 #pragma once
 
 #include <string_view>

@@ -13,7 +13,8 @@
 namespace veq::internal {
 
 /// What the text describes; nothing where it describes no network, and then `failedAt`, if it is
-/// given, is how many bytes had been read. O(length).
+/// given, is how many bytes had been read. Without it this is the published reader, which tells the
+/// diagnostic log of vectors in space. O(length).
 [[nodiscard]] std::optional<NetworkDraft> readXnet(std::string_view text,
                                                    std::size_t* failedAt = nullptr);
 
