@@ -12,14 +12,14 @@ std::string dataPath(std::string_view name) {
   return std::string(VEQ_TEST_DATA "/pajek/") + std::string(name);
 }
 
-Owned<VEQNetwork> readFile(std::string_view name) {
+Owned<VEQNetwork> readSample(std::string_view name) {
   auto network = VEQNetwork::initWithContentsOfPajekFile(dataPath(name));
   EXPECT_TRUE(network) << name;
   return network;
 }
 
 TEST(PajekFiles, LabelsWithBlanksShapesAndColours) {
-  const auto network = readFile("letters.net");
+  const auto network = readSample("letters.net");
   EXPECT_THAT(vertexTexts(*network, "Name"), ElementsAre("Ada Lovelace", "Charles Babbage",
                                                          "Mary Somerville", "Augustus De Morgan"));
   EXPECT_EQ(edgesOf(*network), "0>1 0>2 0>3");
@@ -34,7 +34,7 @@ TEST(PajekFiles, LabelsWithBlanksShapesAndColours) {
 }
 
 TEST(PajekFiles, TheSecondCountOfTwoModesIsIgnored) {
-  const auto network = readFile("two_mode.net");
+  const auto network = readSample("two_mode.net");
   EXPECT_EQ(network->countVertices(), 5U);
   EXPECT_EQ(edgesOf(*network), "2>0 3>0 3>1 4>1");
   EXPECT_THAT(vertexTexts(*network, "Name"), ElementsAre("Club A", "Club B", "Ann", "Bob", "Cy"));
@@ -43,7 +43,7 @@ TEST(PajekFiles, TheSecondCountOfTwoModesIsIgnored) {
 // The vertices header of the partition starts the names afresh, and its classes are taken for the
 // numbers of vertices without a name.
 TEST(PajekFiles, APartitionBehindTheNetworkTakesItsNames) {
-  const auto network = readFile("with_partition.net");
+  const auto network = readSample("with_partition.net");
   EXPECT_EQ(network->countVertices(), 3U);
   EXPECT_EQ(edgesOf(*network), "0>1 1>2");
   EXPECT_TRUE(network->isDirected());
@@ -51,14 +51,14 @@ TEST(PajekFiles, APartitionBehindTheNetworkTakesItsNames) {
 }
 
 TEST(PajekFiles, RelationsAreOneNetwork) {
-  const auto network = readFile("relations.net");
+  const auto network = readSample("relations.net");
   EXPECT_EQ(edgesOf(*network), "0>1 1>0 1>2");
   EXPECT_TRUE(network->isDirected());
   EXPECT_FALSE(network->isEdgeWeighted());
 }
 
 TEST(PajekFiles, TabsBlankLinesAndNoNewlineAtTheEnd) {
-  const auto network = readFile("tabs_blank_lines.net");
+  const auto network = readSample("tabs_blank_lines.net");
   EXPECT_THAT(vertexTexts(*network, "Name"), ElementsAre("tab one", "tab two", "tab three"));
   EXPECT_THAT(vertexTexts(*network, "Position"), ElementsAre("-5 -5 0", "0 0 0", "5 5 0"));
   EXPECT_EQ(edgesOf(*network), "0>1 1>2");
@@ -66,13 +66,13 @@ TEST(PajekFiles, TabsBlankLinesAndNoNewlineAtTheEnd) {
 }
 
 TEST(PajekFiles, LabelsWithoutQuotesAreNoNames) {
-  const auto network = readFile("unquoted.net");
+  const auto network = readSample("unquoted.net");
   EXPECT_THAT(vertexTexts(*network, "Name"), ElementsAre("", "", "", ""));
   EXPECT_EQ(edgesOf(*network), "0>1 0>2 3>0");
 }
 
 TEST(PajekFiles, ArcsAndEdgesMix) {
-  const auto network = readFile("mixed.net");
+  const auto network = readSample("mixed.net");
   EXPECT_EQ(edgesOf(*network), "0>1 1>2 2>1");
   EXPECT_TRUE(network->isDirected());
   EXPECT_FALSE(network->isEdgeWeighted());
@@ -81,7 +81,7 @@ TEST(PajekFiles, ArcsAndEdgesMix) {
 }
 
 TEST(PajekFiles, ArcslistGivesFirstTargetsAndWeights) {
-  const auto network = readFile("arcslist.net");
+  const auto network = readSample("arcslist.net");
   EXPECT_EQ(edgesOf(*network), "0>1 1>3");
   EXPECT_THAT(edgeWeightsOf(*network), ElementsAre(3.0F, 1.0F));
 }
@@ -89,7 +89,7 @@ TEST(PajekFiles, ArcslistGivesFirstTargetsAndWeights) {
 TEST(PajekFiles, EveryEncodingReadsTheSame) {
   for (const char* const name :
        {"latin1.net", "utf8.net", "utf8_mark.net", "utf16_little.net", "utf16_big.net"}) {
-    const auto network = readFile(name);
+    const auto network = readSample(name);
     EXPECT_THAT(vertexTexts(*network, "Name"), ElementsAre("K\xC3\xB6ln", "Z\xC3\xBCrich")) << name;
     EXPECT_EQ(edgesOf(*network), "0>1") << name;
   }
