@@ -1,9 +1,10 @@
-// Networks to and from keyed archives.
+// Networks to and from keyed archives as they are published.
 
 #include <optional>
 #include <utility>
 
 #include "veq/formats/coder.hpp"
+#include "veq/formats/internal/archive_keys.hpp"
 #include "veq/formats/internal/property_cbor.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
@@ -17,16 +18,6 @@ using internal::RawVector;
 using internal::Weights;
 
 namespace {
-
-constexpr std::string_view kDirected = "VEQ.xnet.directed";
-constexpr std::string_view kEdgeWeighted = "VEQ.xnet.edgeWeighted";
-constexpr std::string_view kVertexWeighted = "VEQ.xnet.vertexWeighted";
-constexpr std::string_view kEdgesProperties = "VEQ.xnet.edgesProperties";
-constexpr std::string_view kVerticesProperties = "VEQ.xnet.verticesProperties";
-constexpr std::string_view kFromList = "VEQ.xnet.fromList";
-constexpr std::string_view kToList = "VEQ.xnet.toList";
-constexpr std::string_view kVerticesWeights = "VEQ.xnet.verticesWeights";
-constexpr std::string_view kEdgesWeights = "VEQ.xnet.edgesWeights";
 
 // Without weights there are as many zeros.
 VEQNumberArray weightsOf(const std::optional<Weights>& weights, std::uint64_t count) {
@@ -53,6 +44,7 @@ bool decodeWeights(VEQCoder& coder, std::string_view key, std::optional<Weights>
 }
 
 std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, EndArrays& ends) {
+  using namespace internal::archive1;
   const std::optional<bool> directed = coder.decodeBool(kDirected);
   const std::optional<bool> edgeWeighted = coder.decodeBool(kEdgeWeighted);
   const std::optional<bool> vertexWeighted = coder.decodeBool(kVertexWeighted);
@@ -86,6 +78,7 @@ std::optional<NetworkDraft> decodeDraft(VEQCoder& coder, EndArrays& ends) {
 }  // namespace
 
 void VEQNetwork::encodeWithCoder(VEQCoder& coder) const {
+  using namespace internal::archive1;
   internal::requireArchivable(core_->properties->edges);
   internal::requireArchivable(core_->properties->vertices);
   coder.encodeBool(isDirected(), kDirected);

@@ -1,6 +1,7 @@
 #include "veq/formats/archive_file.hpp"
 
 #include "veq/base/internal/whole_files.hpp"
+#include "veq/formats/internal/network_archive.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 
 namespace veq {
@@ -16,7 +17,13 @@ Owned<VEQNetwork> networkWithArchiveFile(std::string_view path) {
     const Result<std::string> bytes = internal::readWholeFile(path);
     if (!bytes) return nullptr;
     VEQKeyedUnarchiver unarchiver(bytes.value());
-    return VEQNetwork::initWithCoder(unarchiver);
+    if (!internal::hasVersion(unarchiver)) return VEQNetwork::initWithCoder(unarchiver);
+    try {
+      internal::ArchivedEnds ends;
+      return internal::CoreAccess::build(internal::draftOfArchive(unarchiver, ends));
+    } catch (const Error&) {
+      return nullptr;
+    }
   });
 }
 

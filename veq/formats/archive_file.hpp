@@ -10,14 +10,16 @@
 
 namespace veq {
 
-/// Writes an archive of the network; false where the file cannot be written. Atomically, the old
+/// Writes an archive of the network as encodeWithCoder() makes it, with what that does not keep;
+/// writeNetwork() writes one that keeps everything. False where the file cannot be written. Atomically, the old
 /// file is then whole. std::invalid_argument, before the file is touched, where a property cannot
 /// be archived.
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT bool writeArchiveToFile(const VEQNetwork& network, std::string_view path,
                                                  bool atomically);
 
-/// Null where the file cannot be read or holds no archive of a network.
+/// Reads archives of either kind, the first as initWithCoder() takes it. Null where the file cannot
+/// be read or holds no archive of a network.
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT Owned<VEQNetwork> networkWithArchiveFile(std::string_view path);
 

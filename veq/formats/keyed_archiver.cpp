@@ -51,6 +51,10 @@ void VEQKeyedArchiver::encodePropertyTable(const PropertyTable& table, std::stri
   encodeEntry(key, [&] { internal::writeTable(*out_, table); });
 }
 
+void VEQKeyedArchiver::encodeCount(std::uint64_t count, std::string_view key) {
+  encodeEntry(key, [&] { out_->writeHead(CborMajor::kUnsigned, count); });
+}
+
 std::string_view VEQKeyedArchiver::bytes() const { return out_->bytes().substr(begin_); }
 
 VEQKeyedUnarchiver::VEQKeyedUnarchiver(std::string_view bytes) : valid_(index(bytes)) {
@@ -98,6 +102,12 @@ Owned<VEQNumberArray> VEQKeyedUnarchiver::decodeNumberArray(std::string_view key
 std::optional<PropertyTable> VEQKeyedUnarchiver::decodePropertyTable(std::string_view key) {
   CborReader in(valueOf(key));
   return internal::readTable(in);
+}
+
+std::optional<std::uint64_t> VEQKeyedUnarchiver::decodeCount(std::string_view key) const {
+  const auto head = CborReader(valueOf(key)).readHead();
+  if (!head || head->major != CborMajor::kUnsigned) return std::nullopt;
+  return head->argument;
 }
 
 }  // namespace veq

@@ -30,6 +30,8 @@ class VEQ_EXPORT VEQKeyedArchiver final : public VEQCoder {
   void encodeBool(bool value, std::string_view key) override;
   void encodeNumberArray(const VEQNumberArray& numbers, std::string_view key) override;
   void encodePropertyTable(const PropertyTable& table, std::string_view key) override;
+  /// A number of things, as a plain CBOR integer.
+  void encodeCount(std::uint64_t count, std::string_view key);
 
   /// The archive of all entries so far, complete and valid until the next one is encoded.
   [[nodiscard]] std::string_view bytes() const;
@@ -59,6 +61,9 @@ class VEQ_EXPORT VEQKeyedUnarchiver final : public VEQCoder {
   [[nodiscard]] std::optional<bool> decodeBool(std::string_view key) override;
   [[nodiscard]] Owned<VEQNumberArray> decodeNumberArray(std::string_view key) override;
   [[nodiscard]] std::optional<PropertyTable> decodePropertyTable(std::string_view key) override;
+  [[nodiscard]] std::optional<std::uint64_t> decodeCount(std::string_view key) const;
+  /// Whether there is an entry of any type under the key.
+  [[nodiscard]] bool has(std::string_view key) const { return !valueOf(key).empty(); }
 
  private:
   struct Entry {

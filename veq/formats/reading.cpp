@@ -15,6 +15,7 @@
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/list_reader.hpp"
 #include "veq/formats/internal/matrix_market.hpp"
+#include "veq/formats/internal/network_archive.hpp"
 #include "veq/formats/internal/pajek_sections.hpp"
 #include "veq/formats/internal/read_context.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -94,7 +95,7 @@ std::string decoded(std::string bytes, ReadContext& context) {
 Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
   for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
-      if (!internal::isReservedKey(key)) continue;
+      if (draft.carriesProperties || !internal::isReservedKey(key)) continue;
       context.note(kReservedCode, NoteKind::kLeftOut, {}, [name = std::string(key)] {
         return "the column \"" + name + "\" is left out, because weights and ends have such names";
       });
@@ -121,12 +122,12 @@ Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
   return Network(std::move(shared));
 }
 
-Result<Network> readArchive(std::string_view bytes) {
-  VEQKeyedUnarchiver unarchiver(bytes);
-  Shared<VEQNetwork> network = VEQNetwork::networkWithCoder(unarchiver);
-  if (!network)
-    return Error(ErrorKind::kFormat, "not a whole archive, or not enough memory for it");
-  return Network(std::move(network));
+Result<Network> readArchive(std::string_view bytes, ReadContext& context) {
+  VEQKeyedUnarchiver archive(bytes);
+  internal::ArchivedEnds ends;
+  NetworkDraft draft = internal::draftOfArchive(archive, ends);
+  context.requireVertices(draft.vertexCount, {});
+  return networkOf(std::move(draft), context);
 }
 
 Error compressed(std::string_view how) {
@@ -136,14 +137,25 @@ Error compressed(std::string_view how) {
                                                    : ", which is not read; decompress it first"));
 }
 
+/// Only the suffix tells such a file from a list.
+bool isLgl(std::string_view name) {
+  return name.size() > 4 && internal::sameWord(name.substr(name.size() - 4), ".lgl");
+}
+
 Result<Network> readBytes(std::string bytes, std::string_view name, ReadContext& context,
                           std::optional<FileFormat>& format) {
   if (const std::string_view how = internal::compressionOf(bytes); !how.empty()) {
     return compressed(how);
   }
   if (!format && internal::isArchive(bytes)) format = FileFormat::kArchive;
-  if (format == FileFormat::kArchive) return readArchive(bytes);
+  if (format == FileFormat::kArchive) return readArchive(bytes, context);
   if (bytes.empty()) return Error(ErrorKind::kFormat, "the file is empty");
+  if (!format && isLgl(name)) {
+    return Error(
+        ErrorKind::kUnsupported,
+        "LGL, which has the one end of its edges in lines that other lists have as comments, is "
+        "not read; NCOL holds the same");
+  }
   const std::string text = decoded(std::move(bytes), context);
   if (!format) format = internal::formatOfText(text, name);
   if (!format) return Error(ErrorKind::kFormat, "no format that is known");

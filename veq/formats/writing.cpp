@@ -9,6 +9,7 @@
 #include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/edge_list.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
+#include "veq/formats/internal/network_archive.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/formats/internal/writers.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -56,7 +57,7 @@ void writeListText(const NetworkCore& core, TextOutput& out) {
 
 void writeArchiveBytes(const NetworkCore& core, TextOutput& out) {
   VEQKeyedArchiver archiver;
-  core.network->encodeWithCoder(archiver);
+  internal::writeArchive(core, archiver);
   out.text = archiver.bytes();
   out.flush();
 }

@@ -26,10 +26,12 @@ struct WriteOptions {
 /// - GraphML: everything, but for characters that XML forbids, which become "?". Kinds of columns
 ///   that GraphML does not know stand in attributes of VEQ's own beside what others read.
 /// - CSV: the edges with their weights and properties, one a line, and writeVertexTable() the
-///   vertices. Ends are names where each vertex has one of its own, and indices otherwise.
+///   vertices. Ends are names where each vertex has one of its own, or else the column "Id", and
+///   otherwise indices.
 /// - GML: everything as text and numbers; vectors as text. Keys that GML does not allow are mapped
 ///   by comments at the head of the file.
 /// - Matrix Market: the edges and their weights.
+/// - Archive: everything; an object of the user's own as its archived form.
 /// - The others as their published writers.
 ///
 /// Errors: no format known for the file, a name that the format cannot hold, or why the file could
@@ -44,8 +46,8 @@ VEQ_EXPORT Outcome writeNetwork(const Network& network, const std::string& path,
                                                          const Progress& progress = {});
 
 /// The vertices as a table to go with the edges of a CSV file: "Id", as the ends of the edges are
-/// written, "Label" for the column "Name", "Weight" where vertices have weights, and all other
-/// columns.
+/// written, "Weight" where vertices have weights, "Label" for the column "Name", "Id 2" for a column
+/// "Id" that the first one is not, and all other columns.
 /// \ingroup files
 VEQ_EXPORT Outcome writeVertexTable(const Network& network, const std::string& path,
                                     const Progress& progress = {});
