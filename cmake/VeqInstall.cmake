@@ -1,6 +1,6 @@
-# What `cmake --install` puts where: the components `runtime` (the shared library), `development`
-# (headers, what a build needs to find the library, guide and examples) and `tools` (the program and
-# the data).
+# What `cmake --install` puts where: the components `runtime` (the shared library), `readers` (the one
+# of veq::readers), `development` (headers, what a build needs to find the libraries, guide and examples)
+# and `tools` (the program and the data).
 include(CMakePackageConfigHelpers)
 
 set(VEQ_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/veq")
@@ -12,9 +12,15 @@ install(TARGETS veq EXPORT veqTargets
         ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
         RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT runtime)
 
-# The headers are those that veq/veq.hpp reaches, as they are when somebody installs.
+# The headers are those that veq/veq.hpp and the one of veq::readers reach, as they are when somebody
+# installs.
+set(VEQ_ROOT_HEADERS veq/veq.hpp)
+if(TARGET veq_readers)
+  list(APPEND VEQ_ROOT_HEADERS veq/readers/reading.hpp)
+endif()
 install(CODE "set(VEQ_SOURCE_DIR \"${PROJECT_SOURCE_DIR}\")
-  set(VEQ_INCLUDE_DIR \"${CMAKE_INSTALL_INCLUDEDIR}\")" COMPONENT development)
+  set(VEQ_INCLUDE_DIR \"${CMAKE_INSTALL_INCLUDEDIR}\")
+  set(VEQ_ROOT_HEADERS \"${VEQ_ROOT_HEADERS}\")" COMPONENT development)
 install(SCRIPT "${CMAKE_CURRENT_LIST_DIR}/VeqInstallHeaders.cmake" COMPONENT development)
 
 install(EXPORT veqTargets NAMESPACE veq:: DESTINATION "${VEQ_CMAKE_DIR}" COMPONENT development)
@@ -40,6 +46,27 @@ endif()
 configure_file("${CMAKE_CURRENT_LIST_DIR}/veq.pc.in" veq.pc @ONLY)
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veq.pc" DESTINATION "${VEQ_PKGCONFIG_DIR}"
         COMPONENT development)
+
+# The component `readers` of the CMake package, and a file of its own for pkg-config.
+if(TARGET veq_readers)
+  install(TARGETS veq_readers EXPORT veqReadersTargets
+          LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT readers
+                  NAMELINK_COMPONENT development
+          ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+          RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT readers)
+  install(EXPORT veqReadersTargets NAMESPACE veq:: DESTINATION "${VEQ_CMAKE_DIR}"
+          COMPONENT development)
+  set_target_properties(veq_readers PROPERTIES INSTALL_RPATH "$ORIGIN")
+  set(VEQ_PC_READERS_NEEDS "pugixml zlib libzstd")
+  if(BUILD_SHARED_LIBS)
+    set(VEQ_PC_READERS_REQUIRES "veq = ${PROJECT_VERSION}")
+  else()
+    set(VEQ_PC_READERS_REQUIRES "veq = ${PROJECT_VERSION} ${VEQ_PC_READERS_NEEDS}")
+  endif()
+  configure_file("${CMAKE_CURRENT_LIST_DIR}/veq-readers.pc.in" veq-readers.pc @ONLY)
+  install(FILES "${CMAKE_CURRENT_BINARY_DIR}/veq-readers.pc" DESTINATION "${VEQ_PKGCONFIG_DIR}"
+          COMPONENT development)
+endif()
 
 # The texts lie beside each other as in the source tree, so that their links hold.
 install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" "${PROJECT_SOURCE_DIR}/README.md"

@@ -1,8 +1,8 @@
-# Installs the headers that veq/veq.hpp reaches, by whatever way. The headers of internal/ folders
+# Installs VEQ_ROOT_HEADERS and the headers that they reach, by whatever way. The headers of internal/ folders
 # that public ones include are among them, and helpers that only the sources use are not.
 cmake_policy(VERSION 3.25)
 
-set(waiting "veq/veq.hpp")
+set(waiting ${VEQ_ROOT_HEADERS})
 set(reached "")
 while(waiting)
   list(POP_FRONT waiting header)

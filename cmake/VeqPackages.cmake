@@ -7,6 +7,9 @@ set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 set(CPACK_COMPONENTS_ALL runtime development tools)
+if(TARGET veq_readers)
+  list(APPEND CPACK_COMPONENTS_ALL readers)
+endif()
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -14,7 +17,7 @@ set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
-# The program's own library is in no installed package yet; the component says that it needs it.
+# The libraries of this project are in no installed package yet; the components say that they need them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}")
 
 # Each description begins with its own summary.
@@ -35,9 +38,16 @@ endfunction()
 veq_package(RUNTIME libveq${VEQ_ABI_VERSION} libs "shared library" "the shared library")
 veq_package(DEVELOPMENT libveq-dev libdevel "development files"
             "the headers, the files by which CMake and pkg-config find them, the guide and examples")
+veq_package(READERS libveq-readers${VEQ_ABI_VERSION} libs "readers of GraphML and compressed files"
+            "the shared library that reads GraphML and files compressed by gzip and zstd")
 veq_package(TOOLS veq-tools science "command-line program" "the program veq and two small networks to try it on")
-set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS runtime)
-set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
+set(libraries runtime)
+if(TARGET veq_readers)
+  set(CPACK_COMPONENT_READERS_DEPENDS runtime)
+  list(APPEND libraries readers)
+endif()
+set(CPACK_COMPONENT_DEVELOPMENT_DEPENDS ${libraries})
+set(CPACK_COMPONENT_TOOLS_DEPENDS ${libraries})
 
 # The program's examples are about the data, and so are the guide's.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS veq-tools)
@@ -45,7 +55,7 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS veq-tools)
 # Each package has its licence where Debian looks for it.
 set(CPACK_PRE_BUILD_SCRIPTS "${CMAKE_CURRENT_LIST_DIR}/VeqDebianCopyright.cmake")
 set(CPACK_VEQ_SOURCE_DIR "${PROJECT_SOURCE_DIR}")
-foreach(component RUNTIME DEVELOPMENT TOOLS)
+foreach(component RUNTIME DEVELOPMENT READERS TOOLS)
   set(CPACK_VEQ_${component}_PACKAGE "${CPACK_DEBIAN_${component}_PACKAGE_NAME}")
 endforeach()
 
