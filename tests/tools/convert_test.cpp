@@ -35,6 +35,11 @@ Conversion convert(const TemporaryDirectory& directory, const std::string& from,
   return {run.exitCode, notes, contentsOf(directory.path(to))};
 }
 
+/// How the reason ends where GraphML and archives would do.
+const std::string kKept = "; .graphml and .veqa keep everything";
+const std::string kLoses =
+    ": not written, because of what it loses" + kKept + "; --lossy writes it all the same\n";
+
 void expectRefused(const Conversion& conversion, const TemporaryDirectory& directory,
                    const std::string& output, const std::string& notes) {
   EXPECT_EQ(conversion.exitCode, 1);
@@ -70,34 +75,33 @@ TEST(ConvertCommand, AnArchiveWithBothKindsOfWeightsKeepsEverything) {
   EXPECT_EQ(conversion.result, text);
 }
 
-TEST(ConvertCommand, AnArchiveCrossesWeightsAndLosesTheLastVertices) {
+TEST(ConvertCommand, AnArchiveKeepsWeightsOfEitherKindAndTheLastVertices) {
   const TemporaryDirectory directory;
-  directory.write("n.xnet", "#vertices 4 weighted\n2\n3\n4\n5\n#edges\n0 1\n");
-  const Conversion conversion = convert(directory, "n.xnet", "n.veqa");
-  EXPECT_EQ(conversion.exitCode, 0);
-  EXPECT_EQ(conversion.notes,
-            "veq: n.veqa: the last 2 vertices are lost, as they have no edges\n"
-            "veq: n.veqa: the weights of vertices are lost\n"
-            "veq: n.veqa: edges come back with weights\n");
-}
-
-TEST(ConvertCommand, AnArchiveThatCouldNotBeReadBackIsNotWritten) {
-  const TemporaryDirectory directory;
-  // Both kinds of weights survive, but those of the vertices are one too many for what is left.
-  directory.write("n.xnet", "#vertices 3 weighted\n2\n3\n4\n#edges weighted\n0 1 5\n");
-  expectRefused(convert(directory, "n.xnet", "n.veqa"), directory, "n.veqa",
-                "veq: n.veqa: not written, because it could not be read back: an archive loses the "
-                "vertices after the last one with an edge, and takes weights of edges for weights "
-                "of vertices\n");
+  for (const std::string text :
+       {"#vertices 4 weighted\n2.000000\n3.000000\n4.000000\n5.000000\n#edges nonweighted "
+        "undirected\n0 1\n",
+        "#vertices 4 nonweighted\n#edges weighted directed\n0 1 0.500000\n"}) {
+    directory.write("n.xnet", text);
+    const Conversion there = convert(directory, "n.xnet", "n.veqa");
+    EXPECT_EQ(there.exitCode, 0);
+    EXPECT_EQ(there.notes, "");
+    const Conversion back = convert(directory, "n.veqa", "back.xnet");
+    EXPECT_EQ(back.exitCode, 0);
+    EXPECT_EQ(back.notes, "");
+    EXPECT_EQ(back.result, text);
+  }
 }
 
 TEST(ConvertCommand, EdgeColumnsComeBackFromXnetAsVertexColumns) {
   const TemporaryDirectory directory;
   directory.write("n.xnet", "#vertices 2\n#edges\n0 1\n#e \"since\" n\n1999\n");
-  const Conversion conversion = convert(directory, "n.xnet", "m.xnet");
+  const std::string notes =
+      "veq: m.xnet: the edge property \"since\" comes back as a vertex property\n";
+  expectRefused(convert(directory, "n.xnet", "m.xnet"), directory, "m.xnet",
+                notes + "veq: m.xnet" + kLoses);
+  const Conversion conversion = convert(directory, "n.xnet", "m.xnet", {"--lossy"});
   EXPECT_EQ(conversion.exitCode, 0);
-  EXPECT_EQ(conversion.notes,
-            "veq: m.xnet: the edge property \"since\" comes back as a vertex property\n");
+  EXPECT_EQ(conversion.notes, notes);
   EXPECT_EQ(conversion.result,
             "#vertices 2 nonweighted\n#edges nonweighted undirected\n0 1\n#v \"since\" n\n1999\n");
 }
@@ -107,7 +111,7 @@ TEST(ConvertCommand, PajekLosesWeightsOfVerticesAndOtherProperties) {
   directory.write("n.xnet",
                   "#vertices 2 weighted\n\"a\" 2\n\"b\" 3\n#edges weighted\n0 1 1\n"
                   "#v \"age\" n\n7\n8\n#e \"since\" n\n1999\n");
-  const Conversion conversion = convert(directory, "n.xnet", "n.net");
+  const Conversion conversion = convert(directory, "n.xnet", "n.net", {"--lossy"});
   EXPECT_EQ(conversion.exitCode, 0);
   EXPECT_EQ(conversion.notes,
             "veq: n.net: the weights of vertices are lost\n"
@@ -123,8 +127,9 @@ TEST(ConvertCommand, PajekCannotHoldNamesOutsideLatin1AndLeavesTheOldFile) {
   directory.write("n.net", "old");
   const Conversion conversion = convert(directory, "n.xnet", "n.net");
   EXPECT_EQ(conversion.exitCode, 1);
-  EXPECT_EQ(conversion.notes,
-            "veq: n.net: not written, because Pajek cannot hold a name beyond ISO-8859-1\n");
+  EXPECT_EQ(
+      conversion.notes,
+      "veq: n.net: not written, because Pajek cannot hold a name beyond ISO-8859-1" + kKept + "\n");
   EXPECT_EQ(conversion.result, "old");
 }
 
@@ -132,7 +137,7 @@ TEST(ConvertCommand, PajekNamesThatLookLikeUtf8AreNotLostInSilence) {
   const TemporaryDirectory directory;
   // In ISO-8859-1 the two letters are the bytes C3 A9, which is how UTF-8 writes another one.
   directory.write("n.xnet", "#vertices 2\n\"\xc3\x83\xc2\xa9\"\n\"b\"\n#edges\n0 1\n");
-  Conversion conversion = convert(directory, "n.xnet", "n.net");
+  Conversion conversion = convert(directory, "n.xnet", "n.net", {"--lossy"});
   EXPECT_EQ(conversion.exitCode, 0);
   EXPECT_EQ(conversion.notes,
             "veq: n.net: the vertex property \"Name\" changes in 1 of 2 values\n");
@@ -144,9 +149,62 @@ TEST(ConvertCommand, PajekNamesThatLookLikeUtf8AreNotLostInSilence) {
 TEST(ConvertCommand, AnEmptyNameFitsPajekButNotXnet) {
   const TemporaryDirectory directory;
   directory.write("n.net", "*Vertices 2\n1 \"a\"\n2 \"\"\n*Edges\n1 2\n");
-  expectRefused(convert(directory, "n.net", "n.xnet"), directory, "n.xnet",
-                "veq: n.xnet: not written, because it could not be read back: it has an empty name "
-                "or property key\n");
+  expectRefused(
+      convert(directory, "n.net", "n.xnet"), directory, "n.xnet",
+      "veq: n.xnet: not written, because 1 vertex has no name, which xnet cannot hold where "
+      "others have one" +
+          kKept + "; --number-names gives names to vertices that have none\n");
+  for (const std::string option : {"--number-names", "--lossy"}) {
+    const Conversion named = convert(directory, "n.net", "n.xnet", {option});
+    EXPECT_EQ(named.exitCode, 0);
+    EXPECT_EQ(named.notes, "veq: n.xnet: 1 vertex without a name is called by its number\n");
+    EXPECT_EQ(named.result,
+              "#vertices 2 nonweighted\n\"a\"\n\"1\"\n#edges nonweighted undirected\n0 1\n");
+  }
+}
+
+TEST(ConvertCommand, IdsOfAListBecomeNamesWhereTheFormatHasNothingElse) {
+  const TemporaryDirectory directory;
+  directory.write("n.el", "10 20\n20 30\n");
+  expectRefused(
+      convert(directory, "n.el", "n.net"), directory, "n.net",
+      "veq: n.net: the vertex property \"Id\" is lost\n"
+      "veq: n.net: not written, because of what it loses" +
+          kKept +
+          "; --number-names gives names to vertices that have none; --lossy writes it all "
+          "the same\n");
+  const Conversion named = convert(directory, "n.el", "n.net", {"--number-names"});
+  EXPECT_EQ(named.exitCode, 0);
+  EXPECT_EQ(named.notes,
+            "veq: n.net: 3 vertices without a name are called by their numbers\n"
+            "veq: n.net: the vertex property \"Id\" comes back as names\n");
+  EXPECT_EQ(named.result,
+            "*Vertices 3\r\n1 \"10\"\r\n2 \"20\"\r\n3 \"30\"\r\n*Edges\r\n1 2 1.0\r\n2 3 1.0\r\n");
+}
+
+TEST(ConvertCommand, ATableOfVerticesKeepsWhatTheEdgesDoNot) {
+  const TemporaryDirectory directory;
+  directory.write("n.xnet",
+                  "#vertices 3 weighted\n\"a\" 1\n\"b\" 2\n\"c\" 3\n#edges directed\n0 1\n"
+                  "#v \"age\" n\n7\n8\n9\n");
+  expectRefused(convert(directory, "n.xnet", "n.csv"), directory, "n.csv",
+                "veq: n.csv: 1 vertex without edges is lost\n"
+                "veq: n.csv: the weights of vertices are lost\n"
+                "veq: n.csv: the vertex property \"age\" is lost\n"
+                "veq: n.csv" +
+                    kLoses);
+  const Conversion both =
+      convert(directory, "n.xnet", "n.csv", {"--vertices", directory.path("v.csv")});
+  EXPECT_EQ(both.exitCode, 0);
+  EXPECT_EQ(both.notes, "");
+  EXPECT_EQ(both.result, "Source,Target,Type\na,b,Directed\n");
+  EXPECT_EQ(contentsOf(directory.path("v.csv")),
+            "Id,Weight,Label,age\na,1,a,7\nb,2,b,8\nc,3,c,9\n");
+  const ProgramRun wrong = runVeq({"convert", directory.path("n.xnet"), directory.path("n.gml"),
+                                   "--vertices", directory.path("v.csv")});
+  EXPECT_EQ(wrong.exitCode, 2);
+  EXPECT_EQ(wrong.errors, "veq: --vertices is for tables, and " + directory.path("n.gml") +
+                              " is none (see veq convert --help)\n");
 }
 
 TEST(ConvertCommand, TextsThatTheFormatSpellsOtherwiseAreNotLostInSilence) {
@@ -155,7 +213,7 @@ TEST(ConvertCommand, TextsThatTheFormatSpellsOtherwiseAreNotLostInSilence) {
   // The first name holds a quote, which survives; the second one a line feed inside "<quote>".
   EXPECT_EQ(convert(directory, "n.net", "n.xnet").notes, "");
   directory.write("w.edges", "a\xe2\x80\xa8z b\n");  // a line separator inside a name
-  const Conversion conversion = convert(directory, "w.edges", "w.xnet");
+  const Conversion conversion = convert(directory, "w.edges", "w.xnet", {"--lossy"});
   EXPECT_EQ(conversion.exitCode, 0);
   EXPECT_EQ(conversion.notes,
             "veq: w.xnet: the vertex property \"Name\" changes in 1 of 2 values\n");
@@ -166,16 +224,16 @@ TEST(ConvertCommand, EdgeListsHoldIndicesAndWeightsAlone) {
   directory.write("n.xnet",
                   "#vertices 5 weighted\n\"a\" 1\n\"b\" 1\n\"c\" 1\n\"d\" 1\n\"e\" 2\n"
                   "#edges weighted directed\n2 1 0.5\n1 3 1e-7\n#e \"since\" n\n1\n2\n");
-  const Conversion conversion = convert(directory, "n.xnet", "n.edges");
+  const Conversion conversion = convert(directory, "n.xnet", "n.edges", {"--lossy"});
   EXPECT_EQ(conversion.exitCode, 0);
   EXPECT_EQ(conversion.notes,
+            "veq: n.edges: the direction of edges is lost without --directed\n"
+            "veq: n.edges: the weights of edges change for 1 of 2\n"
+            "veq: n.edges: the edge property \"since\" is lost\n"
             "veq: n.edges: 2 vertices without edges are lost\n"
             "veq: n.edges: vertices come back with other indices\n"
-            "veq: n.edges: the direction of edges is lost without --directed\n"
             "veq: n.edges: the weights of vertices are lost\n"
-            "veq: n.edges: the weights of edges change for 1 of 2\n"
-            "veq: n.edges: the vertex property \"Name\" is lost\n"
-            "veq: n.edges: the edge property \"since\" is lost\n");
+            "veq: n.edges: the vertex property \"Name\" is lost\n");
   EXPECT_EQ(conversion.result, "2 1 0.500000\r\n1 3 0.000000\r\n");
 }
 
@@ -183,7 +241,8 @@ TEST(ConvertCommand, AnEdgeListWithoutEdgesIsNotWritten) {
   const TemporaryDirectory directory;
   directory.write("n.xnet", "#vertices 3\n");
   expectRefused(convert(directory, "n.xnet", "n.txt"), directory, "n.txt",
-                "veq: n.txt: not written, because a list without edges could not be read back\n");
+                "veq: n.txt: not written, because a list without edges could not be read back" +
+                    kKept + "\n");
 }
 
 TEST(ConvertCommand, DirectionIsOnlyForEdgeLists) {
@@ -268,12 +327,15 @@ TEST(ConvertCommand, WritesFormatsForOtherPrograms) {
   const TemporaryDirectory directory;
   directory.write("n.xnet",
                   "#vertices 3\n\"a\"\n\"b\"\n\"c\"\n#edges weighted directed\n0 1 0.5\n");
-  const Conversion csv = convert(directory, "n.xnet", "n.csv");
+  const Conversion csv = convert(directory, "n.xnet", "n.csv", {"--lossy"});
   EXPECT_EQ(csv.exitCode, 0);
   EXPECT_EQ(csv.notes, "veq: n.csv: 1 vertex without edges is lost\n");
-  for (const std::string name : {"n.gml", "n.mtx", "n.graphml"}) {
+  for (const std::string name : {"n.gml", "n.graphml"}) {
     EXPECT_EQ(convert(directory, "n.xnet", name).exitCode, 0) << name;
   }
+  const Conversion matrix = convert(directory, "n.xnet", "n.mtx");
+  EXPECT_EQ(matrix.exitCode, 1);
+  EXPECT_EQ(matrix.notes, "veq: n.mtx: the vertex property \"Name\" is lost\nveq: n.mtx" + kLoses);
   const Conversion back = convert(directory, "n.gml", "back.xnet");
   EXPECT_EQ(back.exitCode, 0);
   EXPECT_NE(back.result.find("\n#edges weighted directed\n0 1 0.500000\n"), std::string::npos)

@@ -12,6 +12,7 @@ namespace veq::test {
 namespace {
 
 const std::vector<std::vector<std::string>> kCommands = {{"info"},
+                                                         {"check"},
                                                          {"walk"},
                                                          {"convert"},
                                                          {"generate"},
@@ -54,6 +55,7 @@ TEST(Documentation, EveryExampleInEveryHelpWorks) {
   directory.write("small.xnet", "#vertices 2\n#edges\n0 1\n");
   directory.write("network.xnet", "#vertices 3\n#edges\n0 1\n");
   directory.write("citations.txt", "a b\nb c\n");
+  directory.write("numbers.el", "10 20\n20 30\n");
   directory.write("degrees.txt", "3\n3\n2\n2\n2\n");
   for (const auto& command : kCommands) {
     const std::vector<std::string> examples = examplesIn(helpOf(command));
@@ -127,7 +129,7 @@ TEST(Documentation, TheManualPageHasEveryOptionOfEveryCommandAndNoOther) {
   const std::string page =
       std::regex_replace(contentsOf(VEQ_MAN_PAGES "/veq.1"), std::regex("\\\\-"), "-");
   EXPECT_EQ(page.substr(0, 43), ".TH VEQ 1 \"\" \"veq 0.9.0\" \"User Commands\"\n.S");
-  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
     const std::size_t begin = page.find("\n.SS veq " + command + " ");
     ASSERT_NE(begin, std::string::npos) << command;
     const std::string section = page.substr(begin, page.find("\n.S", begin + 1) - begin);
@@ -152,7 +154,7 @@ TEST(Documentation, ManualPagesAreWellFormedAndSayTheVersion) {
 
 TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
   if (!has("bash")) GTEST_SKIP() << "this system has no bash";
-  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
     EXPECT_EQ(bashCompletions(command + " x"), optionsOf(command)) << command;
   }
   EXPECT_EQ(bashCompletions(""), (std::set<std::string>{"--help", "--version"}));
@@ -160,11 +162,12 @@ TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
 
 TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
   if (!has("fish")) GTEST_SKIP() << "this system has no fish";
-  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
     EXPECT_EQ(fishCompletions(command + " x --"), optionsOf(command)) << command;
   }
   EXPECT_EQ(fishCompletions(""),
-            (std::set<std::string>{"info", "walk", "convert", "generate", "components", "help"}));
+            (std::set<std::string>{"info", "check", "walk", "convert", "generate", "components",
+                                   "help"}));
   EXPECT_EQ(
       fishCompletions("generate "),
       (std::set<std::string>{"barabasi", "random", "gnp", "gnm", "barabasi-albert", "configuration",
@@ -174,7 +177,7 @@ TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
 
 TEST(Documentation, ZshCompletesEveryOptionAndNoOther) {
   if (!has("zsh")) GTEST_SKIP() << "this system has no zsh";
-  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
     EXPECT_EQ(zshOptions(command), optionsOf(command)) << command;
   }
 }

@@ -29,7 +29,7 @@ struct CommandRecord {
   std::string what;  // what the commands below this one are called
   std::vector<std::unique_ptr<OptionRecord>> options;
   std::vector<std::unique_ptr<CommandRecord>> commands;
-  std::function<void()> action;
+  std::function<int()> action;
 };
 
 namespace {
@@ -302,7 +302,14 @@ Command Command::addCommand(const std::string& what, const std::string& name,
   return Command(*record_->commands.back());
 }
 
-void Command::onRun(std::function<void()> action) { record_->action = std::move(action); }
+void Command::onRun(const std::function<void()>& action) {
+  onRunWithCode([action] {
+    action();
+    return 0;
+  });
+}
+
+void Command::onRunWithCode(std::function<int()> action) { record_->action = std::move(action); }
 
 CommandLine::CommandLine() : root_(std::make_unique<CommandRecord>()) {
   root_->root = std::make_unique<CLI::App>(
@@ -335,8 +342,7 @@ int CommandLine::run(int argc, char** argv) {
     }
     const CommandRecord& command = chosenFrom(*root_);
     readValues(command);
-    command.action();
-    return 0;
+    return command.action();
   } catch (const WrongUsage& error) {
     return reportWrongUsage(*root_, error.what());
   }

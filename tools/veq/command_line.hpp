@@ -50,8 +50,9 @@ class Command {
   /// in "command".
   Command addCommand(const std::string& what, const std::string& name, const std::string& summary,
                      const std::string& examples);
-  /// What the command does once its arguments are read.
-  void onRun(std::function<void()> action);
+  /// What the command does once its arguments are read. In the second form it gives the exit code.
+  void onRun(const std::function<void()>& action);
+  void onRunWithCode(std::function<int()> action);
 
  private:
   CommandRecord* record_;
@@ -69,7 +70,7 @@ class CommandLine {
                      const std::string& examples);
 
   /// Runs the command that the arguments name, or prints help or what is wrong with them. The
-  /// result is the exit code, 0 or 2; Failure and other exceptions pass through.
+  /// result is the exit code, 2 for wrong arguments; Failure and other exceptions pass through.
   int run(int argc, char** argv);
 
  private:
@@ -79,6 +80,7 @@ class CommandLine {
 /// \name The commands
 /// @{
 void addInfo(CommandLine& commandLine);
+void addCheck(CommandLine& commandLine);
 void addWalk(CommandLine& commandLine);
 void addConvert(CommandLine& commandLine);
 void addGenerate(CommandLine& commandLine);

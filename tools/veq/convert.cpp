@@ -2,8 +2,11 @@
 #include <string>
 
 #include "command_line.hpp"
+#include "failure.hpp"
+#include "format.hpp"
 #include "network_files.hpp"
 #include "outputs.hpp"
+#include "streams.hpp"
 
 namespace veq::tool {
 namespace {
@@ -11,6 +14,7 @@ namespace {
 struct Options {
   Input input;
   Output output;
+  bool lossy = false;
 };
 
 constexpr auto kExamples = R"(  veq convert data/lesmis.xnet lesmis.net
@@ -25,13 +29,29 @@ constexpr auto kExamples = R"(  veq convert data/lesmis.xnet lesmis.net
   veq convert data/karate.xnet - --to list
       To standard output; - is standard input in the place of the first file.
 
-What is odd in the file that is read is said on standard error, as FILE:LINE and
-what was made of it, and so is whatever the result does not keep. Where the
-result could not be read back at all, nothing is written and the exit code is 1.)";
+  veq convert data/lesmis.xnet lesmis.csv --vertices lesmis-vertices.csv
+      Tables for spreadsheets: the edges in one, the vertices in the other.
+  veq convert --number-names numbers.el numbers.net
+      Vertices without a name get one: their id, or else their index.
 
-void convert(const Options& options) {
-  requireDistinct({options.input.file}, {{"OUT", options.output.file}});
+What is odd in the file that is read is said on standard error, as FILE:LINE and
+what was made of it. Where the result would not keep something that the network
+has, nothing is written, the exit code is 1, and the reason says which formats
+keep it; --lossy writes the rest. veq check says beforehand what each format
+would lose.)";
+
+void convert(Options& options) {
+  options.output.mayLose = options.lossy;
+  requireDistinct({options.input.file},
+                  {{"OUT", options.output.file}, {"--vertices", options.output.vertexTable}});
   requireWritable(options.output);
+  if (!options.output.vertexTable.empty()) {
+    if (formatToWrite(options.output.file, options.output.to) != FileFormat::kCsv) {
+      throw WrongUsage("--vertices is for tables, and " + outputName(options.output.file) +
+                       " is none");
+    }
+    requireWritable(options.output.vertexTable);
+  }
   saveNetwork(loadNetwork(options.input).network, options.output);
 }
 
@@ -44,6 +64,11 @@ void addConvert(CommandLine& commandLine) {
   addInput(command, "IN", options->input);
   command.addPositional("OUT", options->output.file, "The file to write; - for standard output");
   addOutputFormat(command, options->output);
+  command.addFlag("--lossy", options->lossy, "Write OUT also where it loses something");
+  command.addFlag("--number-names", options->output.numberNames,
+                  "Call vertices that have no name by their id or index");
+  command.addText("--vertices", "FILE", "a file", options->output.vertexTable,
+                  "Write the vertices beside the edges of a CSV file");
   command.onRun([options] { convert(*options); });
 }
 

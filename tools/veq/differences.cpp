@@ -29,6 +29,7 @@ bool sameValue(const PropertyValue& before, const PropertyValue& after) {
 
 /// The same for readers, but not of the same kind: 5 and "5", (1, 2) and (1, 2, 0).
 bool sameInAnotherForm(const PropertyValue& before, const PropertyValue& after) {
+  if (before.string() && after.number()) return *before.string() == after.text();
   if (before.number() && after.string()) return before.text() == *after.string();
   if (before.vector2d() && after.vector3d()) {
     return sameDouble(before.vector2d()->x(), after.vector3d()->x()) &&
@@ -53,36 +54,34 @@ std::string named(const Properties& properties, const std::string& key) {
   return "the " + properties.whose + " property \"" + key + "\"";
 }
 
-std::string columnDifference(const Properties& properties, const std::string& key,
-                             const PropertyColumn& before, const PropertyColumn& after) {
+Difference columnDifference(const Properties& properties, const std::string& key,
+                            const PropertyColumn& before, const PropertyColumn& after) {
   const std::uint64_t count = std::max(properties.count, before.count());
   std::uint64_t changed = 0;
-  bool otherForm = false;
+  std::string otherForm;
   for (std::uint64_t i = 0; i < count; ++i) {
     const PropertyValue was = valueAt(before, i);
     const PropertyValue is = valueAt(after, i);
     if (sameValue(was, is)) continue;
     if (sameInAnotherForm(was, is)) {
-      otherForm = true;
+      otherForm = is.number() ? "numbers" : is.string() ? "text" : "3D vectors";
     } else {
       ++changed;
     }
   }
   if (changed > 0) {
-    return named(properties, key) + " changes in " + std::to_string(changed) + " of " +
-           counted(count, "value", "values");
+    return {named(properties, key) + " changes in " + std::to_string(changed) + " of " +
+            counted(count, "value", "values")};
   }
-  if (!otherForm) return {};
-  return named(properties, key) + " comes back as " +
-         (after.kind() == PropertyColumn::Kind::kVector3d ? "3D vectors" : "text");
+  if (otherForm.empty()) return {};
+  return {named(properties, key) + " comes back as " + otherForm, false};
 }
 
-void appendColumnDifferences(std::vector<std::string>& notes, const Properties& properties) {
+void appendColumnDifferences(std::vector<Difference>& notes, const Properties& properties) {
   for (const auto& [key, column] : properties.before) {
     const auto* const after = properties.after.find(key);
     if (!after) continue;
-    const std::string difference = columnDifference(properties, key, *column, **after);
-    if (!difference.empty()) notes.push_back(difference);
+    notes.push_back(columnDifference(properties, key, *column, **after));
   }
 }
 
@@ -99,26 +98,40 @@ bool contains(const std::vector<std::string>& keys, const std::string& key) {
   return std::find(keys.begin(), keys.end(), key) != keys.end();
 }
 
-void appendPropertyDifferences(std::vector<std::string>& notes, const Properties& vertices,
+/// Whether the integers of a list are what the vertices are called now.
+bool areNames(const std::string& key, const PropertyColumn& column, const PropertyTable& after) {
+  const auto* const names = after.find("Name");
+  if (key != "Id" || !names || (*names)->count() < column.count()) return false;
+  for (std::uint64_t i = 0; i < column.count(); ++i) {
+    if (column.objectAtIndex(i).text() != (*names)->objectAtIndex(i).text()) return false;
+  }
+  return true;
+}
+
+void appendPropertyDifferences(std::vector<Difference>& notes, const Properties& vertices,
                                const Properties& edges) {
   const std::vector<std::string> gained = missingKeys(vertices.after, vertices.before);
   const std::vector<std::string> lostByEdges = missingKeys(edges.before, edges.after);
   for (const std::string& key : missingKeys(vertices.before, vertices.after)) {
-    notes.push_back(named(vertices, key) + " is lost");
+    if (areNames(key, **vertices.before.find(key), vertices.after)) {
+      notes.push_back({named(vertices, key) + " comes back as names", false});
+    } else {
+      notes.push_back({named(vertices, key) + " is lost"});
+    }
   }
   appendColumnDifferences(notes, vertices);
   for (const std::string& key : lostByEdges) {
-    notes.push_back(named(edges, key) +
-                    (contains(gained, key) ? " comes back as a vertex property" : " is lost"));
+    notes.push_back({named(edges, key) +
+                     (contains(gained, key) ? " comes back as a vertex property" : " is lost")});
   }
   appendColumnDifferences(notes, edges);
   for (const std::string& key : gained) {
-    if (!contains(lostByEdges, key)) notes.push_back(named(vertices, key) + " is added");
+    if (!contains(lostByEdges, key)) notes.push_back({named(vertices, key) + " is added", false});
   }
 }
 
-std::string weightsDifference(const std::string& whose, const VEQNumberArray& before,
-                              const VEQNumberArray& after, bool wereWeighted, bool areWeighted) {
+Difference weightsDifference(const std::string& whose, const VEQNumberArray& before,
+                             const VEQNumberArray& after, bool wereWeighted, bool areWeighted) {
   const auto was = before.values<float>();
   const auto is = after.values<float>();
   std::uint64_t changed = 0;
@@ -126,37 +139,38 @@ std::string weightsDifference(const std::string& whose, const VEQNumberArray& be
     changed += !sameDouble(static_cast<double>(was[i]), static_cast<double>(is[i]));
   }
   if (wereWeighted && !areWeighted) {
-    return changed > 0 ? "the weights of " + whose + " are lost"
-                       : whose + " come back without weights, since all are 1";
+    if (changed > 0) return {"the weights of " + whose + " are lost"};
+    return {whose + " come back without weights, since all are 1", false};
   }
-  if (!wereWeighted && areWeighted) return whose + " come back with weights";
+  if (!wereWeighted && areWeighted) return {whose + " come back with weights", false};
   if (changed == 0) return {};
-  return "the weights of " + whose + " change for " + std::to_string(changed) + " of " +
-         std::to_string(was.size());
+  return {"the weights of " + whose + " change for " + std::to_string(changed) + " of " +
+          std::to_string(was.size())};
 }
 
-std::string countDifference(std::uint64_t before, std::uint64_t after) {
+Difference countDifference(std::uint64_t before, std::uint64_t after) {
   if (after < before) {
     const std::uint64_t lost = before - after;
-    return lost == 1
-               ? "the last vertex is lost, as it has no edge"
-               : "the last " + std::to_string(lost) + " vertices are lost, as they have no edges";
+    return {lost == 1
+                ? "the last vertex is lost, as it has no edge"
+                : "the last " + std::to_string(lost) + " vertices are lost, as they have no edges"};
   }
-  if (after > before) return counted(after - before, "vertex is", "vertices are") + " added";
+  if (after > before) return {counted(after - before, "vertex is", "vertices are") + " added"};
   return {};
 }
 
 }  // namespace
 
-std::string edgeWeightsDifference(const VEQNetwork& before, const VEQNetwork& after) {
+Difference edgeWeightsDifference(const VEQNetwork& before, const VEQNetwork& after) {
   return weightsDifference("edges", *before.edgesWeightValues(), *after.edgesWeightValues(),
                            before.isEdgeWeighted(), after.isEdgeWeighted());
 }
 
-std::vector<std::string> differencesBetween(const VEQNetwork& before, const VEQNetwork& after) {
-  std::vector<std::string> notes{
+std::vector<Difference> differencesBetween(const VEQNetwork& before, const VEQNetwork& after) {
+  std::vector<Difference> notes{
       countDifference(before.countVertices(), after.countVertices()),
-      before.isDirected() == after.isDirected() ? "" : "the direction of edges changes",
+      before.isDirected() == after.isDirected() ? Difference()
+                                                : Difference{"the direction of edges changes"},
       weightsDifference("vertices", *before.verticesWeightValues(), *after.verticesWeightValues(),
                         before.isVertexWeighted(), after.isVertexWeighted()),
       edgeWeightsDifference(before, after)};
@@ -167,7 +181,8 @@ std::vector<std::string> differencesBetween(const VEQNetwork& before, const VEQN
   appendPropertyDifferences(notes,
                             {"vertex", before.countVertices(), *ofVertices, *ofVerticesAfter},
                             {"edge", before.countEdges(), *ofEdges, *ofEdgesAfter});
-  notes.erase(std::remove(notes.begin(), notes.end(), std::string()), notes.end());
+  const auto isNone = [](const Difference& difference) { return difference.text.empty(); };
+  notes.erase(std::remove_if(notes.begin(), notes.end(), isNone), notes.end());
   return notes;
 }
 

@@ -1,26 +1,32 @@
 #include "losses.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <new>
+#include <unordered_set>
+#include <utility>
 
-#include "differences.hpp"
+#include "format.hpp"
 #include "reader.hpp"
+#include "suggestions.hpp"
 #include "text.hpp"
+#include "vertex_names.hpp"
 
 namespace veq::tool {
 namespace {
 
 /// Why a file of the format could not be read back.
-std::string totalLoss(FileFormat format) {
+std::string totalLoss(const VEQNetwork& network, FileFormat format) {
   switch (format) {
     case FileFormat::kXnet:
-      return "it could not be read back: it has an empty name or property key";
+      if (const std::uint64_t nameless = countNameless(network); nameless > 0) {
+        return counted(nameless, "vertex has no name", "vertices have no name") +
+               ", which xnet cannot hold where others have one";
+      }
+      return "it could not be read back: it has an empty property key";
     case FileFormat::kList:
     case FileFormat::kCsv:
       return "a list without edges could not be read back";
-    case FileFormat::kArchive:
-      return "it could not be read back: an archive loses the vertices after the last one with an "
-             "edge, and takes weights of edges for weights of vertices";
     default:
       return "it could not be read back";
   }
@@ -40,51 +46,108 @@ bool haveSameIndices(const VEQNetwork& back) {
   return true;
 }
 
-void appendLostKeys(std::vector<std::string>& notes, const std::string& whose,
+void appendLostKeys(std::vector<Difference>& notes, const std::string& whose,
                     const PropertyTable& before, const PropertyTable& after) {
   for (const auto& entry : before) {
-    // "Id" is what a list calls its own numbers.
-    if (after.contains(entry.first) && entry.first != "Id") continue;
-    notes.push_back("the " + whose + " property \"" + entry.first + "\" is lost");
+    if (after.contains(entry.first)) continue;
+    notes.push_back({"the " + whose + " property \"" + entry.first + "\" is lost"});
   }
+}
+
+/// How many of the integers that vertices are called by are not among those of the list.
+std::uint64_t countLostIds(const PropertyTable& before, const PropertyTable& after) {
+  const auto textsIn = [](const PropertyTable& table) {
+    std::unordered_set<std::string> texts;
+    const auto* const ids = table.find("Id");
+    for (std::uint64_t i = 0; ids && i < (*ids)->count(); ++i) {
+      texts.insert((*ids)->objectAtIndex(i).text());
+    }
+    return texts;
+  };
+  const auto are = textsIn(after);
+  std::uint64_t lost = 0;
+  for (const std::string& id : textsIn(before)) lost += are.count(id) == 0;
+  return lost;
 }
 
 /// A list has its vertices in an order of its own, so that comparing one by one would say nothing.
-std::vector<std::string> listNotes(const VEQNetwork& network, const VEQNetwork& back) {
-  std::vector<std::string> notes;
-  if (const std::uint64_t lost = network.countVertices() - back.countVertices(); lost > 0) {
-    notes.push_back(
-        counted(lost, "vertex without edges is lost", "vertices without edges are lost"));
-  }
-  if (!haveSameIndices(back)) {
-    notes.push_back("vertices come back with other indices");
-  }
+std::vector<Difference> listDifferences(const VEQNetwork& network, const VEQNetwork& back,
+                                        bool withVertexTable) {
+  std::vector<Difference> all;
+  const auto vertices = network.propertiesOfVertices();
+  const auto verticesBack = back.propertiesOfVertices();
   if (network.isDirected() && !back.isDirected()) {
-    notes.push_back("the direction of edges is lost without --directed");
+    all.push_back({"the direction of edges is lost without --directed", false});
   }
-  if (network.isVertexWeighted()) notes.push_back("the weights of vertices are lost");
-  if (const std::string weights = edgeWeightsDifference(network, back); !weights.empty()) {
-    notes.push_back(weights);
+  const Difference weights = edgeWeightsDifference(network, back);
+  if (!weights.text.empty()) all.push_back(weights);
+  appendLostKeys(all, "edge", *network.propertiesOfEdges(), *back.propertiesOfEdges());
+  if (withVertexTable) return all;
+  if (const std::uint64_t lost = network.countVertices() - back.countVertices(); lost > 0) {
+    all.push_back(
+        {counted(lost, "vertex without edges is lost", "vertices without edges are lost")});
   }
-  appendLostKeys(notes, "vertex", *network.propertiesOfVertices(), *back.propertiesOfVertices());
-  appendLostKeys(notes, "edge", *network.propertiesOfEdges(), *back.propertiesOfEdges());
-  return notes;
+  if (!vertices->contains("Id") && !haveSameIndices(back)) {
+    all.push_back({"vertices come back with other indices", false});
+  }
+  if (network.isVertexWeighted()) all.push_back({"the weights of vertices are lost"});
+  appendLostKeys(all, "vertex", *vertices, *verticesBack);
+  if (verticesBack->contains("Id") && countLostIds(*vertices, *verticesBack) > 0) {
+    all.push_back({"the vertex property \"Id\" is lost"});
+  }
+  return all;
 }
 
-}  // namespace
-
-Losses lossesOf(const VEQNetwork& network, FileFormat format, const std::string& bytes) {
+Losses lossesOf(const VEQNetwork& network, FileFormat format, const std::string& bytes,
+                bool withVertexTable) {
   ReadOptions options;
   options.format = format == FileFormat::kCsv ? FileFormat::kList : format;
+  // What the network has is no reason to refuse it.
+  options.mostVertices = std::max(network.countVertices(), std::uint64_t{1'000'000});
   const Reading reading = reader::readNetworkText(bytes, options);
   if (!reading) {
     const ErrorKind kind = reading.error().kind();
     if (kind == ErrorKind::kMemory) throw std::bad_alloc();
-    // Where there is no reader, nobody can tell.
-    return {{}, kind == ErrorKind::kUnsupported ? "" : totalLoss(format)};
+    if (kind == ErrorKind::kUnsupported) return {{}, {}, true};
+    return {{}, totalLoss(network, format)};
   }
   const VEQNetwork& back = *reading.value().published();
-  return {isList(format) ? listNotes(network, back) : differencesBetween(network, back), {}};
+  return {isList(format) ? listDifferences(network, back, withVertexTable)
+                         : differencesBetween(network, back),
+          {}};
+}
+
+}  // namespace
+
+bool Losses::loses() const {
+  return isTotal() || std::any_of(differences.begin(), differences.end(),
+                                  [](const Difference& each) { return each.loses; });
+}
+
+Written writtenAs(const Shared<VEQNetwork>& network, FileFormat format, bool withVertexTable) {
+  Result<std::string> text = networkText(Network(network), format);
+  if (!text) {
+    if (text.error().kind() == ErrorKind::kMemory) throw std::bad_alloc();
+    return {{}, {{}, text.error().text()}};
+  }
+  Losses losses = lossesOf(*network, format, text.value(), withVertexTable);
+  return {std::move(text).value(), std::move(losses)};
+}
+
+std::string wayOut(const Shared<VEQNetwork>& network) {
+  std::vector<std::string> keeping;
+  for (const FileFormat format : {FileFormat::kGraphMl, FileFormat::kArchive}) {
+    const Losses losses = writtenAs(network, format).losses;
+    if (!losses.unknown && !losses.loses()) keeping.emplace_back(suffixOf(format));
+  }
+  std::string text;
+  if (!keeping.empty()) {
+    text = "; " + wordList(keeping) + (keeping.size() == 1 ? " keeps" : " keep") + " everything";
+  }
+  if (countNameless(*network) > 0) {
+    text += "; --number-names gives names to vertices that have none";
+  }
+  return text;
 }
 
 }  // namespace veq::tool

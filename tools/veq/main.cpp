@@ -1,5 +1,6 @@
 /// \file
-/// The veq program. Exit codes: 0, 1 where input or output fails, 2 for wrong usage.
+/// The veq program. Exit codes: 0, 1 where input or output fails, 2 for wrong usage, 3 where check
+/// finds that something in a file is mended or left out.
 #include <exception>
 #include <iostream>
 #include <new>
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
   try {
     veq::tool::CommandLine commandLine;
     veq::tool::addInfo(commandLine);
+    veq::tool::addCheck(commandLine);
     veq::tool::addWalk(commandLine);
     veq::tool::addConvert(commandLine);
     veq::tool::addGenerate(commandLine);

@@ -14,6 +14,7 @@
 #include "streams.hpp"
 #include "suggestions.hpp"
 #include "text.hpp"
+#include "vertex_names.hpp"
 
 namespace veq::tool {
 namespace {
@@ -24,17 +25,6 @@ std::string fileFor(const std::string& name) {
   if (example.empty()) return name;
   note(name, "no such file; reading the example " + example);
   return example;
-}
-
-constexpr std::uint64_t kUsualNotes = 10;
-
-ReadOptions readOptions(const Input& input) {
-  ReadOptions options;
-  if (input.from) options.format = static_cast<FileFormat>(*input.from);
-  if (input.directed) options.directed = true;
-  options.strict = input.strict;
-  options.mostNotes = input.allNotes ? UINT64_MAX : input.quiet ? 0 : kUsualNotes;
-  return options;
 }
 
 /// "FILE:LINE", or the file alone where no line is known.
@@ -65,12 +55,28 @@ Reading readWatched(const std::string& file, const std::string& name, ReadOption
   return std::move(*reading);
 }
 
-/// The bytes of a file of the format.
-std::string bytesOf(const Shared<VEQNetwork>& network, const std::string& name, FileFormat format) {
-  Result<std::string> text = networkText(Network(network), format);
-  if (text) return std::move(text).value();
-  if (text.error().kind() == ErrorKind::kMemory) throw std::bad_alloc();
-  throw Failure(name, "not written, because " + text.error().text());
+/// Names the nameless, and says so.
+void nameAll(const Shared<VEQNetwork>& network, const std::string& name) {
+  const std::uint64_t named = numberNames(*network);
+  if (named == 0) return;
+  note(name, counted(named, "vertex without a name is", "vertices without a name are") +
+                 " called by " + (named == 1 ? "its number" : "their numbers"));
+}
+
+/// The file, or the reason why there must be none.
+Written writtenOrFailure(const Shared<VEQNetwork>& network, const std::string& name,
+                         FileFormat format, const Output& output) {
+  const bool withTable = !output.vertexTable.empty();
+  Written written = writtenAs(network, format, withTable);
+  if (written.losses.isTotal() && output.mayLose && format == FileFormat::kXnet &&
+      countNameless(*network) > 0) {
+    nameAll(network, name);
+    written = writtenAs(network, format, withTable);
+  }
+  if (written.losses.isTotal()) {
+    throw Failure(name, "not written, because " + written.losses.total + wayOut(network));
+  }
+  return written;
 }
 
 }  // namespace
@@ -96,33 +102,55 @@ void addAnswer(Command& command, std::optional<std::size_t>& format) {
                     "How to answer: " + wordList(answerWords(), "or"));
 }
 
-LoadedNetwork loadNetwork(const Input& input) {
+ReadFile readInput(const Input& input, std::uint64_t mostNotes) {
   const std::string file = fileFor(input.file);
   const std::string name = inputName(file);
-  const Reading reading = readWatched(file, name, readOptions(input));
-  if (!input.quiet) printNotes(reading, name);
-  if (!reading) {
-    const Error& error = reading.error();
+  ReadOptions options;
+  if (input.from) options.format = static_cast<FileFormat>(*input.from);
+  if (input.directed) options.directed = true;
+  options.strict = input.strict;
+  options.mostNotes = mostNotes;
+  return {readWatched(file, name, std::move(options)), name};
+}
+
+void requireRead(const Input& input, const ReadFile& file) {
+  if (!file.reading) {
+    const Error& error = file.reading.error();
     if (error.kind() == ErrorKind::kMemory) throw std::bad_alloc();
-    throw Failure(placeIn(name, error.place()), error.text());
+    throw Failure(placeIn(file.name, error.place()), error.text());
   }
-  if (input.directed && reading.format() != FileFormat::kList) {
-    throw WrongUsage("--directed is for edge lists, and " + name + " is none");
+  if (input.directed && file.reading.format() != FileFormat::kList) {
+    throw WrongUsage("--directed is for edge lists, and " + file.name + " is none");
   }
-  return {reading.value().published(), name};
+}
+
+LoadedNetwork loadNetwork(const Input& input) {
+  constexpr std::uint64_t kUsualNotes = 10;
+  const std::uint64_t mostNotes = input.allNotes ? UINT64_MAX : input.quiet ? 0 : kUsualNotes;
+  const ReadFile file = readInput(input, mostNotes);
+  if (!input.quiet) printNotes(file.reading, file.name);
+  requireRead(input, file);
+  return {file.reading.value().published(), file.name};
 }
 
 void saveNetwork(const Shared<VEQNetwork>& network, const Output& output) {
   const std::string name = outputName(output.file);
   const FileFormat format = formatToWrite(output.file, output.to);
-  Losses losses;
+  if (output.numberNames) nameAll(network, name);
+  Written written;
   watch("writing " + printable(name), [&] {
-    const std::string bytes = bytesOf(network, name, format);
-    losses = lossesOf(*network, format, bytes);
-    if (losses.isTotal()) throw Failure(name, "not written, because " + losses.total);
-    writeTo(output.file, bytes);
+    written = writtenOrFailure(network, name, format, output);
+    if (!output.mayLose && written.losses.loses()) return;
+    writeTo(output.file, written.bytes);
+    if (output.vertexTable.empty()) return;
+    const Outcome table = writeVertexTable(Network(network), output.vertexTable);
+    if (!table) throw Failure(output.vertexTable, table.error().text());
   });
-  for (const std::string& text : losses.notes) note(name, text);
+  for (const Difference& difference : written.losses.differences) note(name, difference.text);
+  if (!output.mayLose && written.losses.loses()) {
+    throw Failure(name, "not written, because of what it loses" + wayOut(network) +
+                            "; --lossy writes it all the same");
+  }
 }
 
 void requireWritable(const Output& output) {

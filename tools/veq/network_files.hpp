@@ -2,6 +2,7 @@
 /// Networks in files and standard streams.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,6 +30,12 @@ void addInput(Command& command, const std::string& name, Input& input);
 struct Output {
   std::string file;
   std::optional<std::size_t> to;
+  /// Whether a file that loses something is written, which is then said.
+  bool mayLose = true;
+  /// Whether vertices without a name are called by their numbers.
+  bool numberNames = false;
+  /// Where the vertices of a CSV file go; nowhere where it is empty.
+  std::string vertexTable = {};
 };
 
 /// Adds the option --to.
@@ -36,6 +43,19 @@ void addOutputFormat(Command& command, Output& output);
 
 /// Adds the option --format, whose value is an Answer.
 void addAnswer(Command& command, std::optional<std::size_t>& format);
+
+/// What came of reading a file.
+struct ReadFile {
+  Reading reading;
+  /// The file that was read; "standard input" for that.
+  std::string name;
+};
+
+/// Reads as the options of a command say and keeps so many notes.
+[[nodiscard]] ReadFile readInput(const Input& input, std::uint64_t mostNotes);
+
+/// Throws what is wrong with a file that could not be read, or with options that do not go with it.
+void requireRead(const Input& input, const ReadFile& file);
 
 struct LoadedNetwork {
   Shared<VEQNetwork> network;
@@ -49,7 +69,8 @@ struct LoadedNetwork {
 [[nodiscard]] LoadedNetwork loadNetwork(const Input& input);
 
 /// Writes a network atomically, and says on standard error what the format does not keep. Failure,
-/// and nothing is written, where the file could not be read back or cannot be written.
+/// and nothing is written, where the file could not be read back, cannot be written, or loses what
+/// it may not. Changes the names of the network where it numbers them.
 void saveNetwork(const Shared<VEQNetwork>& network, const Output& output);
 
 /// Failure where the output's format is not known or the file cannot possibly be written, so that

@@ -6,9 +6,11 @@ _veq() {
   COMPREPLY=()
   [[ $command == help ]] && command=
   case $previous in
-    --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | --vertices | \
+    --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | \
       --edges | --degree | --probability | --probabilities | --links | --neighbours | --sizes | --radius | --dimensions | \
       --tries) return ;;
+    --vertices) [[ $command == generate ]] && return
+      mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
     --start | --paths | --coverage | --output | --agents-network | --largest | --degrees | --network)
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
@@ -20,7 +22,7 @@ _veq() {
   if [[ -n $words ]]; then
     :
   elif [[ $COMP_CWORD -eq 1 || ${COMP_WORDS[1]} == help && $COMP_CWORD -eq 2 ]]; then
-    words="info walk convert generate components"
+    words="info check walk convert generate components"
     [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
   elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
     words="barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice
@@ -28,9 +30,10 @@ _veq() {
   elif [[ $current == -* ]]; then
     case $command in
       info) words="$reading --all --raw --matrix --format" ;;
+      check) words="$reading --format" ;;
       walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
                    --errors --agents-network --paths --coverage --output --to --force --format" ;;
-      convert) words="$reading --to" ;;
+      convert) words="$reading --to --lossy --number-names --vertices" ;;
       generate) words="--vertices --edges --degree --degrees --simple --probability --probabilities --links --neighbours
                        --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;
       components) words="$reading --top --largest --split --to --format" ;;

@@ -3,7 +3,7 @@
 _veq() {
   local formats='xnet pajek list matrix-market gml graphml archive' answers='(table csv json)'
   local models='barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
-  local commands='(info walk convert generate components)'
+  local commands='(info check walk convert generate components)'
   local -a reading=("--from[the format to read]:format:($formats)"
                     '--directed[take an edge list for a list of arcs]'
                     '--strict[refuse a file of which something is lost or mended]'
@@ -20,6 +20,8 @@ _veq() {
         '--all[sample nothing and leave nothing out]' \
         '--raw[print the own description of the library, too]' \
         '--matrix[print the adjacency matrix, too]' ;;
+    check)
+      _arguments $help $reading $answering '1: :' '2:network:_files' ;;
     walk)
       _arguments $help $reading $writing $answering $seeding '1: :' '2:network:_files' \
         '--agents[how many agents walk]:number:' \
@@ -37,7 +39,10 @@ _veq() {
         '--output[write the network with its visits]:file:_files' \
         '--force[replace a property Visits]' ;;
     convert)
-      _arguments $help $reading $writing '1: :' '2:network:_files' '3:output:_files' ;;
+      _arguments $help $reading $writing '1: :' '2:network:_files' '3:output:_files' \
+        '--lossy[write also what loses something]' \
+        '--number-names[call vertices without a name by their id or index]' \
+        '--vertices[write the vertices beside the edges of a CSV file]:file:_files' ;;
     generate)
       _arguments $help $writing $seeding '1: :' "2:model:($models)" '3:output:_files' \
         '--vertices[how many vertices]:number:' \
@@ -65,7 +70,7 @@ _veq() {
       _arguments '1: :' "2:command:$commands" "3:model:($models)" ;;
     *)
       _arguments $help '--version[print the version]' \
-        '1:command:(info walk convert generate components help)' ;;
+        '1:command:(info check walk convert generate components help)' ;;
   esac
 }
 # Loaded by its name it is to complete at once; read by somebody it is only to be known.
