@@ -32,20 +32,22 @@ void appendField(std::string& out, std::string_view text) {
   out += '"';
 }
 
-/// What vertices are called in both tables: their names where each has one of its own, and
-/// otherwise their indices.
+/// What vertices are called in both tables: their names where each has one of its own, or else
+/// their ids, and otherwise their indices.
 class VertexIds {
  public:
   explicit VertexIds(const NetworkCore& core) {
-    const Shared<PropertyColumn>* const names = core.properties->vertices.find("Name");
-    if (!names) return;
-    std::unordered_set<std::string> seen;
-    for (std::uint64_t v = 0; v < core.store.vertexCount(); ++v) {
-      const PropertyValue name = valueOrNull(**names, v);
-      if (name.isNull() || name.text().empty() || !seen.insert(name.text()).second) return;
+    for (const std::string_view key : {"Name", "Id"}) {
+      const Shared<PropertyColumn>* const column = core.properties->vertices.find(key);
+      if (!column || !tellsApart(**column, core.store.vertexCount())) continue;
+      names_ = column->get();
+      key_ = key;
+      return;
     }
-    names_ = names->get();
   }
+
+  /// The key of the column that they are from; empty for indices.
+  [[nodiscard]] std::string_view key() const { return key_; }
 
   void append(std::string& out, std::uint64_t vertex) const {
     if (names_) {
@@ -56,7 +58,17 @@ class VertexIds {
   }
 
  private:
+  static bool tellsApart(const PropertyColumn& column, std::uint64_t vertices) {
+    std::unordered_set<std::string> seen;
+    for (std::uint64_t v = 0; v < vertices; ++v) {
+      const PropertyValue name = valueOrNull(column, v);
+      if (name.isNull() || name.text().empty() || !seen.insert(name.text()).second) return false;
+    }
+    return true;
+  }
+
   const PropertyColumn* names_ = nullptr;
+  std::string_view key_;
 };
 
 void appendHeader(std::string& out, const std::vector<TableColumn>& columns) {
@@ -101,8 +113,15 @@ void writeEdgeTable(const NetworkCore& core, TextOutput& out) {
 void writeVertexTable(const NetworkCore& core, TextOutput& out) {
   const VertexIds ids(core);
   std::vector<TableColumn> columns = columnsOf(core.properties->vertices);
+  if (ids.key() == "Id") {
+    columns.erase(std::remove_if(columns.begin(), columns.end(),
+                                 [](const TableColumn& column) { return column.key == "Id"; }),
+                  columns.end());
+  }
   for (TableColumn& column : columns) {
     if (column.key == "Name") column.key = "Label";
+    // The first column has the name already.
+    if (column.key == "Id") column.key = "Id 2";
   }
   out.text += core.verticesWeights ? "Id,Weight" : "Id";
   appendHeader(out.text, columns);

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/character_entities.hpp"
 #include "veq/formats/internal/gml.hpp"
 #include "veq/formats/internal/gml_tokens.hpp"
@@ -21,17 +22,26 @@ enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight };
 /// Columns by their keys, in the order of their first appearance.
 class ColumnSet {
  public:
-  void set(std::string_view key, std::uint64_t row, std::string_view cell) {
+  /// What stands in quotes is text, but for the numbers that GML has no other form for.
+  void set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted) {
     const auto [at, isNew] = places_.try_emplace(std::string(key), columns_.size());
-    if (isNew) columns_.emplace_back(std::string(key));
-    columns_[at->second].set(row, cell);
+    if (isNew) columns_.push_back({TextColumn(std::string(key)), false});
+    Column& column = columns_[at->second];
+    column.cells.set(row, cell);
+    column.isText |= quoted && cell != "nan" && cell != "inf" && cell != "-inf";
   }
   void finish(PropertyTable& table, std::uint64_t rows) const {
-    for (const TextColumn& column : columns_) table.set(column.key(), column.finish(rows));
+    for (const auto& [cells, isText] : columns_) {
+      table.set(cells.key(), isText ? cells.finishAsText(rows) : cells.finish(rows));
+    }
   }
 
  private:
-  std::vector<TextColumn> columns_;
+  struct Column {
+    TextColumn cells;
+    bool isText;
+  };
+  std::vector<Column> columns_;
   std::unordered_map<std::string, std::size_t> places_;
 };
 
@@ -172,7 +182,7 @@ class GmlReader {
         id = integerOf(value);
       } else {
         vertexColumns_.set(sameWord(key.text, "label") ? "Name" : keys_.of('n', key.text), row,
-                           cellOf(value));
+                           cellOf(value), value.kind == Kind::kString);
       }
     });
     if (!id) failAt(place, "a node without an id");
@@ -199,7 +209,7 @@ class GmlReader {
         weight = wholeNumber(value.text);
         length = value.text.size();
       } else {
-        edgeColumns_.set(keys_.of('e', key.text), row, cellOf(value));
+        edgeColumns_.set(keys_.of('e', key.text), row, cellOf(value), value.kind == Kind::kString);
       }
     });
     if (!source || !target) failAt(place, "an edge without a source or a target");
@@ -266,7 +276,26 @@ class GmlReader {
     draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
     vertexColumns_.finish(draft.properties.vertices, draft.vertexCount);
     edgeColumns_.finish(draft.properties.edges, edges_.size());
+    takeVertexWeights(draft);
     return draft;
+  }
+
+  /// Numbers "weight" of all vertices are their weights where floats hold them.
+  static void takeVertexWeights(NetworkDraft& draft) {
+    const Shared<PropertyColumn>* const column = draft.properties.vertices.find("weight");
+    if (!column || (*column)->kind() != PropertyColumn::Kind::kNumber) return;
+    const auto& numbers = static_cast<const VEQNumberArray&>(**column);
+    std::optional<Weights> weights = weightsOf(&numbers);
+    std::string text;
+    for (std::uint64_t i = 0; i < weights->size(); ++i) {
+      const double number = numbers.numberAtIndex(i).as<double>();
+      const float kept = (*weights)[i];
+      text.clear();
+      appendShortest(text, kept);
+      if (static_cast<double>(kept) != number && leadingDouble(text) != number) return;
+    }
+    draft.verticesWeights = std::move(weights);
+    draft.properties.vertices.remove("weight");
   }
 
   MappedKeys keys_;

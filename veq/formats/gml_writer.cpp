@@ -80,6 +80,8 @@ class GmlWriter {
 
   void write() {
     out_.text += comments_ + "graph [\n  directed " + (core_.store.directed() ? "1\n" : "0\n");
+    // Without this word some readers refuse a second edge between two vertices.
+    if (hasParallelEdges()) out_.text += "  multigraph 1\n";
     for (std::uint64_t v = 0; v < core_.store.vertexCount(); ++v) writeVertex(v);
     for (std::uint64_t e = 0; e < core_.store.edgeCount(); ++e) writeEdge(e);
     out_.text += "]\n";
@@ -107,6 +109,18 @@ class GmlWriter {
       columns.push_back({std::move(column), std::move(key)});
     }
     return columns;
+  }
+
+  [[nodiscard]] bool hasParallelEdges() const {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> ends(core_.store.edgeCount());
+    for (std::uint64_t e = 0; e < ends.size(); ++e) {
+      ends[e] = {core_.store.from(e), core_.store.to(e)};
+      if (!core_.store.directed() && ends[e].first > ends[e].second) {
+        std::swap(ends[e].first, ends[e].second);
+      }
+    }
+    std::sort(ends.begin(), ends.end());
+    return std::adjacent_find(ends.begin(), ends.end()) != ends.end();
   }
 
   void writeVertex(std::uint64_t vertex) {

@@ -1,5 +1,6 @@
 #include "veq/formats/internal/character_entities.hpp"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
@@ -13,11 +14,27 @@ namespace {
 constexpr std::array<std::pair<std::string_view, char>, 5> kNamed{
     {{"quot", '"'}, {"amp", '&'}, {"lt", '<'}, {"gt", '>'}, {"apos", '\''}}};
 
+/// The letters and signs of ISO-8859-1 from 160 on, by the names that GML has for them.
+constexpr std::array<std::string_view, 96> kLatin1{
+    "nbsp",   "iexcl",  "cent",   "pound",  "curren", "yen",    "brvbar", "sect",   "uml",
+    "copy",   "ordf",   "laquo",  "not",    "shy",    "reg",    "macr",   "deg",    "plusmn",
+    "sup2",   "sup3",   "acute",  "micro",  "para",   "middot", "cedil",  "sup1",   "ordm",
+    "raquo",  "frac14", "frac12", "frac34", "iquest", "Agrave", "Aacute", "Acirc",  "Atilde",
+    "Auml",   "Aring",  "AElig",  "Ccedil", "Egrave", "Eacute", "Ecirc",  "Euml",   "Igrave",
+    "Iacute", "Icirc",  "Iuml",   "ETH",    "Ntilde", "Ograve", "Oacute", "Ocirc",  "Otilde",
+    "Ouml",   "times",  "Oslash", "Ugrave", "Uacute", "Ucirc",  "Uuml",   "Yacute", "THORN",
+    "szlig",  "agrave", "aacute", "acirc",  "atilde", "auml",   "aring",  "aelig",  "ccedil",
+    "egrave", "eacute", "ecirc",  "euml",   "igrave", "iacute", "icirc",  "iuml",   "eth",
+    "ntilde", "ograve", "oacute", "ocirc",  "otilde", "ouml",   "divide", "oslash", "ugrave",
+    "uacute", "ucirc",  "uuml",   "yacute", "thorn",  "yuml"};
+
 /// The character of what stands between "&" and ";".
 std::optional<char32_t> characterOf(std::string_view name) {
   for (const auto& [word, character] : kNamed) {
     if (word == name) return static_cast<char32_t>(character);
   }
+  const auto letter = std::find(kLatin1.begin(), kLatin1.end(), name);
+  if (letter != kLatin1.end()) return static_cast<char32_t>(160 + (letter - kLatin1.begin()));
   if (name.size() < 2 || name.front() != '#') return std::nullopt;
   const bool isHexadecimal = name[1] == 'x' || name[1] == 'X';
   name.remove_prefix(isHexadecimal ? 2 : 1);

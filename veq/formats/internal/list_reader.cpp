@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -85,6 +86,47 @@ std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListSh
   return edges;
 }
 
+/// A list as it lies there, in which the line of what is wrong is looked for once something is.
+struct ListText {
+  std::string_view text;
+  const ListShape& shape;
+
+  /// The first line for whose ends `isIt` holds.
+  template <class IsIt>
+  [[nodiscard]] Place placeWhere(IsIt isIt) const {
+    LineReader lines(text);
+    FieldSplitter splitter(shape.separator);
+    std::vector<std::string_view> fields;
+    while (lines.next()) {
+      if (lines.number() == shape.headerLine || isListComment(lines.line())) continue;
+      splitter.split(lines.line(), fields);
+      for (const std::size_t column : {shape.source, shape.target}) {
+        if (column < fields.size() && isIt(fields[column], column)) return lines.place();
+      }
+    }
+    return {};
+  }
+
+  [[nodiscard]] Place placeOfId(std::int64_t id) const {
+    return placeWhere([id](std::string_view field, std::size_t) {
+      return LineCursor(field).readInteger() == id;
+    });
+  }
+
+  /// An error at the line whose end is one vertex too many.
+  void requireVertices(std::uint64_t vertices, const ReadContext& context) const {
+    if (vertices <= context.mostVertices()) return;
+    std::unordered_set<std::string_view> seen;
+    // The fields of other lines lie in the text, unless they have quotes inside.
+    context.requireVertices(vertices, placeWhere([&](std::string_view field, std::size_t) {
+                              const bool isInText = field.data() >= text.data() &&
+                                                    field.data() < text.data() + text.size();
+                              if (isInText && !field.empty()) seen.insert(field);
+                              return seen.size() > context.mostVertices();
+                            }));
+  }
+};
+
 void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
   draft.vertexCount = ids.size();
   draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids)));
@@ -92,15 +134,17 @@ void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
 
 /// Ends that are to be indices as they stand.
 void takeAsIndices(NetworkDraft& draft, const RawVector<std::int64_t>& from,
-                   const RawVector<std::int64_t>& to, ReadContext& context) {
+                   const RawVector<std::int64_t>& to, const ListText& list, ReadContext& context) {
   std::int64_t most = -1;
   for (const RawVector<std::int64_t>* ends : {&from, &to}) {
     for (const std::int64_t end : *ends) {
-      if (end < 0) failAt({}, "the id " + std::to_string(end) + " is no index");
+      if (end < 0) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is no index");
       most = std::max(most, end);
     }
   }
-  context.requireVertices(static_cast<std::uint64_t>(most) + 1, {});
+  if (static_cast<std::uint64_t>(most) + 1 > context.mostVertices()) {
+    context.requireVertices(static_cast<std::uint64_t>(most) + 1, list.placeOfId(most));
+  }
   draft.vertexCount = static_cast<std::uint64_t>(most) + 1;
   draft.from = asIndices(from);
   draft.to = asIndices(to);
@@ -108,17 +152,25 @@ void takeAsIndices(NetworkDraft& draft, const RawVector<std::int64_t>& from,
 
 /// Two kinds of vertices, each numbered from 1 on its own.
 void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
-                  RawVector<std::int64_t>& to, const ListShape& shape, ReadContext& context) {
+                  RawVector<std::int64_t>& to, const ListText& list, ReadContext& context) {
+  const ListShape& shape = list.shape;
   std::uint64_t sizes[2] = {shape.firstMode, shape.secondMode};
   const RawVector<std::int64_t>* const sides[2] = {&from, &to};
   for (int side = 0; side < 2; ++side) {
     for (const std::int64_t end : *sides[side]) {
-      if (end < 1) failAt({}, "the id " + std::to_string(end) + " is below 1");
+      if (end < 1) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is below 1");
       sizes[side] = std::max(sizes[side], static_cast<std::uint64_t>(end));
     }
-    context.requireVertices(sizes[side], {});
   }
-  context.requireVertices(sizes[0] + sizes[1], {});
+  // Each is below 2^63, so that their sum is none that has gone round.
+  if (const std::uint64_t all = sizes[0] + sizes[1]; all > context.mostVertices()) {
+    const std::size_t column = sizes[0] > sizes[1] ? shape.source : shape.target;
+    const auto most = static_cast<std::int64_t>(std::max(sizes[0], sizes[1]));
+    const Place place = list.placeWhere([&](std::string_view field, std::size_t at) {
+      return at == column && LineCursor(field).readInteger() == most;
+    });
+    context.requireVertices(all, place);
+  }
   draft.vertexCount = sizes[0] + sizes[1];
   RawVector<std::uint64_t> sources = asIndices(from);
   RawVector<std::uint64_t> targets = asIndices(to);
@@ -131,15 +183,15 @@ void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
 
 /// Ends behind the given number of edges name vertices alone.
 void takeIntegerEnds(NetworkDraft& draft, RawVector<std::int64_t> from, RawVector<std::int64_t> to,
-                     std::uint64_t edges, const ListShape& shape, ReadContext& context) {
-  if (context.options.idsAreIndices || shape.twoModes) {
+                     std::uint64_t edges, const ListText& list, ReadContext& context) {
+  if (context.options.idsAreIndices || list.shape.twoModes) {
     from.resize(edges);
     to.resize(edges);
-    return shape.twoModes ? takeTwoModes(draft, from, to, shape, context)
-                          : takeAsIndices(draft, from, to, context);
+    return list.shape.twoModes ? takeTwoModes(draft, from, to, list, context)
+                               : takeAsIndices(draft, from, to, list, context);
   }
   setIds(draft, numberVertices(from, to));
-  context.requireVertices(draft.vertexCount, {});
+  list.requireVertices(draft.vertexCount, context);
   from.resize(edges);
   to.resize(edges);
   draft.from = asIndices(from);
@@ -154,7 +206,11 @@ bool isDirected(const ListShape& shape, const ReadContext& context) {
 class FieldReader {
  public:
   FieldReader(std::string_view text, ListShape shape, ReadContext& context)
-      : lines_(text), shape_(std::move(shape)), splitter_(shape_.separator), context_(context) {}
+      : text_(text),
+        lines_(text),
+        shape_(std::move(shape)),
+        splitter_(shape_.separator),
+        context_(context) {}
 
   NetworkDraft read() {
     nameColumns();
@@ -268,7 +324,8 @@ class FieldReader {
 
   void takeEnds(NetworkDraft& draft) {
     const std::vector<std::string_view>& names = ends_.names();
-    context_.requireVertices(names.size(), {});
+    const ListText list{text_, shape_};
+    list.requireVertices(names.size(), context_);
     RawVector<std::uint64_t> from = ends_.takeFrom();
     RawVector<std::uint64_t> to = ends_.takeTo();
     std::optional<RawVector<std::int64_t>> ids = integers(names);
@@ -291,7 +348,7 @@ class FieldReader {
       sources.push_back(*LineCursor(name).readInteger());
       targets.push_back(sources.back());
     }
-    takeIntegerEnds(draft, std::move(sources), std::move(targets), edges_, shape_, context_);
+    takeIntegerEnds(draft, std::move(sources), std::move(targets), edges_, list, context_);
   }
 
   /// The names as numbers where each is one, however it is written.
@@ -307,6 +364,7 @@ class FieldReader {
     return numbers;
   }
 
+  std::string_view text_;
   LineReader lines_;
   ListShape shape_;
   FieldSplitter splitter_;
@@ -334,7 +392,8 @@ NetworkDraft readList(std::string_view text, ReadContext& context) {
   draft.directed = isDirected(*shape, context);
   if (edges->weights.size() != 0) edges->weights.finish(draft, context, kRounded);
   const std::uint64_t count = edges->from.size();
-  takeIntegerEnds(draft, std::move(edges->from), std::move(edges->to), count, *shape, context);
+  takeIntegerEnds(draft, std::move(edges->from), std::move(edges->to), count, {text, *shape},
+                  context);
   return draft;
 }
 

@@ -77,11 +77,11 @@ void PajekEdges::doubleUndirected() {
   *this = std::move(doubled);
 }
 
-void PajekEdges::finish(NetworkDraft& draft, ReadContext& context, unsigned mixedCode,
+void PajekEdges::finish(NetworkDraft& draft, ReadContext& context, Place mixed, unsigned mixedCode,
                         unsigned roundedCode) {
   draft.directed = directed();
   if (has(true) && has(false)) {
-    context.note(mixedCode, NoteKind::kTaken, {}, [] {
+    context.note(mixedCode, NoteKind::kTaken, mixed, [] {
       return std::string(
           "arcs and undirected edges: each edge is taken for two arcs, and a loop for one");
     });

@@ -30,8 +30,9 @@ class PajekEdges {
   [[nodiscard]] std::uint64_t count() const { return from_.size(); }
 
   /// Gives the draft its edges with what belongs to them. Where there are arcs as well as
-  /// undirected lines, each of these becomes two arcs, and a loop one.
-  void finish(NetworkDraft& draft, ReadContext& context, unsigned mixedCode, unsigned roundedCode);
+  /// undirected lines, each of these becomes two arcs, and a loop one, as a note says at the place.
+  void finish(NetworkDraft& draft, ReadContext& context, Place mixed, unsigned mixedCode,
+              unsigned roundedCode);
 
  private:
   struct Run {

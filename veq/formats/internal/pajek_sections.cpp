@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -113,6 +113,8 @@ class PajekSections {
     cursor.skipBlanks();
     // The size of a partition or vector stands in a header of its own.
     if (section_ == Section::kColumn && sectionOf(word) == Section::kVertices) return;
+    // So does that of a cluster or permutation.
+    if (section_ == Section::kLeftOut && count_ && sectionOf(word) == Section::kVertices) return;
     section_ = sectionOf(word);
     switch (section_) {
       case Section::kNetwork:
@@ -129,6 +131,7 @@ class PajekSections {
         return beginMatrix(cursor);
       case Section::kIntra:
       case Section::kLinks:
+        noteFirst(firstEdges_);
         context_.noteEach(NoteKind::kTaken, lines_.place(),
                           "the lines of *" + std::string(word) + " are taken for edges");
         return edges_.begin(false, std::nullopt, {});
@@ -157,6 +160,7 @@ class PajekSections {
   void readVerticesHeader(LineCursor cursor) {
     const std::optional<std::int64_t> count = cursor.readInteger();
     if (!count) {
+      noteFirst(noCount_);
       if (!cursor.atEnd()) {
         failAt(lines_.placeOf(cursor.at()), "no number of vertices: " + shown(cursor.rest()));
       }
@@ -185,10 +189,17 @@ class PajekSections {
       failAt(lines_.placeOf(cursor.at()), "no number of the second mode's first vertex");
     }
     firstMode_ = static_cast<std::uint64_t>(*second - 1);
+    noteFirst(firstEdges_);
     edges_.begin(false, std::nullopt, {});
   }
 
+  /// Keeps the place where something came first.
+  void noteFirst(std::optional<Place>& place) const {
+    if (!place) place = lines_.place();
+  }
+
   void beginEdges(bool arcs, LineCursor cursor) {
+    noteFirst(arcs ? firstArcs_ : firstEdges_);
     std::optional<std::int64_t> relation;
     std::string_view name;
     if (cursor.match(':')) {
@@ -293,7 +304,9 @@ class PajekSections {
       const std::optional<std::int64_t> end = cursor.readInteger();
       if (!end) break;
       // A negative end marks a line of weight -1.
-      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
+      constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+      const std::int64_t number = *end < 0 ? -std::max(*end, -kLargest) : *end;
+      edges_.append(from, takeEnd(number, lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
     }
     if (cursor.atEnd() && first) return;
     context_.note(kNoEdge, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
@@ -378,13 +391,17 @@ class PajekSections {
     requireWholeMatrix();
     NetworkDraft draft;
     if (!count_) {
-      context_.note(kNoCount, NoteKind::kTaken, {}, [&] {
+      const Place place = noCount_.value_or(firstArcs_.value_or(firstEdges_.value_or(Place{1, 1})));
+      context_.note(kNoCount, NoteKind::kTaken, place, [&] {
         return "no number of vertices: " + std::to_string(largestEnd_) + " from the lines";
       });
       context_.requireVertices(largestEnd_, largestPlace_);
     }
     draft.vertexCount = count_.value_or(largestEnd_);
-    edges_.finish(draft, context_, kMixed, kRounded);
+    // The first header of the kind that came second.
+    const Place mixed = std::max(firstArcs_.value_or(Place{}), firstEdges_.value_or(Place{}),
+                                 [](const Place& a, const Place& b) { return a.line < b.line; });
+    edges_.finish(draft, context_, mixed, kMixed, kRounded);
     vertices_.finish(draft, context_, kVertexCodes);
     if (firstMode_) {
       draft.properties.vertices.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
@@ -407,6 +424,9 @@ class PajekSections {
   std::optional<std::uint64_t> firstMode_;
   std::uint64_t largestEnd_ = 0;
   Place largestPlace_;
+  std::optional<Place> noCount_;
+  std::optional<Place> firstArcs_;
+  std::optional<Place> firstEdges_;
   PajekVertices vertices_;
   PajekEdges edges_;
   std::uint64_t rows_ = 0;

@@ -1,5 +1,6 @@
 #include "veq/formats/internal/pajek_vertices.hpp"
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -21,13 +22,13 @@ std::int64_t PajekVertices::readLine(const LineReader& lines, ReadContext& conte
       return "a vertex without a number, " + shown(cursor.rest()) + ", follows the one before it";
     });
   }
-  last_ = number.value_or(last_ + 1);
+  constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+  last_ = number.value_or(last_ == kLargest ? kLargest : last_ + 1);
   if (last_ < 1) return last_;
   const auto vertex = static_cast<std::uint64_t>(last_ - 1);
   cursor.skipBlanks();
-  if (cursor.atEnd()) return last_;
-  readLabel(cursor, vertex, lines, context, firstCode);
-  readPosition(cursor, vertex);
+  if (!cursor.atEnd()) readLabel(cursor, vertex, lines, context, firstCode);
+  readPosition(cursor, vertex, lines.place());
   if (!cursor.atEnd()) {
     context.note(firstCode + kFurtherWords, NoteKind::kLeftOut, lines.placeOf(cursor.at()), [&] {
       return "how a vertex is drawn, or when it is there, is left out: " + shown(cursor.rest());
@@ -49,7 +50,7 @@ void PajekVertices::readLabel(LineCursor& cursor, std::uint64_t vertex, const Li
                [] { return std::string("a quote that is not closed ends with its line"); });
 }
 
-void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex) {
+void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex, Place place) {
   std::array<double, 3> at{};
   bool any = false;
   cursor.skipBlanks();
@@ -60,7 +61,11 @@ void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex) {
     any = true;
     cursor.skipBlanks();
   }
-  if (any) positions_.push_back({vertex, at});
+  if (any) {
+    positions_.push_back({vertex, at});
+  } else if (!noPosition_) {
+    noPosition_ = place;
+  }
 }
 
 void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode) {
@@ -73,9 +78,11 @@ void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned f
   }
   if (positions_.empty()) return;
   if (positions_.size() < draft.vertexCount) {
-    context.note(firstCode + kSomePositions, NoteKind::kTaken, {}, [&] {
-      return std::to_string(draft.vertexCount - positions_.size()) +
-             " vertices without a position are taken to be at the origin";
+    const std::uint64_t without = draft.vertexCount - positions_.size();
+    context.note(firstCode + kSomePositions, NoteKind::kTaken, noPosition_.value_or(Place{}), [&] {
+      return std::to_string(without) +
+             (without == 1 ? " vertex without a position is taken to be at the origin"
+                           : " vertices without a position are taken to be at the origin");
     });
   }
   Shared<VEQVector3dArray> column =

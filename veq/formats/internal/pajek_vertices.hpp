@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -37,11 +38,13 @@ class PajekVertices {
 
   void readLabel(LineCursor& cursor, std::uint64_t vertex, const LineReader& lines,
                  ReadContext& context, unsigned firstCode);
-  void readPosition(LineCursor& cursor, std::uint64_t vertex);
+  void readPosition(LineCursor& cursor, std::uint64_t vertex, Place place);
 
   std::int64_t last_ = 0;
   std::vector<Name> names_;
   std::vector<Position> positions_;
+  /// Of the first line that has none.
+  std::optional<Place> noPosition_;
 };
 
 }  // namespace veq::internal

@@ -6,7 +6,9 @@
 #include <memory>
 #include <optional>
 #include <pugixml.hpp>
+#include <string>
 #include <string_view>
+#include <type_traits>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -83,7 +85,7 @@ class GraphMlReader {
       if (name == "key") readKey(child);
       if (name != "graph") continue;
       if (graph) {
-        note(kSecondGraph, NoteKind::kLeftOut, "a second graph is left out");
+        note(kSecondGraph, NoteKind::kLeftOut, child.name(), "a second graph is left out");
       } else {
         graph = child;
       }
@@ -100,6 +102,13 @@ class GraphMlReader {
     bool directed;
   };
 
+  /// Where something stands that the parser has left in the bytes, as it does unless it had to
+  /// change their encoding.
+  [[nodiscard]] Place placeOf(const char* at) const {
+    if (at < bytes_.data() || at >= bytes_.data() + bytes_.size()) return {};
+    return placeAt(at - bytes_.data());
+  }
+
   [[nodiscard]] Place placeAt(std::ptrdiff_t offset) const {
     const auto length =
         std::min(static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0)), bytes_.size());
@@ -107,8 +116,19 @@ class GraphMlReader {
     return {static_cast<std::uint64_t>(std::count(bytes_.begin(), end, '\n')) + 1, 0};
   }
 
-  void note(unsigned code, NoteKind kind, const char* text) {
-    context_.note(code, kind, {}, [text] { return std::string(text); });
+  /// Of the first case alone the line is looked for and the text, or what makes it, asked.
+  template <class Text>
+  void note(unsigned code, NoteKind kind, const char* at, const Text& text) {
+    const bool isFirst = code >= noted_.size() || !noted_[code];
+    if (code >= noted_.size()) noted_.resize(code + 1);
+    noted_[code] = true;
+    context_.note(code, kind, isFirst ? placeOf(at) : Place{}, [&text]() -> std::string {
+      if constexpr (std::is_invocable_v<const Text&>) {
+        return text();
+      } else {
+        return text;
+      }
+    });
   }
 
   void readKey(const pugi::xml_node& node) {
@@ -142,7 +162,8 @@ class GraphMlReader {
       } else if (name == "edge") {
         readEdge(child);
       } else if (name == "hyperedge") {
-        note(kHyperedge, NoteKind::kLeftOut, "an edge of more than two ends is left out");
+        note(kHyperedge, NoteKind::kLeftOut, child.name(),
+             "an edge of more than two ends is left out");
       }
       if (++elements % 4096 == 0) context_.pace.reach(elements);
     }
@@ -152,7 +173,7 @@ class GraphMlReader {
     const std::uint64_t row = ids_.size();
     const std::string_view id = node.attribute("id").as_string();
     if (!indices_.try_emplace(id, row).second) {
-      internal::failAt({}, "a second node " + internal::shown(id));
+      internal::failAt(placeOf(node.name()), "a second node " + internal::shown(id));
     }
     ids_.push_back(id);
     readData(node, row, true);
@@ -162,7 +183,7 @@ class GraphMlReader {
     const std::uint64_t row = edges_.size();
     const pugi::xml_attribute own = node.attribute("directed");
     if (node.attribute("sourceport") || node.attribute("targetport")) {
-      note(kPort, NoteKind::kLeftOut, "the ports of edges are left out");
+      note(kPort, NoteKind::kLeftOut, node.name(), "the ports of edges are left out");
     }
     edges_.push_back({node.attribute("source").as_string(), node.attribute("target").as_string(),
                       own ? own.as_bool() : directed_});
@@ -175,9 +196,10 @@ class GraphMlReader {
       if (name == "data") {
         readValue(child, row, ofVertices);
       } else if (name == "graph") {
-        note(kNested, NoteKind::kLeftOut, "a graph inside a node or an edge is left out");
+        note(kNested, NoteKind::kLeftOut, child.name(),
+             "a graph inside a node or an edge is left out");
       } else if (name == "port") {
-        note(kPort, NoteKind::kLeftOut, "the ports of edges are left out");
+        note(kPort, NoteKind::kLeftOut, child.name(), "the ports of edges are left out");
       }
     }
   }
@@ -186,13 +208,13 @@ class GraphMlReader {
     const std::string_view id = data.attribute("key").as_string();
     const auto key = keys_.find(id);
     if (key == keys_.end()) {
-      context_.note(kUnknownKey, NoteKind::kLeftOut, {}, [&] {
+      note(kUnknownKey, NoteKind::kLeftOut, data.name(), [&] {
         return "data of the key " + internal::shown(id) + ", which is not declared, is left out";
       });
       return;
     }
     if (data.first_child().type() == pugi::node_element) {
-      note(kNestedData, NoteKind::kLeftOut, "data that is XML itself is left out");
+      note(kNestedData, NoteKind::kLeftOut, data.name(), "data that is XML itself is left out");
       return;
     }
     columnOf(*key->second, ofVertices).cells.set(row, textOf(data));
@@ -241,14 +263,14 @@ class GraphMlReader {
     RawVector<std::uint64_t> to;
     from.reserve(edges_.size());
     to.reserve(edges_.size());
-    bool mixed = false;
+    const char* mixed = nullptr;
     for (const Edge& edge : edges_) {
       from.push_back(indexOf(edge.source));
       to.push_back(indexOf(edge.target));
-      mixed |= edge.directed != draft.directed;
+      if (!mixed && edge.directed != draft.directed) mixed = edge.source.data();
     }
     if (mixed) {
-      note(kMixed, NoteKind::kRepaired,
+      note(kMixed, NoteKind::kRepaired, mixed,
            "directed and undirected edges: all are taken for directed");
     }
     draft.from = std::move(from);
@@ -258,7 +280,8 @@ class GraphMlReader {
   [[nodiscard]] std::uint64_t indexOf(std::string_view id) const {
     const auto at = indices_.find(id);
     if (at == indices_.end()) {
-      internal::failAt({}, "an edge of node " + internal::shown(id) + ", which is not there");
+      internal::failAt(placeOf(id.data()),
+                       "an edge of node " + internal::shown(id) + ", which is not there");
     }
     return at->second;
   }
@@ -295,7 +318,10 @@ class GraphMlReader {
     for (std::uint64_t row = 0; row < rows; ++row) {
       const std::string_view cell = internal::withoutBlanks(column.cells.at(row));
       const std::optional<double> weight = internal::wholeNumber(cell);
-      if (!weight) note(kNoWeight, NoteKind::kRepaired, "no weight is taken for 1");
+      if (!weight) {
+        const std::string_view where = ofVertices ? ids_[row] : edges_[row].source;
+        note(kNoWeight, NoteKind::kRepaired, where.data(), "no weight is taken for 1");
+      }
       weights.append(weight.value_or(1.0), cell.size());
     }
     if (ofVertices) {
@@ -357,6 +383,8 @@ class GraphMlReader {
   std::size_t nextVertexColumn_ = 0;
   std::size_t nextEdgeColumn_ = 0;
   std::vector<std::unique_ptr<std::string>> texts_;
+  /// For each code whether it has been noted.
+  std::vector<bool> noted_;
 };
 
 }  // namespace
