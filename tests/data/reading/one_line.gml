@@ -1,0 +1,1 @@
+graph [ directed 0 node [ id 1 ] node [ id 2 ] edge [ source 1 target 2 ] ]
