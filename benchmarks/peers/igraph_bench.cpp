@@ -231,6 +231,24 @@ bool readEdgeList(const Arguments& arguments, Measurement& measurement) {
   });
 }
 
+bool readIndices(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](igraph_t* graph, std::FILE* file) {
+    igraph_read_graph_edgelist(graph, file, 0, false);
+  });
+}
+
+bool readGraphMl(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](igraph_t* graph, std::FILE* file) {
+    igraph_read_graph_graphml(graph, file, 0);
+  });
+}
+
+bool readGml(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](igraph_t* graph, std::FILE* file) {
+    igraph_read_graph_gml(graph, file);
+  });
+}
+
 /// With the name of each vertex under `nameKey`, and weights.
 void addAttributes(Graph& graph, const Edges& edges, const char* nameKey) {
   igraph_strvector_t names;
@@ -298,6 +316,9 @@ int main(int count, char** values) {
                           {"read_pajek", readPajek},
                           {"write_pajek", writePajek},
                           {"read_edges", readEdgeList},
+                          {"read_indices", readIndices},
+                          {"read_graphml", readGraphMl},
+                          {"read_gml", readGml},
                           {"write_edges", writeEdgeList}};
   const std::vector<Task> questions = questionTasks();
   tasks.insert(tasks.end(), questions.begin(), questions.end());

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""NetworkX: a row like those of the other programs, for the models that are compared with it."""
+"""NetworkX: a row like those of the other programs, for the models and files that are compared with it."""
 import sys
 import time
 
@@ -21,15 +21,25 @@ TASKS = {
 }
 
 
+READERS = {
+    "read_edges": networkx.read_weighted_edgelist,
+    "read_graphml": lambda path: networkx.read_graphml(path, force_multigraph=True),
+    "read_gml": lambda path: networkx.read_gml(path, label="id"),
+}
+
+
 def main():
     task = sys.argv[1] if len(sys.argv) > 1 else ""
-    if task not in TASKS:
+    if task not in TASKS and task not in READERS:
         return 3
     given = dict(argument.split("=", 1) for argument in sys.argv[2:])
     n, k, m = (int(float(given.get(key, otherwise))) for key, otherwise in
                (("n", 1e5), ("k", 10), ("m", 4)))
     begin = time.process_time()
-    graph = TASKS[task](n, k, float(given.get("p", 0.1)), m)
+    if task in READERS:
+        graph = READERS[task](given["file"])
+    else:
+        graph = TASKS[task](n, k, float(given.get("p", 0.1)), m)
     seconds = time.process_time() - begin
     echo = ";".join(argument for argument in sys.argv[2:] if not argument.startswith("reps="))
     print(f"{task},{echo},{seconds:.9f},{seconds:.9f},{seconds:.9f},0,{graph.number_of_edges()}")

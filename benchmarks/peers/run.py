@@ -48,7 +48,7 @@ class Line:
 
 def size_of(call):
     """The most vertices, edges or numbers that a call speaks of."""
-    sizes = re.findall(r"\b[mn]=([0-9.e]+)|/([0-9.e]+)\.(?:net|xnet|edges)\b", call)
+    sizes = re.findall(r"\b[mn]=([0-9.e]+)|/([0-9.e]+)\.(?:net|xnet|edges|el|graphml|gml|mtx)\b", call)
     return max((float(a or b) for a, b in sizes), default=0)
 
 
@@ -187,6 +187,32 @@ def texts(work):
                        [Peer("igraph", write + few, 0.15, "ncol")])
 
 
+def any_file(work):
+    """The reader that takes any file, beside the published ones and those of others. igraph's fastest reader
+    of lists takes indices alone."""
+    for size in ("1e4", "1e6"):
+        def file(suffix):
+            return f"{work}/{size}.{suffix}"
+        few = " reps=3" if size == "1e6" else ""
+        for name, suffix in (("Pajek", "net"), ("xnet", "xnet"), ("edges", "edges")):
+            read = f"read_any file={file(suffix)}"
+            yield Line("any file", f"{name}, {size} edges", read,
+                       [Peer("veq", f"read_{name.lower()} file={file(suffix)}", 1.1, "published")])
+        indices = f"read_indices file={file('el')}" + few
+        yield Line("any file", f"list, {size} edges", f"read_any file={file('el')}",
+                   [Peer("igraph", indices, 0.15, "edgelist, its fastest")])
+        edges = f"read_edges file={file('edges')}"
+        yield Line("any file", f"list with names and weights, {size} edges",
+                   f"read_any file={file('edges')}",
+                   [Peer("igraph", edges + few, 0.6, "ncol"), Peer("networkx", edges, 0.1)])
+        yield Line("any file", f"Matrix Market, {size} edges", f"read_any file={file('mtx')}",
+                   [Peer("igraph", indices, 0.15, "edgelist, its fastest")])
+        for name, task, suffix in (("GraphML", "read_graphml", "graphml"), ("GML", "read_gml", "gml")):
+            call = f"{task} file={file(suffix)}"
+            yield Line("any file", f"{name}, {size} edges", f"read_any file={file(suffix)}",
+                       [Peer("igraph", call + few, 0.3), Peer("networkx", call, 0.1)])
+
+
 def archives():
     for task in ("encode_numbers", "decode_numbers"):
         yield Line("archive", f"{task.replace('_', ' ')}, 1e7", task + " n=1e7",
@@ -202,6 +228,9 @@ def files(runner, work, lines):
         runner.once("base", f"write_file format=net m={size} out={work}/{size}.net reps=1")
         runner.once("base", f"write_file format=edges m={size} out={work}/{size}.edges reps=1")
         runner.once("veq", f"write_xnet m={size} out={work}/{size}.xnet reps=1")
+        for suffix in ("el", "graphml", "gml", "mtx"):
+            named = int(suffix in ("graphml", "gml"))
+            runner.once("veq", f"write_any m={size} named={named} out={work}/{size}.{suffix} reps=1")
 
 
 class Runner:
@@ -274,7 +303,7 @@ def main():
         work = options.work or temporary
         os.makedirs(work, exist_ok=True)
         lines = [*building(), *questions(), *components(), *structure(), *models(), *walks(), *texts(work),
-                 *archives()]
+                 *any_file(work), *archives()]
         lines = [l for l in lines if not only or l.group in only]
         lines = [l for l in lines if options.smallest <= l.size <= options.largest]
         files(runner, work, lines)

@@ -1,10 +1,22 @@
 #include <fstream>
 
 #include "veq/formats/keyed_archiver.hpp"
+#include "veq/formats/writing.hpp"
 #include "veq_tasks.hpp"
+#ifdef VEQ_WITH_READERS
+#include "veq/readers/reading.hpp"
+#else
+#include "veq/formats/reading.hpp"
+#endif
 
 namespace bench {
 namespace {
+
+#ifdef VEQ_WITH_READERS
+namespace reader = veq::readers;
+#else
+namespace reader = veq;
+#endif
 
 using veq::Owned;
 using veq::VEQKeyedArchiver;
@@ -72,6 +84,25 @@ bool writeEdgeList(const Arguments& arguments, Measurement& measurement) {
   });
 }
 
+/// By the reader that takes any file, also GraphML where that was built.
+bool readAny(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](const std::string& path) {
+    return reader::readNetwork(path).value().published();
+  });
+}
+
+/// As the suffix says, with names and weights or without both.
+bool writeAny(const Arguments& arguments, Measurement& measurement) {
+  const bool named = arguments.count("named", 0) != 0;
+  const Edges edges = edgesOf(arguments, named);
+  veq::Shared<VEQNetwork> network = named ? namedNetworkOf(edges) : networkOf(edges);
+  const std::string path = arguments.text("out");
+  measurement.time([&] { return veq::writeNetwork(veq::Network(network), path).hasValue(); },
+                   [](bool written) { return written; });
+  measurement.addMegabytesPerSecond(bytesOfFile(path));
+  return true;
+}
+
 Owned<VEQNumberArray> numbersOf(const Arguments& arguments) {
   return numberArrayOf(std::vector<std::uint64_t>(arguments.count("n", 10'000'000), 5));
 }
@@ -127,11 +158,18 @@ bool readArchive(const Arguments& arguments, Measurement& measurement) {
 }  // namespace
 
 std::vector<Task> formatTasks() {
-  return {{"read_pajek", readPajek},         {"write_pajek", writePajek},
-          {"read_xnet", readXnet},           {"write_xnet", writeXnet},
-          {"read_edges", readEdgeList},      {"write_edges", writeEdgeList},
-          {"encode_numbers", encodeNumbers}, {"decode_numbers", decodeNumbers},
-          {"write_archive", writeArchive},   {"read_archive", readArchive}};
+  return {{"read_pajek", readPajek},
+          {"write_pajek", writePajek},
+          {"read_xnet", readXnet},
+          {"write_xnet", writeXnet},
+          {"read_edges", readEdgeList},
+          {"write_edges", writeEdgeList},
+          {"read_any", readAny},
+          {"write_any", writeAny},
+          {"encode_numbers", encodeNumbers},
+          {"decode_numbers", decodeNumbers},
+          {"write_archive", writeArchive},
+          {"read_archive", readArchive}};
 }
 
 }  // namespace bench
