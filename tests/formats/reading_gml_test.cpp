@@ -51,6 +51,37 @@ TEST(ReadingGml, ReadsEntitiesAndTheCharactersOfItsEncoding) {
               ElementsAre("\xC3\xA9\xE2\x82\xAC\"&none;&", "\xC3\xA9"));
 }
 
+TEST(ReadingGml, KnowsTheNamesOfLatinLetters) {
+  // The first and the last of them, and one between.
+  const Reading reading = read("graph [ node [ id 1 label \"&nbsp;&szlig;&yuml;&Szlig;\" ] ]");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("\xC2\xA0\xC3\x9F\xC3\xBF&Szlig;"));
+}
+
+TEST(ReadingGml, LeavesTextInQuotesText) {
+  const Reading reading = read(
+      "graph [ node [ id 1 label \"1\" age \"7\" far \"inf\" ]\n"
+      "node [ id 2 label \"2\" age 8 far 2.5 ] ]");
+  const VEQNetwork& network = *reading.value().published();
+  EXPECT_EQ(vertexKind(network, "Name"), PropertyColumn::Kind::kGeneric);
+  EXPECT_EQ(vertexKind(network, "age"), PropertyColumn::Kind::kGeneric);
+  EXPECT_EQ(*network.propertiesOfVertexAtIndex(1).find("age"), PropertyValue("8"));
+  // GML has no other form for this number.
+  EXPECT_EQ(vertexKind(network, "far"), PropertyColumn::Kind::kNumber);
+}
+
+TEST(ReadingGml, TakesAWeightOfEveryNodeForItsWeight) {
+  const Reading all = read("graph [ node [ id 1 weight 2 ] node [ id 2 weight 0.1 ] ]");
+  EXPECT_EQ(vertexWeightsOf(*all.value().published()), (std::vector<float>{2.0F, 0.1F}));
+  EXPECT_THAT(vertexTexts(all, "weight"), ElementsAre("no column"));
+  // One without a weight, and one that no float holds: 2^24 + 1.
+  for (const char* second : {"", "weight 16777217"}) {
+    const Reading some =
+        read(std::string("graph [ node [ id 1 weight 2 ] node [ id 2 ") + second + " ] ]");
+    EXPECT_FALSE(some.value().published()->isVertexWeighted());
+    EXPECT_NE(vertexTexts(some, "weight"), Texts{"no column"});
+  }
+}
+
 TEST(ReadingGml, LeavesOutListsInsideNodesAndEdges) {
   const Reading reading = read("graph [\nnode [ id 1\ngraphics [ x 1 deeper [ y 2 ] ] ]\n]");
   EXPECT_EQ(summaryOf(reading), "undirected 1:");

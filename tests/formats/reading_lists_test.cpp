@@ -34,7 +34,8 @@ TEST(ReadingLists, TakesIntegersForIndicesWhereAsked) {
   const Reading reading = read("1 3\n", options);
   EXPECT_EQ(summaryOf(reading), "undirected 4: 1>3");
   EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("no column"));
-  EXPECT_EQ(summaryOf(read("1 -3\n", options)), "error 0:0 the id -3 is no index");
+  EXPECT_EQ(summaryOf(read("1 -3\n", options)), "error 1:1 the id -3 is no index");
+  EXPECT_EQ(summaryOf(read("# x\n1 3\n2 -7\n", options)), "error 3:1 the id -7 is no index");
 }
 
 TEST(ReadingLists, TakesOtherWordsForNamesByFirstAppearance) {
@@ -170,7 +171,7 @@ TEST(ReadingLists, KeepsTheTwoModesOfABipartiteListApart) {
 }
 
 TEST(ReadingLists, NumbersBothModesFromOne) {
-  EXPECT_EQ(summaryOf(read("% bip unweighted\n0 1\n")), "error 0:0 the id 0 is below 1");
+  EXPECT_EQ(summaryOf(read("% bip unweighted\n0 1\n")), "error 2:1 the id 0 is below 1");
   // One word is a comment like any other.
   EXPECT_EQ(summaryOf(read("% bip\n0 1\n")), "undirected 2: 0>1");
 }
@@ -180,7 +181,9 @@ TEST(ReadingLists, CountsBothModesAgainstTheLimit) {
   options.mostVertices = 5;
   EXPECT_EQ(summaryOf(read("% bip x\n% 1 2 3\n1 1\n", options)), "undirected 5: 0>2");
   EXPECT_EQ(summaryOf(read("% bip x\n% 1 3 3\n1 1\n", options)),
-            "error 0:0 6 vertices, more than the 5 that a text of 20 bytes may have");
+            "error 2:1 6 vertices, more than the 5 that a text of 20 bytes may have");
+  EXPECT_EQ(summaryOf(read("% bip x\n1 1\n1 7\n", options)),
+            "error 3:1 8 vertices, more than the 5 that a text of 16 bytes may have");
 }
 
 TEST(ReadingLists, IsDirectedWhereAsked) {
@@ -241,7 +244,14 @@ TEST(ReadingLists, RefusesMoreIndicesThanATextMayAskFor) {
   options.idsAreIndices = true;
   EXPECT_EQ(
       summaryOf(read("0 4000000000\n", options)),
-      "error 0:0 4000000001 vertices, more than the 1000832 that a text of 13 bytes may have");
+      "error 1:1 4000000001 vertices, more than the 1000832 that a text of 13 bytes may have");
+  // The line of the vertex that is one too many.
+  options.mostVertices = 3;
+  options.idsAreIndices = false;
+  EXPECT_EQ(summaryOf(read("5 6\n6 7\n7 5\n9 5\n", options)),
+            "error 4:1 4 vertices, more than the 3 that a text of 16 bytes may have");
+  EXPECT_EQ(summaryOf(read("a b\nb c\n\"d\" a\n", options)),
+            "error 3:1 4 vertices, more than the 3 that a text of 14 bytes may have");
 }
 
 TEST(ReadingLists, SurvivesDamagedTexts) {

@@ -22,7 +22,7 @@ TEST(ReadingPajek, ReadsNamesPositionsAndWeights) {
   EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("Ada", "Bob", "C D"));
   EXPECT_THAT(vertexTexts(reading, "Position"), ElementsAre("0.1 0.2 0.5", "3 0 0", "0 0 0"));
   EXPECT_THAT(notesOf(reading),
-              ElementsAre("0:0 taken x1: 1 vertices without a position are taken to be at the "
+              ElementsAre("5:1 taken x1: 1 vertex without a position is taken to be at the "
                           "origin"));
 }
 
@@ -40,7 +40,7 @@ TEST(ReadingPajek, TakesEdgesBesideArcsForTwoArcsAndALoopForOne) {
   const Reading reading = read("*Vertices 3\n*Edges\n1 2 5\n3 3\n*Arcs\n2 3\n");
   EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>0 2>2 1>2 w(5, 5, 1, 1)");
   EXPECT_THAT(notesOf(reading),
-              ElementsAre("0:0 taken x1: arcs and undirected edges: each edge is taken for two "
+              ElementsAre("5:1 taken x1: arcs and undirected edges: each edge is taken for two "
                           "arcs, and a loop for one"));
 }
 
@@ -53,8 +53,20 @@ TEST(ReadingPajek, CountsVerticesWhereTheHeaderDoesNot) {
   const Reading reading = read("*Vertices\n1 \"a\"\n2 \"b\"\n*Arcs\n1 4\n");
   EXPECT_EQ(summaryOf(reading), "directed 4: 0>3");
   EXPECT_THAT(notesOf(reading),
-              ElementsAre("0:0 taken x1: no number of vertices: 4 from the lines"));
+              ElementsAre("1:1 taken x1: no number of vertices: 4 from the lines"));
   EXPECT_EQ(summaryOf(read("*Arcs\n2 1\n")), "directed 2: 1>0");
+}
+
+TEST(ReadingPajek, SectionsOfProjectFilesMayHaveANumberOfVerticesOfTheirOwn) {
+  const Reading reading = read("*Vertices 2\n*Cluster c\n*Vertices 1\n2\n*Edges\n1 2\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
+  EXPECT_THAT(notesOf(reading), ElementsAre("2:1 left out x1: the section *Cluster is left out"));
+}
+
+TEST(ReadingPajek, TakesNoNumberForMoreThanItIs) {
+  // The largest integer and the line after it; the least one in a list of ends.
+  EXPECT_EQ(summaryOf(read("*Vertices\n9223372036854775807 \"a\"\nb\n")).substr(0, 6), "error ");
+  EXPECT_EQ(summaryOf(read("*Arcslist\n1 -9223372036854775808\n")).substr(0, 6), "error ");
 }
 
 TEST(ReadingPajek, ReadsListsOfNeighbours) {

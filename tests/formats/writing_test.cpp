@@ -175,5 +175,36 @@ TEST(Writing, StopsAndLeavesTheOldFile) {
   EXPECT_EQ(readFile(path).value(), "old");
 }
 
+TEST(Writing, CsvCallsVerticesByIdsWhereThereAreNoNames) {
+  const Reading ids = readNetworkText("10 20\n20 30\n");
+  EXPECT_EQ(textOf(ids.value(), FileFormat::kCsv),
+            "Source,Target,Type\n10,20,Undirected\n20,30,Undirected\n");
+  EXPECT_EQ(vertexTableText(ids.value()).value(), "Id\n10\n20\n30\n");
+  // Where names are the ends, ids are a column like others under another name.
+  const Reading both = readNetworkText(
+      "graph [ node [ id 5 label \"a\" ] node [ id 7 label \"b\" ] edge [ source 5 target 7 ] ]");
+  EXPECT_EQ(textOf(both.value(), FileFormat::kCsv), "Source,Target,Type\na,b,Undirected\n");
+  EXPECT_EQ(vertexTableText(both.value()).value(), "Id,Id 2,Label\na,5,a\nb,7,b\n");
+  // Names that two share tell nobody apart, and then the ids do.
+  const Reading twice = readNetworkText(
+      "graph [ node [ id 5 label \"a\" ] node [ id 7 label \"a\" ] edge [ source 5 target 7 ] ]");
+  EXPECT_EQ(textOf(twice.value(), FileFormat::kCsv), "Source,Target,Type\n5,7,Undirected\n");
+  EXPECT_EQ(vertexTableText(twice.value()).value(), "Id,Label\n5,a\n7,a\n");
+}
+
+TEST(Writing, GmlSaysWhereEdgesAreParallel) {
+  const Reading reversed = readNetworkText("# Directed graph\n0 1\n1 0\n");
+  EXPECT_THAT(textOf(reversed.value(), FileFormat::kGml),
+              testing::Not(testing::HasSubstr("multigraph")));
+  const Reading undirected = readNetworkText("0 1\n1 0\n");
+  EXPECT_THAT(textOf(undirected.value(), FileFormat::kGml),
+              testing::StartsWith("graph [\n  directed 0\n  multigraph 1\n"));
+}
+
+TEST(Writing, GmlWeightsOfVerticesComeBack) {
+  const Reading back = readNetworkText(textOf(decorated(), FileFormat::kGml));
+  EXPECT_EQ(vertexWeightsOf(*back.value().published()), (std::vector<float>{1, 2, 0.1F}));
+}
+
 }  // namespace
 }  // namespace veq::test

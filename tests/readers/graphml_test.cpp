@@ -46,18 +46,19 @@ TEST(ReadingGraphMl, ReadsNodesAndEdgesWithAllTheirData) {
 }
 
 TEST(ReadingGraphMl, LeavesOutWhatNoNetworkHolds) {
-  const Reading reading = read(
-      graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"><graph/><port name=\"p\"/></node>"
-              "<node id=\"b\"><data key=\"none\">1</data></node>"
-              "<hyperedge/><edge source=\"a\" target=\"b\" sourceport=\"p\"/></graph><graph/>"));
+  // Two lines stand before this.
+  const Reading reading = read(graphMl(
+      "<graph edgedefault=\"undirected\">\n<node id=\"a\"><graph/>\n<port name=\"p\"/></node>\n"
+      "<node id=\"b\"><data key=\"none\">1</data></node>\n"
+      "<hyperedge/>\n<edge source=\"a\" target=\"b\" sourceport=\"p\"/></graph>\n<graph/>"));
   EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
   EXPECT_THAT(notesOf(reading),
-              ElementsAre("0:0 left out x1: a second graph is left out",
-                          "0:0 left out x1: a graph inside a node or an edge is left out",
-                          "0:0 left out x2: the ports of edges are left out",
-                          "0:0 left out x1: data of the key \"none\", which is not declared, is "
+              ElementsAre("4:0 left out x1: a graph inside a node or an edge is left out",
+                          "5:0 left out x2: the ports of edges are left out",
+                          "6:0 left out x1: data of the key \"none\", which is not declared, is "
                           "left out",
-                          "0:0 left out x1: an edge of more than two ends is left out"));
+                          "7:0 left out x1: an edge of more than two ends is left out",
+                          "9:0 left out x1: a second graph is left out"));
 }
 
 TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
@@ -65,7 +66,7 @@ TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
       graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"/><edge source=\"a\" target=\"a\"/>"
               "<edge source=\"a\" target=\"a\" directed=\"true\"/></graph>"));
   EXPECT_EQ(summaryOf(reading), "directed 1: 0>0 0>0");
-  EXPECT_THAT(notesOf(reading), ElementsAre("0:0 repaired x1: directed and undirected edges: all "
+  EXPECT_THAT(notesOf(reading), ElementsAre("3:0 repaired x1: directed and undirected edges: all "
                                             "are taken for directed"));
 }
 
@@ -73,9 +74,9 @@ TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
   EXPECT_EQ(summaryOf(read("<html></html>")), "error 0:0 XML, but no GraphML");
   EXPECT_EQ(summaryOf(read(graphMl(""))), "error 0:0 GraphML without a graph");
   EXPECT_EQ(summaryOf(read(graphMl("<graph><edge source=\"a\" target=\"b\"/></graph>"))),
-            "error 0:0 an edge of node \"a\", which is not there");
+            "error 3:0 an edge of node \"a\", which is not there");
   EXPECT_EQ(summaryOf(read(graphMl("<graph><node id=\"a\"/><node id=\"a\"/></graph>"))),
-            "error 0:0 a second node \"a\"");
+            "error 3:0 a second node \"a\"");
   EXPECT_THAT(summaryOf(read(graphMl("<graph>\n<node id=\"a\">"))),
               testing::StartsWith("error 5:0 XML: "));
 }

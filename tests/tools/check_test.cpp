@@ -46,7 +46,11 @@ TEST(CheckCommand, SaysEverythingOddAndEndsWithItsOwnCode) {
   ProgramRun run = runVeq({"check", file});
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_EQ(run.errors, "");
-  EXPECT_EQ(run.output.substr(0, run.output.find("as xnet")), "");
+  EXPECT_EQ(run.output.substr(0, run.output.find("as xnet")),
+            "format              pajek\n"
+            "network             2 vertices, 1 edge, undirected\n"
+            "taken               line 1: no number of vertices: 2 from the lines\n"
+            "left out            line 6: the section *Cluster is left out\n");
   run = runVeq({"check", "--quiet", file});
   EXPECT_EQ(run.exitCode, 3);
   EXPECT_EQ(run.output, "");
@@ -58,7 +62,39 @@ TEST(CheckCommand, AnswersAsJson) {
   const TemporaryDirectory directory;
   const std::string file = directory.write("n.el", "# a comment\n1 2 0.5\n1 x\n");
   const ProgramRun run = runVeq({"check", "--format", "json", file});
-  EXPECT_EQ(run.output, "");
+  EXPECT_EQ(run.exitCode, 3);
+  EXPECT_EQ(run.output.substr(0, run.output.find("    \"pajek\"")),
+            "{\n"
+            "  \"file\": \"" +
+                file +
+                "\",\n"
+                "  \"format\": \"list\",\n"
+                "  \"title\": \"\",\n"
+                "  \"directed\": false,\n"
+                "  \"vertices\": 3,\n"
+                "  \"edges\": 2,\n"
+                "  \"notes\": [\n"
+                "    {\n"
+                "      \"kind\": \"repaired\",\n"
+                "      \"line\": 3,\n"
+                "      \"text\": \"no weight is taken for 1\",\n"
+                "      \"count\": 1\n"
+                "    }\n"
+                "  ],\n"
+                "  \"formats\": {\n"
+                "    \"xnet\": {\n"
+                "      \"written\": true,\n"
+                "      \"reason\": null,\n"
+                "      \"lost\": [],\n"
+                "      \"changed\": []\n"
+                "    },\n");
+  EXPECT_NE(run.output.find("    \"list\": {\n"
+                            "      \"written\": true,\n"
+                            "      \"reason\": null,\n"
+                            "      \"lost\": [\n"
+                            "        \"the vertex property \\\"Name\\\" is lost\"\n"
+                            "      ],\n"),
+            std::string::npos);
 }
 
 TEST(CheckCommand, SaysWhyAFileCannotBeRead) {
@@ -67,7 +103,7 @@ TEST(CheckCommand, SaysWhyAFileCannotBeRead) {
   const ProgramRun run = runVeq({"check", file});
   EXPECT_EQ(run.exitCode, 1);
   EXPECT_EQ(run.output, "");
-  EXPECT_EQ(run.errors, "");
+  EXPECT_EQ(run.errors, "veq: " + file + ":3: vertex 9 of 2\n");
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ NetworkDraft draftOfVersion2(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
   draft.properties = {required(archive.decodePropertyTable(kVertexProperties), kVertexProperties),
                       required(archive.decodePropertyTable(kEdgeProperties), kEdgeProperties)};
   // Also those under keys that setters keep for weights and ends.
-  draft.carriesProperties = true;
+  draft.columnsAreReady = true;
   requireSound(draft);
   return draft;
 }

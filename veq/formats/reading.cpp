@@ -95,7 +95,7 @@ std::string decoded(std::string bytes, ReadContext& context) {
 Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
   for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
-      if (draft.carriesProperties || !internal::isReservedKey(key)) continue;
+      if (draft.columnsAreReady || !internal::isReservedKey(key)) continue;
       context.note(kReservedCode, NoteKind::kLeftOut, {}, [name = std::string(key)] {
         return "the column \"" + name + "\" is left out, because weights and ends have such names";
       });

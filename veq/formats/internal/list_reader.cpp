@@ -113,11 +113,23 @@ struct ListText {
     });
   }
 
+  /// The first comment that has the number, as one that says how many vertices there are.
+  [[nodiscard]] Place placeOfComment(std::int64_t number) const {
+    LineReader lines(text);
+    while (lines.next()) {
+      const std::string_view line = lines.line();
+      if (isListComment(line) && line.find(std::to_string(number)) != line.npos) {
+        return lines.place();
+      }
+    }
+    return {};
+  }
+
   /// An error at the line whose end is one vertex too many.
   void requireVertices(std::uint64_t vertices, const ReadContext& context) const {
     if (vertices <= context.mostVertices()) return;
     std::unordered_set<std::string_view> seen;
-    // The fields of other lines lie in the text, unless they have quotes inside.
+    // Fields lie in the text, unless they have quotes inside.
     context.requireVertices(vertices, placeWhere([&](std::string_view field, std::size_t) {
                               const bool isInText = field.data() >= text.data() &&
                                                     field.data() < text.data() + text.size();
@@ -169,7 +181,7 @@ void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
     const Place place = list.placeWhere([&](std::string_view field, std::size_t at) {
       return at == column && LineCursor(field).readInteger() == most;
     });
-    context.requireVertices(all, place);
+    context.requireVertices(all, place.line > 0 ? place : list.placeOfComment(most));
   }
   draft.vertexCount = sizes[0] + sizes[1];
   RawVector<std::uint64_t> sources = asIndices(from);

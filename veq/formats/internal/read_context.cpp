@@ -1,5 +1,6 @@
 #include "veq/formats/internal/read_context.hpp"
 
+#include <algorithm>
 #include <limits>
 
 namespace veq::internal {
@@ -28,6 +29,14 @@ void ReadContext::keep(Note note) {
   } else {
     ++furtherNotes_;
   }
+}
+
+std::vector<Note> ReadContext::takeNotes() {
+  std::stable_sort(notes_.begin(), notes_.end(), [](const Note& a, const Note& b) {
+    // A place that nobody knows, 0, becomes the largest of all.
+    return a.place.line - 1 < b.place.line - 1;
+  });
+  return std::move(notes_);
 }
 
 std::uint64_t ReadContext::mostVertices() const {

@@ -54,7 +54,8 @@ class VEQ_EXPORT ReadContext {
   void requireVertices(std::uint64_t vertices, Place place) const;
   [[nodiscard]] std::uint64_t mostVertices() const;
 
-  [[nodiscard]] std::vector<Note> takeNotes() { return std::move(notes_); }
+  /// In the order of their places, those without one last.
+  [[nodiscard]] std::vector<Note> takeNotes();
   [[nodiscard]] std::uint64_t furtherNotes() const { return furtherNotes_; }
 
  private:
