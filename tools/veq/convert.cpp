@@ -26,7 +26,7 @@ constexpr auto kExamples = R"(  veq convert data/lesmis.xnet lesmis.net
   veq convert --directed citations.txt citations.xnet
       From an edge list of arcs. Most edge lists do not say themselves whether
       they are directed.
-  veq convert data/karate.xnet - --to list
+  veq convert data/karate.xnet - --to graphml
       To standard output; - is standard input in the place of the first file.
 
   veq convert data/lesmis.xnet lesmis.csv --vertices lesmis-vertices.csv

@@ -22,13 +22,13 @@ enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight };
 /// Columns by their keys, in the order of their first appearance.
 class ColumnSet {
  public:
-  /// What stands in quotes is text, but for the numbers that GML has no other form for.
+  /// What stands in quotes is text.
   void set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted) {
     const auto [at, isNew] = places_.try_emplace(std::string(key), columns_.size());
     if (isNew) columns_.push_back({TextColumn(std::string(key)), false});
     Column& column = columns_[at->second];
     column.cells.set(row, cell);
-    column.isText |= quoted && cell != "nan" && cell != "inf" && cell != "-inf";
+    column.isText |= quoted;
   }
   void finish(PropertyTable& table, std::uint64_t rows) const {
     for (const auto& [cells, isText] : columns_) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
+#include <cmath>
 #include <optional>
 #include <string>
 #include <utility>
@@ -304,9 +304,7 @@ class PajekSections {
       const std::optional<std::int64_t> end = cursor.readInteger();
       if (!end) break;
       // A negative end marks a line of weight -1.
-      constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
-      const std::int64_t number = *end < 0 ? -std::max(*end, -kLargest) : *end;
-      edges_.append(from, takeEnd(number, lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
+      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
     }
     if (cursor.atEnd() && first) return;
     context_.note(kNoEdge, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {

@@ -1,6 +1,5 @@
 #include "veq/formats/internal/pajek_vertices.hpp"
 
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,8 +21,7 @@ std::int64_t PajekVertices::readLine(const LineReader& lines, ReadContext& conte
       return "a vertex without a number, " + shown(cursor.rest()) + ", follows the one before it";
     });
   }
-  constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
-  last_ = number.value_or(last_ == kLargest ? kLargest : last_ + 1);
+  last_ = number.value_or(last_ + 1);
   if (last_ < 1) return last_;
   const auto vertex = static_cast<std::uint64_t>(last_ - 1);
   cursor.skipBlanks();
