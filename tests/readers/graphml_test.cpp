@@ -81,6 +81,25 @@ TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
               testing::StartsWith("error 5:0 XML: "));
 }
 
+TEST(ReadingGraphMl, TakesWhatIsNoUtf8ForLatin1) {
+  // A letter of one byte in a name and in a key that is not declared.
+  const std::string graph =
+      "<graph><node id=\"K\xF6ln\"><data key=\"\xE9\">1</data></node></graph>";
+  const Reading reading = read(graphMl(graph));
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("K\xC3\xB6ln"));
+  EXPECT_THAT(
+      notesOf(reading),
+      ElementsAre("1:0 taken x1: not UTF-8: the text is taken for ISO-8859-1",
+                  "3:0 left out x1: data of the key \"\xC3\xA9\", which is not declared, is "
+                  "left out"));
+  // Where the file says so there is nothing to be said.
+  const Reading declared = read(
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?><graphml><graph>"
+      "<node id=\"K\xF6ln\"/></graph></graphml>");
+  EXPECT_THAT(vertexTexts(declared, "Name"), ElementsAre("K\xC3\xB6ln"));
+  EXPECT_THAT(notesOf(declared), IsEmpty());
+}
+
 TEST(ReadingGraphMl, IsHarmedByNoHostileXml) {
   // Entities of its own stay as they are, so that none grows without end or opens a file.
   const Reading bomb = read(

@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "veq/base/encodings.hpp"
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/text_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
@@ -35,7 +36,8 @@ enum NoteCode : unsigned {
   kUnknownKey,
   kNestedData,
   kSecondGraph,
-  kNoWeight
+  kNoWeight,
+  kEncoding
 };
 
 /// The name of an element without its namespace.
@@ -71,8 +73,9 @@ class GraphMlReader {
       : bytes_(std::move(bytes)), context_(context) {}
 
   NetworkDraft read() {
+    const pugi::xml_encoding encoding = decode();
     const pugi::xml_parse_result parsed = document_.load_buffer_inplace(
-        bytes_.data(), bytes_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
+        bytes_.data(), bytes_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single, encoding);
     if (parsed.status == pugi::status_out_of_memory) throw std::bad_alloc();
     // The bytes have been changed by the parser, but each line still ends where it did.
     if (!parsed)
@@ -101,6 +104,31 @@ class GraphMlReader {
     std::string_view target;
     bool directed;
   };
+
+  /// The parser takes whatever has no other mark for UTF-8, whether it is that or not.
+  pugi::xml_encoding decode() {
+    const std::string_view start = std::string_view(bytes_).substr(0, 4);
+    const bool isWide = start.find('\0') != start.npos || start.substr(0, 2) == "\xFF\xFE" ||
+                        start.substr(0, 2) == "\xFE\xFF";
+    if (isWide || isUtf8(bytes_)) return pugi::encoding_auto;
+    const std::string_view declaration = std::string_view(bytes_).substr(0, bytes_.find("?>"));
+    if (declaration.find("encoding=\"ISO-8859-1\"") == declaration.npos) {
+      note(kEncoding, NoteKind::kTaken, bytes_.data(),
+           "not UTF-8: the text is taken for ISO-8859-1");
+    }
+    std::string utf8;
+    for (const char byte : bytes_) {
+      const auto code = static_cast<unsigned char>(byte);
+      if (code < 0x80) {
+        utf8 += byte;
+      } else {
+        utf8 += static_cast<char>(0xC0 | code >> 6);
+        utf8 += static_cast<char>(0x80 | (code & 0x3F));
+      }
+    }
+    bytes_ = std::move(utf8);
+    return pugi::encoding_utf8;
+  }
 
   /// Where something stands that the parser has left in the bytes, as it does unless it had to
   /// change their encoding.
