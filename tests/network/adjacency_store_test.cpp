@@ -33,7 +33,7 @@ AdjacencyStore storeOf(std::uint64_t vertices, const std::string& edges, bool di
   return storeOf(vertices, drawn.from, drawn.to, directed, narrowLimit);
 }
 
-void insert(AdjacencyStore& store, const std::string& edges) {
+void insertInto(AdjacencyStore& store, const std::string& edges) {
   store.insert(ends(DrawnEdges(edges)));
 }
 
@@ -66,15 +66,15 @@ TEST(AdjacencyStore, TheFirstInsertionRelocatesAPackedListToASlotOfItsCapacity) 
   AdjacencyStore store = storeOf(4, "0-1 1-0 0-2 1-2 0-3", true);
   EXPECT_EQ(poolOf(store), 6U);
   // Three entries and places for three more.
-  insert(store, "0-1");
+  insertInto(store, "0-1");
   EXPECT_EQ(poolOf(store), 12U);
-  insert(store, "0-2");
+  insertInto(store, "0-2");
   EXPECT_EQ(poolOf(store), 12U);
   // Two entries fill their slot, so that the third goes to one of 6 at once ...
-  insert(store, "1-3");
+  insertInto(store, "1-3");
   EXPECT_EQ(poolOf(store), 20U);
   // ... and the slot of 2 waits for this list.
-  insert(store, "2-3");
+  insertInto(store, "2-3");
   EXPECT_EQ(poolOf(store), 20U);
   EXPECT_THAT(store.edges(0, Side::kOut), ElementsAre(0, 2, 4, 5, 6));
   EXPECT_THAT(store.neighbours(0, Side::kOut), ElementsAre(1, 2, 3, 1, 2));
@@ -97,16 +97,16 @@ TEST(AdjacencyStore, AHubGrowsByWhatIsInserted) {
 
 TEST(AdjacencyStore, AnAbandonedSlotGoesToTheNextListOfItsSize) {
   AdjacencyStore store = storeOf(4, "", true);
-  insert(store, "0-1");
-  insert(store, "0-1");
+  insertInto(store, "0-1");
+  insertInto(store, "0-1");
   EXPECT_EQ(poolOf(store), 3U);
   // The third entry moves the list to a slot of 6 and leaves one of 2 ...
-  insert(store, "0-1");
+  insertInto(store, "0-1");
   EXPECT_EQ(poolOf(store), 9U);
   // ... which the next list takes.
-  insert(store, "1-0");
+  insertInto(store, "1-0");
   EXPECT_EQ(poolOf(store), 9U);
-  insert(store, "2-0");
+  insertInto(store, "2-0");
   EXPECT_EQ(poolOf(store), 11U);
   EXPECT_THAT(store.edges(0, Side::kOut), ElementsAre(0, 1, 2));
   EXPECT_THAT(store.edges(1, Side::kOut), ElementsAre(3));
