@@ -1,11 +1,14 @@
 #include "veq/network/internal/index_list.hpp"
 
+#include <cstddef>
+
 namespace veq::internal {
 namespace {
 
 // Signed and unsigned 64-bit integers are read as the same bits.
 std::span<const std::uint64_t> sameBits(const VEQNumberArray& array) {
-  return {static_cast<const std::uint64_t*>(array.VEQ_dataPointer()), array.count()};
+  return {static_cast<const std::uint64_t*>(array.VEQ_dataPointer()),
+          static_cast<std::size_t>(array.count())};
 }
 
 }  // namespace
