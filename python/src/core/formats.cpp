@@ -1,0 +1,127 @@
+// Files.
+#include <nanobind/stl/optional.h>
+#include <nanobind/stl/string_view.h>
+
+#include "support.hpp"
+#include "veq/readers/reading.hpp"
+#include "veq/writing.hpp"
+
+namespace veq::python {
+namespace {
+
+std::optional<FileFormat> formatNamed(std::optional<std::string_view> name) {
+  if (!name) return std::nullopt;
+  return named<FileFormat>(*name, "format",
+                           {{"xnet", FileFormat::kXnet},
+                            {"pajek", FileFormat::kPajek},
+                            {"list", FileFormat::kList},
+                            {"matrix-market", FileFormat::kMatrixMarket},
+                            {"gml", FileFormat::kGml},
+                            {"graphml", FileFormat::kGraphMl},
+                            {"archive", FileFormat::kArchive},
+                            {"csv", FileFormat::kCsv}});
+}
+
+const char* wordOf(NoteKind kind) {
+  switch (kind) {
+    case NoteKind::kTaken:
+      return "taken";
+    case NoteKind::kRepaired:
+      return "repaired";
+    case NoteKind::kLeftOut:
+      break;
+  }
+  return "left out";
+}
+
+nb::list notesOf(const Reading& reading) {
+  nb::list notes;
+  for (const Note& note : reading.notes()) {
+    notes.append(nb::make_tuple(wordOf(note.kind), textOf(note.text), note.place.line, note.count));
+  }
+  return notes;
+}
+
+// (network, format, notes, further notes, title)
+nb::tuple tupleOf(Reading reading) {
+  const nb::list notes = notesOf(reading);
+  const nb::object format =
+      reading.format() ? nb::object(textOf(nameOf(*reading.format()))) : nb::none();
+  return nb::make_tuple(BoundNetwork(std::move(reading).value()), format, notes,
+                        reading.furtherNotes(), textOf(reading.title()));
+}
+
+ReadOptions optionsOf(std::optional<std::string_view> format, std::optional<bool> directed,
+                      bool idsAreIndices, bool strict, bool keepWeights,
+                      std::optional<std::uint64_t> mostVertices,
+                      std::optional<std::uint64_t> mostBytes, Follow& follow) {
+  ReadOptions options;
+  options.format = formatNamed(format);
+  options.directed = directed;
+  options.idsAreIndices = idsAreIndices;
+  options.strict = strict;
+  options.keepWeights = keepWeights;
+  options.mostVertices = mostVertices;
+  options.mostBytes = mostBytes;
+  options.progress = follow.progress();
+  return options;
+}
+
+nb::tuple read(nb::bytes source, bool isText, std::optional<std::string_view> format,
+               std::optional<bool> directed, bool idsAreIndices, bool strict, bool keepWeights,
+               std::optional<std::uint64_t> mostVertices, std::optional<std::uint64_t> mostBytes,
+               nb::object progress) {
+  Follow follow(std::move(progress));
+  const ReadOptions options = optionsOf(format, directed, idsAreIndices, strict, keepWeights,
+                                        mostVertices, mostBytes, follow);
+  std::string bytes(source.c_str(), source.size());
+  std::optional<Reading> made;
+  {
+    const nb::gil_scoped_release released;
+    made = isText ? readers::readNetworkText(std::move(bytes), options)
+                  : readers::readNetwork(bytes, options);
+  }
+  return tupleOf(std::move(*made));
+}
+
+void write(const BoundNetwork& bound, nb::bytes path, std::optional<std::string_view> format,
+           nb::object progress) {
+  Follow follow(std::move(progress));
+  WriteOptions options;
+  options.format = formatNamed(format);
+  options.progress = follow.progress();
+  const std::string file(path.c_str(), path.size());
+  reading(bound,
+          [&](const Network& network) { return writeNetwork(network, file, options).value(); });
+}
+
+nb::bytes text(const BoundNetwork& bound, std::string_view format) {
+  const FileFormat wanted = *formatNamed(format);
+  Follow follow{nb::none()};
+  const Progress progress = follow.progress();
+  const std::string made = reading(bound, [&](const Network& network) {
+    return networkText(network, wanted, progress).value();
+  });
+  return nb::bytes(made.data(), made.size());
+}
+
+nb::bytes vertexTable(const BoundNetwork& bound) {
+  const std::string made =
+      reading(bound, [](const Network& network) { return vertexTableText(network).value(); });
+  return nb::bytes(made.data(), made.size());
+}
+
+}  // namespace
+
+void bindFormats(nb::module_& m) {
+  m.def("read", &read, nb::arg("source"), nb::arg("is_text"), nb::arg("format").none(),
+        nb::arg("directed").none(), nb::arg("ids_are_indices"), nb::arg("strict"),
+        nb::arg("keep_weights"), nb::arg("most_vertices").none(), nb::arg("most_bytes").none(),
+        nb::arg("progress").none());
+  m.def("write", &write, nb::arg("network"), nb::arg("path"), nb::arg("format").none(),
+        nb::arg("progress").none());
+  m.def("text", &text, nb::arg("network"), nb::arg("format"));
+  m.def("vertex_table", &vertexTable, nb::arg("network"));
+}
+
+}  // namespace veq::python

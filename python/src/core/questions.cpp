@@ -1,0 +1,110 @@
+// Degrees, triangles, cores and page rank.
+#include <nanobind/stl/optional.h>
+#include <nanobind/stl/string_view.h>
+
+#include "veq/questions.hpp"
+
+#include "support.hpp"
+
+namespace veq::python {
+namespace {
+
+// A question of the network alone, with one answer for each vertex, or one for all.
+template <auto kQuestion>
+nb::object each(const BoundNetwork& bound) {
+  return arrayOf(reading(bound, [](const Network& network) { return kQuestion(network); }));
+}
+template <auto kQuestion>
+auto one(const BoundNetwork& bound) {
+  return reading(bound, [](const Network& network) { return kQuestion(network); });
+}
+
+double average(const BoundNetwork& bound, std::string_view withoutPairs) {
+  const auto how =
+      named<WithoutPairs>(withoutPairs, "without_pairs",
+                          {{"zero", WithoutPairs::kZero}, {"left out", WithoutPairs::kLeftOut}});
+  return reading(bound, [how](const Network& network) { return averageClustering(network, how); });
+}
+
+nb::object cores(const BoundNetwork& bound, std::string_view mode) {
+  const Direction direction = directionNamed(mode);
+  return arrayOf(
+      reading(bound, [&](const Network& network) { return coreNumbers(network, direction); }));
+}
+
+nb::object degreeCounts(const BoundNetwork& bound, std::string_view mode) {
+  const Direction direction = directionNamed(mode);
+  return arrayOf(reading(
+      bound, [&](const Network& network) { return degreeDistribution(network, direction); }));
+}
+
+nb::tuple strengthCounts(const BoundNetwork& bound, std::string_view mode) {
+  const Direction direction = directionNamed(mode);
+  const std::vector<StrengthCount> counts = reading(
+      bound, [&](const Network& network) { return strengthDistribution(network, direction); });
+  std::vector<double> strengths;
+  std::vector<std::uint64_t> vertices;
+  for (const StrengthCount& count : counts) {
+    strengths.push_back(count.strength);
+    vertices.push_back(count.vertices);
+  }
+  return nb::make_tuple(arrayOf(std::move(strengths)), arrayOf(std::move(vertices)));
+}
+
+nb::object neighbourDegrees(const BoundNetwork& bound, std::string_view neighbours,
+                            std::string_view degrees, bool weighted) {
+  NeighbourDegreeOptions options;
+  options.neighbours = directionNamed(neighbours);
+  options.degrees = directionNamed(degrees);
+  options.weighted = weighted;
+  return arrayOf(reading(
+      bound, [&](const Network& network) { return averageNeighbourDegree(network, options); }));
+}
+
+double assortativity(const BoundNetwork& bound, std::string_view source, std::string_view target) {
+  const Direction ofSource = directionNamed(source);
+  const Direction ofTarget = directionNamed(target);
+  return reading(bound, [&](const Network& network) {
+    return degreeAssortativity(network, ofSource, ofTarget);
+  });
+}
+
+nb::tuple rank(const BoundNetwork& bound, double restart,
+               const std::optional<AnyArray>& personalisation, bool weighted, double tolerance,
+               std::uint64_t mostSweeps, nb::object progress) {
+  Follow follow(std::move(progress));
+  PageRankOptions options;
+  options.restart = restart;
+  options.personalisation = numbersOf(personalisation);
+  options.weighted = weighted;
+  options.tolerance = tolerance;
+  options.mostSweeps = mostSweeps;
+  options.progress = follow.progress();
+  PageRank made =
+      reading(bound, [&](const Network& network) { return pageRank(network, options).value(); });
+  return nb::make_tuple(arrayOf(std::move(made.ranks)), made.sweeps, made.error, made.converged);
+}
+
+}  // namespace
+
+void bindQuestions(nb::module_& m) {
+  m.def("triangles", &each<triangles>, nb::arg("network"));
+  m.def("count_triangles", &one<countTriangles>, nb::arg("network"));
+  m.def("local_clustering", &each<localClustering>, nb::arg("network"));
+  m.def("average_clustering", &average, nb::arg("network"), nb::arg("without_pairs"));
+  m.def("transitivity", &one<transitivity>, nb::arg("network"));
+  m.def("core_numbers", &cores, nb::arg("network"), nb::arg("mode"));
+  m.def("degree_distribution", &degreeCounts, nb::arg("network"), nb::arg("mode"));
+  m.def("strength_distribution", &strengthCounts, nb::arg("network"), nb::arg("mode"));
+  m.def("density", &one<density>, nb::arg("network"));
+  m.def("reciprocity", &one<reciprocity>, nb::arg("network"));
+  m.def("average_neighbor_degree", &neighbourDegrees, nb::arg("network"), nb::arg("neighbors"),
+        nb::arg("degrees"), nb::arg("weighted"));
+  m.def("degree_assortativity", &assortativity, nb::arg("network"), nb::arg("source"),
+        nb::arg("target"));
+  m.def("page_rank", &rank, nb::arg("network"), nb::arg("restart"),
+        nb::arg("personalisation").none(), nb::arg("weighted"), nb::arg("tolerance"),
+        nb::arg("most_sweeps"), nb::arg("progress").none());
+}
+
+}  // namespace veq::python

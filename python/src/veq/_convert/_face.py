@@ -1,0 +1,82 @@
+"""The converters as the network has them."""
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any, Literal, cast
+
+from .._ask import Asking
+from . import _frames, _igraph, _networkx, _scipy
+from ._columns import Other
+from ._networkx import Labels
+
+if TYPE_CHECKING:
+    from .._network import Network
+
+
+class Converting(Asking):
+    """Other libraries' graphs. They are imported when they are asked for, and not before.
+
+    The order of vertices and edges stays, and so do all columns. Weights are "weight" there; those
+    that a float of 32 bits does not hold are kept, in a column "Weight", too. Vectors are tuples,
+    and what is not set is left out, or None.
+    """
+
+    __slots__ = ()
+
+    def to_networkx(
+        self, *, labels: Labels = "index", multigraph: bool | Literal["auto"] = "auto"
+    ) -> Any:
+        """A graph of NetworkX; a ``Multi*`` one if there are parallel edges.
+
+        Nodes are the indices, or the names with ``labels="name"``.
+        """
+        return _networkx.to_networkx(cast("Network", self), labels, multigraph)
+
+    @classmethod
+    def from_networkx(cls, graph: Any, *, other: Other = "error") -> Network:
+        """The network of a graph of NetworkX.
+
+        Nodes that are not 0, 1, 2, ... become the column "Name", as texts. Attributes that no
+        column can hold are an error, or become texts with ``other="text"``.
+        """
+        return _networkx.from_networkx(cast("type[Network]", cls), graph, other)
+
+    def to_igraph(self) -> Any:
+        """A graph of igraph; the column "Name" is its "name"."""
+        return _igraph.to_igraph(cast("Network", self))
+
+    @classmethod
+    def from_igraph(cls, graph: Any, *, other: Other = "error") -> Network:
+        """The network of a graph of igraph."""
+        return _igraph.from_igraph(cast("type[Network]", cls), graph, other)
+
+    def to_scipy(self, dtype: Any = None) -> Any:
+        """The sparse matrix (CSR) of the weights, of shape (n, n), or of the numbers of edges.
+
+        A loop counts once, as with NetworkX; parallel edges are summed. Columns do not go along.
+        """
+        return _scipy.to_scipy(cast("Network", self), dtype)
+
+    @classmethod
+    def from_scipy(cls, matrix: Any, *, directed: bool = False) -> Network:
+        """An edge for each stored entry; of an undirected network for those at i <= j."""
+        return _scipy.from_scipy(cast("type[Network]", cls), matrix, directed)
+
+    def to_pandas(self) -> tuple[Any, Any]:
+        """The data frames of the edges ("source", "target", ...) and of the vertices."""
+        return _frames.to_pandas(cast("Network", self))
+
+    def to_polars(self) -> tuple[Any, Any]:
+        """The data frames of the edges and of the vertices ("index", ...)."""
+        return _frames.to_polars(cast("Network", self))
+
+    def to_arrow(self) -> tuple[Any, Any]:
+        """The Arrow tables of the edges and of the vertices ("index", ...)."""
+        return _frames.to_arrow(cast("Network", self))
+
+    @classmethod
+    def from_frames(
+        cls, edges: Any, vertices: Any = None, *, directed: bool = False, other: Other = "error"
+    ) -> Network:
+        """The network of tables of pandas, polars or Arrow with columns "source" and "target"."""
+        return _frames.from_frames(cast("type[Network]", cls), edges, vertices, directed, other)

@@ -1,0 +1,38 @@
+"""Graphs of igraph."""
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any
+
+import numpy as np
+
+from . import _columns
+from ._columns import Other
+
+if TYPE_CHECKING:
+    from .._network import Network
+
+_NAME = "name"
+
+
+def to_igraph(network: Network) -> Any:
+    import igraph
+
+    graph = igraph.Graph(
+        n=network.num_vertices, edges=network.edges, directed=network.directed
+    )
+    for edges, sequence in ((False, graph.vs), (True, graph.es)):
+        for key, values in _columns.attributes(network, edges).items():
+            sequence[_NAME if key == "Name" and not edges else key] = values
+    return graph
+
+
+def from_igraph(cls: type[Network], graph: Any, other: Other) -> Network:
+    ends = np.array(graph.get_edgelist(), dtype=np.int64).reshape(-1, 2)
+    vertices = {
+        "Name" if key == _NAME else key: list(graph.vs[key]) for key in graph.vs.attributes()
+    }
+    edges = {key: list(graph.es[key]) for key in graph.es.attributes()}
+    return _columns.built(
+        cls, (ends[:, 0], ends[:, 1]), graph.vcount(), graph.is_directed(), vertices, edges, other
+    )

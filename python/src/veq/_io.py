@@ -1,0 +1,221 @@
+"""Files."""
+
+from __future__ import annotations
+
+import os
+import warnings
+from os import PathLike
+from typing import TYPE_CHECKING, Any, Literal, NamedTuple
+
+from . import _core
+from ._errors import ReadWarning
+from ._progress import Progress, following
+
+if TYPE_CHECKING:
+    from ._network import Network
+
+Format = Literal["xnet", "pajek", "list", "matrix-market", "gml", "graphml", "archive", "csv"]
+PathName = str | bytes | PathLike[str] | PathLike[bytes]
+
+
+class Note(NamedTuple):
+    """What a person should know about what was read."""
+
+    kind: Literal["taken", "repaired", "left out"]
+    text: str
+    line: int
+    count: int
+
+
+def _told(found: list[tuple[Any, ...]], notes: list[Note] | None) -> None:
+    """To the caller's list; without one, a warning of what was repaired or left out."""
+    made = [Note(*note) for note in found]
+    if notes is not None:
+        notes.extend(made)
+        return
+    for note in made:
+        if note.kind != "taken":
+            where = f"line {note.line}: " if note.line else ""
+            warnings.warn(f"{where}{note.text}", ReadWarning, stacklevel=4)
+
+
+def _read(
+    source: bytes,
+    is_text: bool,
+    notes: list[Note] | None,
+    format: Format | None,
+    directed: bool | None,
+    ids_are_indices: bool,
+    strict: bool,
+    keep_weights: bool,
+    most_vertices: int | None,
+    most_bytes: int | None,
+    progress: Progress,
+) -> Network:
+    from ._network import Network
+
+    with following(progress, "bytes") as call:
+        network, _, found, _, _ = _core.read(
+            source,
+            is_text,
+            format,
+            directed,
+            ids_are_indices,
+            strict,
+            keep_weights,
+            most_vertices,
+            most_bytes,
+            call,
+        )
+    _told(found, notes)
+    return Network._of(network)
+
+
+def read(
+    path: PathName,
+    *,
+    format: Format | None = None,
+    directed: bool | None = None,
+    ids_are_indices: bool = False,
+    strict: bool = False,
+    keep_weights: bool = False,
+    most_vertices: int | None = None,
+    most_bytes: int | None = None,
+    notes: list[Note] | None = None,
+    progress: Progress = "auto",
+) -> Network:
+    """Read a network from a file of any format, also one compressed by gzip or zstd.
+
+    Parameters
+    ----------
+    format
+        By default seen from the content; the suffix only breaks ties.
+    directed
+        Whether a list of edges is directed, where it does not say so itself.
+    ids_are_indices
+        Takes the integers of a list for indices, instead of keeping them as a column "Id".
+    strict
+        Makes the first thing that would be repaired or left out an error.
+    keep_weights
+        Keeps weights that a 32-bit float does not hold in an edge column "Weight".
+    most_vertices, most_bytes
+        Limits, for files of strangers.
+    notes
+        A list that gets what there is to say; without it, what was repaired or left out is a
+        `ReadWarning`.
+
+    Raises
+    ------
+    FileNotFoundError, PermissionError, IsADirectoryError
+        As `open` does.
+    FormatError
+        With ``line`` and ``column``.
+    """
+    name = os.fsencode(path)
+    try:
+        return _read(
+            name,
+            False,
+            notes,
+            format,
+            directed,
+            ids_are_indices,
+            strict,
+            keep_weights,
+            most_vertices,
+            most_bytes,
+            progress,
+        )
+    except OSError:
+        with open(name, "rb"):  # Which knows the error's own class and number.
+            raise
+
+
+def reads(
+    text: str | bytes,
+    format: Format | None = None,
+    *,
+    directed: bool | None = None,
+    ids_are_indices: bool = False,
+    strict: bool = False,
+    keep_weights: bool = False,
+    most_vertices: int | None = None,
+    most_bytes: int | None = None,
+    notes: list[Note] | None = None,
+    progress: Progress = "auto",
+) -> Network:
+    """Read a network from the text, or the bytes, of a file; as `read`.
+
+    Examples
+    --------
+    >>> veq.reads("Ada Bob\\nBob Eve\\n").names
+    ['Ada', 'Bob', 'Eve']
+    """
+    source = text.encode("utf-8", "surrogateescape") if isinstance(text, str) else bytes(text)
+    return _read(
+        source,
+        True,
+        notes,
+        format,
+        directed,
+        ids_are_indices,
+        strict,
+        keep_weights,
+        most_vertices,
+        most_bytes,
+        progress,
+    )
+
+
+def save(
+    self: Network,
+    path: PathName,
+    *,
+    format: Format | None = None,
+    progress: Progress = "auto",
+) -> None:
+    """Write the network to a file, atomically, in the format of its suffix or the one given.
+
+    GraphML and the archive (".veqa") keep everything.
+
+    Raises
+    ------
+    OSError, ValueError
+        Why the file could not be written, or what the format cannot hold.
+    """
+    name = os.fsencode(path)
+    with following(progress, "bytes") as call:
+        try:
+            _core.write(self, name, format, call)
+        except OSError as error:
+            raise _with_path(error, os.fsdecode(path)) from None
+
+
+def _with_path(error: OSError, path: str) -> OSError:
+    """The class that Python itself would raise for what is in the way of a file."""
+    if error.errno is not None:
+        return error
+    folder = os.path.dirname(path) or "."
+    if os.path.isdir(path):
+        return IsADirectoryError(21, os.strerror(21), path)
+    if not os.path.isdir(folder):
+        return FileNotFoundError(2, os.strerror(2), path)
+    if not os.access(folder, os.W_OK):
+        return PermissionError(13, os.strerror(13), path)
+    return OSError(f"{path}: {error}")
+
+
+def dumps(self: Network, format: Format = "xnet") -> str:
+    """The text of a file of that format.
+
+    Examples
+    --------
+    >>> print(veq.Network([0, 1], [1, 2]).dumps("matrix-market").splitlines()[0])
+    %%MatrixMarket matrix coordinate pattern symmetric
+    """
+    return _core.text(self, format).decode("utf-8", "surrogateescape")
+
+
+def vertex_table(self: Network) -> str:
+    """The vertices as a CSV table to go with the edges of a CSV file."""
+    return _core.vertex_table(self).decode("utf-8", "surrogateescape")

@@ -1,0 +1,146 @@
+"""Model networks.
+
+All draw from ``seed``: an integer from 1 to 2**32 - 1, a `RandomState`, which is moved, or None for
+the process's own sequence. The same seed gives the same network as in C++, on every machine.
+"""
+
+from __future__ import annotations
+
+from collections.abc import Callable
+from typing import Any, Literal
+
+import numpy as np
+from numpy.typing import ArrayLike
+
+from . import _arrays, _core
+from ._network import Network
+from ._progress import Progress, following
+from ._random import Seed, drawn_from
+
+
+def _made(
+    make: Callable[..., _core.Network], progress: Progress, *arguments: Any, seed: Seed
+) -> Network:
+    random = drawn_from(seed)
+    with following(progress, "draws") as call:
+        return Network._of(make(*arguments, random, call))
+
+
+def gnp(
+    n: int, p: float, *, directed: bool = False, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
+    """Each pair of different vertices is linked with probability ``p``. Expected O(n + m).
+
+    Examples
+    --------
+    >>> veq.gnp(4, 1.0, seed=1).num_edges
+    6
+    """
+    return _made(_core.gnp, progress, _arrays.count(n, "n"), float(p), directed, seed=seed)
+
+
+def gnm(
+    n: int, m: int, *, directed: bool = False, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
+    """``m`` edges between different pairs of different vertices, every such set alike."""
+    counts = _arrays.count(n, "n"), _arrays.count(m, "m")
+    return _made(_core.gnm, progress, *counts, directed, seed=seed)
+
+
+def barabasi_albert(
+    n: int, m: int, *, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
+    """Preferential attachment: each vertex from ``m`` on links to ``m`` different older ones."""
+    counts = _arrays.count(n, "n"), _arrays.count(m, "m")
+    return _made(_core.barabasi_albert, progress, *counts, seed=seed)
+
+
+def configuration(
+    degrees: ArrayLike,
+    law: Literal["pairing", "simple"] = "pairing",
+    *,
+    seed: Seed = None,
+    progress: Progress = "auto",
+) -> Network:
+    """A network with the given degrees; ``"simple"`` without loops and parallel edges."""
+    if law not in ("pairing", "simple"):
+        raise ValueError(f"law {law!r}: give one of 'pairing', 'simple'")
+    each = _arrays.indices(degrees, "degrees")
+    if each.dtype.kind == "i" and (each < 0).any():
+        place = int(np.argmax(each < 0))
+        raise ValueError(f"degrees {place}: {each[place]} is below 0")
+    return _made(_core.configuration, progress, each, law == "simple", seed=seed)
+
+
+def watts_strogatz(
+    n: int, k: int, p: float, *, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
+    """A ring linked to the ``k`` next vertices on each side, each edge redrawn with ``p``."""
+    counts = _arrays.count(n, "n"), _arrays.count(k, "k")
+    return _made(_core.watts_strogatz, progress, *counts, float(p), seed=seed)
+
+
+def lattice(
+    sizes: ArrayLike, *, periodic: bool = False, progress: Progress = "auto"
+) -> Network:
+    """The grid of any number of dimensions; vertex x + sizes[0] y + ... is at (x, y, ...).
+
+    Examples
+    --------
+    >>> veq.lattice([3, 2]).num_edges
+    7
+    """
+    each = _arrays.indices(sizes, "sizes")
+    if each.dtype.kind == "i" and (each < 0).any():
+        place = int(np.argmax(each < 0))
+        raise ValueError(f"sizes {place}: {each[place]} is below 0")
+    with following(progress, "edges") as call:
+        return Network._of(_core.lattice(each, periodic, call))
+
+
+def geometric(
+    n: int,
+    radius: float,
+    *,
+    dimensions: int = 2,
+    seed: Seed = None,
+    progress: Progress = "auto",
+) -> Network:
+    """Vertices anywhere in the unit square or cube, linked where they are near; "Position"."""
+    numbers = _arrays.count(n, "n"), float(radius), _arrays.count(dimensions, "dimensions")
+    return _made(_core.geometric, progress, *numbers, seed=seed)
+
+
+def block_model(
+    sizes: ArrayLike,
+    probabilities: ArrayLike,
+    *,
+    directed: bool = False,
+    seed: Seed = None,
+    progress: Progress = "auto",
+) -> Network:
+    """The stochastic block model; ``probabilities`` has shape (blocks, blocks)."""
+    shares = np.ascontiguousarray(probabilities, dtype=np.float64).ravel()
+    each = _arrays.indices(sizes, "sizes")
+    return _made(_core.block, progress, each, shares, directed, seed=seed)
+
+
+def rewired(
+    network: Network, tries: int, *, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
+    """Pairs of edges exchange their targets, so that all degrees stay; no new loops or parallels."""
+    return _made(_core.rewired, progress, network, _arrays.count(tries, "tries"), seed=seed)
+
+
+def preferential_attachment(n: int, degree: int) -> Network:
+    """What ``veq generate barabasi`` grows. Draws from the process's own sequence alone."""
+    counts = _arrays.count(n, "n"), _arrays.count(degree, "degree")
+    return Network._of(_core.preferential_attachment(*counts))
+
+
+def random_network(n: int, degree: float) -> Network:
+    """What ``veq generate random`` grows. Draws from the process's own sequence alone.
+
+    Vertices after the last one with an edge are left out.
+    """
+    return Network._of(_core.random_network(_arrays.count(n, "n"), float(degree)))

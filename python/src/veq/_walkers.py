@@ -1,0 +1,316 @@
+"""Agents that walk at random."""
+
+from __future__ import annotations
+
+from collections.abc import Sequence
+from typing import Any, Literal, NamedTuple, Self
+
+import numpy as np
+from numpy.typing import ArrayLike, NDArray
+
+from . import _arrays, _core
+from ._ask import FloatArray
+from ._derive import IntArray
+from ._network import Network
+from ._progress import Progress, following
+from ._random import Seed, drawn_from
+
+Choice = Literal["published", "even", "weighted"]
+
+
+class Paths:
+    """Where agents arrived, step by step. It outlives agents and network."""
+
+    __slots__ = ("moves", "starts")
+
+    def __init__(self, moves: NDArray[Any], starts: IntArray) -> None:
+        self.moves = moves
+        """Of shape (steps, agents): the walk's own memory, read-only; `stayed` where one stayed."""
+        self.starts = starts
+        """Where each agent began, of shape (agents,)."""
+
+    @property
+    def stayed(self) -> int:
+        """The entry of an agent that could not move: all bits set."""
+        return int(np.iinfo(self.moves.dtype).max)
+
+    @property
+    def shape(self) -> tuple[int, int]:
+        """(agents, steps)"""
+        return self.moves.shape[1], self.moves.shape[0]
+
+    def filled(self, *, start: bool = False) -> NDArray[Any]:
+        """Where each agent stood after each step, of shape (agents, steps).
+
+        With ``start`` the first column is where it began. One that could not move stands where it
+        was.
+        """
+        steps = np.vstack([self.starts.astype(self.moves.dtype)[np.newaxis], self.moves])
+        moved = steps != self.stayed
+        moved[0] = True
+        last = np.where(moved, np.arange(len(steps))[:, np.newaxis], 0)
+        np.maximum.accumulate(last, axis=0, out=last)
+        standing = np.take_along_axis(steps, last, axis=0).T
+        return np.ascontiguousarray(standing if start else standing[:, 1:])
+
+    def masked(self) -> np.ma.MaskedArray[Any, Any]:
+        """The arrivals, of shape (agents, steps), masked where an agent stayed. No copy of them."""
+        return np.ma.MaskedArray(self.moves.T, self.moves.T == self.stayed)
+
+    def ragged(self) -> tuple[IntArray, NDArray[Any]]:
+        """Offsets and arrivals, agent by agent, without the steps in which one stayed."""
+        moved = self.moves.T != self.stayed
+        offsets = np.concatenate([[0], moved.sum(axis=1).cumsum()]).astype(np.int64)
+        return offsets, self.moves.T[moved]
+
+    def __len__(self) -> int:
+        return self.moves.shape[1]
+
+    def __array__(self, dtype: Any = None, copy: bool | None = None) -> NDArray[Any]:
+        if copy is False:
+            raise ValueError("paths are made when they are asked for; `moves` is without a copy")
+        made = self.filled()
+        return made if dtype is None else made.astype(dtype)
+
+    def __repr__(self) -> str:
+        return f"<veq.Paths: {self.shape[0]} agents, {self.shape[1]} steps>"
+
+
+class Coverage(NamedTuple):
+    """The steps that first arrived at some vertex, and how many had been arrived at by then."""
+
+    steps: IntArray
+    vertices: IntArray
+
+
+class Walk(NamedTuple):
+    """What a walk has led to."""
+
+    end: Literal["steps", "target", "stopped", "stuck", "draws"]
+    """All steps were made, the target was met, ``progress`` returned False, nobody can ever move
+    again, or the substream has too few draws left."""
+    steps: int
+    paths: Paths | None
+    first_arrivals: IntArray | None
+    """For each vertex the step, from 1, in which one first arrived; -1 for never."""
+    coverage: Coverage | None
+
+
+class Walkers(_core.Walkers):
+    """Agents on the vertices of a network, which walk at random.
+
+    Parameters
+    ----------
+    starts : array_like of integers, or of names
+        Where the agents stand, one for each.
+    memory : int or array_like of integers, optional
+        How many visits each remembers, and avoids where it can; at least 1.
+    errors : float or array_like of floats
+        The probability of remembering a wrong vertex.
+    listeners : Network, optional
+        In it vertex i stands for agent i, which passes on what it remembers along its links.
+
+    Raises
+    ------
+    ValueError
+        "start 2: vertex 7 of 5"; "agent 1: memory size 0"; "agent 1: error 1.5, not 0 to 1".
+
+    Examples
+    --------
+    >>> ring = veq.lattice([5], periodic=True)
+    >>> walkers = veq.Walkers(ring, [0, 0])
+    >>> walkers.walk(100, seed=1).end
+    'steps'
+    >>> int(walkers.visits().sum())
+    200
+    """
+
+    __slots__ = ("__weakref__", "network")
+
+    def __init__(
+        self,
+        network: Network,
+        starts: ArrayLike | Sequence[str],
+        *,
+        memory: ArrayLike | None = None,
+        errors: ArrayLike | None = None,
+        listeners: Network | None = None,
+    ) -> None:
+        if memory is None and (errors is not None or listeners is not None):
+            raise ValueError("errors and listeners need a memory")
+        where: Any = [starts] if isinstance(starts, str) else starts
+        if not isinstance(where, np.ndarray) and isinstance(where, Sequence):
+            where = [network.index(v) if isinstance(v, str) else v for v in where]
+        super().__init__(
+            network,
+            _arrays.indices(where, "start"),
+            None if memory is None else _arrays.indices(np.atleast_1d(memory), "memory"),
+            None if errors is None else _arrays.numbers(np.atleast_1d(errors), "errors"),
+            listeners,
+        )
+        self.network = network
+
+    @classmethod
+    def uniform(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
+        """So many agents at vertices drawn each alike."""
+        count = _arrays.count(agents, "agents")
+        return cls(network, _core.starts(network, count, False, drawn_from(seed)), **more)
+
+    @classmethod
+    def by_degree(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
+        """So many agents at vertices drawn by the lengths of their lists."""
+        count = _arrays.count(agents, "agents")
+        return cls(network, _core.starts(network, count, True, drawn_from(seed)), **more)
+
+    def walk(
+        self,
+        steps: int | None = None,
+        *,
+        until: float | None = None,
+        paths: bool = False,
+        first_arrivals: bool = False,
+        choice: Choice = "published",
+        restart: float = 0.0,
+        seed: Seed = None,
+        progress: Progress = "auto",
+    ) -> Walk:
+        """Walk, every agent one edge in each step.
+
+        An interrupt, or what ``progress`` raises, ends the walk after a whole step, with everything
+        consistent, and then is raised. Other threads run on.
+
+        Parameters
+        ----------
+        steps
+            How many at most; without it the walk goes on until its target is met.
+        until
+            Above 0 and up to 1: the walk ends when that share of the vertices was arrived at.
+        paths, first_arrivals
+            Whether to tell the paths; when each vertex was first arrived at, and the coverage.
+        choice
+            ``"even"``: each entry of a list alike; ``"weighted"``: by the weights of the edges;
+            ``"published"``: the first and the last entry half as often as each other.
+        restart
+            The probability with which a step leads the agent back to where it was put.
+        seed
+            An integer, a `RandomState`, which is moved, or None for the process's sequence.
+        progress
+            ``"auto"`` shows a bar of tqdm after 1.5 s where somebody looks; a callable gets the
+            steps done and all, every 50 ms, and ends the walk by returning False.
+        """
+        random = drawn_from(seed)
+        limit = None if steps is None else _arrays.count(steps, "steps")
+        with following(progress, "steps") as call:
+            end, made, moves, first, coverage = self._walk(
+                limit,
+                None if until is None else float(until),
+                paths,
+                first_arrivals,
+                choice,
+                float(restart),
+                random,
+                call,
+            )
+        return Walk(
+            end,
+            made,
+            None if moves is None else Paths(*moves),
+            first,
+            None if coverage is None else Coverage(*coverage),
+        )
+
+    @property
+    def positions(self) -> IntArray:
+        """Where the agents stand, of shape (agents,); a copy."""
+        return self._positions()
+
+    def visits(self, agent: int | None = None, *, live: bool = False) -> IntArray:
+        """How often one agent, or all together, arrived at each vertex, of shape (n,).
+
+        A snapshot; with ``live`` the agent's own array, which later walks change, until `forget`.
+        """
+        if not live:
+            return self._visits(None if agent is None else _arrays.single(agent, "agent"))
+        if agent is None:
+            raise ValueError("live visits are those of one agent")
+        return self._live_visits(_arrays.single(agent, "agent"))
+
+    def remembered(self, agent: int) -> IntArray:
+        """What the agent remembers, the oldest first; empty for one without memory."""
+        return self._remembered(_arrays.single(agent, "agent"))
+
+    def forget(self) -> None:
+        """Forget all visits and what has been reached; positions stay."""
+        self._forget()
+
+    def __len__(self) -> int:
+        return self.num_agents
+
+    def __repr__(self) -> str:
+        return f"<veq.Walkers: {self.num_agents} agents on {self.network!r}>"
+
+    def __reduce__(self) -> Any:
+        raise TypeError("agents cannot be pickled: send the network, their starts and a seed")
+
+
+class HittingTimes(NamedTuple):
+    """Mean numbers of steps, of shape (n,), and how wrong they may be, relatively."""
+
+    steps: FloatArray
+    relative_error: float
+
+
+class WalkLaw(_core.WalkLaw):
+    """The transition probabilities of a walk of one agent without memory, and what follows.
+
+    Examples
+    --------
+    >>> law = veq.WalkLaw(veq.Network([0, 1], [1, 2]), choice="even")
+    >>> law.stationary().tolist()
+    [0.25, 0.5, 0.25]
+    >>> law.hitting_times(2).steps.tolist()
+    [4.0, 3.0, 4.0]
+    """
+
+    __slots__ = ("_solving",)
+
+    def __init__(
+        self,
+        network: Network,
+        *,
+        choice: Choice = "published",
+        restart: float = 0.0,
+        start: object = 0,
+        solved_up_to: int = 1500,
+        precision: float = 1e-10,
+        most_rounds: int = 100_000,
+    ) -> None:
+        super().__init__(network, choice, float(restart), network._vertex(start))
+        self._solving = (solved_up_to, float(precision), most_rounds)
+
+    def matrix(self) -> tuple[NDArray[Any], NDArray[Any], FloatArray]:
+        """Row starts, targets and shares (compressed sparse rows); read-only, no copies."""
+        return self._matrix()
+
+    def dead_ends(self) -> NDArray[Any]:
+        """The vertices where a walk stays for want of edges."""
+        return self._dead_ends()
+
+    def stationary(self, *, progress: Progress = "auto") -> FloatArray:
+        """The share of its steps that a walk spends at each vertex in the long run."""
+        with following(progress, "rounds") as call:
+            return self._stationary(*self._solving, call)[0]
+
+    def hitting_times(self, target: int, *, progress: Progress = "auto") -> HittingTimes:
+        """The mean number of steps from each vertex to the first arrival at the target."""
+        with following(progress, "rounds") as call:
+            return HittingTimes(
+                *self._hitting_times(_arrays.single(target, "vertex"), *self._solving, call)
+            )
+
+    def cover_time(
+        self, start: int, *, start_counts: bool = False, progress: Progress = "auto"
+    ) -> tuple[float, float]:
+        """Bounds of the mean number of steps until a walk has been everywhere."""
+        with following(progress, "sets") as call:
+            return self._cover_time(_arrays.single(start, "vertex"), start_counts, call)

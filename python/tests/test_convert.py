@@ -1,0 +1,200 @@
+"""Other libraries' graphs, there and back, and NetworkX as a judge."""
+
+import networkx as nx
+import numpy as np
+import pytest
+from hypothesis import given, settings
+from hypothesis import strategies as st
+
+import veq
+
+settings.register_profile("veq", deadline=None, max_examples=60)
+settings.load_profile("veq")
+
+KEYS = st.sampled_from(["Age", "x", "Some words", "Größe"])
+
+
+@st.composite
+def networks(draw, columns=True):
+    """Multigraphs with loops, isolated vertices, weights and columns."""
+    n = draw(st.integers(0, 8))
+    vertex = st.integers(0, n - 1)
+    ends = draw(st.lists(st.tuples(vertex, vertex), max_size=14)) if n else []
+    m = len(ends)
+    weights = st.floats(0, 2**20, width=32)
+    network = veq.Network(
+        [a for a, _ in ends],
+        [b for _, b in ends],
+        n=n,
+        directed=draw(st.booleans()),
+        edge_weights=draw(st.none() | st.lists(weights, min_size=m, max_size=m)),
+        vertex_weights=draw(st.none() | st.lists(weights, min_size=n, max_size=n)),
+    )
+    if columns:
+        for data, count in ((network.vertex_data, n), (network.edge_data, m)):
+            for key in draw(st.sets(KEYS)):
+                data[key] = draw(values(count))
+    return network
+
+
+def values(count):
+    """One column: of integers, of doubles, of vectors, or of texts of which some are not set."""
+    whole = st.integers(-(2**63), 2**63 - 1)
+    numbers = st.floats(allow_nan=False)
+    text = st.text(st.characters(exclude_categories=["Cs"], exclude_characters="\0"), max_size=5)
+    kinds = [whole, numbers, st.tuples(numbers, numbers), st.tuples(*[numbers] * 3)]
+    return st.one_of([st.lists(kind, min_size=count, max_size=count) for kind in kinds]) | st.lists(
+        st.none() | text, min_size=count, max_size=count
+    )
+
+
+def same_columns(a, b):
+    for one, other in ((a.vertex_data, b.vertex_data), (a.edge_data, b.edge_data)):
+        for key in set(one) | set(other):
+            if key not in other:
+                # Nothing was set in it, or there was nothing to set.
+                assert all(value is None for value in one[key].tolist())
+                continue
+            assert one[key].tolist() == other[key].tolist(), key
+
+
+def same(a, b, columns=True):
+    assert (a.num_vertices, a.directed) == (b.num_vertices, b.directed)
+    assert np.array_equal(a.edges, b.edges)
+    for one, other in ((a.vertex_weights, b.vertex_weights), (a.edge_weights, b.edge_weights)):
+        if one is None or len(one) == 0:
+            assert other is None or len(other) == 0
+        else:
+            assert np.array_equal(one, other)
+    if columns:
+        same_columns(a, b)
+
+
+def in_their_order(network):
+    """NetworkX tells undirected edges from the end that it met first."""
+    return sorted(map(tuple, np.sort(network.edges, axis=1).tolist()))
+
+
+@given(networks())
+def test_networkx_there_and_back(network):
+    graph = network.to_networkx(multigraph=True)
+    again = veq.Network.from_networkx(graph)
+    assert (again.num_vertices, again.directed) == (network.num_vertices, network.directed)
+    assert in_their_order(again) == in_their_order(network)
+    assert sum(again.strengths()) == pytest.approx(sum(network.strengths()))
+    same_columns_of_vertices = {
+        key: network.vertex_data[key].tolist() for key in network.vertex_data
+    }
+    for key, column in same_columns_of_vertices.items():
+        if key in again.vertex_data:
+            assert again.vertex_data[key].tolist() == column
+        else:
+            assert all(value is None for value in column)
+    if network.directed:
+        # NetworkX has them source by source and target by target, parallel ones in their order.
+        ours, theirs = (np.lexsort((one.targets, one.sources)) for one in (network, again))
+        for key in again.edge_data:
+            columns = network.edge_data[key].tolist(), again.edge_data[key].tolist()
+            assert [columns[0][e] for e in ours] == [columns[1][e] for e in theirs]
+
+
+@given(networks(columns=False))
+def test_networkx_judges_degrees_components_and_matrices(network):
+    graph = network.to_networkx(multigraph=True)
+    n = network.num_vertices
+    degrees = dict(graph.degree())
+    assert network.degrees("all").tolist() == [degrees[v] for v in range(n)]
+    if network.directed:
+        assert network.degrees("in").tolist() == [graph.in_degree(v) for v in range(n)]
+        components = nx.weakly_connected_components(graph)
+    else:
+        components = nx.connected_components(graph)
+    labels = network.components()
+    ours = {frozenset(np.flatnonzero(labels == k).tolist()) for k in set(labels.tolist())}
+    assert ours == set(map(frozenset, components))
+    strengths = dict(graph.degree(weight="weight"))
+    assert network.strengths("all").tolist() == pytest.approx([strengths[v] for v in range(n)])
+    if n:
+        theirs = nx.to_scipy_sparse_array(graph, nodelist=range(n), dtype=float, weight="weight")
+        assert np.allclose(network.to_scipy().toarray(), theirs.toarray())
+
+
+def test_parallel_edges_ask_for_a_multigraph():
+    assert not veq.Network([0, 1], [1, 2]).to_networkx().is_multigraph()
+    assert veq.Network([0, 1], [1, 0]).to_networkx().is_multigraph()
+    assert not veq.Network([0, 1], [1, 0], directed=True).to_networkx().is_multigraph()
+
+
+def test_labels():
+    network = veq.Network.from_names([("Ada", "Bob")])
+    assert list(network.to_networkx(labels="name")) == ["Ada", "Bob"]
+    assert list(network.to_networkx()) == [0, 1]
+    assert veq.Network.from_networkx(network.to_networkx(labels="name")).names == ["Ada", "Bob"]
+    assert veq.Network.from_networkx(network.to_networkx()).names == ["Ada", "Bob"]
+
+
+def test_exact_weights_survive():
+    graph = nx.Graph()
+    graph.add_edge(0, 1, weight=0.1)
+    network = veq.Network.from_networkx(graph)
+    assert network.edge_weights.tolist() == [np.float32(0.1)]
+    assert network.to_networkx().edges[0, 1] == {"weight": 0.1}
+
+
+def test_attributes_that_no_column_holds():
+    graph = nx.Graph()
+    graph.add_node(0, tags={"a"})
+    with pytest.raises(ValueError, match="^column tags: value 0 is a set, not None"):
+        veq.Network.from_networkx(graph)
+    assert veq.Network.from_networkx(graph, other="text").vertex_data["tags"].tolist() == ["{'a'}"]
+
+
+@given(networks())
+def test_igraph_there_and_back(network):
+    pytest.importorskip("igraph")
+    same(veq.Network.from_igraph(network.to_igraph()), network)
+
+
+@given(networks(columns=False))
+def test_scipy_there_and_back(network):
+    again = veq.Network.from_scipy(network.to_scipy(), directed=network.directed)
+    assert np.allclose(again.to_scipy().toarray(), network.to_scipy().toarray())
+    assert again.num_vertices == network.num_vertices
+
+
+def test_scipy_refuses():
+    with pytest.raises(ValueError, match="^the matrix is not symmetric: give directed=True$"):
+        veq.Network.from_scipy([[0, 1], [0, 0]])
+    with pytest.raises(ValueError, match=r"^a matrix of shape \(1, 2\): as many columns as rows$"):
+        veq.Network.from_scipy([[0, 1]])
+
+
+@pytest.mark.parametrize("library", ["pandas", "polars", "arrow"])
+@given(network=networks())
+def test_tables_there_and_back(library, network):
+    pytest.importorskip("pyarrow" if library == "arrow" else library)
+    edges, vertices = getattr(network, f"to_{library}")()
+    same(veq.Network.from_frames(edges, vertices, directed=network.directed), network)
+
+
+def test_tables_of_others():
+    pandas = pytest.importorskip("pandas")
+    table = pandas.DataFrame({"source": [0, 1], "target": [1, 2], "weight": [1.5, 2.0]})
+    network = veq.Network.from_frames(table)
+    assert network.edge_weights.tolist() == [1.5, 2]
+    assert veq.Network(table["source"], table["target"]).num_edges == 2
+
+
+def test_plot():
+    matplotlib = pytest.importorskip("matplotlib")
+    matplotlib.use("Agg")
+    network = veq.geometric(30, 0.3, seed=1)
+    network.vertex_data["Visits"] = np.arange(30)
+    axes = network.plot(color="Visits", names=True)
+    points, = [one for one in axes.collections if len(one.get_offsets()) == 30]
+    assert np.allclose(points.get_offsets(), network.vertex_data["Position"][:, :2])
+    assert points.get_array().tolist() == list(range(30))
+    lines = axes.collections[0]
+    assert len(lines.get_segments()) == network.num_edges
+    with pytest.raises(ValueError, match=r"^positions of shape \(2,\) for 30 vertices: \(n, 2\)$"):
+        network.plot(positions=[1, 2])
