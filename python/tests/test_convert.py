@@ -58,16 +58,18 @@ def same_columns(a, b):
             assert one[key].tolist() == other[key].tolist(), key
 
 
-def same(a, b, columns=True):
+def same(a, b, ends_in_order=True):
     assert (a.num_vertices, a.directed) == (b.num_vertices, b.directed)
-    assert np.array_equal(a.edges, b.edges)
+    if ends_in_order or a.directed:
+        assert np.array_equal(a.edges, b.edges)
+    else:
+        assert np.array_equal(np.sort(a.edges, axis=1), np.sort(b.edges, axis=1))
     for one, other in ((a.vertex_weights, b.vertex_weights), (a.edge_weights, b.edge_weights)):
         if one is None or len(one) == 0:
             assert other is None or len(other) == 0
         else:
             assert np.array_equal(one, other)
-    if columns:
-        same_columns(a, b)
+    same_columns(a, b)
 
 
 def in_their_order(network):
@@ -152,7 +154,8 @@ def test_attributes_that_no_column_holds():
 @given(networks())
 def test_igraph_there_and_back(network):
     pytest.importorskip("igraph")
-    same(veq.Network.from_igraph(network.to_igraph()), network)
+    # Which end of an undirected edge came first is not kept there.
+    same(veq.Network.from_igraph(network.to_igraph()), network, ends_in_order=False)
 
 
 @given(networks(columns=False))

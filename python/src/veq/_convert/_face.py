@@ -42,7 +42,10 @@ class Converting(Asking):
         return _networkx.from_networkx(cast("type[Network]", cls), graph, other)
 
     def to_igraph(self) -> Any:
-        """A graph of igraph; the column "Name" is its "name"."""
+        """A graph of igraph; the column "Name" is its "name".
+
+        Which end of an undirected edge comes first is not kept there.
+        """
         return _igraph.to_igraph(cast("Network", self))
 
     @classmethod
