@@ -135,7 +135,7 @@ TEST(AdjacencyStore, ListsAreTheSameHoweverTheEdgesCame) {
     for (const std::uint64_t limit : {AdjacencyStore::kNarrowLimit, std::uint64_t{0}}) {
       const AdjacencyStore whole = storeOf(4, first + ' ' + second, directed, limit);
       AdjacencyStore grown = storeOf(4, first, directed, limit);
-      insert(grown, second);
+      insertInto(grown, second);
       EXPECT_EQ(whole.isNarrow(), limit != 0);
       EXPECT_EQ(grown.isNarrow(), limit != 0);
       for (std::uint64_t v = 0; v < 4; ++v) {
