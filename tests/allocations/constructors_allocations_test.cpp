@@ -115,7 +115,7 @@ const Files& files() {
 
 const std::string archiveBytes = archived(*source);
 
-void seed() { VEQRandomGenerator::sharedRandomGenerator()->setRandomSeed(1); }
+void seedWithOne() { VEQRandomGenerator::sharedRandomGenerator()->setRandomSeed(1); }
 
 struct Way {
   const char* name;
@@ -132,12 +132,12 @@ TEST_P(EveryConstructor, MakesANetworkOrNone) {
   // With a log that formats its lines and one that does not.
   for (const DiagnosticSink& sink : {DiagnosticSink(), DiagnosticSink([](std::string_view) {})}) {
     DiagnosticSink previous = setDiagnosticSink(sink);
-    seed();
+    seedWithOne();
     const std::string whole = dump(way.make().get());
     Network made;
     std::uint64_t none = 0;
     const std::uint64_t failures =
-        forEachFailingAllocation([] { return (seed(), 0); }, [&](int) { made = way.make(); },
+        forEachFailingAllocation([] { return (seedWithOne(), 0); }, [&](int) { made = way.make(); },
                                  [&](int, bool failed) {
                                    EXPECT_FALSE(failed) << "It must not throw.";
                                    none += !made;
