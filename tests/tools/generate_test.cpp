@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tests/support/literal_models.hpp"
 #include "tests/tools/program.hpp"
+#include "veq/veq.hpp"
 
 namespace veq::test {
 namespace {

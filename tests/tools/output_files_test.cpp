@@ -34,7 +34,7 @@ class Watch {
   [[nodiscard]] Changes changesOf(const std::string& name) const {
     Changes changes;
     alignas(inotify_event) char events[4096];
-    for (ssize_t size = 0; (size = read(queue_, events, sizeof events)) > 0;) {
+    for (ssize_t size = 0; (size = ::read(queue_, events, sizeof events)) > 0;) {
       for (const char* at = events; at < events + size;) {
         const auto* const event = reinterpret_cast<const inotify_event*>(at);
         if (event->len > 0 && name == event->name) {

@@ -54,7 +54,7 @@ class TerminalRun {
   std::string readUntil(const std::string& text) {
     char buffer[256];
     while (shown_.find(text) == std::string::npos) {
-      const ssize_t count = read(terminal_, buffer, sizeof buffer);
+      const ssize_t count = ::read(terminal_, buffer, sizeof buffer);
       if (count <= 0) break;  // the program has ended
       shown_.append(buffer, static_cast<std::size_t>(count));
     }
