@@ -5,7 +5,9 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <limits>
+#include <memory>
 #include <new>
 #include <span>
 #include <stdexcept>
@@ -361,6 +363,68 @@ TEST(NumberArrayValues, ACopyOfAFixedArrayIsEditable) {
 TEST(NumberArrayValues, EmptyOnesHaveNothingToVisit) {
   const VEQNumberArray empty;
   EXPECT_THAT(empty.values<double>(), IsEmpty());
+}
+
+TEST(ForeignNumberArray, IsReadWhereItLies) {
+  const std::vector<std::int64_t> numbers{4, -5, 6};
+  const auto owner = std::make_shared<int>(0);
+  const auto array = VEQNumberArray::over(std::span<const std::int64_t>(numbers), owner);
+  const VEQNumberArray& read = *array;
+  EXPECT_EQ(array->count(), 3U);
+  EXPECT_EQ(array->elementType(), ElementType::kInteger);
+  EXPECT_TRUE(array->isEditable());
+  EXPECT_EQ(read.values<std::int64_t>().data(), numbers.data());
+  EXPECT_EQ(read.VEQ_dataPointer(), numbers.data());
+  EXPECT_EQ(array->integerValueAtIndex(1), -5);
+  EXPECT_EQ(array->objectAtIndex(2), PropertyValue(6));
+  EXPECT_THAT(array->toVector(), ElementsAre(4.0, -5.0, 6.0));
+  EXPECT_THAT(array->subarrayWithIndices(VEQNumberArray::ofIndices({2, 0}))->toVector(),
+              ElementsAre(6.0, 4.0));
+  EXPECT_EQ(array->stringValueWithSeparator(","), "4,-5,6");
+  EXPECT_THROW(static_cast<void>(read.values<double>()), WrongElementType);
+  EXPECT_THROW(static_cast<void>(array->values<double>()), WrongElementType);
+  EXPECT_THROW(static_cast<void>(array->numberAtIndex(3)), std::out_of_range);
+  EXPECT_EQ(owner.use_count(), 2);
+}
+
+TEST(ForeignNumberArray, IsCopiedByEveryChange) {
+  const std::vector<double> numbers{4, 5};
+  const std::vector<std::function<void(VEQNumberArray&)>> changes{
+      [](VEQNumberArray& a) { a.setIntegerValue_atIndex(9, 0); },
+      [](VEQNumberArray& a) { a.replaceObjectAtIndex_withObject(0, 9); },
+      [](VEQNumberArray& a) { a.addObject(9); },
+      [](VEQNumberArray& a) { a.addObjectsFromArray(a); },
+      [](VEQNumberArray& a) { a.appendUnset(1); },
+      [](VEQNumberArray& a) { a.values<double>()[0] = 9; },
+      [](VEQNumberArray& a) { *static_cast<double*>(a.VEQ_dataPointer()) = 9; }};
+  for (const auto& change : changes) {
+    const auto owner = std::make_shared<int>(0);
+    const auto array = VEQNumberArray::over(std::span<const double>(numbers), owner);
+    change(*array);
+    EXPECT_EQ(owner.use_count(), 1);
+    EXPECT_EQ(array->elementType(), ElementType::kDouble);
+    EXPECT_TRUE(array->count() > 2 || array->integerValueAtIndex(0) == 9);
+    EXPECT_EQ(array->integerValueAtIndex(1), 5);
+    EXPECT_THAT(numbers, ElementsAre(4, 5));
+  }
+}
+
+TEST(ForeignNumberArray, IsCopiedAndMovedAsAValue) {
+  const std::vector<float> numbers{1, 2};
+  const auto owner = std::make_shared<int>(0);
+  VEQNumberArray array = *VEQNumberArray::over(std::span<const float>(numbers), owner);
+  const VEQNumberArray copy = array;
+  const VEQNumberArray moved = std::move(array);
+  EXPECT_EQ(copy.values<float>().data(), numbers.data());
+  EXPECT_EQ(moved.values<float>().data(), numbers.data());
+  // NOLINTNEXTLINE(bugprone-use-after-move): empty, of its type and ready for use.
+  EXPECT_EQ(array.count(), 0U);
+  array.addObject(7);
+  EXPECT_THAT(array.values<float>(), ElementsAre(7));
+  const auto fixed = copy.fixedCopy();
+  EXPECT_THROW(fixed->addObject(1), std::invalid_argument);
+  EXPECT_EQ(static_cast<const VEQNumberArray&>(*fixed).VEQ_dataPointer(), numbers.data());
+  EXPECT_EQ(owner.use_count(), 4);
 }
 
 }  // namespace

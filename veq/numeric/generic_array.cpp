@@ -10,7 +10,8 @@ Owned<GenericArray> GenericArray::nullFilled(std::uint64_t count) {
 }
 
 Owned<GenericArray> GenericArray::subarrayWithIndices(const VEQNumberArray& indices) const {
-  return std::make_unique<GenericArray>(internal::gather(values_, indices));
+  return std::make_unique<GenericArray>(
+      internal::gather<std::vector<PropertyValue>>(values_, indices));
 }
 
 Owned<GenericArray> GenericArray::editableCopy() const {

@@ -157,7 +157,7 @@ Shared<VEQNumberArray> VEQNumberArray::numberArrayWithNumber_count(Number number
 
 ElementType VEQNumberArray::elementType() const {
   return static_cast<ElementType>(static_cast<int>(ElementType::kDouble) +
-                                  static_cast<int>(storage_.index()));
+                                  static_cast<int>(storage_.index() % kElementTypes));
 }
 
 Number VEQNumberArray::numberAtIndex(std::uint64_t index) const {
@@ -191,9 +191,9 @@ void VEQNumberArray::getUnsignedIntegerValues_count(std::uint64_t* buffer,
 }
 
 Owned<VEQNumberArray> VEQNumberArray::subarrayWithIndices(const VEQNumberArray& indices) const {
-  return std::visit(
-      [&indices](const auto& elements) { return owned(internal::gather(elements, indices)); },
-      storage_);
+  return visit([&indices]<class T>(std::span<const T> elements) {
+    return owned(internal::gather<RawVector<T>>(elements, indices));
+  });
 }
 
 Owned<VEQNumberArray> VEQNumberArray::editableCopy() const {
@@ -205,11 +205,29 @@ Owned<VEQNumberArray> VEQNumberArray::fixedCopy() const {
 }
 
 void* VEQNumberArray::VEQ_dataPointer() {
-  return std::visit([](auto& elements) -> void* { return elements.data(); }, storage_);
+  void* data = nullptr;
+  change([&data](auto& elements) { data = elements.data(); });
+  return data;
 }
 
 const void* VEQNumberArray::VEQ_dataPointer() const {
-  return std::visit([](const auto& elements) -> const void* { return elements.data(); }, storage_);
+  return visit([](auto elements) -> const void* { return elements.data(); });
+}
+
+void VEQNumberArray::copyForeign() {
+  storage_ = visit([]<class T>(std::span<const T> elements) {
+    return Storage(RawVector<T>(elements.begin(), elements.end()));
+  });
+}
+
+template <class F>
+void VEQNumberArray::change(F f) {
+  own();
+  std::visit(
+      [&f](auto& elements) {
+        if constexpr (requires { elements.capacity(); }) f(elements);
+      },
+      storage_);
 }
 
 std::uint64_t VEQNumberArray::doCount() const {
@@ -225,25 +243,22 @@ void VEQNumberArray::doSet(std::uint64_t index, PropertyValue&& value) {
   if (!number && !value.isNull()) {
     throw std::invalid_argument("A number array holds numbers only.");
   }
-  std::visit(
-      [index, number](auto& elements) {
-        using T = typename std::decay_t<decltype(elements)>::value_type;
-        elements[index] = number ? number->as<T>() : T{};
-      },
-      storage_);
+  change([index, number](auto& elements) {
+    using T = typename std::decay_t<decltype(elements)>::value_type;
+    elements[index] = number ? number->as<T>() : T{};
+  });
 }
 
 void VEQNumberArray::doReserve(std::uint64_t howManyMore) {
-  std::visit([howManyMore](auto& elements) { internal::reserveMore(elements, howManyMore); },
-             storage_);
+  change([howManyMore](auto& elements) { internal::reserveMore(elements, howManyMore); });
 }
 
 void VEQNumberArray::doAppendUnset(std::uint64_t howMany) {
-  std::visit([howMany](auto& elements) { internal::appendUnsetTo(elements, howMany); }, storage_);
+  change([howMany](auto& elements) { internal::appendUnsetTo(elements, howMany); });
 }
 
 void VEQNumberArray::doTruncate(std::uint64_t count) {
-  std::visit([count](auto& elements) { elements.resize(count); }, storage_);
+  change([count](auto& elements) { elements.resize(count); });
 }
 
 Owned<PropertyColumn> VEQNumberArray::doSubarray(const VEQNumberArray& indices) const {

@@ -54,6 +54,29 @@ struct UninitialisedAllocator : std::allocator<T> {
 template <class T>
 using RawVector = std::vector<T, UninitialisedAllocator<T>>;
 
+/// Elements in somebody else's memory, for reading alone.
+template <class T>
+class ForeignElements {
+ public:
+  ForeignElements(std::span<const T> elements, Shared<const void> owner)
+      : first_(std::move(owner), elements.data()), size_(elements.size()) {}
+  ForeignElements(const ForeignElements&) = default;
+  ForeignElements(ForeignElements&& other) noexcept
+      : first_(std::move(other.first_)), size_(std::exchange(other.size_, 0)) {}
+  ForeignElements& operator=(ForeignElements other) noexcept {
+    std::swap(first_, other.first_);
+    std::swap(size_, other.size_);
+    return *this;
+  }
+
+  [[nodiscard]] const T* data() const { return first_.get(); }
+  [[nodiscard]] std::size_t size() const { return size_; }
+
+ private:
+  Shared<const T> first_;  // A share of the owner.
+  std::size_t size_;
+};
+
 }  // namespace internal
 
 /// What values() throws where another element type is asked for than the array holds. The text says
@@ -111,6 +134,20 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   template <class T>
   explicit VEQNumberArray(internal::RawVector<T> storage)
       : PropertyColumn(Kind::kNumber), storage_(std::move(storage)) {}
+
+  /// An array of numbers that are read where they lie, such as in memory that processes share; T is
+  /// double, std::int64_t, float or std::uint64_t. They must stay as they are until the owner is
+  /// let go of. The first change, or the first call of what may change them, copies them; copies of
+  /// the array stand on the same memory. O(1).
+  template <class T>
+  [[nodiscard]] static Shared<VEQNumberArray> over(std::span<const T> values,
+                                                   Shared<const void> owner) {
+    return std::make_shared<VEQNumberArray>(internal::ForeignElements<T>(values, std::move(owner)));
+  }
+  /// The same by itself.
+  template <class T>
+  explicit VEQNumberArray(internal::ForeignElements<T> elements)
+      : PropertyColumn(Kind::kNumber), storage_(std::move(elements)) {}
 
   /// \name Constructors
   /// std::bad_alloc where the memory cannot be had. A pointer is not read where the count is 0.
@@ -191,7 +228,7 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   [[nodiscard]] Owned<VEQNumberArray> fixedCopy() const;
 
   /// The elements in one block, in the array's own element type; writable whatever isEditable()
-  /// says. The block moves only when the array grows.
+  /// says. The block moves only when the array grows, and when a foreign one is copied.
   [[nodiscard]] void* VEQ_dataPointer() VEQ_LIFETIME_BOUND;
   [[nodiscard]] const void* VEQ_dataPointer() const VEQ_LIFETIME_BOUND;
 
@@ -215,11 +252,16 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   /// @{
   template <class T>
       [[nodiscard]] std::span<T> values() & VEQ_LIFETIME_BOUND {
-    return elements<T>(storage_);
+    requireType<T>();
+    own();
+    return *std::get_if<internal::RawVector<T>>(&storage_);
   }
   template <class T>
   [[nodiscard]] std::span<const T> values() const& VEQ_LIFETIME_BOUND {
-    return elements<T>(storage_);
+    if (const auto* own = std::get_if<internal::RawVector<T>>(&storage_)) return *own;
+    requireType<T>();
+    const auto& foreign = *std::get_if<internal::ForeignElements<T>>(&storage_);
+    return {foreign.data(), foreign.size()};
   }
   template <class T>
   std::span<const T> values() const&& = delete;
@@ -228,19 +270,36 @@ class VEQ_EXPORT VEQNumberArray final : public PropertyColumn {
   /// Calls f with the span of elements in the array's own type.
   template <class F>
   decltype(auto) visit(F&& f) const {
-    return std::visit([&f](const auto& elements) { return f(std::span(elements)); }, storage_);
+    return std::visit(
+        [&f](const auto& elements) { return f(std::span(elements.data(), elements.size())); },
+        storage_);
   }
 
  private:
-  using Storage = std::variant<internal::RawVector<double>, internal::RawVector<std::int64_t>,
-                               internal::RawVector<float>, internal::RawVector<std::uint64_t>>;
+  // The four element types in the order of ElementType, as elements of the array's own and then as
+  // foreign ones.
+  using Storage =
+      std::variant<internal::RawVector<double>, internal::RawVector<std::int64_t>,
+                   internal::RawVector<float>, internal::RawVector<std::uint64_t>,
+                   internal::ForeignElements<double>, internal::ForeignElements<std::int64_t>,
+                   internal::ForeignElements<float>, internal::ForeignElements<std::uint64_t>>;
+  static constexpr std::size_t kElementTypes = 4;
 
-  template <class T, class Held>
-  auto& elements(Held& storage) const {
-    auto* const found = std::get_if<internal::RawVector<T>>(&storage);
-    if (found == nullptr) throw WrongElementType(elementType());
-    return *found;
+  template <class T>
+  void requireType() const {
+    if (!std::holds_alternative<internal::RawVector<T>>(storage_) &&
+        !std::holds_alternative<internal::ForeignElements<T>>(storage_)) {
+      throw WrongElementType(elementType());
+    }
   }
+  // Copies what is foreign, for whoever is about to change it.
+  void own() {
+    if (storage_.index() >= kElementTypes) copyForeign();
+  }
+  void copyForeign();
+  // Calls f with the vector of its own elements.
+  template <class F>
+  void change(F f);
 
   std::uint64_t doCount() const override;
   PropertyValue doGet(std::uint64_t index) const override;

@@ -95,7 +95,7 @@ auto VectorArray<kAxes>::subarrayWithIndices(const VEQNumberArray& indices) cons
   auto result = std::make_unique<Array>();
   VectorArray& made = *result;
   for (std::size_t axis = 0; axis < kAxes; ++axis) {
-    made.axes_[axis] = internal::gather(axes_[axis], indices);
+    made.axes_[axis] = internal::gather<std::vector<double>>(axes_[axis], indices);
   }
   made.precision_ = precision_;
   return result;

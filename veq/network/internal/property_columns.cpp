@@ -54,6 +54,8 @@ void setValues(PropertyTable& table, const PropertyMap& values, std::uint64_t in
   try {
     for (const auto& [key, value] : values) {
       if (const auto* column = table.find(key)) {
+        // Its own elements from here on, so that undoing takes no memory.
+        (*column)->reserve(0);
         done.push_back({column->get(), (*column)->objectAtIndex(index)});
       }
       set(value, key);

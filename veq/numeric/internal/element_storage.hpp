@@ -48,7 +48,8 @@ void appendUnsetTo(Vector& elements, std::uint64_t howMany) {
 /// The elements at the given positions; std::out_of_range where a position is past the end. A
 /// negative index is as far past the end as its unsigned value.
 template <class Vector>
-Vector gather(const Vector& elements, const VEQNumberArray& indices) {
+Vector gather(std::span<const typename Vector::value_type> elements,
+              const VEQNumberArray& indices) {
   Vector result(sizeOf<typename Vector::value_type>(indices.count()));
   indices.visit([&](auto positions) {
     auto* to = result.data();
