@@ -23,6 +23,9 @@ class StopToken {
     return flag_ && flag_->load(std::memory_order_acquire);
   }
 
+  /// Whether there is a source that may ask for it.
+  [[nodiscard]] bool canStop() const noexcept { return flag_ != nullptr; }
+
  private:
   friend class StopSource;
   explicit StopToken(Shared<const std::atomic<bool>> flag) : flag_(std::move(flag)) {}

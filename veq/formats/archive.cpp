@@ -20,10 +20,9 @@ using internal::Weights;
 namespace {
 
 // Without weights there are as many zeros.
-VEQNumberArray weightsOf(const std::optional<Weights>& weights, std::uint64_t count) {
+VEQNumberArray weightsOf(const std::optional<internal::HeldWeights>& weights, std::uint64_t count) {
   if (!weights) return VEQNumberArray(Weights(count, 0.0F));
-  return VEQNumberArray(
-      Weights(weights->begin(), weights->begin() + static_cast<std::ptrdiff_t>(count)));
+  return VEQNumberArray(Weights(weights->begin(), weights->begin() + count));
 }
 
 template <class Index>

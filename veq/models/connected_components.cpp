@@ -25,6 +25,7 @@ using internal::Components;
 using internal::ComponentSearch;
 using internal::CoreAccess;
 using internal::HandleRun;
+using internal::HeldWeights;
 using internal::IndexList;
 using internal::NetworkCore;
 using internal::NetworkDraft;
@@ -102,7 +103,7 @@ struct LargestPart {
 
 // The weights of some vertices or edges, asked of their handles.
 template <class Kind>
-std::optional<Weights> weightsAt(const std::optional<Weights>& weights, const HandleRun& run,
+std::optional<Weights> weightsAt(const std::optional<HeldWeights>& weights, const HandleRun& run,
                                  const internal::HandleTable<Kind>& table) {
   if (!weights) return std::nullopt;
   internal::visitInvalid(table, run,

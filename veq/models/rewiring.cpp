@@ -72,8 +72,8 @@ Result<Network> rewiredNetwork(const Network& network, std::uint64_t tries,
     });
     internal::rewire(ends, core.store.directed(), tries, draws, pace);
     internal::NetworkDraft draft = internal::draftOf(n, std::move(ends), core.store.directed());
-    draft.verticesWeights = core.verticesWeights;
-    draft.edgesWeights = core.edgesWeights;
+    if (core.verticesWeights) draft.verticesWeights = core.verticesWeights->copy();
+    if (core.edgesWeights) draft.edgesWeights = core.edgesWeights->copy();
     draft.properties.vertices = copied(core.properties->vertices);
     draft.properties.edges = copied(core.properties->edges);
     return draft;

@@ -1,5 +1,6 @@
 // Building networks from indices and from names.
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -55,9 +56,9 @@ Shared<PropertyColumn> exactColumn(const NumberSpan& weights) {
 // Puts weights into a draft, and what is to be told of them into the notes.
 void takeWeights(const NumberSpan& weights, bool keepExact, std::optional<Weights>& to,
                  PropertyTable& columns, std::uint64_t& rounded,
-                 std::optional<std::uint64_t>& firstRounded) {
+                 std::optional<std::uint64_t>& firstRounded, Pace& pace) {
   if (!weights.given()) return;
-  internal::RoundedWeights floats = internal::roundedWeights(weights);
+  internal::RoundedWeights floats = internal::roundedWeights(weights, &pace);
   to = std::move(floats.values);
   rounded = floats.rounded;
   firstRounded = floats.firstRounded;
@@ -65,27 +66,25 @@ void takeWeights(const NumberSpan& weights, bool keepExact, std::optional<Weight
 }
 
 Result<Network> built(const IndexSpan& sources, const IndexSpan& targets,
-                      const BuildOptions& options) {
-  Pace pace(options.progress, sources.count());
+                      const BuildOptions& options, Pace& pace) {
   pace.reach(0);
-  if (auto error = internal::endsError(sources, targets, options.vertices)) return *error;
+  if (auto error = internal::endsError(sources, targets, options.vertices, &pace)) return *error;
   NetworkDraft draft;
-  draft.from = internal::listOf(sources);
-  draft.to = internal::listOf(targets);
+  draft.pace = &pace;
+  draft.from = internal::listOf(sources, &pace);
+  draft.to = internal::listOf(targets, &pace);
   draft.vertexCount = options.vertices ? *options.vertices : verticesOf(draft.from, draft.to);
   draft.directed = options.directed;
   if (auto error = optionsError(options, draft.vertexCount, sources.count())) return *error;
-  pace.reach(0);
 
   BuildNotes notes;
   draft.properties.vertices = options.vertexColumns;
   draft.properties.edges = options.edgeColumns;
   takeWeights(options.vertexWeights, options.keepExactWeights, draft.verticesWeights,
-              draft.properties.vertices, notes.roundedVertexWeights,
-              notes.firstRoundedVertexWeight);
+              draft.properties.vertices, notes.roundedVertexWeights, notes.firstRoundedVertexWeight,
+              pace);
   takeWeights(options.edgeWeights, options.keepExactWeights, draft.edgesWeights,
-              draft.properties.edges, notes.roundedEdgeWeights, notes.firstRoundedEdgeWeight);
-  pace.reach(0);
+              draft.properties.edges, notes.roundedEdgeWeights, notes.firstRoundedEdgeWeight, pace);
   Network network = internal::networkOf(std::move(draft));
   if (options.notes) *options.notes = notes;
   return network;
@@ -100,7 +99,22 @@ struct NamedEnds {
   std::vector<PropertyValue> names;
 };
 
-NamedEnds numbered(std::span<const std::string> sources, std::span<const std::string> targets) {
+// Looking up two names takes as long as so many passes over an edge.
+constexpr std::uint64_t kNamePasses = 20;
+
+// Calls f(i) for names or edges by name, of which there are so many.
+template <class F>
+void forEachNamed(std::uint64_t count, Pace& pace, F f) {
+  constexpr std::uint64_t kTile = std::uint64_t{1} << 14;
+  for (std::uint64_t begin = 0; begin < count; begin += kTile) {
+    const std::uint64_t end = std::min(count, begin + kTile);
+    for (std::uint64_t i = begin; i < end; ++i) f(i);
+    pace.advance(kNamePasses * (end - begin));
+  }
+}
+
+NamedEnds numbered(std::span<const std::string> sources, std::span<const std::string> targets,
+                   Pace& pace) {
   NamedEnds ends;
   ends.from.reserve(sources.size());
   ends.to.reserve(targets.size());
@@ -110,39 +124,40 @@ NamedEnds numbered(std::span<const std::string> sources, std::span<const std::st
     if (index == ends.names.size()) ends.names.emplace_back(name);
     return index;
   };
-  for (std::size_t e = 0; e < sources.size(); ++e) {
+  forEachNamed(sources.size(), pace, [&](std::uint64_t e) {
     ends.from.push_back(indexOf(sources[e]));
     ends.to.push_back(indexOf(targets[e]));
-  }
+  });
   return ends;
 }
 
 // The name that stands in the list for the second time first, and how many more do.
-std::optional<Error> fillTable(internal::NameTable& table, std::span<const std::string> names) {
+std::optional<Error> fillTable(internal::NameTable& table, std::span<const std::string> names,
+                               Pace& pace) {
   std::string text;
   std::uint64_t again = 0;
-  for (std::uint64_t i = 0; i < names.size(); ++i) {
+  forEachNamed(names.size(), pace, [&](std::uint64_t i) {
     const std::uint64_t first = table.insert(names[i], i);
-    if (first == i || again++ != 0) continue;
+    if (first == i || again++ != 0) return;
     text = "names " + std::to_string(first) + " and " + std::to_string(i) + " are both " +
            inQuotes(names[i]);
-  }
+  });
   if (again == 0) return std::nullopt;
   if (again > 1) text += ", and " + std::to_string(again - 1) + " more";
   return argumentError(std::move(text));
 }
 
 Result<NamedEnds> lookedUp(std::span<const std::string> sources,
-                           std::span<const std::string> targets,
-                           std::span<const std::string> names) {
+                           std::span<const std::string> targets, std::span<const std::string> names,
+                           Pace& pace) {
   internal::NameTable table;
-  if (auto error = fillTable(table, names)) return *error;
+  if (auto error = fillTable(table, names, pace)) return *error;
   NamedEnds ends;
   ends.from.reserve(sources.size());
   ends.to.reserve(targets.size());
   std::string text;
   std::uint64_t unknown = 0;
-  for (std::size_t e = 0; e < sources.size(); ++e) {
+  forEachNamed(sources.size(), pace, [&](std::uint64_t e) {
     const auto from = table.find(sources[e]);
     const auto to = table.find(targets[e]);
     if ((!from || !to) && unknown++ == 0) {
@@ -151,14 +166,14 @@ Result<NamedEnds> lookedUp(std::span<const std::string> sources,
     }
     ends.from.push_back(from.value_or(0));
     ends.to.push_back(to.value_or(0));
-  }
+  });
   if (unknown > 1) text += ", and " + std::to_string(unknown - 1) + " more";
   if (unknown > 0) return argumentError(std::move(text));
   ends.names.assign(names.begin(), names.end());
   return ends;
 }
 
-Result<Network> namedNetwork(NamedEnds ends, BuildOptions options) {
+Result<Network> namedNetwork(NamedEnds ends, BuildOptions options, Pace& pace) {
   const std::uint64_t n = ends.names.size();
   if (options.vertices && *options.vertices != n) {
     return argumentError(internal::counted(*options.vertices, Item::kVertex) + " for " +
@@ -169,7 +184,7 @@ Result<Network> namedNetwork(NamedEnds ends, BuildOptions options) {
   }
   options.vertices = n;
   options.vertexColumns.set("Name", std::make_shared<GenericArray>(std::move(ends.names)));
-  return Network::build(ends.from, ends.to, options);
+  return built(ends.from, ends.to, options, pace);
 }
 
 std::optional<Error> lengthsError(std::span<const std::string> sources,
@@ -183,14 +198,21 @@ std::optional<Error> lengthsError(std::span<const std::string> sources,
 
 Result<Network> Network::build(const IndexSpan& sources, const IndexSpan& targets,
                                const BuildOptions& options) {
-  return internal::untilStopped([&] { return built(sources, targets, options); });
+  return internal::untilStopped([&] {
+    Pace pace(options.progress, internal::kBuildingPasses * sources.count());
+    return built(sources, targets, options, pace);
+  });
 }
 
 Result<Network> Network::fromNames(std::span<const std::string> sources,
                                    std::span<const std::string> targets,
                                    const BuildOptions& options) {
   if (auto error = lengthsError(sources, targets)) return *error;
-  return namedNetwork(numbered(sources, targets), options);
+  return internal::untilStopped([&] {
+    Pace pace(options.progress, (kNamePasses + internal::kBuildingPasses) * sources.size());
+    pace.reach(0);
+    return namedNetwork(numbered(sources, targets, pace), options, pace);
+  });
 }
 
 Result<Network> Network::fromNames(std::span<const std::string> sources,
@@ -198,9 +220,14 @@ Result<Network> Network::fromNames(std::span<const std::string> sources,
                                    std::span<const std::string> allNames,
                                    const BuildOptions& options) {
   if (auto error = lengthsError(sources, targets)) return *error;
-  Result<NamedEnds> ends = lookedUp(sources, targets, allNames);
-  if (!ends) return ends.error();
-  return namedNetwork(std::move(ends.value()), options);
+  return internal::untilStopped([&]() -> Result<Network> {
+    const std::uint64_t named = sources.size() + allNames.size();
+    Pace pace(options.progress, kNamePasses * named + internal::kBuildingPasses * sources.size());
+    pace.reach(0);
+    Result<NamedEnds> ends = lookedUp(sources, targets, allNames, pace);
+    if (!ends) return ends.error();
+    return namedNetwork(std::move(ends.value()), options, pace);
+  });
 }
 
 }  // namespace veq

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "veq/base/progress.hpp"
 #include "veq/natural/spans.hpp"
@@ -40,7 +41,25 @@ struct BuildOptions {
   BuildNotes* notes = nullptr;
   /// Taken as 1.
   unsigned threads = 1;
-  /// The lists of the network are made in one piece, which nothing interrupts.
+  /// Of all that is done with edges and names.
+  Progress progress{};
+};
+
+/// What goes with a topology in somebody's memory.
+/// \ingroup build
+struct OverOptions {
+  /// In memory of the same owner's, one for each vertex and edge; a network without is not
+  /// weighted.
+  std::optional<std::span<const float>> vertexWeights{};
+  std::optional<std::span<const float>> edgeWeights{};
+  /// One value for each vertex or edge; VEQNumberArray::over makes columns in foreign memory.
+  PropertyTable vertexColumns{};
+  PropertyTable edgeColumns{};
+  /// Leaves out the look at every index, for memory that this library has written and nobody can
+  /// have changed. Then only lengths are compared, in O(1), and whatever else is wrong is undefined
+  /// behaviour.
+  bool trusted = false;
+  /// Of that look.
   Progress progress{};
 };
 

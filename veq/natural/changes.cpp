@@ -6,6 +6,7 @@
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
+#include "veq/network/internal/inserting.hpp"
 
 namespace veq {
 
@@ -36,7 +37,7 @@ template <class ChangeEnds>
 Result<Network> withEnds(const Network& network, const ChangeOptions& options, bool directed,
                          ChangeEnds changeEnds) {
   return internal::untilStopped([&]() -> Result<Network> {
-    Pace pace(options.progress, network.countEdges());
+    Pace pace(options.progress, internal::kBuildingPasses * network.countEdges());
     pace.reach(0);
     const NetworkCore& core = CoreAccess::of(*network.published());
     Derivation derivation;
@@ -63,10 +64,12 @@ OwnEnds bothWays(const OwnEnds& ends) {
 }  // namespace
 
 Result<AddedEdges> Network::addEdges(const IndexSpan& sources, const IndexSpan& targets,
-                                     const NumberSpan& weights) {
+                                     const NumberSpan& weights, const Progress& progress) {
   return internal::untilStopped([&]() -> Result<AddedEdges> {
     NetworkCore& core = CoreAccess::of(*published_);
-    if (auto error = internal::endsError(sources, targets, countVertices())) return *error;
+    Pace pace(progress, internal::kBuildingPasses * sources.count());
+    pace.reach(0);
+    if (auto error = internal::endsError(sources, targets, countVertices(), &pace)) return *error;
     if (auto error = internal::weightsError(weights, sources.count(), internal::Item::kEdge)) {
       return *error;
     }
@@ -74,20 +77,18 @@ Result<AddedEdges> Network::addEdges(const IndexSpan& sources, const IndexSpan& 
       return argumentError("the weights of this network are fixed");
     }
     AddedEdges added{countEdges(), sources.count(), 0};
-    const internal::RoundedWeights floats = internal::roundedWeights(weights);
+    const internal::RoundedWeights floats = internal::roundedWeights(weights, &pace);
     added.roundedWeights = floats.rounded;
     std::optional<Weights> all;
     if (weights.given()) all = firstWeights(core, floats);
-    const internal::IndexList from = internal::listOf(sources);
-    const internal::IndexList to = internal::listOf(targets);
-    published_->addEdgesFromVerticesIndices_toVerticesIndices_count(from.all().data(),
-                                                                    to.all().data(), added.count);
+    const internal::IndexList from = internal::listOf(sources, &pace);
+    const internal::IndexList to = internal::listOf(targets, &pace);
+    internal::insertEdges(core, {from.all(), to.all()}, pace.isWatched() ? &pace : nullptr);
     // From here on nothing fails.
     if (all) {
-      core.edgesWeights = std::move(all);
+      core.edgesWeights.emplace(std::move(*all));
     } else if (weights.given()) {
-      std::copy(floats.values.begin(), floats.values.end(),
-                core.edgesWeights->begin() + static_cast<std::ptrdiff_t>(added.first));
+      std::copy(floats.values.begin(), floats.values.end(), core.edgesWeights->own() + added.first);
     }
     return added;
   });

@@ -12,12 +12,14 @@ namespace {
 // From here on a number is a negative one or could not be counted up to.
 constexpr std::uint64_t kNoIndex = std::uint64_t{1} << 63;
 
-std::uint64_t largestOf(const IndexSpan& indices) {
-  return indices.visit([count = indices.count()](auto values) {
+std::uint64_t largestOf(const IndexSpan& indices, Pace* pace) {
+  return indices.visit([count = indices.count(), pace](auto values) {
     std::uint64_t largest = 0;
-    for (std::uint64_t i = 0; i < count; ++i) {
-      largest = std::max(largest, static_cast<std::uint64_t>(values[i]));
-    }
+    forEachTile(count, pace, [&](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t i = begin; i < end; ++i) {
+        largest = std::max(largest, static_cast<std::uint64_t>(values[i]));
+      }
+    });
     return largest;
   });
 }
@@ -48,14 +50,14 @@ void requireEdge(std::uint64_t edge, std::uint64_t count) {
 }
 
 std::optional<Error> endsError(const IndexSpan& sources, const IndexSpan& targets,
-                               std::optional<std::uint64_t> vertices) {
+                               std::optional<std::uint64_t> vertices, Pace* pace) {
   if (sources.count() != targets.count()) {
     return argumentError(std::to_string(sources.count()) + " sources for " +
                          std::to_string(targets.count()) + " targets");
   }
   if (sources.count() == 0) return std::nullopt;
   const std::uint64_t limit = std::min(vertices.value_or(kNoIndex), kNoIndex);
-  if (std::max(largestOf(sources), largestOf(targets)) < limit) return std::nullopt;
+  if (std::max(largestOf(sources, pace), largestOf(targets, pace)) < limit) return std::nullopt;
   std::string text;
   std::uint64_t wrong = 0;
   for (std::uint64_t e = 0; e < sources.count(); ++e) {

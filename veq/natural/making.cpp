@@ -66,35 +66,40 @@ std::vector<std::uint64_t> edgesAmong(const Topology<Index>& topology, std::uint
 
 }  // namespace
 
-IndexList listOf(const IndexSpan& indices) {
+IndexList listOf(const IndexSpan& indices, Pace* pace) {
   if (const auto inPlace = indices.inPlace()) return IndexList(*inPlace);
   RawVector<std::uint64_t> own(indices.count());
-  indices.visit([&own](auto values) {
-    for (std::uint64_t i = 0; i < own.size(); ++i) own[i] = static_cast<std::uint64_t>(values[i]);
+  indices.visit([&own, pace](auto values) {
+    forEachTile(own.size(), pace, [&](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t i = begin; i < end; ++i) own[i] = static_cast<std::uint64_t>(values[i]);
+    });
   });
   return IndexList(std::move(own));
 }
 
-RoundedWeights roundedWeights(const NumberSpan& weights) {
+RoundedWeights roundedWeights(const NumberSpan& weights, Pace* pace) {
   RoundedWeights result;
   result.values.resize(weights.count());
-  weights.visit([&result](auto values) {
-    for (std::uint64_t i = 0; i < values.size(); ++i) {
-      const auto exact = static_cast<double>(values[i]);
-      const auto weight = static_cast<float>(exact);
-      result.values[i] = weight;
-      // What is not a number is held.
-      if (static_cast<double>(weight) == exact || exact != exact) continue;
-      if (result.rounded++ == 0) result.firstRounded = i;
-    }
+  weights.visit([&result, pace](auto values) {
+    forEachTile(values.size(), pace, [&](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t i = begin; i < end; ++i) {
+        const auto exact = static_cast<double>(values[i]);
+        const auto weight = static_cast<float>(exact);
+        result.values[i] = weight;
+        // What is not a number is held.
+        if (static_cast<double>(weight) == exact || exact != exact) continue;
+        if (result.rounded++ == 0) result.firstRounded = i;
+      }
+    });
   });
   return result;
 }
 
 Network networkOf(NetworkDraft draft) { return Network(CoreAccess::buildShared(std::move(draft))); }
 
-std::optional<Weights> weightsOf(const std::optional<Weights>& weights, Chosen chosen) {
-  if (!weights || !chosen) return weights;
+std::optional<Weights> weightsOf(const std::optional<HeldWeights>& weights, Chosen chosen) {
+  if (!weights) return std::nullopt;
+  if (!chosen) return weights->copy();
   Weights result(chosen->size());
   for (std::uint64_t i = 0; i < result.size(); ++i) result[i] = (*weights)[(*chosen)[i]];
   return result;
@@ -145,6 +150,7 @@ Network derived(const NetworkCore& core, Derivation derivation, Pace& pace) {
   draft.edgesWeights = derivation.edgesWeights ? std::move(derivation.edgesWeights)
                                                : weightsOf(core.edgesWeights, derivation.edges);
   pace.reach(0);
+  draft.pace = &pace;
   return networkOf(std::move(draft));
 }
 

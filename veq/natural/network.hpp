@@ -14,6 +14,7 @@
 
 #include "veq/base/export.hpp"
 #include "veq/base/ownership.hpp"
+#include "veq/base/progress.hpp"
 #include "veq/base/result.hpp"
 #include "veq/natural/build_options.hpp"
 #include "veq/natural/change_options.hpp"
@@ -100,6 +101,26 @@ class VEQ_EXPORT Network {
                                                  std::span<const std::string> targets,
                                                  std::span<const std::string> allNames,
                                                  const BuildOptions& options = {});
+  /// @}
+
+  /// \name Networks in somebody's memory
+  /// \ingroup build
+  /// A network over a topology that is read where it lies, such as in memory that processes share.
+  /// It must stay as it is until the owner is let go of, when no network and no view stands on it
+  /// any longer. Nothing is written to it: the first inserted edge copies the topology, and the
+  /// first weight that is set the weights. Otherwise the network is like any other.
+  ///
+  /// All of it is looked at once, in O(n + m), so that what is no network gives an error and no
+  /// harm: "edge 7: target 12 of 10 vertices"; "list of vertex 3: 4 entries from place 7 of 9";
+  /// "list of vertex 3: entry 2 is not its edge"; "5 entries in the lists of 6 edges"; "4 weights
+  /// for 5 edges". A stop is the other error.
+  /// @{
+  [[nodiscard]] static Result<Network> over(const TopologyMemory<std::uint32_t>& memory,
+                                            Shared<const void> owner,
+                                            const OverOptions& options = {});
+  [[nodiscard]] static Result<Network> over(const TopologyMemory<std::uint64_t>& memory,
+                                            Shared<const void> owner,
+                                            const OverOptions& options = {});
   /// @}
 
   /// \name Size and kind
@@ -193,8 +214,10 @@ class VEQ_EXPORT Network {
   /// "the weights of this network are fixed" for weights after `blockEditing()`; then nothing
   /// changes. Amortised O(count).
   /// @{
+  /// A stop leaves the network as it was. From 2^19 edges on, an insertion that makes the network
+  /// larger by more than a sixteenth can be stopped at any time, and takes O(n + m).
   Result<AddedEdges> addEdges(const IndexSpan& sources, const IndexSpan& targets,
-                              const NumberSpan& weights = {});
+                              const NumberSpan& weights = {}, const Progress& progress = {});
   /// One of them; std::out_of_range for an end that is no vertex. Its index.
   std::uint64_t addEdge(std::uint64_t source, std::uint64_t target);
   /// @}

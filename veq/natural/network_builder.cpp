@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "veq/natural/internal/complaints.hpp"
+#include "veq/natural/internal/making.hpp"
 
 namespace veq {
 namespace {
@@ -24,6 +25,19 @@ void requireEnd(std::uint64_t end, const char* which, std::uint64_t edge) {
 template <class Vector>
 void reserveOneMore(Vector& values) {
   if (values.size() == values.capacity()) values.reserve(2 * values.size() + 1);
+}
+
+// Vertices without a name have an unset value.
+Shared<GenericArray> nameColumn(const std::map<std::string, std::uint64_t, std::less<>>& named,
+                                std::uint64_t vertices, internal::Pace& pace) {
+  constexpr std::uint64_t kTile = std::uint64_t{1} << 16;
+  std::vector<PropertyValue> names(vertices);
+  std::uint64_t taken = 0;
+  for (const auto& [name, vertex] : named) {
+    names[vertex] = name;
+    if (++taken % kTile == 0) pace.reach(0);
+  }
+  return std::make_shared<GenericArray>(std::move(names));
 }
 
 }  // namespace
@@ -87,12 +101,13 @@ Result<Network> NetworkBuilder::build(BuildOptions options) const {
                                    " were added, not " + std::to_string(*options.vertices));
   }
   if (!options.vertices) options.vertices = vertices_;
-  if (!named_.empty()) {
-    std::vector<PropertyValue> names(*options.vertices);
-    for (const auto& [name, vertex] : named_) names[vertex] = name;
-    options.vertexColumns.set("Name", std::make_shared<GenericArray>(std::move(names)));
-  }
-  return Network::build(sources_, targets_, options);
+  return internal::untilStopped([&] {
+    if (!named_.empty()) {
+      internal::Pace pace(options.progress, internal::kBuildingPasses * countEdges());
+      options.vertexColumns.set("Name", nameColumn(named_, *options.vertices, pace));
+    }
+    return Network::build(sources_, targets_, options);
+  });
 }
 
 }  // namespace veq

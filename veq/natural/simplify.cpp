@@ -99,7 +99,7 @@ internal::OwnEnds endsAt(const AdjacencyStore& store, const std::vector<std::uin
 
 Result<DerivedNetwork> Network::simplified(const SimplifyOptions& options) const {
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
-    Pace pace(options.progress, countEdges());
+    Pace pace(options.progress, internal::kBuildingPasses * countEdges());
     pace.reach(0);
     const NetworkCore& core = CoreAccess::of(*published_);
     Merged result = core.store.visit(

@@ -123,7 +123,7 @@ DerivedNetwork ofEdges(const NetworkCore& core, std::vector<std::uint64_t> edges
 Result<DerivedNetwork> Network::subnetwork(const IndexSpan& vertices,
                                            const ChangeOptions& options) const {
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
-    Pace pace(options.progress, countEdges());
+    Pace pace(options.progress, internal::kBuildingPasses * countEdges());
     pace.reach(0);
     auto chosen = choice(vertices, countVertices(), "vertex");
     if (!chosen) return chosen.error();
@@ -134,7 +134,7 @@ Result<DerivedNetwork> Network::subnetwork(const IndexSpan& vertices,
 Result<DerivedNetwork> Network::subnetworkOfEdges(const IndexSpan& edges,
                                                   const EdgeSubnetworkOptions& options) const {
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
-    Pace pace(options.progress, edges.count());
+    Pace pace(options.progress, internal::kBuildingPasses * edges.count());
     pace.reach(0);
     auto chosen = choice(edges, countEdges(), "edge");
     if (!chosen) return chosen.error();
@@ -147,7 +147,7 @@ Result<DerivedNetwork> Network::neighbourhood(std::uint64_t vertex,
                                               const NeighbourhoodOptions& options) const {
   internal::requireVertex(vertex, countVertices());
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
-    Pace pace(options.progress, countVertices());
+    Pace pace(options.progress, internal::kBuildingPasses * countVertices());
     const NetworkCore& core = CoreAccess::of(*published_);
     return internal::inducedBy(
         core, NeighbourhoodSearch(core, options.direction).of(vertex, options.distance, pace),

@@ -17,6 +17,7 @@ namespace veq {
 
 using internal::argumentError;
 using internal::CoreAccess;
+using internal::HeldWeights;
 using internal::NetworkCore;
 using internal::Pace;
 using internal::Weights;
@@ -159,7 +160,7 @@ std::optional<Weights> unitedWeights(std::span<const Network> networks, const Pl
                                      WeightsOf weightsOf) {
   std::optional<Weights> result;
   for (std::size_t k = networks.size(); k-- > 0;) {
-    const std::optional<Weights>& weights = weightsOf(networks[k]);
+    const std::optional<HeldWeights>& weights = weightsOf(networks[k]);
     if (!weights) continue;
     if (!result) result.emplace(places.count, 1.0f);
     for (std::uint64_t i = 0; i < weights->size(); ++i) (*result)[places.of[k][i]] = (*weights)[i];
@@ -199,7 +200,7 @@ const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*netwo
 UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOptions& options) {
   Places vertices = vertexPlaces(networks, options.by);
   const Places edges = sideBySide(networks, &Network::countEdges);
-  Pace pace(options.progress, edges.count);
+  Pace pace(options.progress, internal::kBuildingPasses * edges.count);
   pace.reach(0);
   internal::NetworkDraft draft;
   draft.columnsAreReady = true;
@@ -215,12 +216,13 @@ UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOption
   draft.from = internal::IndexList(std::move(ends.from));
   draft.to = internal::IndexList(std::move(ends.to));
   draft.directed = networks[0].isDirected();
-  draft.verticesWeights = unitedWeights(
-      networks, vertices,
-      [](const Network& n) -> const std::optional<Weights>& { return coreOf(n).verticesWeights; });
+  draft.verticesWeights =
+      unitedWeights(networks, vertices, [](const Network& n) -> const std::optional<HeldWeights>& {
+        return coreOf(n).verticesWeights;
+      });
   draft.edgesWeights = unitedWeights(
       networks, edges,
-      [](const Network& n) -> const std::optional<Weights>& { return coreOf(n).edgesWeights; });
+      [](const Network& n) -> const std::optional<HeldWeights>& { return coreOf(n).edgesWeights; });
   pace.reach(0);
   Network united(CoreAccess::buildShared(std::move(draft)));
   std::vector<std::uint64_t> firstEdges;

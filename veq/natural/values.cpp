@@ -17,7 +17,6 @@ using internal::argumentError;
 using internal::CoreAccess;
 using internal::Item;
 using internal::NetworkCore;
-using internal::Weights;
 using Side = AdjacencyStore::Side;
 
 namespace {
@@ -58,18 +57,19 @@ void untilAmongEdges(const NetworkCore& core, std::uint64_t from, std::uint64_t 
   });
 }
 
-std::vector<float> weightValues(const std::optional<Weights>& weights, std::uint64_t count) {
+std::vector<float> weightValues(const std::optional<internal::HeldWeights>& weights,
+                                std::uint64_t count) {
   if (!weights) return std::vector<float>(count, 1.0f);
   return {weights->begin(), weights->end()};
 }
 
-Result<std::uint64_t> setWeights(NetworkCore& core, std::optional<Weights>& weights,
+Result<std::uint64_t> setWeights(NetworkCore& core, std::optional<internal::HeldWeights>& weights,
                                  std::uint64_t count, const NumberSpan& values, Item item) {
   if (!core.editable) return argumentError("the weights of this network are fixed");
   if (!values.given()) return argumentError("no weights for " + internal::counted(count, item));
   if (auto error = internal::weightsError(values, count, item)) return *error;
   internal::RoundedWeights rounded = internal::roundedWeights(values);
-  weights = std::move(rounded.values);
+  weights.emplace(std::move(rounded.values));
   return rounded.rounded;
 }
 

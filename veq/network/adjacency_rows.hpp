@@ -49,6 +49,35 @@ class AdjacencyRows {
   const Index* edges_;
 };
 
+/// The lists of one direction in somebody's memory: a row for each vertex, and the pools with all
+/// places that rows name.
+/// \ingroup build
+template <class Index>
+struct ListMemory {
+  /// One for each vertex.
+  std::span<const AdjacencyRow<Index>> rows;
+  /// Of equal length.
+  std::span<const Index> neighbours;
+  std::span<const Index> edges;
+};
+
+/// A topology in somebody's memory, as TopologyArrays show it: the ends of the edges, and for each
+/// vertex the edges that leave it, and those that arrive, each list in edge order. In an undirected
+/// network the first lists have all edges at a vertex, a self-loop twice, and the others are not
+/// read.
+/// \ingroup build
+template <class Index>
+struct TopologyMemory {
+  /// Whether edges lead from source to target alone.
+  bool directed = false;
+  /// Edge e runs from from[e] to to[e].
+  std::span<const Index> from;
+  std::span<const Index> to;
+  /// The lists.
+  ListMemory<Index> out;
+  ListMemory<Index> in;
+};
+
 /// The lists of one direction one behind the other in the order of the vertices: those of vertex v
 /// are the entries offsets[v] to offsets[v + 1] - 1 (compressed sparse rows).
 /// \ingroup bulk

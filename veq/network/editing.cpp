@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "veq/network/internal/inserting.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
@@ -58,38 +59,35 @@ bool lieIn(const PropertyTable& table, std::span<const std::uint64_t> indices) {
   });
 }
 
-// Reserves as appending would, so that many single insertions stay cheap.
-void reserveInWeights(internal::Weights& weights, std::uint64_t count) {
-  if (count > weights.capacity()) {
-    weights.reserve(std::max<std::size_t>(count, weights.capacity() + weights.capacity() / 2));
-  }
-}
-
 }  // namespace
+
+void internal::insertEdges(NetworkCore& core, const EdgeEnds& edges, Pace* pace) {
+  const PropertyTable& columns = core.properties->edges;
+  if (!columns.empty() && (lieIn(columns, edges.from) || lieIn(columns, edges.to))) {
+    const RawVector<std::uint64_t> from(edges.from.begin(), edges.from.end());
+    const RawVector<std::uint64_t> to(edges.to.begin(), edges.to.end());
+    return insertEdges(core, {from, to}, pace);
+  }
+
+  const std::uint64_t count = edges.count();
+  const std::uint64_t edgesAfter = core.store.edgeCount() + count;
+  if (core.edgesWeights) core.edgesWeights->reserve(edgesAfter);
+  if (!columns.empty()) reserveInColumns(columns, count);
+  core.store.insert(edges, pace);
+
+  // From here on nothing fails. Handles come into being when somebody asks for them.
+  if (edgesAfter > core.edgesCapacity) core.edgesCapacity = 2 * edgesAfter;
+  if (core.edgesWeights) core.edgesWeights->growTo(edgesAfter);
+  for (const auto& entry : columns) entry.second->appendUnset(count);
+}
 
 void VEQNetwork::addEdgesFromVerticesIndices_toVerticesIndices_count(const std::uint64_t* from,
                                                                      const std::uint64_t* to,
                                                                      std::uint64_t count) {
   const auto size = static_cast<std::size_t>(count);
-  EdgeEnds edges{{from, size}, {to, size}};
+  const EdgeEnds edges{{from, size}, {to, size}};
   requireVertices(edges, countVertices());
-  internal::RawVector<std::uint64_t> kept;
-  if (lieIn(core_->properties->edges, edges.from) || lieIn(core_->properties->edges, edges.to)) {
-    kept.reserve(2 * size);
-    kept.insert(kept.end(), from, from + size);
-    kept.insert(kept.end(), to, to + size);
-    edges = {{kept.data(), size}, {kept.data() + size, size}};
-  }
-
-  const std::uint64_t edgesAfter = countEdges() + count;
-  if (core_->edgesWeights) reserveInWeights(*core_->edgesWeights, edgesAfter);
-  reserveInColumns(core_->properties->edges, count);
-  core_->store.insert(edges);
-
-  // From here on nothing fails. Handles come into being when somebody asks for them.
-  if (edgesAfter > core_->edgesCapacity) core_->edgesCapacity = 2 * edgesAfter;
-  if (core_->edgesWeights) core_->edgesWeights->resize(edgesAfter, 1.0f);
-  for (const auto& entry : core_->properties->edges) entry.second->appendUnset(count);
+  internal::insertEdges(*core_, edges);
 }
 
 Shared<VEQEdge> VEQNetwork::linkVertex_to(const VEQVertex& source, const VEQVertex& target) {
@@ -107,7 +105,7 @@ Shared<VEQEdge> VEQNetwork::linkVertex_to_weight(const VEQVertex& source, const 
   requireOwn(*core_, source, target, "Both vertices must be in this network.");
   const std::uint64_t n = countVertices();
   // What the weight needs, before the edge is there.
-  std::optional<internal::Weights> firstWeights;
+  std::optional<internal::HeldWeights> firstWeights;
   if (core_->editable && !core_->edgesWeights && source.identification() < n &&
       target.identification() < n) {
     firstWeights.emplace(countEdges() + 1, 0.0f);

@@ -43,8 +43,9 @@ struct ReportedWeights {
     draft.verticesWeights = reported(core.verticesWeights, core.store.vertexCount());
     draft.edgesWeights = reported(core.edgesWeights, core.store.edgeCount());
   }
-  static Weights reported(const std::optional<Weights>& weights, std::uint64_t count) {
-    return weights ? *weights : Weights(count, 1.0f);
+  static Weights reported(const std::optional<internal::HeldWeights>& weights,
+                          std::uint64_t count) {
+    return weights ? weights->copy() : Weights(count, 1.0f);
   }
 };
 

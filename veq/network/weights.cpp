@@ -8,28 +8,30 @@
 
 namespace veq {
 
+using internal::HeldWeights;
 using internal::Weights;
 
 namespace {
 
-Shared<VEQNumberArray> weightValues(const std::optional<Weights>& weights, std::uint64_t count) {
+Shared<VEQNumberArray> weightValues(const std::optional<HeldWeights>& weights,
+                                    std::uint64_t count) {
   if (weights) return VEQNumberArray::numberArrayWithFloatArray_count(weights->data(), count);
   return VEQNumberArray::numberArrayWithNumber_count(1.0f, count);
 }
 
-void setAll(std::optional<Weights>& weights, std::uint64_t count, const VEQNumberArray& values,
+void setAll(std::optional<HeldWeights>& weights, std::uint64_t count, const VEQNumberArray& values,
             const char* tooShort) {
   if (values.count() < count) throw std::invalid_argument(tooShort);
-  if (!weights) weights.emplace(count);
-  values.getFloatValues_count(weights->data(), count);
+  if (!weights) weights.emplace(Weights(count));
+  values.getFloatValues_count(weights->own(), count);
 }
 
 // An edge index that is too large is told off in the words for vertices.
-void setOne(std::optional<Weights>& weights, std::uint64_t count, float weight,
+void setOne(std::optional<HeldWeights>& weights, std::uint64_t count, float weight,
             std::uint64_t index) {
   if (index >= count) throw std::invalid_argument("Index must be less than number of Vertices.");
-  if (!weights) weights.emplace(count, 0.0f);
-  (*weights)[index] = weight;
+  if (!weights) weights.emplace(count, 0.0F);
+  weights->own()[index] = weight;
 }
 
 }  // namespace

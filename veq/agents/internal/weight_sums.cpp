@@ -7,7 +7,7 @@
 namespace veq::internal {
 namespace {
 
-std::optional<std::uint64_t> firstWrong(const std::optional<Weights>& weights) {
+std::optional<std::uint64_t> firstWrong(const std::optional<HeldWeights>& weights) {
   if (!weights) return std::nullopt;
   const auto wrong = std::find_if(weights->begin(), weights->end(), [](float weight) {
     return !(weight >= 0.0F && std::isfinite(weight));

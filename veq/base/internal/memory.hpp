@@ -48,7 +48,11 @@ class Block {
   /// Zero-filled.
   explicit Block(std::uint64_t count)
       : data_(static_cast<T*>(allocateZeroed(count, sizeof(T)))), extent_(count) {}
-  /// Elements in memory that outlives the block, of an arena or of somebody who only lets it read.
+  /// Elements in memory that outlives the block, to which nobody may write through it.
+  [[nodiscard]] static Block readOnly(std::span<const T> elements) {
+    return borrowed(const_cast<T*>(elements.data()), elements.size());
+  }
+  /// Elements in memory that outlives the block, such as an arena.
   [[nodiscard]] static Block borrowed(T* data, std::uint64_t count) {
     Block block;
     block.data_ = data;
@@ -120,6 +124,14 @@ class Arena {
     Block<T> result;
     if (!carve(result, count)) return Block<T>(count);
     std::fill_n(result.data_, count, T{});
+    return result;
+  }
+
+  /// Of the same size, with so many of the elements; the others hold anything.
+  template <class T>
+  [[nodiscard]] Block<T> copy(const Block<T>& of, std::uint64_t count) {
+    Block<T> result = block<T>(of.size());
+    std::copy_n(of.data(), count, result.data());
     return result;
   }
 

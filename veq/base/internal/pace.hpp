@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 
@@ -14,7 +15,13 @@ struct Stopped {};
 /// not in hot loops.
 class Pace {
  public:
-  Pace(const Progress& progress, std::uint64_t all) : progress_(progress), all_(all) {}
+  static constexpr std::chrono::milliseconds kInterval{50};
+
+  Pace(const Progress& progress, std::uint64_t all, std::chrono::milliseconds interval = kInterval)
+      : progress_(progress), all_(all), interval_(interval) {}
+
+  /// Whether anybody would see or stop the work.
+  [[nodiscard]] bool isWatched() const { return progress_.observer || progress_.stop.canStop(); }
 
   /// Tells the observer where that is due, and answers whether the work is to stop. What the
   /// observer throws passes through.
@@ -24,23 +31,40 @@ class Pace {
   }
   /// The same for work that unwinds: throws Stopped.
   void reach(std::uint64_t done) {
-    if (shallStop(done)) throw Stopped{};
+    passed_ = std::max(passed_, done);
+    if (shallStop(passed_)) throw Stopped{};
   }
+  /// The same for work of several passes, whose sum is an estimate: so much more is done.
+  void advance(std::uint64_t more) { reach(std::min(all_, passed_ + more)); }
 
  private:
   using Clock = std::chrono::steady_clock;
-  static constexpr std::chrono::milliseconds kInterval{50};
 
   void tell(std::uint64_t done) {
     const Clock::time_point now = Clock::now();
-    if (now - last_ < kInterval) return;
+    if (now - last_ < interval_) return;
     last_ = now;
     progress_.observer(done, all_);
   }
 
   const Progress& progress_;
   std::uint64_t all_;
+  std::chrono::milliseconds interval_;
+  std::uint64_t passed_ = 0;
   Clock::time_point last_ = Clock::now();
 };
+
+/// Calls f(begin, end) for one tile of many elements after the other. Pace is asked between them,
+/// where there is one.
+template <class F>
+void forEachTile(std::uint64_t count, Pace* pace, F f) {
+  constexpr std::uint64_t kTile = std::uint64_t{1} << 18;
+  for (std::uint64_t begin = 0; begin < count;) {
+    const std::uint64_t end = std::min(count, begin + kTile);
+    f(begin, end);
+    if (pace) pace->advance(end - begin);
+    begin = end;
+  }
+}
 
 }  // namespace veq::internal

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "veq/base/internal/pace.hpp"
 #include "veq/base/result.hpp"
 #include "veq/natural/spans.hpp"
 #include "veq/numeric/keyed_table.hpp"
@@ -30,7 +31,8 @@ void requireEdge(std::uint64_t edge, std::uint64_t count);
 /// The first edge with an end that no vertex has, and how many more there are; or, without a number
 /// of vertices, with one that cannot be an index.
 [[nodiscard]] std::optional<Error> endsError(const IndexSpan& sources, const IndexSpan& targets,
-                                             std::optional<std::uint64_t> vertices);
+                                             std::optional<std::uint64_t> vertices,
+                                             Pace* pace = nullptr);
 
 /// Weights that are not one for each.
 [[nodiscard]] std::optional<Error> weightsError(const NumberSpan& weights, std::uint64_t count,

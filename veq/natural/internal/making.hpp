@@ -29,8 +29,11 @@ template <class Work>
   }
 }
 
+/// How often building a network goes over its edges, about; all of this is the work of a Pace.
+constexpr std::uint64_t kBuildingPasses = 10;
+
 /// Borrows what lies in memory as it is needed, and converts the rest.
-[[nodiscard]] IndexList listOf(const IndexSpan& indices);
+[[nodiscard]] IndexList listOf(const IndexSpan& indices, Pace* pace = nullptr);
 
 /// Weights as floats; how many of them these do not hold, and the first of them.
 struct RoundedWeights {
@@ -38,7 +41,7 @@ struct RoundedWeights {
   std::uint64_t rounded = 0;
   std::optional<std::uint64_t> firstRounded;
 };
-[[nodiscard]] RoundedWeights roundedWeights(const NumberSpan& weights);
+[[nodiscard]] RoundedWeights roundedWeights(const NumberSpan& weights, Pace* pace = nullptr);
 
 /// The network of a draft whose weights are one for each vertex and edge.
 [[nodiscard]] Network networkOf(NetworkDraft draft);
@@ -46,7 +49,7 @@ struct RoundedWeights {
 /// Indices of vertices or edges that go into a new network; null for all.
 using Chosen = const std::vector<std::uint64_t>*;
 
-[[nodiscard]] std::optional<Weights> weightsOf(const std::optional<Weights>& weights,
+[[nodiscard]] std::optional<Weights> weightsOf(const std::optional<HeldWeights>& weights,
                                                Chosen chosen);
 /// Copies of all columns, one value for each that was chosen among so many, unset where a column
 /// ends before it.

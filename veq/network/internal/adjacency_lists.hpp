@@ -29,6 +29,11 @@ using Row = AdjacencyRow<Index>;
 [[nodiscard]] constexpr std::uint64_t listCapacity(std::uint64_t count) {
   return count == 0 ? 0 : std::bit_ceil(count + 2) - 2;
 }
+/// Whether that is the length itself, and the capacity of a list that is longer by one then.
+[[nodiscard]] constexpr bool isFullList(std::uint64_t count) {
+  return ((count + 2) & (count + 1)) == 0;
+}
+[[nodiscard]] constexpr std::uint64_t nextCapacity(std::uint64_t full) { return 2 * full + 2; }
 
 /// The lists of one direction: a row for each vertex over two pools, one of the neighbours of all
 /// lists, and another of their edges at the same places, so that walks and searches, which ask for
@@ -44,6 +49,26 @@ class AdjacencyLists {
   AdjacencyLists(const AdjacencyLists&) = delete;
   AdjacencyLists& operator=(const AdjacencyLists&) = delete;
   ~AdjacencyLists() { dropPacked(); }
+
+  /// Makes them a copy, whose lists lie as they do there, in an arena of so many indices or
+  /// outside.
+  [[nodiscard]] static std::uint64_t sizeOfCopy(const AdjacencyLists& of) {
+    return 2 * of.rows_.size() + 2 * of.neighbours_.size();
+  }
+  void copy(const AdjacencyLists& of, Arena<Index>& arena) {
+    const std::uint64_t used = std::min(of.poolSizeWith(0), of.neighbours_.size());
+    rows_ = arena.copy(of.rows_, of.rows_.size());
+    neighbours_ = arena.copy(of.neighbours_, used);
+    edges_ = arena.copy(of.edges_, used);
+    if (of.growth_) growth_ = std::make_unique<Growth>(*of.growth_);
+  }
+
+  /// Makes them lists in memory that outlives them, for reading alone.
+  void readIn(const ListMemory<Index>& memory) {
+    rows_ = Block<Row<Index>>::readOnly(memory.rows);
+    neighbours_ = Block<Index>::readOnly(memory.neighbours);
+    edges_ = Block<Index>::readOnly(memory.edges);
+  }
 
   [[nodiscard]] AdjacencyRows<Index> view() const {
     return {rows_.data(), neighbours_.data(), edges_.data()};
@@ -79,9 +104,13 @@ class AdjacencyLists {
   /// First all packed lists that will grow are relocated. Nothing can fail after reserve() with the
   /// sum of what announceMore() gave for all entries.
   /// @{
-  /// The places in the pools that a list needs which construction packed; none for others.
+  /// Whether a list is where construction packed it, and the places in the pools that it needs
+  /// elsewhere.
+  [[nodiscard]] bool isPacked(std::uint64_t vertex) const {
+    return rows_[vertex].count != 0 && rows_[vertex].start < packedSize();
+  }
   [[nodiscard]] std::uint64_t slotForPacked(std::uint64_t vertex) const {
-    return rows_[vertex].start < packedSize() ? listCapacity(rows_[vertex].count) : 0;
+    return listCapacity(rows_[vertex].count);
   }
   /// Moves a packed list to such a slot.
   void relocate(std::uint64_t vertex, std::uint64_t slot) {
@@ -95,8 +124,7 @@ class AdjacencyLists {
     prefetchForWriting(neighbours_.data() + rows_[vertex].start);
     prefetchForWriting(edges_.data() + rows_[vertex].start);
     const std::uint64_t before = rows_[vertex].count++;
-    const std::uint64_t needed = listCapacity(before + 1);
-    return needed == listCapacity(before) ? 0 : needed;
+    return isFullList(before) ? nextCapacity(before) : 0;
   }
   void takeBack(std::uint64_t vertex) { --rows_[vertex].count; }
   [[nodiscard]] std::uint64_t poolSizeWith(std::uint64_t moreEntries) const {
@@ -109,7 +137,7 @@ class AdjacencyLists {
   }
   void append(std::uint64_t vertex, Entry<Index> entry) noexcept {
     Row<Index>& row = rows_[vertex];
-    if (row.count == listCapacity(row.count)) enlarge(row);
+    if (isFullList(row.count)) enlarge(row);
     write(row.start + row.count++, entry);
   }
   /// @}
@@ -172,7 +200,7 @@ class AdjacencyLists {
 
   void enlarge(Row<Index>& row) noexcept {
     const Index left = row.start;
-    move(row, listCapacity(std::uint64_t{row.count} + 1));
+    move(row, nextCapacity(row.count));
     if (row.count != 0) leaveSlot(left, row.count);
   }
 

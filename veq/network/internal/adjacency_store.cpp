@@ -17,14 +17,21 @@ constexpr unsigned kBuckets = 512;
 // From this many edges on, an insertion that is large against what is there builds all lists anew.
 constexpr std::uint64_t kBulkInsertion = 64;
 
+// One that somebody watches does so when it is larger than these, for only then it can be stopped:
+// the others are done within a tenth of a second, or a small part of what building took.
+constexpr std::uint64_t kWatchedInsertion = std::uint64_t{1} << 19;
+constexpr std::uint64_t kWatchedShare = 16;
+
 // The entries of one direction, in edge order: calls f(vertex, neighbour, edge).
 template <class Index, class F>
 void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::uint64_t edges,
-                  bool bothWays, F f) {
-  for (std::uint64_t e = 0; e < edges; ++e) {
-    f(at[e], neighbour[e], static_cast<Index>(e));
-    if (bothWays) f(neighbour[e], at[e], static_cast<Index>(e));
-  }
+                  bool bothWays, Pace* pace, F f) {
+  forEachTile(edges, pace, [&](std::uint64_t begin, std::uint64_t end) {
+    for (std::uint64_t e = begin; e < end; ++e) {
+      f(at[e], neighbour[e], static_cast<Index>(e));
+      if (bothWays) f(neighbour[e], at[e], static_cast<Index>(e));
+    }
+  });
 }
 
 template <class Index>
@@ -68,15 +75,16 @@ class EntryBuckets {
 template <class Index>
 void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Block<Index>& at,
                 const Block<Index>& neighbour, std::uint64_t edges, bool bothWays,
-                Arena<Index>& arena) {
+                Arena<Index>& arena, Pace* pace) {
   const std::uint64_t entries = bothWays ? 2 * edges : edges;
   ListFiller<Index> filler(lists, vertices, entries, arena);
-  const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, f); };
+  const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, pace, f); };
   if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
     const EntryBuckets<Index> buckets(vertices, entries, forEach);
-    buckets.forEachRange([&filler](std::span<const BucketEntry<Index>> items) {
+    buckets.forEachRange([&filler, pace](std::span<const BucketEntry<Index>> items) {
       for (const BucketEntry<Index>& item : items) filler.announce(item.vertex);
       for (const BucketEntry<Index>& item : items) filler.place(item.vertex, item.entry);
+      if (pace) pace->advance(items.size());
     });
   } else {
     forEach([&filler](Index vertex, Index, Index) { filler.announce(vertex); });
@@ -84,16 +92,19 @@ void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Bloc
   }
 }
 
-// The indices in all blocks of a network, or 0 where they would take more than a megabyte: a large
-// block by itself can be enlarged without being copied, and leaves no large arena behind.
+// The indices in a megabyte, the largest arena: a large block by itself can be enlarged without
+// being copied, and leaves no large arena behind.
+template <class Index>
+constexpr std::uint64_t kLargestArena = (std::uint64_t{1} << 20) / sizeof(Index);
+
+// The indices in all blocks of a new network, or 0 where they would take more than that.
 template <class Index>
 std::uint64_t arenaSize(std::uint64_t vertices, std::uint64_t edges, bool directed) {
-  constexpr std::uint64_t kLargest = (std::uint64_t{1} << 20) / sizeof(Index);
-  if (vertices > kLargest || edges > kLargest) return 0;
+  if (vertices > kLargestArena<Index> || edges > kLargestArena<Index>) return 0;
   const std::uint64_t lists = directed ? 2 * ListFiller<Index>::sizeInArena(vertices, edges)
                                        : ListFiller<Index>::sizeInArena(vertices, 2 * edges);
   const std::uint64_t size = 2 * edges + lists;
-  return size <= kLargest ? size : 0;
+  return size <= kLargestArena<Index> ? size : 0;
 }
 
 // Whether vertices and pools of such a network can be told by indices up to the limit.
@@ -102,18 +113,27 @@ bool fitsNarrow(std::uint64_t vertices, std::uint64_t edges, std::uint64_t limit
 }
 
 template <class From, class To>
-void copyIndices(std::span<const From> indices, To* out) {
-  std::transform(indices.begin(), indices.end(), out,
-                 [](From index) { return static_cast<To>(index); });
+void copyIndices(std::span<const From> indices, To* out, Pace* pace) {
+  forEachTile(indices.size(), pace, [&](std::uint64_t begin, std::uint64_t end) {
+    std::transform(indices.data() + begin, indices.data() + end, out + begin,
+                   [](From index) { return static_cast<To>(index); });
+  });
 }
 
 }  // namespace
 
 AdjacencyStore::AdjacencyStore(std::uint64_t vertices, IndexList from, IndexList to, bool directed,
-                               std::uint64_t narrowLimit)
+                               std::uint64_t narrowLimit, Pace* pace)
     : vertices_(vertices), narrowLimit_(narrowLimit), directed_(directed) {
-  rebuildWith(std::move(from), std::move(to));
+  rebuildWith(std::move(from), std::move(to), pace);
 }
+
+AdjacencyStore::AdjacencyStore(HeldTopology held)
+    : vertices_(held.vertices),
+      edges_(held.edges),
+      directed_(held.directed),
+      narrow_(held.narrow),
+      topology_(std::move(held.share)) {}
 
 HeldTopology AdjacencyStore::hold() const {
   const std::lock_guard guard(lock_);
@@ -150,16 +170,51 @@ std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side
   });
 }
 
-void AdjacencyStore::insert(const EdgeEnds& more) {
-  const bool bulk = more.count() >= kBulkInsertion && more.count() > edges_ / 2;
-  if (bulk || !insertInPlace(more)) rebuildWith(IndexList(more.from), IndexList(more.to));
+void AdjacencyStore::insert(const EdgeEnds& more, Pace* pace) {
+  const std::uint64_t count = more.count();
+  const bool bulk = count >= kBulkInsertion && count > edges_ / 2;
+  const bool watched = pace && count >= kWatchedInsertion && count > edges_ / kWatchedShare;
+  if (!bulk && !watched) {
+    if (insertInPlace(more)) return;
+    if (!topology_.get()->mayChange()) {
+      copyTopology();
+      if (insertInPlace(more)) return;
+    }
+  }
+  rebuildWith(IndexList(more.from), IndexList(more.to), pace);
 }
 
 bool AdjacencyStore::insertInPlace(const EdgeEnds& more) {
   const std::lock_guard guard(lock_);
-  if (topology_.get()->isHeldByOthers()) return false;
+  if (!topology_.get()->mayChange()) return false;
   return narrow_ ? appendInPlace(topology<std::uint32_t>(), more)
                  : appendInPlace(topology<std::uint64_t>(), more);
+}
+
+void AdjacencyStore::copyTopology() {
+  TopologyShare copy = narrow_ ? topologyCopy<std::uint32_t>() : topologyCopy<std::uint64_t>();
+  const std::lock_guard guard(lock_);
+  std::swap(topology_, copy);
+}
+
+template <class Index>
+TopologyShare AdjacencyStore::topologyCopy() const {
+  const auto& present = topology<Index>();
+  std::uint64_t size =
+      present.from.size() + present.to.size() + AdjacencyLists<Index>::sizeOfCopy(present.out);
+  if (present.in) size += AdjacencyLists<Index>::sizeOfCopy(*present.in);
+  const std::uint64_t inArena = size <= kLargestArena<Index> ? size : 0;
+  auto* const next = Topology<Index>::make(inArena);
+  TopologyShare share(next);
+  Arena<Index> arena = next->arena(inArena);
+  next->from = arena.copy(present.from, edges_);
+  next->to = arena.copy(present.to, edges_);
+  next->out.copy(present.out, arena);
+  if (present.in) {
+    next->in = std::make_unique<AdjacencyLists<Index>>();
+    next->in->copy(*present.in, arena);
+  }
+  return share;
 }
 
 template <class Index>
@@ -169,8 +224,8 @@ bool AdjacencyStore::isWithin(std::uint64_t size) const {
 
 template <class Index>
 bool AdjacencyStore::relocate(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
+  if (!lists.isPacked(vertex)) return true;
   const std::uint64_t slot = lists.slotForPacked(vertex);
-  if (slot == 0) return true;
   if (!isWithin<Index>(lists.poolSizeWith(slot))) return false;
   lists.relocate(vertex, slot);
   return true;
@@ -223,13 +278,13 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
   return true;
 }
 
-void AdjacencyStore::rebuildWith(IndexList from, IndexList to) {
+void AdjacencyStore::rebuildWith(IndexList from, IndexList to, Pace* pace) {
   const std::uint64_t edges = edges_ + from.all().size();
   // Lists that have outgrown their pool stay narrow only with places for many more insertions, lest
   // each of them had to build everything anew.
   const bool narrow = fitsNarrow(vertices_, edges + edges_ / 2, narrowLimit_);
-  TopologyShare next = narrow ? topologyWith<std::uint32_t>(std::move(from), std::move(to))
-                              : topologyWith<std::uint64_t>(std::move(from), std::move(to));
+  TopologyShare next = narrow ? topologyWith<std::uint32_t>(std::move(from), std::move(to), pace)
+                              : topologyWith<std::uint64_t>(std::move(from), std::move(to), pace);
   const std::lock_guard guard(lock_);
   std::swap(topology_, next);
   narrow_ = narrow;
@@ -237,7 +292,7 @@ void AdjacencyStore::rebuildWith(IndexList from, IndexList to) {
 }
 
 template <class Index>
-TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to) const {
+TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to, Pace* pace) const {
   const std::uint64_t edges = edges_ + from.all().size();
   const std::uint64_t inArena = arenaSize<Index>(vertices_, edges, directed_);
   auto* const next = Topology<Index>::make(inArena);
@@ -247,19 +302,19 @@ TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to) const {
   next->to = arena.template block<Index>(edges);
   if (edges_ != 0) {
     visit([&](const auto& present) {
-      copyIndices(std::span(present.from.data(), edges_), next->from.data());
-      copyIndices(std::span(present.to.data(), edges_), next->to.data());
+      copyIndices(std::span(present.from.data(), edges_), next->from.data(), pace);
+      copyIndices(std::span(present.to.data(), edges_), next->to.data(), pace);
     });
   }
-  copyIndices(from.all(), next->from.data() + edges_);
-  copyIndices(to.all(), next->to.data() + edges_);
+  copyIndices(from.all(), next->from.data() + edges_, pace);
+  copyIndices(to.all(), next->to.data() + edges_, pace);
   // They may make place for the lists.
   from = IndexList();
   to = IndexList();
-  buildLists(next->out, vertices_, next->from, next->to, edges, !directed_, arena);
+  buildLists(next->out, vertices_, next->from, next->to, edges, !directed_, arena, pace);
   if (directed_) {
     next->in = std::make_unique<AdjacencyLists<Index>>();
-    buildLists(*next->in, vertices_, next->to, next->from, edges, false, arena);
+    buildLists(*next->in, vertices_, next->to, next->from, edges, false, arena, pace);
   }
   return share;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/pace.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 #include "veq/network/internal/index_list.hpp"
 #include "veq/network/internal/shared_topology.hpp"
@@ -27,7 +28,7 @@ struct EdgeEnds {
 
 /// Edges and lists with indices of one width.
 template <class Index>
-struct Topology final : SharedTopology {
+struct Topology : SharedTopology {
   /// With an arena of so many indices behind it, for all blocks of a small network.
   [[nodiscard]] static Topology* make(std::uint64_t arenaSize) {
     return new (TrailingBytes{static_cast<std::size_t>(arenaSize) * sizeof(Index)}) Topology;
@@ -40,9 +41,34 @@ struct Topology final : SharedTopology {
   Block<Index> to;
   AdjacencyLists<Index> out;
   std::unique_ptr<AdjacencyLists<Index>> in;  // Of directed networks.
+
+ protected:
+  explicit Topology(bool foreign = false) : SharedTopology(foreign) {}
 };
 
-/// The topology of a store as it was when it was asked for it.
+/// A topology in memory of the owner's, for reading alone.
+template <class Index>
+struct ForeignTopology final : Topology<Index> {
+  [[nodiscard]] static ForeignTopology* make(const TopologyMemory<Index>& memory,
+                                             Shared<const void> owner) {
+    return new (SharedTopology::Behind{0}) ForeignTopology(memory, std::move(owner));
+  }
+
+  Shared<const void> owner;
+
+ private:
+  ForeignTopology(const TopologyMemory<Index>& memory, Shared<const void> keeper)
+      : Topology<Index>(true), owner(std::move(keeper)) {
+    this->from = Block<Index>::readOnly(memory.from);
+    this->to = Block<Index>::readOnly(memory.to);
+    this->out.readIn(memory.out);
+    if (!memory.directed) return;
+    this->in = std::make_unique<AdjacencyLists<Index>>();
+    this->in->readIn(memory.in);
+  }
+};
+
+/// A topology as it was when it was asked for.
 struct HeldTopology {
   TopologyShare share;
   std::uint64_t vertices;
@@ -76,9 +102,11 @@ class AdjacencyStore {
 
   /// All ends must be below the number of vertices. O(n + m) at most, and without work or memory
   /// for vertices that have no edge. std::bad_alloc where memory cannot hold it. Lists of its own
-  /// are released before the adjacency lists are built.
+  /// are released before the adjacency lists are built. Whoever gives a pace may stop it.
   AdjacencyStore(std::uint64_t vertices, IndexList from, IndexList to, bool directed,
-                 std::uint64_t narrowLimit = kNarrowLimit);
+                 std::uint64_t narrowLimit = kNarrowLimit, Pace* pace = nullptr);
+  /// Of a topology that is whole, and that others may hold, too.
+  explicit AdjacencyStore(HeldTopology held);
 
   [[nodiscard]] std::uint64_t vertexCount() const { return vertices_; }
   [[nodiscard]] std::uint64_t edgeCount() const { return edges_; }
@@ -120,8 +148,9 @@ class AdjacencyStore {
   }
 
   /// Appends edges whose ends are below the number of vertices. Amortised O(count). std::bad_alloc
-  /// leaves the store as it was.
-  void insert(const EdgeEnds& more);
+  /// leaves the store as it was, and so does a stop, which only an insertion obeys that is not
+  /// small against what is there; that one builds all lists anew.
+  void insert(const EdgeEnds& more, Pace* pace = nullptr);
 
  private:
   template <class Index>
@@ -137,13 +166,17 @@ class AdjacencyStore {
   [[nodiscard]] bool relocate(AdjacencyLists<Index>& lists, std::uint64_t vertex);
   template <class Index>
   [[nodiscard]] bool appendInPlace(Topology<Index>& topology, const EdgeEnds& more);
-  // Gives up where somebody holds the topology, too.
+  // Gives up where the topology may not change.
   [[nodiscard]] bool insertInPlace(const EdgeEnds& more);
 
-  // Puts a topology of all edges so far and more in the place of what is there.
-  void rebuildWith(IndexList from, IndexList to);
+  // Puts a copy of its own in the place of a topology that may not change.
+  void copyTopology();
   template <class Index>
-  [[nodiscard]] TopologyShare topologyWith(IndexList from, IndexList to) const;
+  [[nodiscard]] TopologyShare topologyCopy() const;
+  // Puts a topology of all edges so far and more in the place of what is there.
+  void rebuildWith(IndexList from, IndexList to, Pace* pace);
+  template <class Index>
+  [[nodiscard]] TopologyShare topologyWith(IndexList from, IndexList to, Pace* pace) const;
 
   std::uint64_t vertices_ = 0;
   std::uint64_t edges_ = 0;

@@ -30,7 +30,7 @@ inline void addStrengths(const NetworkCore& core, AdjacencyStore::Side side,
       sums[v] += static_cast<double>(degree);
     });
   }
-  const Weights& weights = *core.edgesWeights;
+  const std::span<const float> weights = core.edgesWeights->all();
   core.store.visit([&](const auto& topology) {
     const bool bothEnds = !core.store.directed();
     const auto& ends = side == AdjacencyStore::Side::kOut || bothEnds ? topology.from : topology.to;
@@ -44,7 +44,7 @@ inline void addStrengths(const NetworkCore& core, AdjacencyStore::Side side,
 /// Adds the weights of one list's edges, in list order, to a sum.
 template <class Index>
 [[nodiscard]] double withWeights(double sum, std::span<const Index> edges,
-                                 const std::optional<Weights>& weights) {
+                                 const std::optional<HeldWeights>& weights) {
   if (!weights) return sum + static_cast<double>(edges.size());
   for (const Index edge : edges) sum += static_cast<double>((*weights)[edge]);
   return sum;

@@ -11,17 +11,33 @@ bool hasFittingWeights(const NetworkDraft& draft) {
          (!draft.edgesWeights || draft.edgesWeights->size() == draft.from.all().size());
 }
 
+std::optional<HeldWeights> held(std::optional<Weights>& weights) {
+  if (!weights) return std::nullopt;
+  return HeldWeights(std::move(*weights));
+}
+
 }  // namespace
 
 NetworkCore::NetworkCore(NetworkDraft&& draft)
     : store(draft.vertexCount, std::move(draft.from), std::move(draft.to), draft.directed,
-            draft.narrowLimit),
-      verticesWeights(std::move(draft.verticesWeights)),
-      edgesWeights(std::move(draft.edgesWeights)),
+            draft.narrowLimit, draft.pace),
+      verticesWeights(held(draft.verticesWeights)),
+      edgesWeights(held(draft.edgesWeights)),
       properties(std::make_shared<NetworkProperties>(std::move(draft.properties))),
       vertexCapacity(store.vertexCount()),
       edgesCapacity(store.edgeCount()) {
   if (draft.columnsAreReady) return;
+  installAll(properties->vertices);
+  installAll(properties->edges);
+}
+
+NetworkCore::NetworkCore(ForeignParts&& parts)
+    : store(std::move(parts.topology)),
+      verticesWeights(std::move(parts.verticesWeights)),
+      edgesWeights(std::move(parts.edgesWeights)),
+      properties(std::make_shared<NetworkProperties>(std::move(parts.properties))),
+      vertexCapacity(store.vertexCount()),
+      edgesCapacity(store.edgeCount()) {
   installAll(properties->vertices);
   installAll(properties->edges);
 }
@@ -50,11 +66,19 @@ Owned<VEQNetwork> CoreAccess::build(NetworkDraft draft) {
 }
 
 Shared<VEQNetwork> CoreAccess::buildShared(NetworkDraft draft) {
-  struct Network : VEQNetwork {
-    explicit Network(std::unique_ptr<NetworkCore> core) : VEQNetwork(std::move(core)) {}
-  };
   if (!hasFittingWeights(draft)) return nullptr;
-  return std::make_shared<Network>(std::make_unique<NetworkCore>(std::move(draft)));
+  return shared(std::make_unique<NetworkCore>(std::move(draft)));
+}
+
+Shared<VEQNetwork> CoreAccess::buildShared(ForeignParts parts) {
+  return shared(std::make_unique<NetworkCore>(std::move(parts)));
+}
+
+Shared<VEQNetwork> CoreAccess::shared(std::unique_ptr<NetworkCore> core) {
+  struct Network : VEQNetwork {
+    explicit Network(std::unique_ptr<NetworkCore> own) : VEQNetwork(std::move(own)) {}
+  };
+  return std::make_shared<Network>(std::move(core));
 }
 
 }  // namespace veq::internal

@@ -9,6 +9,7 @@
 #include "veq/base/ownership.hpp"
 #include "veq/handles/internal/handle_table.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
+#include "veq/network/internal/held_weights.hpp"
 #include "veq/network/internal/network_draft.hpp"
 #include "veq/network/network.hpp"
 
@@ -25,15 +26,24 @@ struct NetworkHandles final : HandleOwner {
   HandleTable<VEQEdge> edges{*this};
 };
 
+/// A whole network over memory that may be somebody else's.
+struct ForeignParts {
+  HeldTopology topology;
+  std::optional<HeldWeights> verticesWeights;
+  std::optional<HeldWeights> edgesWeights;
+  NetworkProperties properties;
+};
+
 struct NetworkCore {
   /// Of a draft whose weights are one for each vertex and edge.
   explicit NetworkCore(NetworkDraft&& draft);
+  explicit NetworkCore(ForeignParts&& parts);
   /// Ends the life of which the handles ask.
   ~NetworkCore();
 
   AdjacencyStore store;
-  std::optional<Weights> verticesWeights;
-  std::optional<Weights> edgesWeights;
+  std::optional<HeldWeights> verticesWeights;
+  std::optional<HeldWeights> edgesWeights;
   /// Changes whenever the weight of an edge that was there before does.
   std::uint64_t weightsRevision = 0;
   Shared<NetworkProperties> properties;
@@ -75,6 +85,7 @@ struct CoreAccess {
   [[nodiscard]] static Owned<VEQNetwork> build(NetworkDraft draft);
   /// The same in one block with the count of its references.
   [[nodiscard]] static Shared<VEQNetwork> buildShared(NetworkDraft draft);
+  [[nodiscard]] static Shared<VEQNetwork> buildShared(ForeignParts parts);
 
   /// The network of whatever draft `produce()` gives, an optional one; null also where memory
   /// cannot hold the draft or the network.
@@ -85,6 +96,9 @@ struct CoreAccess {
       return draft ? build(std::move(*draft)) : nullptr;
     });
   }
+
+ private:
+  [[nodiscard]] static Shared<VEQNetwork> shared(std::unique_ptr<NetworkCore> core);
 };
 
 }  // namespace veq::internal

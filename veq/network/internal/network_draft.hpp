@@ -34,6 +34,8 @@ struct NetworkDraft {
   /// ignored, fixed columns copied), unless they come from networks, where these were applied.
   NetworkProperties properties;
   bool columnsAreReady = false;
+  /// Asked while the lists are built, where there is one.
+  Pace* pace = nullptr;
   /// For tests of the wide form with few edges.
   std::uint64_t narrowLimit = AdjacencyStore::kNarrowLimit;
 };

@@ -9,10 +9,9 @@
 namespace veq::internal {
 
 /// What a store shares with the views of its topology. It changes only while the store alone holds
-/// it.
+/// it, and never where it lies in memory of somebody else.
 class SharedTopology {
  public:
-  SharedTopology() = default;
   SharedTopology(const SharedTopology&) = delete;
   SharedTopology& operator=(const SharedTopology&) = delete;
 
@@ -32,13 +31,17 @@ class SharedTopology {
   void release() {
     if (shares_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
-  [[nodiscard]] bool isHeldByOthers() const { return shares_.load(std::memory_order_acquire) != 1; }
+  [[nodiscard]] bool mayChange() const {
+    return shares_.load(std::memory_order_acquire) == 1 && !foreign_;
+  }
 
  protected:
+  explicit SharedTopology(bool foreign) : foreign_(foreign) {}
   virtual ~SharedTopology() = default;
 
  private:
   std::atomic<std::uint32_t> shares_{1};
+  const bool foreign_;
 };
 
 /// One share of a topology.
