@@ -354,6 +354,10 @@ TEST(Walkers, ChooseByTheWeightsAsTheyAre) {
   EXPECT_EQ(walkFrom0(), (Indices{0, 0, 0, 50}));  // of weight 1
   network.published()->setEdgesWeightValues(VEQNumberArray::ofFloats({0, 0, 0}));
   EXPECT_EQ(walkFrom0(), (Indices{0, 0, 0, 0}));
+  Network same = network;
+  const std::vector<float> weights{1, 0, 0};
+  ASSERT_TRUE(same.setEdgeWeights(weights));
+  EXPECT_EQ(walkFrom0(), (Indices{0, 50, 0, 0}));
 }
 
 TEST(Walkers, WithoutWeightsWeighEachEdgeOne) {

@@ -222,6 +222,7 @@ Result<std::uint64_t> Network::setVertexWeights(const NumberSpan& weights) {
 
 Result<std::uint64_t> Network::setEdgeWeights(const NumberSpan& weights) {
   NetworkCore& core = CoreAccess::of(*published_);
+  ++core.weightsRevision;
   return setWeights(core, core.edgesWeights, countEdges(), weights, Item::kEdge);
 }
 

@@ -51,7 +51,7 @@ template <class Index>
 struct ForeignTopology final : Topology<Index> {
   [[nodiscard]] static ForeignTopology* make(const TopologyMemory<Index>& memory,
                                              Shared<const void> owner) {
-    return new (SharedTopology::Behind{0}) ForeignTopology(memory, std::move(owner));
+    return new (SharedTopology::TrailingBytes{0}) ForeignTopology(memory, std::move(owner));
   }
 
   Shared<const void> owner;
