@@ -113,13 +113,10 @@ NetworkDraft draftOfVersion1(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
   return draft;
 }
 
-void writeWeights(VEQKeyedArchiver& out, const std::optional<Weights>& weights, std::uint64_t count,
-                  std::string_view key) {
+void writeWeights(VEQKeyedArchiver& out, const std::optional<HeldWeights>& weights,
+                  std::uint64_t count, std::string_view key) {
   if (!weights) return;
-  out.encodeNumberArray(
-      VEQNumberArray(
-          Weights(weights->begin(), weights->begin() + static_cast<std::ptrdiff_t>(count))),
-      key);
+  out.encodeNumberArray(VEQNumberArray(Weights(weights->begin(), weights->begin() + count)), key);
 }
 
 template <class Index>
