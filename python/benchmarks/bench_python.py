@@ -1,7 +1,7 @@
-"""What calls cost, and the same tasks beside NetworkX, igraph, SciPy and pandas where these are there.
+"""What calls cost, and the same tasks beside the libraries that are there.
 
-Run it by the interpreter of an environment that has veq: python bench_python.py. It prints processor
-seconds of this process, the least of some runs.
+Run it by the interpreter of an environment that has veq. It prints processor seconds of this process,
+the least of some runs.
 """
 
 import importlib.util
@@ -32,10 +32,22 @@ def show(what, seconds, unit="ms"):
 
 def overheads(network):
     for what in ("network.num_vertices", "network.num_edges", "network.directed"):
-        seconds = min(timeit.repeat(what, globals={"network": network}, number=200_000, repeat=5))
+        seconds = min(
+            timeit.repeat(
+                what,
+                globals={"network": network},
+                number=200_000,
+                repeat=5,
+                timer=time.process_time,
+            )
+        )
         show(what, seconds / 200_000, "ns")
     for what in ("network.neighbors(7)", "network.degree(7)", "network.sources"):
-        seconds = min(timeit.repeat(what, globals={"network": network}, number=20_000, repeat=5))
+        seconds = min(
+            timeit.repeat(
+                what, globals={"network": network}, number=20_000, repeat=5, timer=time.process_time
+            )
+        )
         show(what, seconds / 20_000, "ns")
 
 

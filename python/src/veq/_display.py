@@ -112,7 +112,8 @@ def plot(
     axes.add_collection(
         LineCollection(places[edges], colors="0.6", linewidths=0.5, zorder=1)  # type: ignore[arg-type]
     )
-    shade = self.vertex_data[color] if isinstance(color, str) and color in self.vertex_data else color
+    is_key = isinstance(color, str) and color in self.vertex_data
+    shade = self.vertex_data[color] if is_key else color  # type: ignore[index]
     axes.scatter(places[:, 0], places[:, 1], c=shade, s=size, zorder=2)
     if names:
         for place, name in zip(places, self.names, strict=True):

@@ -128,7 +128,7 @@ def block_model(
 def rewired(
     network: Network, tries: int, *, seed: Seed = None, progress: Progress = "auto"
 ) -> Network:
-    """Pairs of edges exchange their targets, so that all degrees stay; no new loops or parallels."""
+    """Pairs of edges exchange their targets: all degrees stay, and no loops or parallels come."""
     return _made(_core.rewired, progress, network, _arrays.count(tries, "tries"), seed=seed)
 
 

@@ -111,7 +111,8 @@ class Network(Converting):
         if len(pairs) != 2:
             raise ValueError(f"edges are pairs of names, not {len(pairs)} of them")
         sources, targets = (
-            _arrays.texts(side, what) for side, what in zip(pairs, ("source", "target"), strict=True)
+            _arrays.texts(side, what)
+            for side, what in zip(pairs, ("source", "target"), strict=True)
         )
         every = None if names is None else _arrays.texts(names, "name")
         weights = _arrays.numbers(edge_weights, "edge_weights")

@@ -31,7 +31,7 @@ class Paths:
 
     @property
     def stayed(self) -> int:
-        """The entry of an agent that could not move: all bits set."""
+        """What stands for an agent that could not move: all bits set."""
         return int(np.iinfo(self.moves.dtype).max)
 
     @property

@@ -72,7 +72,7 @@ def columns_of(rows: Sequence[Mapping[Any, Any]]) -> dict[str, list[Any]]:
 
 
 def taken_weights(columns: dict[str, list[Any]]) -> list[float] | None:
-    """Takes "weight" out of the columns, if all that is there are numbers; 1 where there is none."""
+    """Takes "weight" out of the columns, if all are numbers; 1 where there is none."""
     found = columns.get(WEIGHT)
     if found is None or not all(
         value is None or (isinstance(value, (int, float)) and not isinstance(value, bool))
@@ -86,9 +86,12 @@ def taken_weights(columns: dict[str, list[Any]]) -> list[float] | None:
 def _storable(value: Any, other: Other) -> Any:
     if value is None or isinstance(value, (str, int, float, np.generic)):
         return value
-    if isinstance(value, (tuple, list)) and len(value) in (2, 3):
-        if all(isinstance(part, (int, float)) for part in value):
-            return tuple(value)
+    if (
+        isinstance(value, (tuple, list))
+        and len(value) in (2, 3)
+        and all(isinstance(part, (int, float)) for part in value)
+    ):
+        return tuple(value)
     return str(value) if other == "text" else value
 
 

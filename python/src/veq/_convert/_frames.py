@@ -77,7 +77,8 @@ def _read(table: Any, column: str) -> Any:
     if hasattr(values, "null_count"):  # polars
         return values.to_list() if values.null_count() else _plain(values.to_numpy())
     if values.isna().any():
-        return [None if missing else value for value, missing in zip(values, values.isna())]
+        missing = values.isna()
+        return [None if no else value for value, no in zip(values, missing, strict=True)]
     return _plain(values.to_numpy())
 
 
