@@ -50,7 +50,7 @@ class CyclicGroup final : public VEQNetworkAgentsGroup {
  public:
   CyclicGroup(Shared<const VEQNetwork> network, std::vector<std::uint64_t> start)
       : VEQNetworkAgentsGroup(
-            internal::GroupState::make(std::move(network), [&] { return std::move(start); })) {}
+            std::make_unique<internal::GroupState>(std::move(network), std::move(start))) {}
 
   std::optional<VEQVertexPaths> walkForSteps_returnPath_untilReach(std::uint64_t steps,
                                                                    bool returnPath,

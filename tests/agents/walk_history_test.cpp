@@ -20,7 +20,7 @@ using Narrow = WalkHistory<std::uint32_t>;
 using Wide = WalkHistory<std::uint64_t>;
 
 constexpr std::uint32_t kNone = kStayed<std::uint32_t>;
-constexpr HistoryLimits kNoLog{0, 0, 0, 0};
+constexpr HistoryLimits kNoLog{.log = 0};
 
 template <class Word>
 void append(WalkHistory<Word>& history, std::uint64_t agents,
@@ -55,36 +55,11 @@ TEST(WalkHistory, FoldingEmptiesTheLogAndChangesNothing) {
     if (fold) {
       history.fold();
       EXPECT_EQ(history.logBytes(), 0U);
-      EXPECT_GT(history.compactBytes(), 0U);
     }
     EXPECT_EQ(integers(*history.totals()), (Integers{0, 3, 2, 2}));
     EXPECT_EQ(integers(*history.arraysOf(0).visits), (Integers{0, 2, 1, 0}));
     EXPECT_EQ(integers(*history.arraysOf(0).order), (Integers{0, 3, 2, 0}));
     EXPECT_EQ(integers(*history.arraysOf(1).order), (Integers{0, 0, 0, 1}));
-  }
-}
-
-TEST(WalkHistory, TakesTwelveBytesForEachVertexVisitedAndEightForEachThereIsWhenDense) {
-  Narrow history(90, 1, 0);
-  std::vector<std::uint32_t> moves;
-  // From the last on, so that no tally lies where it belongs once all vertices have one.
-  for (std::uint32_t v = 60; v-- > 0;) moves.push_back(89 - v);
-  append(history, 1, moves);
-  append(history, 1, moves);
-  history.fold();
-  EXPECT_EQ(history.compactBytes(), 60U * 12);
-  append(history, 1, {29});
-  history.fold();
-  EXPECT_EQ(history.compactBytes(), 90U * 8);
-  append(history, 1, {29});
-  history.fold();
-  // Arrays that are out count no longer.
-  const Integers visits = integers(*history.arraysOf(0).visits);
-  const Integers order = integers(*history.arraysOf(0).order);
-  EXPECT_EQ(history.compactBytes(), 0U);
-  for (std::size_t v = 0; v < 90; ++v) {
-    EXPECT_EQ(visits[v], v < 29 ? 0 : 2) << v;
-    EXPECT_EQ(order[v], v < 29 ? 0 : v == 29 ? 121 : static_cast<std::int64_t>(v) + 30) << v;
   }
 }
 
@@ -121,45 +96,57 @@ TEST(WalkHistory, DoesNotDependOnTheWidthOfItsWords) {
   }
 }
 
-// With words of 16 bits, which hold 65535 arrivals. Of 70000 steps the first agent stays in place
-// in every second one, so that it does not outgrow them as its neighbours do.
-TEST(WalkHistory, GoesOnInArraysWhereArrivalsOutgrowTheirWords) {
+// Of 1500 steps the first agent stays in place in every second one, so that it does not outgrow
+// its tallies as its neighbours do.
+TEST(WalkHistory, GoesOnInArraysWhereArrivalsOutgrowTallies) {
   constexpr std::uint64_t kAgents = 3;
-  Narrow usual(5, kAgents, 1);
-  WalkHistory<std::uint16_t> small(5, kAgents, 1, kNoLog);
-  std::mt19937 draw(9);
-  for (std::uint32_t s = 0; s < 70000; s += 1000) {
-    std::vector<std::uint32_t> moves(kAgents * 1000);
-    for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % 5);
-    for (std::size_t i = 0; i < moves.size(); i += 2 * kAgents) moves[i] = kNone;
-    append(usual, kAgents, moves);
-    append(small, kAgents, moves);
+  for (const std::uint64_t log : {std::uint64_t{0}, UINT64_MAX}) {
+    Narrow usual(5, kAgents, 1);
+    Narrow small(5, kAgents, 1, {.log = log, .arrivals = 1000});
+    std::mt19937 draw(9);
+    for (std::uint32_t s = 0; s < 1500; s += 100) {
+      std::vector<std::uint32_t> moves(kAgents * 100);
+      for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % 5);
+      for (std::size_t i = 0; i < moves.size(); i += 2 * kAgents) moves[i] = kNone;
+      append(usual, kAgents, moves);
+      append(small, kAgents, moves);
+      small.fold();
+    }
+    usual.endWalk();
+    small.endWalk();
+    expectSame(usual, small, kAgents);
   }
-  usual.endWalk();
-  small.endWalk();
-  EXPECT_EQ(small.compactBytes(), 5U * 4);  // of the first agent, two words for each vertex
-  expectSame(usual, small, kAgents);
 }
 
-TEST(WalkHistory, CanBeAskedBetweenFoldings) {
+// Walks of 40 moves a step, of which the log has room for so many that some are counted as they go,
+// some fold what lies there, and some do nothing.
+TEST(WalkHistory, CanBeAskedWhateverFormItsMovesHave) {
   constexpr std::uint64_t kAgents = 40;
   constexpr std::uint64_t kVertices = 100;
-  Narrow usual(kVertices, kAgents, 0);
-  Narrow folded(kVertices, kAgents, 0, kNoLog);
-  std::mt19937 draw(8);
-  for (int walk = 0; walk < 10; ++walk) {
-    std::vector<std::uint32_t> moves(kAgents * 3);
-    for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % kVertices);
-    append(usual, kAgents, moves);
-    append(folded, kAgents, moves);
-    if (walk == 4) (void)folded.arraysOf(3);
-    if (walk == 5) (void)folded.arraysOf(39);
-    if (walk == 6) (void)folded.totals();
-    usual.endWalk();
-    folded.endWalk();
+  for (const std::uint64_t steps : {0U, 3U, 5U, 8U, 30U}) {
+    Narrow usual(kVertices, kAgents, 0);
+    Narrow folded(kVertices, kAgents, 0, {.log = 4 * kAgents * steps});
+    std::mt19937 draw(8);
+    for (std::size_t walk = 0; walk < 24; ++walk) {
+      std::vector<std::uint32_t> moves(kAgents * (walk % 7 == 0 ? 9 : 1 + walk % 3));
+      for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % kVertices);
+      for (std::size_t part = 0; part <= walk % 2; ++part) {
+        append(usual, kAgents, moves);
+        append(folded, kAgents, moves);
+      }
+      if (walk == 9) (void)folded.arraysOf(3);
+      if (walk == 13) (void)folded.arraysOf(39);
+      if (walk == 15 && steps != 3) (void)folded.totals();
+      if (walk == 21) {
+        EXPECT_EQ(folded.visits(), usual.visits());
+      }
+      EXPECT_EQ(folded.visitsOf(3), usual.visitsOf(3));
+      usual.endWalk();
+      folded.endWalk();
+    }
+    expectSame(usual, folded, kAgents);
+    EXPECT_EQ(folded.visits(), usual.visits());
   }
-  folded.fold();
-  expectSame(usual, folded, kAgents);
 }
 
 TEST(WalkHistory, OfAWalkUnderWayCountsIntoTheTotalsAtItsEnd) {
@@ -172,60 +159,46 @@ TEST(WalkHistory, OfAWalkUnderWayCountsIntoTheTotalsAtItsEnd) {
   EXPECT_EQ(integers(history.totals()), (Integers{0, 2}));
 }
 
-// The most that the log of 10 agents holds in the course of 1.2 million steps in blocks of 0.4 MB,
-// and what is left of it after the walk.
-struct LogSizes {
-  std::uint64_t most = 0;
-  std::uint64_t left = 0;
-};
-LogSizes logSizes(std::uint64_t vertices) {
+// What is left of a log of 10 agents after so many steps, 1000 in each walk.
+std::uint64_t logAfter(std::uint64_t vertices, std::uint64_t walks) {
   Narrow history(vertices, 10, 0);
-  LogSizes sizes;
-  const std::vector<std::uint32_t> moves(100000, 1);
-  for (int i = 0; i < 120; ++i) {
+  const std::vector<std::uint32_t> moves(10000, 1);
+  for (std::uint64_t walk = 0; walk < walks; ++walk) {
     append(history, 10, moves);
-    sizes.most = std::max(sizes.most, history.logBytes());
-  }
-  history.endWalk();
-  sizes.left = history.logBytes();
-  return sizes;
-}
-
-// 1 MiB however small the arrays are, and what tallies would take otherwise, up to 12 MiB; besides
-// half of the arrays of all agents but one, which all together take 160 bytes a vertex.
-TEST(WalkHistory, FoldsTheLogBeforeItOutgrowsWhatTheArraysLeave) {
-  const LogSizes small = logSizes(100);
-  EXPECT_NEAR(static_cast<double>(small.most), 1.0e6, 0.41e6);
-  EXPECT_LE(small.left, 524288U + 8000U);
-  const LogSizes medium = logSizes(200000);
-  EXPECT_NEAR(static_cast<double>(medium.most), 27.0e6, 0.41e6);
-  EXPECT_LE(medium.left, 16500000U);
-}
-
-// A move takes 4 bytes, and a tally 12: while few vertices are visited again, counting takes more.
-TEST(WalkHistory, KeepsMovesAsTheyAreWhereTalliesWouldTakeMore) {
-  Narrow history(100000, 1000, 0);
-  std::vector<std::uint32_t> step(1000);
-  for (std::uint32_t s = 0; s < 40000; ++s) {
-    const MoveRoom<std::uint32_t> room = history.roomFor(1, false);
-    std::fill_n(room.first, 1000, s);
-    history.append(1);
     history.endWalk();
   }
-  EXPECT_EQ(history.compactBytes(), 0U);
-  EXPECT_LT(history.logBytes(), 162000000U);
+  return history.logBytes();
+}
+
+// Tallies leave half of the arrays, which take 160 bytes a vertex: 1.6 million for 20000 vertices.
+// Beyond these the log may take half a MiB. A walk takes 40000 bytes.
+TEST(WalkHistory, FoldsTheLogBeforeItOutgrowsWhatTalliesLeaveOfTheArrays) {
+  EXPECT_GE(logAfter(20000, 40), 40 * 40000U);
+  std::uint64_t most = 0;
+  std::uint64_t least = UINT64_MAX;
+  for (std::uint64_t walks = 41; walks < 80; ++walks) {
+    most = std::max(most, logAfter(20000, walks));
+    least = std::min(least, logAfter(20000, walks));
+  }
+  EXPECT_LE(most, 1600000U + 524288U);
+  EXPECT_LE(least, 80000U);
+}
+
+TEST(WalkHistory, CountsAWalkAsItGoesThatTheLogHasNoRoomFor) {
+  Narrow history(100, 10, 0);
+  const MoveRoom<std::uint32_t> room = history.roomFor(1000000, false);
+  EXPECT_EQ(room.steps, history.stepsPerRun());
+  std::fill_n(room.first, 10 * room.steps, 7);
+  history.append(room.steps);
+  EXPECT_EQ(history.logBytes(), 0U);
+  EXPECT_EQ(history.roomFor(1000000, false).first, room.first);
+  EXPECT_EQ(history.visitsOf(9)[7], room.steps);
+  EXPECT_EQ(history.visits()[7], 10 * room.steps);
 }
 
 TEST(WalkHistory, MayBeOfMoreAgentsAndVerticesThanCanBeMultiplied) {
   const Wide history(std::uint64_t{1} << 62, 4, 0);
-  EXPECT_EQ(history.stepsPerRun(), 8388608U / 32);
-}
-
-TEST(WalkHistory, NeedsNoMoreFoldingOnceTheLogIsFolded) {
-  Narrow history(10, 10, 0, kNoLog);
-  append(history, 10, std::vector<std::uint32_t>(1000, 1));
-  EXPECT_EQ(history.logBytes(), 0U);
-  EXPECT_EQ(history.compactBytes(), 10U * 12);
+  EXPECT_EQ(history.stepsPerRun(), 1048576U / 32);
 }
 
 // Paths are views of the block in which the moves lie, and nobody may write there again.

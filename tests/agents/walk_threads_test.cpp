@@ -188,12 +188,9 @@ INSTANTIATE_TEST_SUITE_P(Groups, WalkersAndWatchers, testing::Bool(), [](const a
 class Folding final : public VEQNetworkAgentsGroup {
  public:
   explicit Folding(Shared<const VEQNetwork> network)
-      : VEQNetworkAgentsGroup(internal::GroupState::make(std::move(network), [] {
-          Indices start(kAgents);
-          std::iota(start.begin(), start.end(), 0);
-          return start;
-        })) {
-    state().history = internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {0, 0, 0, 0});
+      : VEQNetworkAgentsGroup(
+            std::make_unique<internal::GroupState>(std::move(network), Indices(kAgents))) {
+    state().history = internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {.log = 0});
   }
 };
 

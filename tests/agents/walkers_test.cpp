@@ -454,12 +454,6 @@ TEST(Walkers, SayWhyTheyCannotWalkBeforeAnythingIsDrawn) {
   EXPECT_EQ(why([](WalkOptions& o) { o.restart = -0.5; }), "restart -0.5: give 0 to 1");
   EXPECT_EQ(why([](WalkOptions& o) {
               o.paths = true;
-              o.steps.reset();
-              o.target = 1.0;
-            }),
-            "paths without a number of steps");
-  EXPECT_EQ(why([](WalkOptions& o) {
-              o.paths = true;
               o.steps = UINT64_MAX;
             }),
             "paths of 2^64 entries or more");
@@ -469,6 +463,42 @@ TEST(Walkers, SayWhyTheyCannotWalkBeforeAnythingIsDrawn) {
                       {0, 1});
   EXPECT_EQ(why([](WalkOptions& o) { o.choice = Choice::kWeighted; }), "edge 4: weight inf");
   EXPECT_EQ(why([](WalkOptions& o) { o.steps = 0; }), "none");
+}
+
+// Without memory and restarts the draws are those of a walk of so many steps.
+TEST(Walkers, TellThePathsOfAWalkWithoutANumberOfSteps) {
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> edges;
+  for (std::uint64_t v = 0; v < 60; ++v) edges.emplace_back(v, (v + 1) % 60);
+  const Network ring(networkOf(60, edges, false));
+  const auto walkFor = [&](std::optional<std::uint64_t> steps) {
+    RandomState random = seeded(5);
+    WalkOptions options;
+    options.steps = steps;
+    options.target = 1.0;
+    options.paths = true;
+    options.random = &random;
+    return walkersAt(ring, {0, 7}).walk(options).value();
+  };
+  const WalkOutcome outcome = walkFor(std::nullopt);
+  EXPECT_EQ(outcome.end, WalkEnd::kTarget);
+  EXPECT_GE(outcome.steps, 30U);
+  EXPECT_EQ(outcome.paths->countSteps(), outcome.steps);
+  EXPECT_EQ(pathsOf(outcome), pathsOf(walkFor(outcome.steps)));
+}
+
+TEST(Walkers, LeadBackToWhereTheGroupStoodWhenTheyWereMade) {
+  const Shared<VEQNetworkAgentsGroup> group = groupAt(sixLinks().published(), {2, 2});
+  Walkers walkers(group);
+  group->setAgentsCurrentVerticesIndices(VEQNumberArray::ofIndices({0, 1}));
+  Walkers later(group);
+  group->setCurrentVertex_forAgent(*sixLinks().published()->vertexAtIndex(3), 0);
+  WalkOptions options;
+  options.steps = 1;
+  options.restart = 1.0;
+  EXPECT_TRUE(later.walk(options).hasValue());
+  EXPECT_EQ(later.positions(), (Indices{0, 1}));
+  EXPECT_TRUE(walkers.walk(options).hasValue());
+  EXPECT_EQ(walkers.positions(), (Indices{2, 2}));
 }
 
 TEST(Walkers, SayWhoStandsOutsideTheNetwork) {

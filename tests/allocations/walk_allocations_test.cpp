@@ -3,12 +3,15 @@
 
 #include <cstdint>
 #include <memory>
+#include <numeric>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "tests/support/agents.hpp"
 #include "tests/support/failing_allocation.hpp"
 #include "veq/agents/internal/group_state.hpp"
+#include "veq/walkers.hpp"
 
 namespace veq::test {
 namespace {
@@ -27,9 +30,9 @@ Shared<VEQNetwork> cycle() {
 class FoldingGroup final : public VEQNetworkAgentsGroup {
  public:
   explicit FoldingGroup(Shared<const VEQNetwork> network)
-      : VEQNetworkAgentsGroup(internal::GroupState::make(
-            std::move(network), [] { return std::vector<std::uint64_t>(kAgents, 0); })) {
-    state().history = internal::WalkHistory<std::uint32_t>(kVertices, kAgents, 0, {0, 0, 0, 0});
+      : VEQNetworkAgentsGroup(std::make_unique<internal::GroupState>(
+            std::move(network), std::vector<std::uint64_t>(kAgents, 0))) {
+    state().history = internal::WalkHistory<std::uint32_t>(kVertices, kAgents, 0, {.log = 0});
     walkForSteps_returnPath_untilReach(70, false, 2.0F);
   }
 };
@@ -97,6 +100,63 @@ TEST(FailingWalk, EndsWithEverythingInAgreement) {
           });
       EXPECT_GE(failures, 4U);
     }
+  }
+}
+
+// Either nothing is made, or walkers that can walk.
+TEST(FailingWalk, WalkersAreMadeOrNot) {
+  const Network network(cycle());
+  const std::vector<std::uint64_t> starts{3, 4};
+  MemoryOptions memory;
+  memory.sizes = {2};
+  for (const bool withMemory : {false, true}) {
+    std::optional<Result<Walkers>> made;
+    const auto check = [&](bool failed) {
+      if (!failed && FailingAllocation::happened()) {
+        EXPECT_EQ(made->error().kind(), ErrorKind::kMemory);
+      }
+      made.reset();
+    };
+    EXPECT_GE(forEachFailingAllocation(
+                  [&] {
+                    made = withMemory ? Walkers::withMemory(network, starts, memory)
+                                      : Walkers::at(network, starts);
+                  },
+                  check),
+              4U);
+  }
+}
+
+// On the cycle everybody goes on by one vertex in every step.
+TEST(FailingWalk, OfWalkersEndsWithEverythingInAgreement) {
+  for (const bool endless : {false, true}) {
+    const std::uint64_t failures = forEachFailingAllocation(
+        [] {
+          const std::vector<std::uint64_t> starts{0, 0};
+          return std::make_unique<Walkers>(Walkers::at(Network(cycle()), starts).value());
+        },
+        [&](std::unique_ptr<Walkers>& agents) {
+          RandomState random = RandomState::seeded(5).value();
+          WalkOptions options;
+          if (!endless) options.steps = 120;
+          options.target = 1.0;
+          options.paths = true;
+          options.firstArrivals = true;
+          options.choice = Choice::kWeighted;
+          options.random = &random;
+          const auto outcome = agents->walk(options);
+          if (outcome) {
+            EXPECT_EQ(outcome.value().steps, kVertices);
+          }
+        },
+        [&](std::unique_ptr<Walkers>& agents, bool) {
+          const std::vector<std::uint64_t> visits = agents->visits(1);
+          const std::uint64_t steps = std::accumulate(visits.begin(), visits.end(), 0U);
+          EXPECT_LE(steps, kVertices);
+          EXPECT_EQ(agents->positions(), std::vector<std::uint64_t>(2, steps % kVertices));
+          for (std::uint64_t s = 1; s <= steps; ++s) EXPECT_EQ(visits[s % kVertices], 1U);
+        });
+    EXPECT_GE(failures, 6U);
   }
 }
 

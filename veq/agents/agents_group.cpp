@@ -1,7 +1,7 @@
 #include "veq/agents/agents_group.hpp"
 
+#include <memory>
 #include <mutex>
-#include <new>
 #include <stdexcept>
 #include <utility>
 #include <variant>
@@ -27,6 +27,16 @@ GroupState::Positions positionsOf(const VEQVertexArray& vertices) {
   return positions;
 }
 
+template <class Places>
+Owned<VEQNetworkAgentsGroup> GroupAccess::make(Shared<const VEQNetwork> network,
+                                               const Places& places) {
+  if (!network) return nullptr;
+  return orNothing([&] {
+    auto state = std::make_unique<GroupState>(std::move(network), positionsOf(places));
+    return Owned<VEQNetworkAgentsGroup>(new VEQNetworkAgentsGroup(std::move(state)));
+  });
+}
+
 }  // namespace internal
 
 namespace {
@@ -40,11 +50,11 @@ void setPositions(GroupState& state, const Places& places) {
         "New current vertices list shall be a array of vertices with at least the size of the "
         "number of agents.");
   }
-  state.positions = internal::positionsOf(places);
+  state.positions = std::make_shared<GroupState::Positions>(internal::positionsOf(places));
 }
 
 std::uint64_t requirePosition(const GroupState& state, std::uint64_t agent) {
-  if (agent >= state.positions.size()) {
+  if (agent >= state.positions->size()) {
     throw std::out_of_range("The group has no agent of this number.");
   }
   return agent;
@@ -76,19 +86,12 @@ VEQNetworkAgentsGroup::~VEQNetworkAgentsGroup() { state_->work.cancel(); }
 
 Owned<VEQNetworkAgentsGroup> VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(
     Shared<const VEQNetwork> network, const VEQNumberArray& indices) {
-  auto state = GroupState::make(std::move(network), [&] { return internal::positionsOf(indices); });
-  return state ? Owned<VEQNetworkAgentsGroup>(new (std::nothrow)
-                                                  VEQNetworkAgentsGroup(std::move(state)))
-               : nullptr;
+  return internal::GroupAccess::make(std::move(network), indices);
 }
 
 Owned<VEQNetworkAgentsGroup> VEQNetworkAgentsGroup::initAtNetwork_initialVertices(
     Shared<const VEQNetwork> network, const VEQVertexArray& vertices) {
-  auto state =
-      GroupState::make(std::move(network), [&] { return internal::positionsOf(vertices); });
-  return state ? Owned<VEQNetworkAgentsGroup>(new (std::nothrow)
-                                                  VEQNetworkAgentsGroup(std::move(state)))
-               : nullptr;
+  return internal::GroupAccess::make(std::move(network), vertices);
 }
 
 std::int64_t VEQNetworkAgentsGroup::countAgents() const {
@@ -98,13 +101,13 @@ std::int64_t VEQNetworkAgentsGroup::countAgents() const {
 VEQVertexArray VEQNetworkAgentsGroup::agentsCurrentVerticesList() const {
   internal::requireAgentsWithin(*state_);
   VEQVertexArray::Indices indices(
-      state_->positions.begin(),
-      state_->positions.begin() + static_cast<std::ptrdiff_t>(state_->agents));
+      state_->positions->begin(),
+      state_->positions->begin() + static_cast<std::ptrdiff_t>(state_->agents));
   return {internal::CoreAccess::of(*state_->network).vertices(), std::move(indices)};
 }
 
 Shared<VEQVertex> VEQNetworkAgentsGroup::currentVertexOfAgent(std::uint64_t agent) const {
-  return state_->network->vertexAtIndex(state_->positions[requirePosition(*state_, agent)]);
+  return state_->network->vertexAtIndex((*state_->positions)[requirePosition(*state_, agent)]);
 }
 
 void VEQNetworkAgentsGroup::setAgentsCurrentVertices(const VEQVertexArray& vertices) {
@@ -117,7 +120,8 @@ void VEQNetworkAgentsGroup::setAgentsCurrentVerticesIndices(const VEQNumberArray
 
 void VEQNetworkAgentsGroup::setCurrentVertex_forAgent(const VEQVertex& vertex,
                                                       std::uint64_t agent) {
-  state_->positions[requirePosition(*state_, agent)] = vertex.identification();
+  requirePosition(*state_, agent);
+  state_->ownPositions()[agent] = vertex.identification();
 }
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::globalVisitFrequencyOfVertices() const {

@@ -100,9 +100,9 @@ template <class Places>
 Owned<VEQNetworkDynamicAgentsGroup> VEQNetworkDynamicAgentsGroup::make(
     Shared<const VEQNetwork> network, const Places& places, Shared<const VEQNetwork> agentsNetwork,
     const VEQNumberArray& errors, const VEQNumberArray& memorySizes) {
-  auto state = GroupState::make(std::move(network), [&] { return internal::positionsOf(places); });
-  if (!state) return nullptr;
+  if (!network) return nullptr;
   return internal::orNothing([&]() -> Owned<VEQNetworkDynamicAgentsGroup> {
+    auto state = std::make_unique<GroupState>(std::move(network), internal::positionsOf(places));
     auto memories = makeDynamicState(*state, std::move(agentsNetwork), errors, memorySizes);
     if (!memories) return nullptr;
     return Owned<VEQNetworkDynamicAgentsGroup>(

@@ -11,7 +11,7 @@ namespace internal {
 void requireAgentsWithin(const GroupState& group) {
   const std::uint64_t vertices = group.network->countVertices();
   for (std::uint64_t a = 0; a < group.agents; ++a) {
-    if (group.positions[a] >= vertices) {
+    if ((*group.positions)[a] >= vertices) {
       throw std::out_of_range("An agent stands on a vertex that the network does not have.");
     }
   }

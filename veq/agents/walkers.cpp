@@ -81,13 +81,11 @@ std::optional<Error> optionsError(const GroupState& group, const WalkOptions& op
   if (!(options.restart >= 0.0 && options.restart <= 1.0)) {
     return wrong("restart " + text(options.restart) + ": give 0 to 1");
   }
-  if (options.paths && !options.steps) {
-    return Error(ErrorKind::kUnsupported, "paths without a number of steps");
-  }
-  if (options.paths && group.agents != 0 && *options.steps > UINT64_MAX / group.agents) {
+  if (options.paths && options.steps && group.agents != 0 &&
+      *options.steps > UINT64_MAX / group.agents) {
     return wrong("paths of 2^64 entries or more");
   }
-  return placeError("agent", std::span(group.positions.data(), group.agents),
+  return placeError("agent", std::span(group.positions->data(), group.agents),
                     group.network->countVertices());
 }
 
@@ -114,9 +112,7 @@ Result<std::vector<std::uint64_t>> drawStarts(std::uint64_t agents, RandomState*
 
 Walkers::Walkers(Shared<VEQNetworkAgentsGroup> published) {
   if (!published) throw std::invalid_argument("There is no group of agents.");
-  const GroupState& group = GroupAccess::of(*published);
-  const auto* first = group.positions.data();
-  std::vector<std::uint64_t> starts(first, first + group.agents);
+  auto starts = GroupAccess::of(*published).positions;
   state_ = std::make_shared<const State>(State{std::move(published), std::move(starts)});
 }
 
@@ -197,7 +193,7 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
   request.untilReach = options.target.value_or(0.0);
   request.source = RandomSource(options.random);
   request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)),
-                      state_->starts};
+                      *state_->starts};
   request.progress = &options.progress;
   request.endless = !options.steps;
   const Uint128 draws = drawsOfWalk(options).all();
@@ -238,7 +234,7 @@ std::uint64_t Walkers::countAgents() const { return GroupAccess::of(*state_->pub
 
 std::vector<std::uint64_t> Walkers::positions() const {
   const GroupState& group = GroupAccess::of(*state_->published);
-  return {group.positions.data(), group.positions.data() + group.agents};
+  return {group.positions->data(), group.positions->data() + group.agents};
 }
 
 std::vector<std::uint64_t> Walkers::visits() const {

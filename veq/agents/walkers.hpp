@@ -61,7 +61,7 @@ struct MemoryOptions {
 /// \ingroup walks
 class VEQ_EXPORT Walkers {
  public:
-  /// The published group itself, in O(agents). Restarts lead to where its agents stand now.
+  /// The published group itself, in O(1). Restarts lead to where its agents stand now.
   /// std::invalid_argument, "There is no group of agents.", for null.
   explicit Walkers(Shared<VEQNetworkAgentsGroup> published);
 
@@ -103,9 +103,9 @@ class VEQ_EXPORT Walkers {
   /// Errors of kind kArgument, before anything is changed or drawn: "neither steps nor target",
   /// "target 0: give more than 0, up to 1", "restart 1.5: give 0 to 1", "agent 3: vertex 7 of 5",
   /// "edge 3: weight -1" where weights choose, "the substream has 2 draws left, not 3", "paths of
-  /// 2^64 entries or more"; kUnsupported for "paths without a number of steps"; kMemory where the
-  /// paths have no room. If memory runs out later, the walk ends after a whole step and throws
-  /// std::bad_alloc.
+  /// 2^64 entries or more"; kMemory where the paths have no room. If memory runs out later, the
+  /// walk ends after a whole step and throws std::bad_alloc. Paths of a walk without a number of
+  /// steps grow with it, and are lost then.
   [[nodiscard]] Result<WalkOutcome> walk(const WalkOptions& options);
   /// How many draws walk() takes, or would take for one step if no number of steps is given.
   [[nodiscard]] DrawCount drawsOfWalk(const WalkOptions& options) const;
@@ -138,7 +138,7 @@ class VEQ_EXPORT Walkers {
  private:
   struct State {
     Shared<VEQNetworkAgentsGroup> published;
-    std::vector<std::uint64_t> starts;
+    Shared<const std::vector<std::uint64_t>> starts;
   };
   Shared<const State> state_;
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "veq/base/internal/memory.hpp"
 #include "veq/models/internal/generating.hpp"
 
 namespace veq {
@@ -61,7 +62,7 @@ class AttachmentProcess {
   void fetch(std::uint64_t rounds) const {
     const std::uint64_t u = draws_.ahead(kAhead - 1);
     const std::uint64_t entry = DrawBlocks::scaled(2 * m_ * rounds, u);
-    if (entry >= m_ * rounds) __builtin_prefetch(ends_.to.data() + (entry - m_ * rounds));
+    if (entry >= m_ * rounds) internal::prefetch(ends_.to.data() + (entry - m_ * rounds));
   }
 
   bool isTaken(std::uint64_t v, std::uint64_t target, const std::uint64_t* mine,

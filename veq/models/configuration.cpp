@@ -40,7 +40,7 @@ GrowingEnds paired(std::span<const std::uint64_t> degrees, std::uint64_t m, Draw
     const std::uint64_t other = draws.below(last);
     if (last > 2 * kAhead) {
       const std::uint64_t later = DrawBlocks::scaled(last - 2 * kAhead, draws.ahead(kAhead - 1));
-      __builtin_prefetch(&list[later], 1);
+      internal::prefetchForWriting(&list[later]);
     }
     ends.from[e] = list[last];
     ends.to[e] = std::exchange(list[other], list[last - 1]);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "veq/base/internal/memory.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -78,7 +79,7 @@ class CoreDecomposition {
       lists->prefetchRow(removed_[i + 3 * kAhead]);
       lists->prefetchNeighbours(removed_[i + 2 * kAhead]);
       for (const Index neighbour : lists->neighbours(removed_[i + kAhead])) {
-        __builtin_prefetch(left_.data() + neighbour);
+        internal::prefetch(left_.data() + neighbour);
       }
     }
   }

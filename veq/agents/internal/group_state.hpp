@@ -27,18 +27,9 @@ struct GroupState {
   GroupState(Shared<const VEQNetwork> onNetwork, Positions initial)
       : network(std::move(onNetwork)),
         agents(initial.size()),
-        positions(std::move(initial)),
+        positions(std::make_shared<Positions>(std::move(initial))),
         reached(network->countVertices()),
         history(makeHistory(network->countVertices() > UINT32_MAX, 0)) {}
-
-  /// The state of a new group; null without a network or where memory is lacking. `positions()`
-  /// gives the start of each agent.
-  template <class MakePositions>
-  [[nodiscard]] static std::unique_ptr<GroupState> make(Shared<const VEQNetwork> network,
-                                                        MakePositions positions) {
-    if (!network) return nullptr;
-    return orNothing([&] { return std::make_unique<GroupState>(std::move(network), positions()); });
-  }
 
   /// A history of nothing, whose first arrivals are stamped `firstStamp`.
   [[nodiscard]] GroupHistory makeHistory(bool wide, std::uint64_t firstStamp) const {
@@ -49,8 +40,13 @@ struct GroupState {
 
   const Shared<const VEQNetwork> network;
   const std::uint64_t agents;
-  /// At least one for each agent.
-  Positions positions;
+  /// At least one for each agent. Walkers keep a share of what is to be led back to.
+  Shared<Positions> positions;
+  /// To be written to. std::bad_alloc where others keep them and there is no room for a copy.
+  [[nodiscard]] Positions& ownPositions() {
+    if (positions.use_count() > 1) positions = std::make_shared<Positions>(*positions);
+    return *positions;
+  }
   WorkControl work;
   ReachRecord reached;
   /// Held while moves are counted, which may take long: nobody who watches a walk waits for it.
@@ -66,6 +62,10 @@ struct DynamicState;
 /// The library's own way into a group.
 struct GroupAccess {
   [[nodiscard]] static GroupState& of(const VEQNetworkAgentsGroup& group) { return *group.state_; }
+  /// Null without a network or where memory is lacking.
+  template <class Places>
+  [[nodiscard]] static Owned<VEQNetworkAgentsGroup> make(Shared<const VEQNetwork> network,
+                                                         const Places& places);
   /// Null for agents without memory.
   [[nodiscard]] static DynamicState* memoriesOf(const VEQNetworkAgentsGroup& group);
 };

@@ -19,8 +19,14 @@ template <class Word>
 class MoveLog {
  public:
   /// std::length_error or std::bad_alloc where paths of all steps cannot be had.
-  MoveLog(GroupState& group, WalkHistory<Word>& history, std::uint64_t steps, bool withPaths)
-      : group_(group), history_(history), stepsLeft_(steps), withPaths_(withPaths) {
+  /// All steps will be made unless the walk may end early.
+  MoveLog(GroupState& group, WalkHistory<Word>& history, std::uint64_t steps, bool withPaths,
+          bool mayEndEarly)
+      : group_(group),
+        history_(history),
+        stepsLeft_(steps),
+        withPaths_(withPaths),
+        mayEndEarly_(mayEndEarly) {
     if (group.agents == 0) return;
     if (withPaths && steps > UINT64_MAX / group.agents) {
       throw std::length_error("The paths of a walk have less than 2^64 entries.");
@@ -67,16 +73,22 @@ class MoveLog {
   }
 
   /// The paths up to the last step committed, after end().
-  [[nodiscard]] VEQVertexPaths paths() const {
-    return VEQVertexPaths(CoreAccess::of(*group_.network).vertices(), paths_, firstOfPaths_,
-                          group_.agents, stepsDone_);
+  [[nodiscard]] VEQVertexPaths paths() const { return pathsAt(paths_, firstOfPaths_); }
+  /// The same where they were kept in a block of their own.
+  [[nodiscard]] VEQVertexPaths pathsIn(const Shared<Block<Word>>& block) const {
+    return pathsAt(block, block->data());
   }
 
  private:
+  [[nodiscard]] VEQVertexPaths pathsAt(const Shared<const void>& block, const Word* first) const {
+    return VEQVertexPaths(CoreAccess::of(*group_.network).vertices(), block, first, group_.agents,
+                          stepsDone_);
+  }
   void makeReady() {
     const std::lock_guard guard(group_.historyLock);
-    room_ = history_.roomFor(stepsLeft_, withPaths_);
     stepsPerRun_ = history_.stepsPerRun();
+    const std::uint64_t run = std::min(stepsLeft_, stepsPerRun_);
+    room_ = history_.roomFor(mayEndEarly_ && !withPaths_ ? run : stepsLeft_, withPaths_);
     isReady_ = true;
   }
   void keepBlock() {
@@ -97,6 +109,7 @@ class MoveLog {
   std::uint64_t stepsLeft_;
   std::uint64_t stepsDone_ = 0;
   bool withPaths_;
+  bool mayEndEarly_;
   bool isReady_ = false;  // for the next steps and to be published
   std::uint64_t stepsPerRun_ = 1;
   MoveRoom<Word> room_;

@@ -63,10 +63,12 @@ class WalkFrame {
       : group_(group),
         request_(request),
         mover_(mover),
-        positions_(group.positions.begin(),
-                   group.positions.begin() + static_cast<std::ptrdiff_t>(group.agents)),
+        positions_(group.ownPositions().begin(),
+                   group.ownPositions().begin() + static_cast<std::ptrdiff_t>(group.agents)),
         hasTarget_(request.untilReach > 0.0),
-        log_(group, history, request.steps, request.returnPath) {
+        log_(group, history, request.steps, request.returnPath && !request.endless,
+             hasTarget_ || request.endless) {
+    if (request.returnPath && request.endless) grown_ = std::make_shared<Block<Word>>();
     if (!hasTarget_) return;
     before_.resize(positions_.size());
     group.reached.prepare();
@@ -84,7 +86,7 @@ class WalkFrame {
     finish();
     if (failure) std::rethrow_exception(failure);
     WalkResult result{std::nullopt, done_, end_};
-    if (request_.returnPath) result.paths = log_.paths();
+    if (request_.returnPath) result.paths = grown_ ? log_.pathsIn(grown_) : log_.paths();
     return result;
   }
 
@@ -111,6 +113,7 @@ class WalkFrame {
   // Answers whether the walk is over.
   bool walkTile(std::uint64_t steps) {
     Word* const moves = log_.next();
+    if (grown_) grown_->reserve((done_ + steps) * group_.agents);
     if (hasTarget_) before_ = positions_;
     mover_.walk(positions_.data(), moves, steps);
     std::uint64_t taken = steps;
@@ -120,6 +123,9 @@ class WalkFrame {
       if (taken < steps) rewind(moves, taken);
     }
     if (request_.arrivals) request_.arrivals->take(moves, group_.agents, taken, done_ + 1);
+    if (grown_) {
+      std::copy_n(moves, taken * group_.agents, grown_->data() + done_ * group_.agents);
+    }
     complete(taken);
     log_.commit(taken);
     if (met) {
@@ -156,7 +162,7 @@ class WalkFrame {
   }
 
   void finish() noexcept {
-    std::copy(positions_.begin(), positions_.end(), group_.positions.begin());
+    std::copy(positions_.begin(), positions_.end(), group_.positions->begin());
     log_.end();
     if (request_.endless) {
       (void)request_.source.take(Uint128{mover_.purposes() * group_.agents} * done_);
@@ -171,6 +177,8 @@ class WalkFrame {
   std::vector<Word> before_;  // the positions at a tile's beginning
   bool hasTarget_;
   MoveLog<Word> log_;
+  /// The paths of a walk without a number of steps.
+  Shared<Block<Word>> grown_;
   std::uint64_t done_ = 0;
   WalkEnd end_ = WalkEnd::kSteps;
 };

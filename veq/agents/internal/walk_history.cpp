@@ -2,20 +2,17 @@
 
 #include <algorithm>
 #include <memory>
-#include <new>
-#include <span>
 #include <utility>
 
 namespace veq::internal {
 namespace {
 
 constexpr std::uint64_t kLargestBlock = std::uint64_t{8} << 20;
-// What the moves of some agents take while they are counted, agent by agent.
-constexpr std::uint64_t kColumnsBytes = std::uint64_t{2} << 20;
-constexpr std::uint64_t kAgentsAtOnce = 16;  // whose moves of one step fill a cache line
-constexpr std::uint64_t kStepsAhead = 16;
-// Columns lie a line and a word further apart, or all would fall on the same place in the cache.
-constexpr std::uint64_t kBetweenColumns = 17;
+constexpr std::uint64_t kSmallestLog = std::uint64_t{512} << 10;
+// What the moves of a run take: so little that they are in the cache still when they are counted,
+// but, as the tallies of each agent have to be fetched for them, not too few steps.
+constexpr std::uint64_t kSmallestRun = std::uint64_t{1} << 20;
+constexpr std::uint64_t kStepsPerRun = 256;
 
 std::uint64_t product(std::uint64_t a, std::uint64_t b) {
   return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;
@@ -31,65 +28,67 @@ void reserveOneMore(std::vector<T>& vector) {
 template <class Word>
 WalkHistory<Word>::WalkHistory(std::uint64_t vertices, std::uint64_t agents,
                                std::uint64_t firstStamp, const HistoryLimits& limits)
-    : vertices_(vertices), agents_(agents), limits_(limits), folder_(vertices, firstStamp) {}
-
-// Tallies take two words for each vertex at most, and the arrays of an agent 16 bytes. An agent
-// that is being treated may take as much as its arrays.
-template <class Word>
-std::uint64_t WalkHistory<Word>::leftByArrays(std::uint64_t agentsAtWork) const {
-  const std::uint64_t agents = agents_ - live_.size();
-  const std::uint64_t atRest = agents - std::min(agents, agentsAtWork);
-  const std::uint64_t left = product(product(atRest, vertices_), 16 - 2 * sizeof(Word));
-  return std::min(left, std::max(limits_.largeLog, compactBytes_));
-}
-
-template <class Word>
-std::uint64_t WalkHistory<Word>::limitDuringWalk() const {
-  const std::uint64_t tallies = product(product(agents_, vertices_), sizeof(Tally<Word>));
-  return leftByArrays(1) + std::clamp(tallies, limits_.leastDuringWalk, limits_.mostDuringWalk);
-}
-
-template <class Word>
-std::uint64_t WalkHistory<Word>::limitAfterWalk() const {
-  return std::min(leftByArrays(0) + limits_.afterWalk, limitDuringWalk());
-}
+    : vertices_(vertices), agents_(agents), firstStamp_(firstStamp), limits_(limits) {}
 
 template <class Word>
 std::uint64_t WalkHistory<Word>::stepsIn(std::uint64_t bytes) const {
-  return std::max<std::uint64_t>(bytes / (agents_ * sizeof(Word)), 1);
+  return std::max<std::uint64_t>(bytes / product(agents_, sizeof(Word)), 1);
 }
 
 template <class Word>
 std::uint64_t WalkHistory<Word>::stepsPerRun() const {
-  return stepsIn(std::min(kLargestBlock, limitDuringWalk()));
+  const std::uint64_t wanted = product(product(agents_, sizeof(Word)), kStepsPerRun);
+  return stepsIn(std::clamp(wanted, kSmallestRun, kLargestBlock));
+}
+
+// The arrays of an agent take 16 bytes for each vertex. Those of small groups on small networks
+// take so little that the log would be counted all the time.
+template <class Word>
+std::uint64_t WalkHistory<Word>::logLimit() const {
+  const std::uint64_t left =
+      product(product(agents_ - live_.size(), vertices_), 16 - sizeof(Tally));
+  return std::min(limits_.log, std::max(left, left + kSmallestLog));
 }
 
 template <class Word>
 MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
-  if (log_.size() == log_.capacity()) log_.reserve(2 * log_.size() + 8);
+  reserveOneMore(log_);
+  const std::uint64_t limit = logLimit();
+  const std::uint64_t stepsLeft = (limit - std::min(limit, logBytes_)) / (agents_ * sizeof(Word));
+  if (!isCounting_ && room_.steps < steps && (forAll ? steps : steps - room_.steps) > stepsLeft) {
+    fold();
+    isCounting_ = true;
+  }
+  // Twice as many, for runs of paths end with the first tile beyond.
+  if (isCounting_) prepareToCount(2 * stepsPerRun());
   if (room_.steps == 0 || (forAll && room_.steps < steps)) {
-    // Short walks share a block, which is larger each time.
-    const std::uint64_t before = block_ ? block_->size() / agents_ : 0;
-    const std::uint64_t shared = std::min(2 * before, stepsIn(limitAfterWalk() / 4));
-    const std::uint64_t own = forAll ? steps : std::min(steps, stepsPerRun());
+    std::uint64_t size = isCounting_ ? stepsPerRun() : stepsIn(kLargestBlock);
+    size = forAll ? steps : std::min(size, steps);
+    if (block_ && !isCounting_) {
+      // Short walks share a block, which is larger each time.
+      const std::uint64_t more = std::min(2 * block_->size() / agents_, stepsIn(limit / 4));
+      size = std::max(size, std::min(more, stepsLeft));
+    }
     auto block = std::make_shared<Block<Word>>();
-    block->resize(product(std::max(shared, own), agents_));
+    block->resize(product(size, agents_));
     block_ = std::move(block);
-    room_ = {block_->data(), std::max(shared, own)};
+    room_ = {block_->data(), size};
   }
   return room_;
 }
 
 template <class Word>
 void WalkHistory<Word>::append(std::uint64_t steps) noexcept {
-  if (log_.empty() || log_.back().block != block_) blockBytes_ += block_->size() * sizeof(Word);
+  // Before anybody's arrays get ahead of it.
+  if (walkToCount_ != walks_ + 1) countArrivalsOfWalk();
+  if (log_.empty() || log_.back().block != block_) logBytes_ += block_->size() * sizeof(Word);
   log_.push_back({block_, room_.first, steps, walks_ + 1});
-  logBytes_ += steps * agents_ * sizeof(Word) + sizeof(MoveRun<Word>);
   room_.first += steps * agents_;
   room_.steps -= steps;
-  foldBeyond(limitDuringWalk(), logBytes_);
-  // Unless paths are views of it, the block can be written again.
-  if (log_.empty() && block_.use_count() == 1) room_ = {block_->data(), block_->size() / agents_};
+  if (!isCounting_) return;
+  arrivalsCounted_ = logEnd();
+  walkToCount_ = walks_ + 1;
+  countLog();
 }
 
 template <class Word>
@@ -101,27 +100,59 @@ void WalkHistory<Word>::makeHistories() {
 
 template <class Word>
 void WalkHistory<Word>::makeArrays(std::uint64_t agent) {
-  AgentHistory<Word>& history = histories_[agent];
   reserveOneMore(live_);
-  const std::uint64_t compact = history.compactBytes();
-  folder_.makeArrays(history);
-  compactBytes_ -= compact;
+  histories_[agent].makeArrays(vertices_, firstStamp_);
   live_.push_back(agent);
 }
 
-// For an agent with arrays.
+// So that countLog() cannot fail where the log has so many steps.
+template <class Word>
+void WalkHistory<Word>::prepareToCount(std::uint64_t steps) {
+  makeHistories();
+  if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
+  for (std::uint64_t agent = 0; agent < agents_; ++agent) {
+    AgentHistory& history = histories_[agent];
+    if (history.arrays) continue;
+    if (history.arrivals + steps > limits_.arrivals) {
+      makeArrays(agent);
+    } else if (history.tallies.empty()) {
+      history.tallies = Block<Tally>(vertices_);
+    }
+  }
+}
+
+template <class Word>
+void WalkHistory<Word>::fold() {
+  std::uint64_t steps = 0;
+  for (const MoveRun<Word>& run : log_) steps += run.steps;
+  prepareToCount(steps);
+  countArrivals();
+  countLog();
+}
+
+template <class Word>
+void WalkHistory<Word>::countLog() noexcept {
+  for (std::uint64_t agent = 0; agent < agents_; ++agent) bringUpToDate(agent);
+  logBegin_ = logEnd();
+  log_.clear();
+  logBytes_ = 0;
+  // Unless paths are views of it, the block can be written again.
+  if (block_.use_count() == 1) room_ = {block_->data(), block_->size() / agents_};
+}
+
 template <class Word>
 void WalkHistory<Word>::bringUpToDate(std::uint64_t agent) noexcept {
-  AgentHistory<Word>& history = histories_[agent];
+  AgentHistory& history = histories_[agent];
   for (; history.counted < logEnd(); ++history.counted) {
     const MoveRun<Word>& run = log_[history.counted - logBegin_];
-    folder_.addToArrays(history, run.first + agent, agents_, run.steps);
+    history.count(run.first + agent, agents_, run.steps, firstStamp_);
   }
 }
 
 template <class Word>
 void WalkHistory<Word>::endWalk() noexcept {
   ++walks_;
+  isCounting_ = false;
   for (const std::uint64_t agent : live_) bringUpToDate(agent);
   if (totals_) {
     countArrivals();
@@ -131,26 +162,17 @@ void WalkHistory<Word>::endWalk() noexcept {
           static_cast<std::int64_t>(static_cast<std::uint64_t>(totals[v]) + arrivals_[v].count);
     }
   }
-  // Paths that nobody holds any longer must not live on in the log.
-  foldBeyond(limitAfterWalk(), std::max(logBytes_, blockBytes_));
   if (log_.empty()) {
+    log_ = {};
     block_ = nullptr;
     room_ = {};
   }
 }
 
 template <class Word>
-void WalkHistory<Word>::foldBeyond(std::uint64_t limit, std::uint64_t bytes) noexcept {
-  if (bytes <= limit) return;
-  try {
-    fold();
-  } catch (const std::bad_alloc&) {
-  }
-}
-
-template <class Word>
 void WalkHistory<Word>::countArrivals() {
   if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
+  countArrivalsOfWalk();
   Arrivals* const arrivals = arrivals_.data();
   for (; arrivalsCounted_ < logEnd(); ++arrivalsCounted_) {
     const MoveRun<Word>& run = log_[arrivalsCounted_ - logBegin_];
@@ -162,6 +184,23 @@ void WalkHistory<Word>::countArrivals() {
       arrivals[*to].walks += walk;
     }
   }
+}
+
+// What the agents' histories have counted beyond the group's came in one walk, and all of what they
+// have counted is in both then.
+template <class Word>
+void WalkHistory<Word>::countArrivalsOfWalk() noexcept {
+  if (walkToCount_ == 0) return;
+  for (std::uint64_t v = 0; v < vertices_; ++v) {
+    arrivals_[v].walks -= walkToCount_ * std::exchange(arrivals_[v].count, 0);
+  }
+  for (const AgentHistory& history : histories_) {
+    history.forEachVisits([this](std::uint64_t v, std::uint64_t n) { arrivals_[v].count += n; });
+  }
+  for (std::uint64_t v = 0; v < vertices_; ++v) {
+    arrivals_[v].walks += walkToCount_ * arrivals_[v].count;
+  }
+  walkToCount_ = 0;
 }
 
 template <class Word>
@@ -187,8 +226,6 @@ template <class Word>
 const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
   makeHistories();
   if (!histories_[agent].arrays) {
-    // Who asks for two will ask for all, and each would have to be looked for in the whole log.
-    if (!live_.empty() && logBytes_ > kLargestBlock) fold();
     makeArrays(agent);
     bringUpToDate(agent);
   }
@@ -207,13 +244,8 @@ template <class Word>
 std::vector<std::uint64_t> WalkHistory<Word>::visitsOf(std::uint64_t agent) {
   makeHistories();
   std::vector<std::uint64_t> counts(vertices_);
-  const AgentHistory<Word>& history = histories_[agent];
-  if (history.arrays) {
-    std::copy_n(history.arrays->visitsData, vertices_, counts.begin());
-  } else {
-    if (logBytes_ > kLargestBlock) fold();
-    history.forEachTally([&](std::uint64_t v, Word count, Word) { counts[v] = count; });
-  }
+  const AgentHistory& history = histories_[agent];
+  history.forEachVisits([&](std::uint64_t v, std::uint64_t n) { counts[v] = n; });
   for (std::uint64_t r = history.counted; r < logEnd(); ++r) {
     const MoveRun<Word>& run = log_[r - logBegin_];
     const Word* to = run.first + agent;
@@ -224,62 +256,6 @@ std::vector<std::uint64_t> WalkHistory<Word>::visitsOf(std::uint64_t agent) {
   return counts;
 }
 
-template <class Word>
-void WalkHistory<Word>::fold() {
-  makeHistories();
-  countArrivals();
-  FoldingSpace<Word> space;
-  for (std::uint64_t agent = 0; agent < agents_;) agent += foldFrom(agent, space);
-  logBegin_ = logEnd();
-  log_ = {};
-  logBytes_ = 0;
-  blockBytes_ = 0;
-}
-
-// Runs hold the moves of all agents side by side, so the next few agents are taken at once: as many
-// as the columns have room for, with as many runs as they have room for then. Answers how many
-// agents are done.
-template <class Word>
-std::uint64_t WalkHistory<Word>::foldFrom(std::uint64_t agent, FoldingSpace<Word>& space) {
-  AgentHistory<Word>* const histories = histories_.data() + agent;
-  if (histories->arrays) bringUpToDate(agent);
-  const std::uint64_t begin = histories->counted;
-  if (begin == logEnd()) return 1;
-
-  constexpr std::uint64_t kRoom = kColumnsBytes / sizeof(Word);
-  std::uint64_t steps = 0;
-  std::uint64_t end = begin;
-  do {
-    steps += log_[end++ - logBegin_].steps;
-  } while (end < logEnd() && steps + log_[end - logBegin_].steps <= kRoom);
-  const std::uint64_t apart = steps + kBetweenColumns;
-  const std::uint64_t most =
-      std::min({std::max<std::uint64_t>(kRoom / apart, 1), kAgentsAtOnce, agents_ - agent});
-  std::uint64_t width = 1;
-  while (width < most && !histories[width].arrays && histories[width].counted == begin) ++width;
-  if (space.columns.size() < width * apart) space.columns.resize(width * apart);
-
-  Word* column = space.columns.data();
-  for (std::uint64_t r = begin; r < end; ++r) {
-    const MoveRun<Word>& run = log_[r - logBegin_];
-    const Word* row = run.first + agent;
-    for (std::uint64_t s = 0; s < run.steps; ++s, row += agents_, ++column) {
-      prefetch(row + kStepsAhead * agents_);  // mostly in the same block
-      for (std::uint64_t j = 0; j < width; ++j) column[j * apart] = row[j];
-    }
-  }
-  for (std::uint64_t j = 0; j < width; ++j) {
-    if (histories[j].arrivals + steps > kStayed<Word>) makeArrays(agent + j);
-    const std::uint64_t compact = histories[j].compactBytes();
-    const std::span<const Word> moves(space.columns.data() + j * apart, steps);
-    folder_.add(histories[j], moves, space);
-    compactBytes_ += histories[j].compactBytes() - compact;
-    histories[j].counted = end;
-  }
-  return end == logEnd() ? width : 0;
-}
-
-template class WalkHistory<std::uint16_t>;
 template class WalkHistory<std::uint32_t>;
 template class WalkHistory<std::uint64_t>;
 

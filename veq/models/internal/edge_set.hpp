@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "veq/base/internal/memory.hpp"
+
 namespace veq::internal {
 
 /// Edges between vertices below 2^32 - 1, each any number of times. Undirected ones are the same
@@ -20,9 +22,7 @@ class EdgeSet {
   [[nodiscard]] bool contains(std::uint64_t a, std::uint64_t b) const {
     return slots_[find(keyOf(a, b))].times != 0;
   }
-  void fetch(std::uint64_t a, std::uint64_t b) const {
-    __builtin_prefetch(&slots_[home(keyOf(a, b))]);
-  }
+  void fetch(std::uint64_t a, std::uint64_t b) const { prefetch(&slots_[home(keyOf(a, b))]); }
   void insert(std::uint64_t a, std::uint64_t b) {
     if (2 * used_ >= slots_.size()) grow();
     add(keyOf(a, b), 1);

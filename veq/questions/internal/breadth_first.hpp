@@ -79,7 +79,7 @@ class BreadthFirst {
       lists->prefetchRow(reached_[i + 3 * kAhead]);
       lists->prefetchNeighbours(reached_[i + 2 * kAhead]);
       for (const Index neighbour : lists->neighbours(reached_[i + kAhead])) {
-        __builtin_prefetch(levels_.data() + neighbour);
+        prefetch(levels_.data() + neighbour);
       }
     }
   }
