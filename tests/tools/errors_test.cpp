@@ -115,12 +115,14 @@ TEST(ProgramErrors, AFileNameCannotBreakTheLine) {
 }
 
 TEST(ProgramErrors, WrongUsageSaysWhatAndWhereToRead) {
-  EXPECT_EQ(errorOf({}, 2),
-            "veq: a command is missing: info, walk, convert, generate or components (see veq "
-            "--help)\n");
-  EXPECT_EQ(errorOf({"dance"}, 2),
-            "veq: there is no command \"dance\": there are info, walk, convert, generate and "
-            "components (see veq --help)\n");
+  EXPECT_EQ(
+      errorOf({}, 2),
+      "veq: a command is missing: info, check, walk, convert, generate or components (see veq "
+      "--help)\n");
+  EXPECT_EQ(
+      errorOf({"dance"}, 2),
+      "veq: there is no command \"dance\": there are info, check, walk, convert, generate and "
+      "components (see veq --help)\n");
   EXPECT_EQ(errorOf({"info"}, 2), "veq: FILE is missing (see veq info --help)\n");
   EXPECT_EQ(errorOf({"info", ""}, 2), "veq: FILE is empty (see veq info --help)\n");
   EXPECT_EQ(errorOf({"info", "a", "b"}, 2),
@@ -129,12 +131,15 @@ TEST(ProgramErrors, WrongUsageSaysWhatAndWhereToRead) {
             "veq: there is no option --loud (see veq info --help)\n");
   EXPECT_EQ(errorOf({"info", "--raw=yes", "a"}, 2),
             "veq: --raw takes no value (see veq info --help)\n");
-  EXPECT_EQ(errorOf({"generate", "foo"}, 2),
-            "veq: there is no model \"foo\": there are barabasi and random (see veq generate "
-            "--help)\n");
-  EXPECT_EQ(errorOf({"help", "dance"}, 2),
-            "veq: there is no command \"dance\": there are info, walk, convert, generate and "
-            "components (see veq --help)\n");
+  EXPECT_EQ(
+      errorOf({"generate", "foo"}, 2),
+      "veq: there is no model \"foo\": there are barabasi, random, gnp, gnm, barabasi-albert, "
+      "configuration, watts-strogatz, lattice, geometric, blocks and rewired (see veq generate "
+      "--help)\n");
+  EXPECT_EQ(
+      errorOf({"help", "dance"}, 2),
+      "veq: there is no command \"dance\": there are info, check, walk, convert, generate and "
+      "components (see veq --help)\n");
 }
 
 TEST(ProgramErrors, EverythingThatIsMissingIsToldAtOnce) {

@@ -59,7 +59,7 @@ Result<Network> latticeNetwork(std::span<const std::uint64_t> sizes, bool period
     const auto n = static_cast<std::uint64_t>(vertices);
     Pace pace(options.progress, n);
     return internal::draftOf(
-        n, latticeEnds(sizes, periodic, n, static_cast<std::uint64_t>(edges + 0.5), pace));
+        n, latticeEnds(sizes, periodic, n, static_cast<std::uint64_t>(edges), pace));
   });
 }
 

@@ -34,7 +34,7 @@ class HandleRuns {
     }
     if (array.table()) {
       runs_.push_back(
-          {&array.table()->life(), count_, array.isSnapshot() ? nullptr : &indices_[0]});
+          {&array.table()->life(), count_, array.isSnapshot() ? nullptr : indices_.data()});
       return;
     }
     for (std::uint64_t i = 0; i < count_; ++i) {
