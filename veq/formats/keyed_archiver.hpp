@@ -61,6 +61,7 @@ class VEQ_EXPORT VEQKeyedUnarchiver final : public VEQCoder {
   [[nodiscard]] std::optional<bool> decodeBool(std::string_view key) override;
   [[nodiscard]] Owned<VEQNumberArray> decodeNumberArray(std::string_view key) override;
   [[nodiscard]] std::optional<PropertyTable> decodePropertyTable(std::string_view key) override;
+  /// An integer from 0 on; nothing where there is none under the key.
   [[nodiscard]] std::optional<std::uint64_t> decodeCount(std::string_view key) const;
   /// Whether there is an entry of any type under the key.
   [[nodiscard]] bool has(std::string_view key) const { return !valueOf(key).empty(); }

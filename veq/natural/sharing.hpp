@@ -36,6 +36,7 @@ struct AttachOptions {
 /// other kinds are copied at once, and an object in one is replaced by its archived form. Nobody
 /// may change the network while its image is measured or written.
 /// @{
+
 /// The bytes that it takes. An error, "column Shape: value 3 has no archived form", where a value
 /// means nothing to another process. O(1), and as much as its columns hold that are not of numbers.
 [[nodiscard]] VEQ_EXPORT Result<std::uint64_t> imageSize(const Network& network);
