@@ -194,7 +194,7 @@ def test_plot():
     network = veq.geometric(30, 0.3, seed=1)
     network.vertex_data["Visits"] = np.arange(30)
     axes = network.plot(color="Visits", names=True)
-    points, = [one for one in axes.collections if len(one.get_offsets()) == 30]
+    (points,) = [one for one in axes.collections if len(one.get_offsets()) == 30]
     assert np.allclose(points.get_offsets(), network.vertex_data["Position"][:, :2])
     assert points.get_array().tolist() == list(range(30))
     lines = axes.collections[0]

@@ -14,6 +14,8 @@ import pytest
 
 import veq
 
+PICKLES = Path(__file__).parent / "pickles"
+
 
 def rich():
     """A network with everything that files and pickles are to keep."""
@@ -79,6 +81,18 @@ def test_a_pickle_of_a_later_release_says_so(monkeypatch):
     monkeypatch.setattr("veq._pickle._VERSION", 1)
     with pytest.raises(pickle.UnpicklingError, match="^a network of version 2, written by a later"):
         pickle.loads(data)
+
+
+@pytest.mark.parametrize("path", sorted(PICKLES.glob("*.pickle")), ids=lambda path: path.stem)
+def test_pickles_of_every_release_are_read(path):
+    # Each release adds its own: pickle.dumps([rich(), veq.RandomState(7).after(1000)], 5).
+    network, state = pickle.loads(path.read_bytes())
+    assert_same(network, rich())
+    assert state == veq.RandomState(7).after(1000)
+
+
+def test_this_release_has_its_pickle():
+    assert (PICKLES / f"{veq.__version__}.pickle").exists()
 
 
 def test_a_pickled_network_walks_alike():
@@ -166,23 +180,65 @@ def test_what_was_left_out_is_warned_of():
 
 
 def program():
-    """The program that lies beside the interpreter, or the one that the environment names."""
-    found = os.environ.get("VEQ_PROGRAM") or shutil.which("veq", path=sysconfig.get_path("scripts"))
-    if found is None:
-        pytest.fail("the program veq is not installed; VEQ_PROGRAM may name one")
+    """The console script that lies beside the interpreter."""
+    found = shutil.which("veq", path=sysconfig.get_path("scripts"))
+    assert found is not None, "the console script veq is not installed"
     return found
+
+
+def shown_by_program(*arguments):
+    done = subprocess.run([program(), *map(str, arguments)], capture_output=True, text=True)
+    assert done.returncode == 0, done.stderr
+    return done.stdout
+
+
+def test_the_program_is_the_same_release():
+    assert shown_by_program("--version").split()[:2] == ["veq", veq.__version__]
+
+
+def test_the_program_has_its_data_and_all_readers(tmp_path):
+    # Of the 34 members and 78 ties that Zachary told of.
+    assert "34" in shown_by_program("info", "karate", "--format", "csv")
+    path = tmp_path / "network.graphml.gz"
+    plain = tmp_path / "network.graphml"
+    rich().save(plain)
+    path.write_bytes(gzip.compress(plain.read_bytes()))
+    again = tmp_path / "again.veqa"
+    shown_by_program("convert", path, again)
+    assert veq.read(again).num_edges == 5
+
+
+def test_the_program_says_what_is_wrong():
+    done = subprocess.run([program(), "info", "no such file"], capture_output=True, text=True)
+    assert done.returncode != 0
+    assert "no such file" in done.stderr
 
 
 def test_the_program_grows_the_same_networks(tmp_path):
     path = tmp_path / "grown.xnet"
     options = ["--vertices", "200", "--degree", "6", "--seed", "11"]
-    subprocess.run([program(), "generate", "barabasi", *options, path], check=True)
-    veq.seed(11)
-    grown = veq.preferential_attachment(200, 6)
-    assert np.array_equal(veq.read(path).edges, grown.edges)
-    subprocess.run([program(), "generate", "random", *options, path], check=True)
-    veq.seed(11)
-    assert np.array_equal(veq.read(path).edges, veq.random_network(200, 6).edges)
+    models = {"barabasi": veq.preferential_attachment, "random": veq.random_network}
+    for name, model in models.items():
+        shown_by_program("generate", name, *options, path)
+        grown = veq.read(path).edges
+        veq.seed(5)
+        before = veq.random_state()
+        assert np.array_equal(grown, model(200, 6, seed=11).edges)
+        assert np.array_equal(grown, model(200, 6, seed=veq.RandomState(11)).edges)
+        # The process's own sequence was left alone, and gives the same.
+        assert veq.random_state() == before
+        veq.seed(11)
+        assert np.array_equal(grown, model(200, 6).edges)
+        assert veq.random_state() != veq.RandomState(11)
+
+
+def test_a_state_goes_on_through_the_published_models():
+    state = veq.RandomState(11)
+    first, second = veq.random_network(50, 4, seed=state), veq.random_network(50, 4, seed=state)
+    # 201 draws a batch, and 50 x 49 / 2 = 1225 pairs: seven batches each.
+    assert state == veq.RandomState(11).after(2 * 7 * 201)
+    assert first.edges.tolist() != second.edges.tolist()
+    assert np.array_equal(first.edges, veq.random_network(50, 4, seed=11).edges)
 
 
 @pytest.mark.parametrize("choice", ["published", "even", "weighted"])
@@ -199,7 +255,9 @@ def test_the_program_walks_the_same_ways(tmp_path, choice):
     walk = walkers.walk(40, paths=True, choice=choice, restart=0.125, seed=12)
     standing = walk.paths.filled(start=True)
     expected = [
-        (agent, step, standing[agent, step]) for agent in range(3) for step in range(standing.shape[1])
+        (agent, step, standing[agent, step])
+        for agent in range(3)
+        for step in range(standing.shape[1])
     ]
     told = {(agent, step): vertex for agent, step, vertex in rows.tolist()}
     compared = [(a, s, v) for a, s, v in expected if (a, s) in told]

@@ -1,6 +1,5 @@
 """Building networks, and what they are made of. Values are worked out by hand."""
 
-import gc
 import subprocess
 import sys
 import threading
@@ -197,35 +196,6 @@ def test_adding_edges_leaves_arrays_as_they_were(triangle):
     assert triangle.edge_data["Year"].tolist() == [1, 2, 3, 4, 0, 0]
     years[0] = 99
     assert triangle.edge_data["Year"][0] == 1
-
-
-def test_arrays_outlive_the_network():
-    def made():
-        network = veq.Network(np.arange(1000), np.arange(1, 1001), edge_weights=np.ones(1000))
-        network.vertex_data["x"] = np.arange(1001.0)
-        walkers = veq.Walkers(network, [0])
-        walk = walkers.walk(50, paths=True, seed=1)
-        return [
-            network.sources,
-            network.targets,
-            network.edges,
-            network.neighbors(5),
-            *network.adjacency(),
-            network.vertex_data["x"],
-            network.degrees(),
-            network.edge_weights,
-            walkers.visits(0, live=True),
-            walk.paths.moves,
-            *veq.WalkLaw(network).matrix(),
-        ]
-
-    arrays = made()
-    before = [array.copy() for array in arrays]
-    gc.collect()
-    junk = [veq.Network(np.arange(1000), np.arange(1, 1001)) for _ in range(20)]
-    assert all(np.array_equal(a, b) for a, b in zip(arrays, before, strict=True))
-    assert all(array.base is not None for array in arrays)
-    del junk
 
 
 def test_what_must_not_be_written_is_read_only(triangle):

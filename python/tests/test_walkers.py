@@ -1,7 +1,5 @@
 """Walks, their paths, random states, and interrupts."""
 
-import os
-import signal
 import subprocess
 import sys
 import threading
@@ -177,7 +175,7 @@ def test_progress_is_told_and_its_errors_pass():
     walkers = veq.Walkers(ring(1000), np.arange(500))
     with pytest.raises(Enough):
         walkers.walk(10**8, seed=1, progress=follow)
-    (done, everything), = told
+    ((_, everything),) = told
     assert everything == 10**8
     visits = walkers.visits()
     # All agents have made the same whole steps, and a further walk goes on from there.
@@ -205,7 +203,12 @@ def test_agents_that_walk_are_left_alone():
     refused = []
 
     def ask(done, everything):
-        for call in (walkers.visits, walkers.forget, lambda: walkers.walk(1), lambda: walkers.positions):
+        for call in (
+            walkers.visits,
+            walkers.forget,
+            lambda: walkers.walk(1),
+            lambda: walkers.positions,
+        ):
             with pytest.raises(RuntimeError, match="^the agents are walking$"):
                 call()
             refused.append(call)
@@ -237,41 +240,51 @@ def test_other_threads_run_meanwhile():
 
 
 INTERRUPTED = """
-import sys, time
+import os, random, signal, sys, threading, time
 import numpy as np
 import veq
+
+# What the walking thread does between the signal and the error, in processor time, which does not
+# depend on what else the machine has to do.
+clock = time.pthread_getcpuclockid(threading.main_thread().ident)
+sent = []
+
+def interrupt(after):
+    time.sleep(after)
+    sent.append(time.clock_gettime(clock))
+    os.kill(os.getpid(), signal.SIGINT)
+
 network = veq.lattice([1000], periodic=True)
-walkers = veq.Walkers(network, np.arange(100))
-print("walking", flush=True)
-try:
-    walkers.walk(10**12, seed=1)
-except KeyboardInterrupt:
-    caught = time.time()
-visits = walkers.visits()
-steps = int(visits.sum()) // 100
-assert visits.sum() == steps * 100, "not a whole step"
-state = veq.RandomState(1)
-print(caught, steps, *walkers.positions, flush=True)
+for seed in range(1, 31):
+    walkers = veq.Walkers(network, np.arange(100))
+    thread = threading.Thread(target=interrupt, args=(random.Random(seed).random() / 10,))
+    try:
+        thread.start()
+        walkers.walk(10**12, seed=seed)
+        assert False, "not interrupted"
+    except KeyboardInterrupt:
+        took = time.clock_gettime(clock) - sent[-1]
+    thread.join()
+    visits = walkers.visits()
+    steps, rest = divmod(int(visits.sum()), 100)
+    assert rest == 0, "not a whole step"
+    again = veq.Walkers(network, np.arange(100))
+    again.walk(steps, seed=seed)
+    assert again.positions.tolist() == walkers.positions.tolist()
+    assert again.visits().tolist() == visits.tolist()
+    assert walkers.walk(3, seed=1).steps == 3
+    print(took)
 """
 
 
-@pytest.mark.parametrize("after", [0.05, 0.21, 0.33])
-def test_an_interrupt_ends_a_walk(after):
-    with subprocess.Popen(
-        [sys.executable, "-c", INTERRUPTED], stdout=subprocess.PIPE, text=True
-    ) as process:
-        assert process.stdout.readline() == "walking\n"
-        time.sleep(after)
-        sent = time.time()
-        os.kill(process.pid, signal.SIGINT)
-        caught, steps, *positions = process.stdout.read().split()
-    assert process.returncode == 0
-    # Within 100 ms on an idle machine; here it is only to be far from the walk's own end.
-    assert float(caught) - sent < 10
-    assert int(steps) > 0
-    # After an even number of steps on a ring of even size agents stand at even distances.
-    parity = {(int(place) - agent) % 2 for agent, place in enumerate(positions)}
-    assert parity == {int(steps) % 2}
+def test_an_interrupt_ends_a_walk_within_100_ms():
+    shown = subprocess.run(
+        [sys.executable, "-c", INTERRUPTED], capture_output=True, text=True, timeout=300
+    )
+    assert shown.returncode == 0, shown.stderr
+    took = [float(line) for line in shown.stdout.split()]
+    assert len(took) == 30
+    assert max(took) < 0.1
 
 
 def test_the_law_of_a_walk():

@@ -178,6 +178,46 @@ TEST(BarabasiAlbertNetwork, SaysWhatIsWrong) {
   EXPECT_EQ(barabasiAlbertNetwork(2000000000, 1000000000).error().kind(), ErrorKind::kMemory);
 }
 
+TEST(PublishedTwins, GiveTheSameNetworksFromAnySource) {
+  VEQRandomGenerator& shared = *VEQRandomGenerator::sharedRandomGenerator();
+  shared.setRandomSeed(11);
+  const auto grown = VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(200, 7);
+  const RandomState afterGrowing = shared.state();
+  const auto drawn = VEQNetwork::randomNetworkWithNumberOfVertices_degree(200, 3.5);
+  const RandomState afterBoth = shared.state();
+
+  RandomState state = RandomState::seeded(11).value();
+  ModelOptions options;
+  options.random = &state;
+  EXPECT_EQ(edgesOf(preferentialAttachmentNetwork(200, 7, options)), edgesOf(Network(grown)));
+  EXPECT_EQ(state, afterGrowing);
+  EXPECT_EQ(edgesOf(uniformRandomNetwork(200, 3.5, options)), edgesOf(Network(drawn)));
+  EXPECT_EQ(state, afterBoth);
+  EXPECT_EQ(edgesOf(preferentialAttachmentNetwork(200, 7, seed(11))), edgesOf(Network(grown)));
+  EXPECT_EQ(shared.state(), afterBoth);
+  shared.setRandomSeed(11);
+  EXPECT_EQ(edgesOf(preferentialAttachmentNetwork(200, 7)), edgesOf(Network(grown)));
+  EXPECT_EQ(shared.state(), afterGrowing);
+}
+
+TEST(PublishedTwins, SayWhatIsWrong) {
+  EXPECT_EQ(preferentialAttachmentNetwork(0, 6, seed(1)).value().countVertices(), 1u);
+  EXPECT_EQ(preferentialAttachmentNetwork(9, 1, seed(1)).value().countVertices(), 1u);
+  EXPECT_EQ(uniformRandomNetwork(0, 6, seed(1)).value().countVertices(), 0u);
+  EXPECT_EQ(textOf(uniformRandomNetwork(5, 6, seed(0))), textOf(gnpNetwork(5, 0.5, seed(0))));
+  // (2^40 - 3) x 3 edges.
+  EXPECT_EQ(textOf(preferentialAttachmentNetwork(std::uint64_t{1} << 40, 6, seed(1))),
+            "n = 1099511627776, degree = 6: about 3298534883319 edges, more than memory holds");
+  RandomState part = RandomState::seeded(1).value().substream(0);
+  part = part.after(*part.drawsLeft() - 10);
+  const RandomState before = part;
+  ModelOptions options;
+  options.random = &part;
+  EXPECT_FALSE(preferentialAttachmentNetwork(50, 4, options));
+  EXPECT_FALSE(uniformRandomNetwork(50, 4, options));
+  EXPECT_EQ(part, before);
+}
+
 TEST(ConfigurationNetwork, PairsTheEndsOfEdges) {
   const Network network =
       configurationNetwork(Sizes{3, 2, 2, 1}, DegreeLaw::kPairing, seed(1)).value();

@@ -18,9 +18,9 @@ namespace veq {
 /// What every model may be given. The same seed or state gives the same network on every platform.
 ///
 /// All numbers come from pairs of draws, 62 bits, and are taken in blocks of 512 pairs, the last of
-/// which is used up. A state is moved when the network has been made, and only then; the process's
-/// sequence has moved by the blocks that were used also after a stop.
-/// \ingroup models
+/// which is used up (but for the twins of the published models, whose draws are published). A state
+/// is moved when the network has been made, and only then; the process's sequence has moved by the
+/// blocks that were used also after a stop. \ingroup models
 struct ModelOptions {
   /// Draws from this state and moves it. Otherwise from the process's sequence.
   RandomState* random = nullptr;
@@ -59,6 +59,20 @@ struct ModelOptions {
 /// from the newer vertex, in order. "m = 4: give at most n - 1 = 3". Expected O(n m).
 [[nodiscard]] VEQ_EXPORT Result<Network> barabasiAlbertNetwork(std::uint64_t n, std::uint64_t m,
                                                                const ModelOptions& options = {});
+
+/// The network that VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree() grows, with
+/// the same draws of any source: degree / 2 vertices, and n - degree / 2 more that are linked to so
+/// many different older ones each. A single vertex where either is 0. It cannot be stopped.
+/// Expected O(n degree).
+[[nodiscard]] VEQ_EXPORT Result<Network> preferentialAttachmentNetwork(
+    std::uint64_t n, std::uint64_t degree, const ModelOptions& options = {});
+
+/// The network that VEQNetwork::randomNetworkWithNumberOfVertices_degree() draws, with the same
+/// draws of any source: each pair is linked with probability degree / n, and vertices after the
+/// last one that is linked are left out. It cannot be stopped; std::bad_alloc where no memory could
+/// hold it. O(n^2), a tenth of a nanosecond a pair: gnpNetwork() is for large ones.
+[[nodiscard]] VEQ_EXPORT Result<Network> uniformRandomNetwork(std::uint64_t n, double degree,
+                                                              const ModelOptions& options = {});
 
 /// How a network with given degrees is drawn.
 /// \ingroup models

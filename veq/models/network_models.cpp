@@ -5,17 +5,21 @@
 
 #include "veq/models/internal/preferential_attachment.hpp"
 #include "veq/models/internal/random_network.hpp"
+#include "veq/models/internal/random_source.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {
 
 using internal::CoreAccess;
+using internal::RandomSource;
 
 Owned<VEQNetwork> VEQNetwork::initBarabasiNetworkWithInitialVertices_degreeGrowth_iterations(
     std::uint64_t initialVertices, std::uint64_t degreeGrowth, std::uint64_t iterations) {
-  return CoreAccess::make(
-      [&] { return internal::preferentialAttachment(initialVertices, degreeGrowth, iterations); });
+  return CoreAccess::make([&] {
+    return internal::preferentialAttachment(initialVertices, degreeGrowth, iterations,
+                                            RandomSource(nullptr));
+  });
 }
 
 Owned<VEQNetwork> VEQNetwork::initBarabasiNetworkWitNumberOfVertices_approximateDegree(
@@ -27,7 +31,8 @@ Owned<VEQNetwork> VEQNetwork::initBarabasiNetworkWitNumberOfVertices_approximate
 
 Owned<VEQNetwork> VEQNetwork::initRandomNetworkWithNumberOfVertices_degree(std::uint64_t count,
                                                                            double degree) {
-  return CoreAccess::make([&] { return internal::randomNetwork(count, degree); });
+  return CoreAccess::make(
+      [&] { return internal::randomNetwork(count, degree, RandomSource(nullptr)); });
 }
 
 Shared<VEQNetwork> VEQNetwork::barabasiNetworkWithInitialVertices_degreeGrowth_iterations(

@@ -1,6 +1,8 @@
 // The columns of vertices and edges.
 #include <nanobind/stl/string_view.h>
 
+#include <algorithm>
+
 #include "support.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
@@ -78,14 +80,14 @@ nb::object numbers(const Shared<const PropertyColumn>& column) {
   const auto& array = static_cast<const VEQNumberArray&>(*column);
   return array.visit([&](auto elements) {
     using T = std::remove_const_t<typename decltype(elements)::element_type>;
-    if (!column->isEditable()) return viewOf(elements, column);
+    if (!column->isEditable()) return viewOf<nb::object>(elements, column);
     return arrayOver<T>(const_cast<T*>(elements.data()), {elements.size()}, column);
   });
 }
 
 template <std::size_t kAxes, class Array>
-nb::object vectors(const Array& column) {
-  const std::size_t count = column.count();
+nb::object vectors(const Array& column, std::size_t most) {
+  const std::size_t count = std::min<std::size_t>(column.count(), most);
   auto made = std::make_unique_for_overwrite<double[]>(kAxes * count);
   double* at = made.get();
   for (std::size_t i = 0; i < count; ++i) {
@@ -98,25 +100,29 @@ nb::object vectors(const Array& column) {
   return arrayOver<double>(data, {count, kAxes}, std::move(made));
 }
 
-nb::object values(const GenericArray& column) {
+ColumnArray values(const GenericArray& column, std::size_t most) {
   nb::list result;
-  for (const PropertyValue& value : column.values()) result.append(objectOf(value));
+  for (const PropertyValue& value : column.values()) {
+    if (most-- == 0) break;
+    result.append(objectOf(value));
+  }
   return result;
 }
 
-nb::object column(const BoundNetwork& bound, nb::str key, bool ofEdges) {
+// All numbers, or the first so many elements of another column.
+ColumnArray column(const BoundNetwork& bound, nb::str key, bool ofEdges, std::size_t most) {
   const Shared<const PropertyColumn> found = columnNamed(bound, key, ofEdges);
   switch (found->kind()) {
     case PropertyColumn::Kind::kNumber:
       return numbers(found);
     case PropertyColumn::Kind::kVector2d:
-      return vectors<2>(static_cast<const VEQVector2dArray&>(*found));
+      return vectors<2>(static_cast<const VEQVector2dArray&>(*found), most);
     case PropertyColumn::Kind::kVector3d:
-      return vectors<3>(static_cast<const VEQVector3dArray&>(*found));
+      return vectors<3>(static_cast<const VEQVector3dArray&>(*found), most);
     case PropertyColumn::Kind::kGeneric:
       break;
   }
-  return values(static_cast<const GenericArray&>(*found));
+  return values(static_cast<const GenericArray&>(*found), most);
 }
 
 void install(BoundNetwork& bound, nb::handle key, Shared<PropertyColumn> column, bool ofEdges) {
@@ -180,13 +186,13 @@ void remove(BoundNetwork& bound, nb::str key, bool ofEdges) {
   install(bound, key, nullptr, ofEdges);
 }
 
-nb::list keys(const BoundNetwork& bound, bool ofEdges) {
+Texts keys(const BoundNetwork& bound, bool ofEdges) {
   return textsOf(glancing(bound, [&](const Network& network) {
     return ofEdges ? network.edgeKeys() : network.vertexKeys();
   }));
 }
 
-nb::list texts(const BoundNetwork& bound, nb::str key, bool ofEdges) {
+Texts texts(const BoundNetwork& bound, nb::str key, bool ofEdges) {
   const std::string name = bytesOf(key);
   return textsOf(reading(bound, [&](const Network& network) {
     return (ofEdges ? network.edgeTexts(name) : network.vertexTexts(name)).value();
@@ -197,7 +203,7 @@ nb::list texts(const BoundNetwork& bound, nb::str key, bool ofEdges) {
 
 void bindColumns(nb::module_& m) {
   m.def("column_keys", &keys, nb::arg("network"), nb::arg("edges"));
-  m.def("column", &column, nb::arg("network"), nb::arg("key"), nb::arg("edges"));
+  m.def("column", &column, nb::arg("network"), nb::arg("key"), nb::arg("edges"), nb::arg("most"));
   m.def("column_texts", &texts, nb::arg("network"), nb::arg("key"), nb::arg("edges"));
   m.def("set_numbers", &setNumbers, nb::arg("network"), nb::arg("key"), nb::arg("values"),
         nb::arg("edges"));

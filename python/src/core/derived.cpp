@@ -8,13 +8,14 @@ namespace veq::python {
 namespace {
 
 // A part of a network: (network, its vertices, its edges) there.
-nb::tuple tupleOf(DerivedNetwork derived) {
+using Part = Tuple<BoundNetwork, IntArray, IntArray>;
+Part tupleOf(DerivedNetwork derived) {
   return nb::make_tuple(BoundNetwork(std::move(derived.network)),
                         arrayOf(std::move(derived.vertices)), arrayOf(std::move(derived.edges)));
 }
 
-nb::list listOf(std::vector<DerivedNetwork> parts) {
-  nb::list result;
+nb::typed<nb::list, Part> listOf(std::vector<DerivedNetwork> parts) {
+  nb::typed<nb::list, Part> result;
   for (DerivedNetwork& part : parts) result.append(tupleOf(std::move(part)));
   return result;
 }
@@ -44,7 +45,7 @@ BoundNetwork withMoreVertices(const BoundNetwork& bound, std::uint64_t count) {
                                 }));
 }
 
-nb::tuple simplified(const BoundNetwork& bound, std::string_view parallels, bool dropLoops) {
+Part simplified(const BoundNetwork& bound, std::string_view parallels, bool dropLoops) {
   SimplifyOptions options;
   options.parallels = named<ParallelEdges>(parallels, "parallels",
                                            {{"sum", ParallelEdges::kSum},
@@ -58,7 +59,7 @@ nb::tuple simplified(const BoundNetwork& bound, std::string_view parallels, bool
   }));
 }
 
-nb::tuple subnetwork(const BoundNetwork& bound, const AnyArray& vertices) {
+Part subnetwork(const BoundNetwork& bound, const AnyArray& vertices) {
   const IndexSpan chosen = indicesOf(vertices);
   return tupleOf(following(bound, ChangeOptions{},
                            [&chosen](const Network& network, const ChangeOptions& options) {
@@ -66,7 +67,7 @@ nb::tuple subnetwork(const BoundNetwork& bound, const AnyArray& vertices) {
                            }));
 }
 
-nb::tuple subnetworkOfEdges(const BoundNetwork& bound, const AnyArray& edges, bool keepVertices) {
+Part subnetworkOfEdges(const BoundNetwork& bound, const AnyArray& edges, bool keepVertices) {
   const IndexSpan chosen = indicesOf(edges);
   EdgeSubnetworkOptions options;
   options.keepAllVertices = keepVertices;
@@ -75,8 +76,8 @@ nb::tuple subnetworkOfEdges(const BoundNetwork& bound, const AnyArray& edges, bo
   }));
 }
 
-nb::tuple neighbourhood(const BoundNetwork& bound, std::int64_t vertex, std::uint64_t distance,
-                        std::string_view mode) {
+Part neighbourhood(const BoundNetwork& bound, std::int64_t vertex, std::uint64_t distance,
+                   std::string_view mode) {
   const std::uint64_t v = indexBelow(vertex, bound.network.countVertices(), "vertex");
   NeighbourhoodOptions options;
   options.distance = distance;
@@ -91,14 +92,14 @@ Connection connectionNamed(std::string_view connection) {
                            {{"weak", Connection::kWeak}, {"strong", Connection::kStrong}});
 }
 
-nb::tuple componentLabels(const BoundNetwork& bound, std::string_view connection) {
+Tuple<IntArray, IntArray> componentLabels(const BoundNetwork& bound, std::string_view connection) {
   const Connection how = connectionNamed(connection);
   ComponentLabels made =
       reading(bound, [how](const Network& network) { return components(network, how); });
   return nb::make_tuple(arrayOf(std::move(made.labels)), arrayOf(std::move(made.sizes)));
 }
 
-nb::list split(const BoundNetwork& bound, std::string_view connection) {
+nb::typed<nb::list, Part> split(const BoundNetwork& bound, std::string_view connection) {
   const Connection how = connectionNamed(connection);
   return listOf(following(bound, ChangeOptions{},
                           [how](const Network& network, const ChangeOptions& options) {
@@ -106,7 +107,7 @@ nb::list split(const BoundNetwork& bound, std::string_view connection) {
                           }));
 }
 
-nb::tuple largest(const BoundNetwork& bound, std::string_view connection) {
+Part largest(const BoundNetwork& bound, std::string_view connection) {
   const Connection how = connectionNamed(connection);
   return tupleOf(following(bound, ChangeOptions{},
                            [how](const Network& network, const ChangeOptions& options) {
@@ -114,7 +115,8 @@ nb::tuple largest(const BoundNetwork& bound, std::string_view connection) {
                            }));
 }
 
-nb::tuple united(const nb::list& networks, std::string_view by) {
+Tuple<BoundNetwork, nb::typed<nb::list, IntArray>, IntArray> united(const nb::list& networks,
+                                                                    std::string_view by) {
   UnionOptions options;
   options.by = named<UnionBy>(
       by, "by",
@@ -129,12 +131,12 @@ nb::tuple united(const nb::list& networks, std::string_view by) {
     std::vector<std::unique_ptr<ReadingUse>> uses;
     std::vector<Network> all;
     for (const BoundNetwork& one : bound) {
-      uses.push_back(std::make_unique<ReadingUse>(one.use));
+      uses.push_back(std::make_unique<ReadingUse>(*one.use));
       all.push_back(one.network);
     }
     made = Network::united(all, options).value();
   }
-  nb::list vertices;
+  nb::typed<nb::list, IntArray> vertices;
   for (std::vector<std::uint64_t>& map : made->vertices) vertices.append(arrayOf(std::move(map)));
   return nb::make_tuple(BoundNetwork(std::move(made->network)), vertices,
                         arrayOf(std::move(made->firstEdges)));

@@ -34,21 +34,20 @@ const char* wordOf(NoteKind kind) {
   return "left out";
 }
 
-nb::list notesOf(const Reading& reading) {
-  nb::list notes;
+using NoteTuple = Tuple<nb::str, nb::str, std::uint64_t, std::uint64_t>;
+nb::typed<nb::list, NoteTuple> notesOf(const Reading& reading) {
+  nb::typed<nb::list, NoteTuple> notes;
   for (const Note& note : reading.notes()) {
     notes.append(nb::make_tuple(wordOf(note.kind), textOf(note.text), note.place.line, note.count));
   }
   return notes;
 }
 
-// (network, format, notes, further notes, title)
-nb::tuple tupleOf(Reading reading) {
-  const nb::list notes = notesOf(reading);
-  const nb::object format =
-      reading.format() ? nb::object(textOf(nameOf(*reading.format()))) : nb::none();
-  return nb::make_tuple(BoundNetwork(std::move(reading).value()), format, notes,
-                        reading.furtherNotes(), textOf(reading.title()));
+// (network, notes)
+using ReadTuple = Tuple<BoundNetwork, nb::typed<nb::list, NoteTuple>>;
+ReadTuple tupleOf(Reading reading) {
+  const auto notes = notesOf(reading);
+  return nb::make_tuple(BoundNetwork(std::move(reading).value()), notes);
 }
 
 ReadOptions optionsOf(std::optional<std::string_view> format, std::optional<bool> directed,
@@ -67,7 +66,7 @@ ReadOptions optionsOf(std::optional<std::string_view> format, std::optional<bool
   return options;
 }
 
-nb::tuple read(nb::bytes source, bool isText, std::optional<std::string_view> format,
+ReadTuple read(nb::bytes source, bool isText, std::optional<std::string_view> format,
                std::optional<bool> directed, bool idsAreIndices, bool strict, bool keepWeights,
                std::optional<std::uint64_t> mostVertices, std::optional<std::uint64_t> mostBytes,
                nb::object progress) {

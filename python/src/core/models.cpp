@@ -3,7 +3,6 @@
 
 #include "support.hpp"
 #include "veq/models.hpp"
-#include "veq/network/network.hpp"
 
 namespace veq::python {
 namespace {
@@ -89,27 +88,21 @@ BoundNetwork block(const AnyArray& sizes, const AnyArray& probabilities, bool di
 BoundNetwork rewired(const BoundNetwork& bound, std::uint64_t tries, BoundRandom* random,
                      nb::object progress) {
   return modelled(random, std::move(progress), [&](const ModelOptions& options) {
-    const ReadingUse use(bound.use);
+    const ReadingUse use(*bound.use);
     return rewiredNetwork(bound.network, tries, options);
   });
 }
 
-// The two published models, which draw from the process's sequence alone.
-template <class Make>
-BoundNetwork published(Make make) {
-  const nb::gil_scoped_release released;
-  Shared<VEQNetwork> made = make();
-  if (!made) throw std::bad_alloc();
-  return BoundNetwork(Network(std::move(made)));
+BoundNetwork preferentialAttachment(std::uint64_t n, std::uint64_t degree, BoundRandom* random) {
+  return modelled(random, nb::none(), [=](const ModelOptions& options) {
+    return preferentialAttachmentNetwork(n, degree, options);
+  });
 }
 
-BoundNetwork preferentialAttachment(std::uint64_t n, std::uint64_t degree) {
-  return published(
-      [=] { return VEQNetwork::barabasiNetworkWitNumberOfVertices_approximateDegree(n, degree); });
-}
-
-BoundNetwork randomNetwork(std::uint64_t n, double degree) {
-  return published([=] { return VEQNetwork::randomNetworkWithNumberOfVertices_degree(n, degree); });
+BoundNetwork randomNetwork(std::uint64_t n, double degree, BoundRandom* random) {
+  return modelled(random, nb::none(), [=](const ModelOptions& options) {
+    return uniformRandomNetwork(n, degree, options);
+  });
 }
 
 }  // namespace
@@ -129,8 +122,9 @@ void bindModels(nb::module_& m) {
   m.def("block", &block, nb::arg("sizes"), nb::arg("probabilities"), nb::arg("directed"), random,
         progress);
   m.def("rewired", &rewired, nb::arg("network"), nb::arg("tries"), random, progress);
-  m.def("preferential_attachment", &preferentialAttachment, nb::arg("n"), nb::arg("degree"));
-  m.def("random_network", &randomNetwork, nb::arg("n"), nb::arg("degree"));
+  m.def("preferential_attachment", &preferentialAttachment, nb::arg("n"), nb::arg("degree"),
+        random);
+  m.def("random_network", &randomNetwork, nb::arg("n"), nb::arg("degree"), random);
 }
 
 }  // namespace veq::python

@@ -42,19 +42,19 @@ BoundNetwork fromNames(const nb::list& sources, const nb::list& targets,
           .value());
 }
 
-nb::object ends(const BoundNetwork& bound, bool targets) {
+IndexArray ends(const BoundNetwork& bound, bool targets) {
   const TopologyView view =
       glancing(bound, [](const Network& network) { return network.topology(); });
   return view.visit(
       [&](const auto& arrays) { return viewOf(targets ? arrays.to : arrays.from, view); });
 }
 
-nb::object edges(const BoundNetwork& bound) {
+IntArray edges(const BoundNetwork& bound) {
   std::unique_ptr<std::int64_t[]> pairs;
   std::size_t count = 0;
   {
     const nb::gil_scoped_release released;
-    const ReadingUse use(bound.use);
+    const ReadingUse use(*bound.use);
     const TopologyView view = bound.network.topology();
     count = view.countEdges();
     pairs = std::make_unique_for_overwrite<std::int64_t[]>(2 * count);
@@ -70,8 +70,8 @@ nb::object edges(const BoundNetwork& bound) {
 }
 
 // The neighbours of a vertex, or the edges that lead there.
-nb::object listOf(const BoundNetwork& bound, std::int64_t vertex, std::string_view mode,
-                  bool ofEdges) {
+ListArray listOf(const BoundNetwork& bound, std::int64_t vertex, std::string_view mode,
+                 bool ofEdges) {
   const std::uint64_t v = indexBelow(vertex, bound.network.countVertices(), "vertex");
   const Direction direction = directionNamed(mode);
   if (direction == Direction::kAll && bound.network.isDirected()) {
@@ -81,13 +81,14 @@ nb::object listOf(const BoundNetwork& bound, std::int64_t vertex, std::string_vi
   }
   const TopologyView view =
       glancing(bound, [](const Network& network) { return network.topology(); });
-  return view.visit([&](const auto& arrays) {
+  return view.visit([&](const auto& arrays) -> ListArray {
     const auto& rows = direction == Direction::kIn ? arrays.in : arrays.out;
     return viewOf(ofEdges ? rows.edges(v) : rows.neighbours(v), view);
   });
 }
 
-nb::tuple adjacency(const BoundNetwork& bound, std::string_view mode) {
+Tuple<IndexArray, IndexArray, IndexArray> adjacency(const BoundNetwork& bound,
+                                                    std::string_view mode) {
   const bool in = named<bool>(mode, "mode", {{"out", false}, {"in", true}});
   const TopologyView view = reading(bound, [](const Network& network) {
     const TopologyView made = network.topology();
@@ -107,13 +108,13 @@ std::pair<std::uint64_t, std::uint64_t> endsOf(const BoundNetwork& bound, std::i
   });
 }
 
-nb::object degrees(const BoundNetwork& bound, std::string_view mode) {
+IntArray degrees(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
   return arrayOf(
       reading(bound, [&](const Network& network) { return network.degrees(direction); }));
 }
 
-nb::object strengths(const BoundNetwork& bound, std::string_view mode) {
+FloatArray strengths(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
   return arrayOf(
       reading(bound, [&](const Network& network) { return network.strengths(direction); }));
@@ -133,7 +134,7 @@ double strength(const BoundNetwork& bound, std::int64_t vertex, std::string_view
   });
 }
 
-nb::object edgesBetween(const BoundNetwork& bound, std::int64_t from, std::int64_t to) {
+IntArray edgesBetween(const BoundNetwork& bound, std::int64_t from, std::int64_t to) {
   const std::uint64_t n = bound.network.countVertices();
   const std::uint64_t source = indexBelow(from, n, "vertex");
   const std::uint64_t target = indexBelow(to, n, "vertex");
@@ -141,17 +142,18 @@ nb::object edgesBetween(const BoundNetwork& bound, std::int64_t from, std::int64
       reading(bound, [&](const Network& network) { return network.edgesBetween(source, target); }));
 }
 
-nb::object weights(const BoundNetwork& bound, bool ofEdges) {
+std::optional<WeightArray> weights(const BoundNetwork& bound, bool ofEdges) {
   std::optional<std::vector<float>> result;
   {
     const nb::gil_scoped_release released;
-    const ReadingUse use(bound.use);
+    const ReadingUse use(*bound.use);
     const Network& network = bound.network;
     if (ofEdges ? network.isEdgeWeighted() : network.isVertexWeighted()) {
       result = ofEdges ? network.edgeWeights() : network.vertexWeights();
     }
   }
-  return result ? arrayOf(std::move(*result)) : nb::none();
+  if (!result) return std::nullopt;
+  return arrayOf(std::move(*result));
 }
 
 void setWeights(BoundNetwork& bound, const AnyArray& weights, bool ofEdges) {
@@ -186,7 +188,7 @@ std::pair<std::uint64_t, std::uint64_t> addEdges(BoundNetwork& bound, const AnyA
   return {added.first, added.count};
 }
 
-nb::list names(const BoundNetwork& bound) {
+Texts names(const BoundNetwork& bound) {
   return textsOf(reading(bound, [](const Network& network) { return network.names(); }));
 }
 
@@ -212,6 +214,12 @@ void bindNetwork(nb::module_& m) {
       .def_prop_ro(
           "directed", [](const BoundNetwork& b) { return b.network.isDirected(); },
           "Whether edges lead from their source to their target alone.")
+      .def_prop_ro(
+          "vertex_weighted", [](const BoundNetwork& b) { return b.network.isVertexWeighted(); },
+          "Whether vertices have weights.")
+      .def_prop_ro(
+          "edge_weighted", [](const BoundNetwork& b) { return b.network.isEdgeWeighted(); },
+          "Whether edges have weights.")
       .def("__len__", [](const BoundNetwork& b) { return b.network.countVertices(); });
 
   m.def("build", &build, nb::arg("sources"), nb::arg("targets"), nb::arg("vertices").none(),

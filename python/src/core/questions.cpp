@@ -11,7 +11,7 @@ namespace {
 
 // A question of the network alone, with one answer for each vertex, or one for all.
 template <auto kQuestion>
-nb::object each(const BoundNetwork& bound) {
+auto each(const BoundNetwork& bound) {
   return arrayOf(reading(bound, [](const Network& network) { return kQuestion(network); }));
 }
 template <auto kQuestion>
@@ -26,19 +26,19 @@ double average(const BoundNetwork& bound, std::string_view withoutPairs) {
   return reading(bound, [how](const Network& network) { return averageClustering(network, how); });
 }
 
-nb::object cores(const BoundNetwork& bound, std::string_view mode) {
+IntArray cores(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
   return arrayOf(
       reading(bound, [&](const Network& network) { return coreNumbers(network, direction); }));
 }
 
-nb::object degreeCounts(const BoundNetwork& bound, std::string_view mode) {
+IntArray degreeCounts(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
   return arrayOf(reading(
       bound, [&](const Network& network) { return degreeDistribution(network, direction); }));
 }
 
-nb::tuple strengthCounts(const BoundNetwork& bound, std::string_view mode) {
+Tuple<FloatArray, IntArray> strengthCounts(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
   const std::vector<StrengthCount> counts = reading(
       bound, [&](const Network& network) { return strengthDistribution(network, direction); });
@@ -51,7 +51,7 @@ nb::tuple strengthCounts(const BoundNetwork& bound, std::string_view mode) {
   return nb::make_tuple(arrayOf(std::move(strengths)), arrayOf(std::move(vertices)));
 }
 
-nb::object neighbourDegrees(const BoundNetwork& bound, std::string_view neighbours,
+FloatArray neighbourDegrees(const BoundNetwork& bound, std::string_view neighbours,
                             std::string_view degrees, bool weighted) {
   NeighbourDegreeOptions options;
   options.neighbours = directionNamed(neighbours);
@@ -69,9 +69,10 @@ double assortativity(const BoundNetwork& bound, std::string_view source, std::st
   });
 }
 
-nb::tuple rank(const BoundNetwork& bound, double restart,
-               const std::optional<AnyArray>& personalisation, bool weighted, double tolerance,
-               std::uint64_t mostSweeps, nb::object progress) {
+Tuple<FloatArray, std::uint64_t, double, bool> rank(const BoundNetwork& bound, double restart,
+                                                    const std::optional<AnyArray>& personalisation,
+                                                    bool weighted, double tolerance,
+                                                    std::uint64_t mostSweeps, nb::object progress) {
   Follow follow(std::move(progress));
   PageRankOptions options;
   options.restart = restart;

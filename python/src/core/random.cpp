@@ -22,7 +22,7 @@ DrawCount drawCountOf(nb::int_ draws) {
   return {nb::cast<std::uint64_t>(high), nb::cast<std::uint64_t>(low)};
 }
 
-nb::object words(BoundRandom& random) {
+WordArray words(BoundRandom& random) {
   const RandomState::Words all = drawing(random, [](RandomState& state) { return state.words(); });
   return arrayOf(std::vector<std::uint32_t>(all.begin(), all.end()));
 }
@@ -36,7 +36,7 @@ BoundRandom fromWords(const AnyArray& words) {
   return BoundRandom(RandomState::fromWords(std::span(first, words.shape(0))).value());
 }
 
-nb::object nextDraws(BoundRandom& random, std::size_t count) {
+WordArray nextDraws(BoundRandom& random, std::size_t count) {
   std::vector<std::uint32_t> draws(count);
   {
     const Drawing held(&random);

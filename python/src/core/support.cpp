@@ -48,8 +48,8 @@ std::string bytesOf(nb::handle text) {
   return {held.c_str(), held.size()};
 }
 
-nb::list textsOf(const std::vector<std::string>& texts) {
-  nb::list result;
+Texts textsOf(const std::vector<std::string>& texts) {
+  Texts result;
   for (const std::string& text : texts) result.append(textOf(text));
   return result;
 }

@@ -34,6 +34,49 @@ using AnyArray = nb::ndarray<nb::ro, nb::device::cpu>;
 /// The floats or doubles of a contiguous array; none at all for None.
 [[nodiscard]] NumberSpan numbersOf(const std::optional<AnyArray>& array);
 
+/// Arrays that go out, by what the stubs call them.
+#define VEQ_ARRAY_TYPE(Type, text)                                        \
+  class Type : public nb::object {                                        \
+    NB_OBJECT_DEFAULT(Type, nb::object, text, isAnything)                 \
+    Type(nb::object array) : nb::object(std::move(array)) {} /* NOLINT */ \
+  }
+inline bool isAnything(PyObject* /*object*/) { return true; }
+VEQ_ARRAY_TYPE(IntArray, "numpy.typing.NDArray[numpy.int64]");
+VEQ_ARRAY_TYPE(WordArray, "numpy.typing.NDArray[numpy.uint32]");
+VEQ_ARRAY_TYPE(FloatArray, "numpy.typing.NDArray[numpy.float64]");
+VEQ_ARRAY_TYPE(WeightArray, "numpy.typing.NDArray[numpy.float32]");
+VEQ_ARRAY_TYPE(IndexArray,
+               "numpy.typing.NDArray[numpy.uint32] | numpy.typing.NDArray[numpy.uint64]");
+VEQ_ARRAY_TYPE(ListArray,
+               "numpy.typing.NDArray[numpy.uint32] | numpy.typing.NDArray[numpy.uint64] | "
+               "numpy.typing.NDArray[numpy.int64]");
+VEQ_ARRAY_TYPE(ColumnArray, "numpy.typing.NDArray[typing.Any] | list[typing.Any]");
+#undef VEQ_ARRAY_TYPE
+
+/// What an array of copies of T is to users.
+template <class T>
+struct CopyOf;
+template <>
+struct CopyOf<std::uint64_t> {
+  using Type = IntArray;
+};
+template <>
+struct CopyOf<std::uint32_t> {
+  using Type = WordArray;
+};
+template <>
+struct CopyOf<float> {
+  using Type = WeightArray;
+};
+template <>
+struct CopyOf<double> {
+  using Type = FloatArray;
+};
+
+template <class... Parts>
+using Tuple = nb::typed<nb::tuple, Parts...>;
+using Texts = nb::typed<nb::list, nb::str>;
+
 /// An array over memory that `keeper` keeps, which is moved into the array's owner.
 template <class T, class Keeper>
 [[nodiscard]] nb::object arrayOver(T* data, std::initializer_list<std::size_t> shape,
@@ -53,15 +96,15 @@ template <class T, class Keeper>
 }
 
 /// A read-only array over a span.
-template <class T, class Keeper>
-[[nodiscard]] nb::object viewOf(std::span<const T> values, Keeper keeper) {
+template <class Array = IndexArray, class T, class Keeper>
+[[nodiscard]] Array viewOf(std::span<const T> values, Keeper keeper) {
   return arrayOver<const T>(values.data(), {values.size()}, std::move(keeper));
 }
 
 /// An array that owns the vector. Unsigned integers become signed ones, which NumPy's own indices
 /// are; all bits set, the library's "never" and "unreachable", is -1 then.
 template <class T>
-[[nodiscard]] nb::object arrayOf(std::vector<T> values) {
+[[nodiscard]] typename CopyOf<T>::Type arrayOf(std::vector<T> values) {
   using Out = std::conditional_t<std::is_same_v<T, std::uint64_t>, std::int64_t, T>;
   auto kept = std::make_unique<std::vector<T>>(std::move(values));
   auto* const data = reinterpret_cast<Out*>(kept->data());
@@ -72,7 +115,7 @@ template <class T>
 /// Texts are any bytes; those that are no UTF-8 come as lone surrogates, and go back as they were.
 [[nodiscard]] nb::str textOf(std::string_view bytes);
 [[nodiscard]] std::string bytesOf(nb::handle text);
-[[nodiscard]] nb::list textsOf(const std::vector<std::string>& texts);
+[[nodiscard]] Texts textsOf(const std::vector<std::string>& texts);
 [[nodiscard]] std::vector<std::string> stringsOf(const nb::list& texts);
 
 /// What may happen to one network, or one group of agents, at once: any number of readers or one
@@ -109,34 +152,34 @@ class Use {
   std::atomic<std::int64_t> state_ = 0;
 };
 
-/// Reads for as long as it lives.
+/// Reads for as long as it lives. Whoever calls holds the Python object, and with it the use.
 class ReadingUse {
  public:
-  explicit ReadingUse(std::shared_ptr<Use> use) : use_(std::move(use)) { use_->beginReading(); }
+  explicit ReadingUse(Use& use) : use_(use) { use_.beginReading(); }
   /// What cannot wait throws.
-  ReadingUse(std::shared_ptr<Use> use, const char* refusal) : use_(std::move(use)) {
-    if (!use_->tryReading()) throw std::runtime_error(refusal);
+  ReadingUse(Use& use, const char* refusal) : use_(use) {
+    if (!use_.tryReading()) throw std::runtime_error(refusal);
   }
   ReadingUse(const ReadingUse&) = delete;
   ReadingUse& operator=(const ReadingUse&) = delete;
-  ~ReadingUse() { use_->endReading(); }
+  ~ReadingUse() { use_.endReading(); }
 
  private:
-  std::shared_ptr<Use> use_;
+  Use& use_;
 };
 
 /// Edits for as long as it lives; std::runtime_error where somebody reads or edits.
 class EditingUse {
  public:
-  EditingUse(std::shared_ptr<Use> use, const char* refusal) : use_(std::move(use)) {
-    if (!use_->tryEditing()) throw std::runtime_error(refusal);
+  EditingUse(Use& use, const char* refusal) : use_(use) {
+    if (!use_.tryEditing()) throw std::runtime_error(refusal);
   }
   EditingUse(const EditingUse&) = delete;
   EditingUse& operator=(const EditingUse&) = delete;
-  ~EditingUse() { use_->endEditing(); }
+  ~EditingUse() { use_.endEditing(); }
 
  private:
-  std::shared_ptr<Use> use_;
+  Use& use_;
 };
 
 /// The network of a Python object. Copies are the same network.
@@ -151,14 +194,14 @@ struct BoundNetwork {
 template <class F>
 auto reading(const BoundNetwork& bound, F&& f) {
   const nb::gil_scoped_release released;
-  const ReadingUse use(bound.use);
+  const ReadingUse use(*bound.use);
   return f(bound.network);
 }
 
 /// The same for what takes no longer than giving the lock away would.
 template <class F>
 auto glancing(const BoundNetwork& bound, F&& f) {
-  const ReadingUse use(bound.use);
+  const ReadingUse use(*bound.use);
   return f(bound.network);
 }
 
@@ -168,7 +211,7 @@ auto editing(BoundNetwork& bound, F&& f) {
   // In this order: who waits for an edit may hold the interpreter's lock, which must not be waited
   // for before the edit is over.
   const nb::gil_scoped_release released;
-  const EditingUse use(bound.use, "the network is in use: a walk or another call reads it");
+  const EditingUse use(*bound.use, "the network is in use: a walk or another call reads it");
   return f(bound.network);
 }
 
@@ -202,7 +245,7 @@ class Drawing {
  public:
   explicit Drawing(BoundRandom* random) {
     if (random == nullptr) return;
-    use_.emplace(random->use, "the random state is in use by another thread");
+    use_.emplace(*random->use, "the random state is in use by another thread");
     state_ = &random->state;
   }
   [[nodiscard]] RandomState* state() const { return state_; }

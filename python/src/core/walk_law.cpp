@@ -39,16 +39,18 @@ auto solved(const BoundLaw& bound, std::uint64_t solvedUpTo, double precision,
   return f(bound.law, options).value();
 }
 
-nb::tuple stationary(const BoundLaw& bound, std::uint64_t solvedUpTo, double precision,
-                     std::uint64_t mostRounds, nb::object progress) {
+Tuple<FloatArray, double> stationary(const BoundLaw& bound, std::uint64_t solvedUpTo,
+                                     double precision, std::uint64_t mostRounds,
+                                     nb::object progress) {
   StationaryShares made =
       solved(bound, solvedUpTo, precision, mostRounds, std::move(progress),
              [](const WalkLaw& law, const SolvingOptions& how) { return law.stationary(how); });
   return nb::make_tuple(arrayOf(std::move(made.shares)), made.errorBound);
 }
 
-nb::tuple hittingTimes(const BoundLaw& bound, std::int64_t target, std::uint64_t solvedUpTo,
-                       double precision, std::uint64_t mostRounds, nb::object progress) {
+Tuple<FloatArray, double> hittingTimes(const BoundLaw& bound, std::int64_t target,
+                                       std::uint64_t solvedUpTo, double precision,
+                                       std::uint64_t mostRounds, nb::object progress) {
   const std::uint64_t v = indexBelow(target, bound.law.countVertices(), "vertex");
   HittingTimes made = solved(
       bound, solvedUpTo, precision, mostRounds, std::move(progress),
@@ -56,8 +58,8 @@ nb::tuple hittingTimes(const BoundLaw& bound, std::int64_t target, std::uint64_t
   return nb::make_tuple(arrayOf(std::move(made.steps)), made.relativeErrorBound);
 }
 
-nb::tuple coverTime(const BoundLaw& bound, std::int64_t start, bool startCounts,
-                    nb::object progress) {
+Tuple<double, double> coverTime(const BoundLaw& bound, std::int64_t start, bool startCounts,
+                                nb::object progress) {
   const std::uint64_t v = indexBelow(start, bound.law.countVertices(), "vertex");
   Follow follow(std::move(progress));
   CoverOptions options;
@@ -78,10 +80,10 @@ void bindWalkLaw(nb::module_& m) {
       .def("__init__", &make, nb::arg("network"), nb::arg("choice"), nb::arg("restart"),
            nb::arg("start"))
       .def("_matrix",
-           [](const BoundLaw& bound) {
+           [](const BoundLaw& bound) -> Tuple<IndexArray, IndexArray, FloatArray> {
              return nb::make_tuple(viewOf(bound.law.rowStarts(), bound.law),
                                    viewOf(bound.law.targets(), bound.law),
-                                   viewOf(bound.law.shares(), bound.law));
+                                   viewOf<FloatArray>(bound.law.shares(), bound.law));
            })
       .def("_dead_ends",
            [](const BoundLaw& bound) { return viewOf(bound.law.deadEnds(), bound.law); })

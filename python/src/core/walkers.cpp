@@ -45,8 +45,8 @@ void place(BoundWalkers* at, const BoundNetwork& bound, const AnyArray& starts,
   new (at) BoundWalkers{std::move(made), bound, std::move(told)};
 }
 
-nb::object starts(const BoundNetwork& bound, std::uint64_t agents, bool byDegree,
-                  BoundRandom* random) {
+IntArray starts(const BoundNetwork& bound, std::uint64_t agents, bool byDegree,
+                BoundRandom* random) {
   const Drawing drawing(random);
   return arrayOf(reading(bound, [&](const Network& network) {
     return (byDegree ? Walkers::startsByDegree(network, agents, drawing.state())
@@ -84,19 +84,22 @@ const char* wordOf(WalkEnd end) {
 }
 
 // (arrivals of shape (steps, agents), starts)
-nb::tuple tupleOf(const WalkPaths& paths) {
+using PathsTuple = Tuple<IndexArray, IntArray>;
+PathsTuple tupleOf(const WalkPaths& paths) {
   std::vector<std::uint64_t> starts(paths.countAgents());
   for (std::size_t a = 0; a < starts.size(); ++a) starts[a] = paths.start(a);
   const std::size_t steps = paths.countSteps();
   const std::size_t agents = paths.countAgents();
-  return paths.visitArrivals([&](auto arrivals) {
+  return paths.visitArrivals([&](auto arrivals) -> PathsTuple {
     using T = typename decltype(arrivals)::element_type;
     return nb::make_tuple(arrayOver<T>(arrivals.data(), {steps, agents}, paths),
                           arrayOf(std::move(starts)));
   });
 }
 
-nb::tuple tupleOf(const std::vector<Coverage>& coverage) {
+// (steps, vertices)
+using CoverageTuple = Tuple<IntArray, IntArray>;
+CoverageTuple tupleOf(const std::vector<Coverage>& coverage) {
   std::vector<std::uint64_t> steps;
   std::vector<std::uint64_t> vertices;
   for (const Coverage& entry : coverage) {
@@ -107,35 +110,38 @@ nb::tuple tupleOf(const std::vector<Coverage>& coverage) {
 }
 
 // (end, steps, paths or None, first arrivals or None, coverage or None)
-nb::tuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
+using WalkTuple = Tuple<nb::str, std::uint64_t, std::optional<PathsTuple>, std::optional<IntArray>,
+                        std::optional<CoverageTuple>>;
+WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
                bool paths, bool firstArrivals, std::string_view choice, double restart,
                BoundRandom* random, nb::object progress) {
   WalkOptions options = optionsOf(steps, until, paths, firstArrivals, choice, restart);
   Follow follow(std::move(progress));
   options.progress = follow.progress();
-  const EditingUse use(bound.use, kWalking);
+  const EditingUse use(*bound.use, kWalking);
   const Drawing drawing(random);
   options.random = drawing.state();
   std::optional<WalkOutcome> outcome;
   std::vector<Coverage> coverage;
   {
     const nb::gil_scoped_release released;
-    const ReadingUse network(bound.network.use);
+    const ReadingUse network(*bound.network.use);
     std::optional<ReadingUse> listeners;
-    if (bound.listeners) listeners.emplace(bound.listeners->use);
+    if (bound.listeners) listeners.emplace(*bound.listeners->use);
     outcome = bound.walkers.walk(options).value();
     coverage = outcome->coverage();
   }
-  return nb::make_tuple(wordOf(outcome->end), outcome->steps,
-                        outcome->paths ? nb::object(tupleOf(*outcome->paths)) : nb::none(),
-                        firstArrivals ? arrayOf(std::move(outcome->firstArrivals)) : nb::none(),
-                        firstArrivals ? nb::object(tupleOf(coverage)) : nb::none());
+  return nb::make_tuple(
+      wordOf(outcome->end), outcome->steps,
+      outcome->paths ? nb::object(tupleOf(*outcome->paths)) : nb::none(),
+      firstArrivals ? nb::object(arrayOf(std::move(outcome->firstArrivals))) : nb::none(),
+      firstArrivals ? nb::object(tupleOf(coverage)) : nb::none());
 }
 
 // What f(walkers) gives, computed without the interpreter's lock.
 template <class F>
 auto resting(const BoundWalkers& bound, F f) {
-  const ReadingUse use(bound.use, kWalking);
+  const ReadingUse use(*bound.use, kWalking);
   const nb::gil_scoped_release released;
   return f(bound.walkers);
 }
@@ -144,7 +150,7 @@ std::uint64_t agentOf(const BoundWalkers& bound, std::int64_t agent) {
   return indexBelow(agent, bound.walkers.countAgents(), "agent");
 }
 
-nb::object visits(const BoundWalkers& bound, std::optional<std::int64_t> agent) {
+IntArray visits(const BoundWalkers& bound, std::optional<std::int64_t> agent) {
   if (!agent) {
     return arrayOf(resting(bound, [](const Walkers& walkers) { return walkers.visits(); }));
   }
@@ -152,24 +158,24 @@ nb::object visits(const BoundWalkers& bound, std::optional<std::int64_t> agent) 
   return arrayOf(resting(bound, [a](const Walkers& walkers) { return walkers.visits(a); }));
 }
 
-nb::object liveVisits(const BoundWalkers& bound, std::int64_t agent) {
+IntArray liveVisits(const BoundWalkers& bound, std::int64_t agent) {
   const std::uint64_t a = agentOf(bound, agent);
   const Shared<const VEQNumberArray> array =
       resting(bound, [a](const Walkers& walkers) { return walkers.liveVisits(a); });
-  return array->visit([&](auto elements) { return viewOf(elements, array); });
+  return array->visit([&](auto elements) { return viewOf<nb::object>(elements, array); });
 }
 
-nb::object remembered(const BoundWalkers& bound, std::int64_t agent) {
+IntArray remembered(const BoundWalkers& bound, std::int64_t agent) {
   const std::uint64_t a = agentOf(bound, agent);
   return arrayOf(resting(bound, [a](const Walkers& walkers) { return walkers.remembered(a); }));
 }
 
-nb::object positions(const BoundWalkers& bound) {
+IntArray positions(const BoundWalkers& bound) {
   return arrayOf(resting(bound, [](const Walkers& walkers) { return walkers.positions(); }));
 }
 
 void forget(BoundWalkers& bound) {
-  const EditingUse use(bound.use, kWalking);
+  const EditingUse use(*bound.use, kWalking);
   bound.walkers.forget();
 }
 

@@ -37,15 +37,18 @@ def indices(values: ArrayLike, what: str) -> Array:
     for place, value in enumerate(array.tolist()):
         if not isinstance(value, Integral) or isinstance(value, bool):
             raise ValueError(f"{what} {place}: {value!r} is no integer")
-        if not -(2**63) <= value < 2**64:
+        if not -(2**63) <= int(value) < 2**64:
             raise ValueError(f"{what} {place}: {value!r} has more than 64 bits")
     return array.astype(np.int64 if (array < 2**63).all() else np.uint64)
 
 
-def numbers(values: ArrayLike | None, what: str) -> Array | None:
+def optional_numbers(values: ArrayLike | None, what: str) -> Array | None:
+    """As `numbers`, but None stays what it is."""
+    return None if values is None else numbers(values, what)
+
+
+def numbers(values: ArrayLike, what: str) -> Array:
     """Contiguous floats of 32 or 64 bits; ValueError naming what is no number."""
-    if values is None:
-        return None
     array = flat(values, what)
     if array.dtype.kind not in "fiub":
         for place, value in enumerate(array.tolist()):
@@ -75,8 +78,9 @@ def count(value: object, what: str) -> int:
 
 def texts(values: Sequence[object] | Array, what: str) -> list[str]:
     """A list of strings."""
-    listed = values.tolist() if isinstance(values, np.ndarray) else list(values)
-    for place, value in enumerate(listed):
+    made: list[str] = []
+    for place, value in enumerate(values.tolist() if isinstance(values, np.ndarray) else values):
         if not isinstance(value, str):
             raise ValueError(f"{what} {place}: {value!r} is no string")
-    return listed
+        made.append(value)
+    return made

@@ -80,9 +80,7 @@ class Asking(Deriving):
         """
         return _core.local_clustering(self)
 
-    def average_clustering(
-        self, without_pairs: Literal["zero", "left out"] = "zero"
-    ) -> float:
+    def average_clustering(self, without_pairs: Literal["zero", "left out"] = "zero") -> float:
         """The mean of the local clustering; vertices without pairs count 0 or are left out."""
         return _core.average_clustering(self, without_pairs)
 
@@ -140,7 +138,7 @@ class Asking(Deriving):
         >>> veq.Network([0, 1], [1, 2], n=4).distances_from(0)
         array([ 0,  1,  2, -1])
         """
-        return _core.distances_from(self, self._vertex(source), mode, False)
+        return _core.distances_from(self, self._vertex(source), mode)
 
     def weighted_distances_from(self, source: object, mode: Mode = "out") -> FloatArray:
         """The least sums of weights, of shape (n,); infinity for what cannot be reached.
@@ -150,7 +148,7 @@ class Asking(Deriving):
         ValueError
             "edge 7: weight -1, and 2 more", if a weight is negative, infinite or NaN.
         """
-        return _core.distances_from(self, self._vertex(source), mode, True)
+        return _core.weighted_distances_from(self, self._vertex(source), mode)
 
     def shortest_path(
         self, source: object, target: object, mode: Mode = "out", *, weighted: bool = False
@@ -180,9 +178,7 @@ class Asking(Deriving):
         many as that allows, drawn with ``seed``.
         """
         with following(progress, "vertices") as call:
-            return DistanceHistogram(
-                *_core.distance_histogram(self, mode, most_visits, seed, call)
-            )
+            return DistanceHistogram(*_core.distance_histogram(self, mode, most_visits, seed, call))
 
     def diameter(
         self,
@@ -230,7 +226,7 @@ class Asking(Deriving):
         >>> veq.Network([0, 1], [1, 2]).page_rank().ranks.round(4)
         array([0.2568, 0.4865, 0.2568])
         """
-        shares = _arrays.numbers(personalisation, "personalisation")
+        shares = _arrays.optional_numbers(personalisation, "personalisation")
         with following(progress, "sweeps") as call:
             return PageRank(
                 *_core.page_rank(self, restart, shares, weighted, tolerance, most_sweeps, call)

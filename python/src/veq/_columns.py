@@ -14,11 +14,12 @@ if TYPE_CHECKING:
     from ._network import Network
 
 Column = NDArray[Any]
+_ALL = 2**64 - 1
 
 
 def _element(value: object, what: str, place: int) -> object:
     """A single value, as the binding wants it."""
-    if value is None or isinstance(value, (str, np.float32, np.uint64)):
+    if value is None or isinstance(value, (str, np.float32, np.uint64)):  # pyright: ignore[reportArgumentType]
         return value if not isinstance(value, np.str_) else str(value)
     if isinstance(value, (bool, np.bool_)):
         return int(value)
@@ -108,7 +109,18 @@ class Columns(MutableMapping[str, Column]):
         self._edges = edges
 
     def __getitem__(self, key: str) -> Column:
-        found = _core.column(self._network, key, self._edges)
+        return self.head(key, _ALL)
+
+    def head(self, key: str, most: int) -> Column:
+        """The column, or its first elements without making all: of a column of numbers it is all.
+
+        Examples
+        --------
+        >>> network = veq.Network.from_names([("Ada", "Bob"), ("Eve", "Ada")])
+        >>> network.vertex_data.head("Name", 2).tolist()
+        ['Ada', 'Bob']
+        """
+        found = _core.column(self._network, key, self._edges, most)
         if not isinstance(found, list):
             return found
         objects = np.empty(len(found), dtype=object)

@@ -121,9 +121,7 @@ class Deriving(_core.Network):
         """
         return self._part(_core.subnetwork(self, _arrays.indices(vertices, "vertices")))
 
-    def subnetwork_of_edges(
-        self, edges: ArrayLike, *, keep_vertices: bool = False
-    ) -> Part[Self]:
+    def subnetwork_of_edges(self, edges: ArrayLike, *, keep_vertices: bool = False) -> Part[Self]:
         """The chosen edges, in the given order, and their ends, or all vertices.
 
         Raises

@@ -26,9 +26,9 @@ def _kind(network: Network) -> list[str]:
         _counted(network.num_edges, "edge", "edges"),
         "directed" if network.directed else "undirected",
     ]
-    if network.vertex_weights is not None:
+    if network.vertex_weighted:
         words.append("vertex-weighted")
-    if network.edge_weights is not None:
+    if network.edge_weighted:
         words.append("edge-weighted")
     return words
 
@@ -49,14 +49,13 @@ def _cell(value: object) -> str:
 
 def table(network: Network) -> str:
     """For notebooks: what it is, and the first rows of its columns; at most 4 kB, no script."""
-    head = "".join(
-        ("<p>", html.escape(f"veq.Network: {', '.join(_kind(network))}"), "</p>")
-    )
+    head = "".join(("<p>", html.escape(f"veq.Network: {', '.join(_kind(network))}"), "</p>"))
     rows: list[str] = []
     room = _LENGTH - len(head) - 100
     for whose, columns in (("vertex", network.vertex_data), ("edge", network.edge_data)):
-        for key, column in columns.items():
-            cells = "".join(f"<td>{_cell(value)}</td>" for value in column[:_ROWS].tolist())
+        for key in columns:
+            first = columns.head(key, _ROWS)[:_ROWS].tolist()
+            cells = "".join(f"<td>{_cell(value)}</td>" for value in first)
             row = f"<tr><th>{whose}</th><th>{_cell(key)}</th>{cells}</tr>"
             if sum(map(len, rows)) + len(row) > room:
                 break

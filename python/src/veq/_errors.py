@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 
-class _AtPlace:
+class _AtPlace(Exception):
     """A sentence, and where in a text it holds."""
 
     def __init__(self, text: str, line: int | None = None, column: int | None = None) -> None:

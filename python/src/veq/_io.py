@@ -4,8 +4,9 @@ from __future__ import annotations
 
 import os
 import warnings
+from collections.abc import Sequence
 from os import PathLike
-from typing import TYPE_CHECKING, Any, Literal, NamedTuple
+from typing import TYPE_CHECKING, Literal, NamedTuple, TypedDict, Unpack
 
 from . import _core
 from ._errors import ReadWarning
@@ -21,13 +22,35 @@ PathName = str | bytes | PathLike[str] | PathLike[bytes]
 class Note(NamedTuple):
     """What a person should know about what was read."""
 
-    kind: Literal["taken", "repaired", "left out"]
+    kind: str
+    """"taken", "repaired" or "left out"."""
     text: str
     line: int
-    count: int
+    times: int
 
 
-def _told(found: list[tuple[Any, ...]], notes: list[Note] | None) -> None:
+class ReadOptions(TypedDict, total=False):
+    """How `read` and `reads` take a file."""
+
+    directed: bool | None
+    """Whether a list of edges is directed, where it does not say so itself."""
+    ids_are_indices: bool
+    """Takes the integers of a list for indices, instead of keeping them as a column "Id"."""
+    strict: bool
+    """Makes the first thing that would be repaired or left out an error."""
+    keep_weights: bool
+    """Keeps weights that a 32-bit float does not hold in an edge column "Weight"."""
+    most_vertices: int | None
+    """A limit, for files of strangers."""
+    most_bytes: int | None
+    """Likewise, of the text once it is unpacked."""
+    notes: list[Note] | None
+    """Gets what there is to say; without it, what was repaired or left out is a `ReadWarning`."""
+    progress: Progress
+    """As of all long calls."""
+
+
+def _told(found: Sequence[tuple[str, str, int, int]], notes: list[Note] | None) -> None:
     """To the caller's list; without one, a warning of what was repaired or left out."""
     made = [Note(*note) for note in found]
     if notes is not None:
@@ -42,20 +65,21 @@ def _told(found: list[tuple[Any, ...]], notes: list[Note] | None) -> None:
 def _read(
     source: bytes,
     is_text: bool,
-    notes: list[Note] | None,
     format: Format | None,
-    directed: bool | None,
-    ids_are_indices: bool,
-    strict: bool,
-    keep_weights: bool,
-    most_vertices: int | None,
-    most_bytes: int | None,
-    progress: Progress,
+    *,
+    directed: bool | None = None,
+    ids_are_indices: bool = False,
+    strict: bool = False,
+    keep_weights: bool = False,
+    most_vertices: int | None = None,
+    most_bytes: int | None = None,
+    notes: list[Note] | None = None,
+    progress: Progress = "auto",
 ) -> Network:
     from ._network import Network
 
     with following(progress, "bytes") as call:
-        network, _, found, _, _ = _core.read(
+        network, found = _core.read(
             source,
             is_text,
             format,
@@ -72,17 +96,7 @@ def _read(
 
 
 def read(
-    path: PathName,
-    *,
-    format: Format | None = None,
-    directed: bool | None = None,
-    ids_are_indices: bool = False,
-    strict: bool = False,
-    keep_weights: bool = False,
-    most_vertices: int | None = None,
-    most_bytes: int | None = None,
-    notes: list[Note] | None = None,
-    progress: Progress = "auto",
+    path: PathName, *, format: Format | None = None, **options: Unpack[ReadOptions]
 ) -> Network:
     """Read a network from a file of any format, also one compressed by gzip or zstd.
 
@@ -90,19 +104,20 @@ def read(
     ----------
     format
         By default seen from the content; the suffix only breaks ties.
-    directed
+    directed : bool, optional
         Whether a list of edges is directed, where it does not say so itself.
-    ids_are_indices
+    ids_are_indices : bool
         Takes the integers of a list for indices, instead of keeping them as a column "Id".
-    strict
+    strict : bool
         Makes the first thing that would be repaired or left out an error.
-    keep_weights
+    keep_weights : bool
         Keeps weights that a 32-bit float does not hold in an edge column "Weight".
-    most_vertices, most_bytes
+    most_vertices, most_bytes : int, optional
         Limits, for files of strangers.
-    notes
-        A list that gets what there is to say; without it, what was repaired or left out is a
-        `ReadWarning`.
+    notes : list, optional
+        Gets what there is to say; without it, what was repaired or left out is a `ReadWarning`.
+    progress
+        As of all long calls.
 
     Raises
     ------
@@ -110,41 +125,27 @@ def read(
         As `open` does.
     FormatError
         With ``line`` and ``column``.
+
+    Examples
+    --------
+    >>> import tempfile
+    >>> with tempfile.TemporaryDirectory() as folder:
+    ...     veq.Network([0, 1], [1, 2]).save(folder + "/path.net")
+    ...     veq.read(folder + "/path.net").num_edges
+    2
     """
     name = os.fsencode(path)
     try:
-        return _read(
-            name,
-            False,
-            notes,
-            format,
-            directed,
-            ids_are_indices,
-            strict,
-            keep_weights,
-            most_vertices,
-            most_bytes,
-            progress,
-        )
+        return _read(name, False, format, **options)
     except OSError:
         with open(name, "rb"):  # Which knows the error's own class and number.
             raise
 
 
 def reads(
-    text: str | bytes,
-    format: Format | None = None,
-    *,
-    directed: bool | None = None,
-    ids_are_indices: bool = False,
-    strict: bool = False,
-    keep_weights: bool = False,
-    most_vertices: int | None = None,
-    most_bytes: int | None = None,
-    notes: list[Note] | None = None,
-    progress: Progress = "auto",
+    text: str | bytes, format: Format | None = None, **options: Unpack[ReadOptions]
 ) -> Network:
-    """Read a network from the text, or the bytes, of a file; as `read`.
+    """Read a network from the text, or the bytes, of a file; as `read`, with its options.
 
     Examples
     --------
@@ -152,19 +153,7 @@ def reads(
     ['Ada', 'Bob', 'Eve']
     """
     source = text.encode("utf-8", "surrogateescape") if isinstance(text, str) else bytes(text)
-    return _read(
-        source,
-        True,
-        notes,
-        format,
-        directed,
-        ids_are_indices,
-        strict,
-        keep_weights,
-        most_vertices,
-        most_bytes,
-        progress,
-    )
+    return _read(source, True, format, **options)
 
 
 def save(

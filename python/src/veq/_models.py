@@ -47,9 +47,7 @@ def gnm(
     return _made(_core.gnm, progress, *counts, directed, seed=seed)
 
 
-def barabasi_albert(
-    n: int, m: int, *, seed: Seed = None, progress: Progress = "auto"
-) -> Network:
+def barabasi_albert(n: int, m: int, *, seed: Seed = None, progress: Progress = "auto") -> Network:
     """Preferential attachment: each vertex from ``m`` on links to ``m`` different older ones."""
     counts = _arrays.count(n, "n"), _arrays.count(m, "m")
     return _made(_core.barabasi_albert, progress, *counts, seed=seed)
@@ -80,9 +78,7 @@ def watts_strogatz(
     return _made(_core.watts_strogatz, progress, *counts, float(p), seed=seed)
 
 
-def lattice(
-    sizes: ArrayLike, *, periodic: bool = False, progress: Progress = "auto"
-) -> Network:
+def lattice(sizes: ArrayLike, *, periodic: bool = False, progress: Progress = "auto") -> Network:
     """The grid of any number of dimensions; vertex x + sizes[0] y + ... is at (x, y, ...).
 
     Examples
@@ -132,15 +128,27 @@ def rewired(
     return _made(_core.rewired, progress, network, _arrays.count(tries, "tries"), seed=seed)
 
 
-def preferential_attachment(n: int, degree: int) -> Network:
-    """What ``veq generate barabasi`` grows. Draws from the process's own sequence alone."""
+def preferential_attachment(n: int, degree: int, *, seed: Seed = None) -> Network:
+    """What ``veq generate barabasi`` grows: half of ``degree`` links from each new vertex.
+
+    Examples
+    --------
+    >>> veq.preferential_attachment(10, 4, seed=1).num_edges
+    16
+    """
     counts = _arrays.count(n, "n"), _arrays.count(degree, "degree")
-    return Network._of(_core.preferential_attachment(*counts))
+    return Network._of(_core.preferential_attachment(*counts, drawn_from(seed)))
 
 
-def random_network(n: int, degree: float) -> Network:
-    """What ``veq generate random`` grows. Draws from the process's own sequence alone.
+def random_network(n: int, degree: float, *, seed: Seed = None) -> Network:
+    """What ``veq generate random`` grows: each pair is linked with probability ``degree / n``.
 
     Vertices after the last one with an edge are left out.
+
+    Examples
+    --------
+    >>> veq.random_network(4, 4, seed=1).num_edges
+    6
     """
-    return Network._of(_core.random_network(_arrays.count(n, "n"), float(degree)))
+    number = _arrays.count(n, "n")
+    return Network._of(_core.random_network(number, float(degree), drawn_from(seed)))

@@ -83,8 +83,8 @@ class Network(Converting):
                 _arrays.indices(target, "target"),
                 None if n is None else _arrays.count(n, "n"),
                 directed,
-                _arrays.numbers(vertex_weights, "vertex_weights"),
-                _arrays.numbers(edge_weights, "edge_weights"),
+                _arrays.optional_numbers(vertex_weights, "vertex_weights"),
+                _arrays.optional_numbers(edge_weights, "edge_weights"),
                 keep_exact_weights,
             )
         )
@@ -115,7 +115,7 @@ class Network(Converting):
             for side, what in zip(pairs, ("source", "target"), strict=True)
         )
         every = None if names is None else _arrays.texts(names, "name")
-        weights = _arrays.numbers(edge_weights, "edge_weights")
+        weights = _arrays.optional_numbers(edge_weights, "edge_weights")
         return cls._of(_core.from_names(sources, targets, every, directed, weights))
 
     @property
@@ -136,7 +136,7 @@ class Network(Converting):
         """Source and target of all edges, of shape (m, 2). O(m): a copy."""
         return _core.edges(self)
 
-    def neighbors(self, v: object, mode: Mode = "out") -> IndexArray:
+    def neighbors(self, v: object, mode: Mode = "out") -> IndexArray | IntArray:
         """The neighbours of a vertex (an index or a name), in the order of the edges.
 
         The network's own memory, read-only, except for ``mode="all"`` of a directed network: what
@@ -149,7 +149,7 @@ class Network(Converting):
         """
         return _core.list_of(self, self._vertex(v), mode, False)
 
-    def edges_of(self, v: object, mode: Mode = "out") -> IndexArray:
+    def edges_of(self, v: object, mode: Mode = "out") -> IndexArray | IntArray:
         """The edges that lead to the `neighbors`."""
         return _core.list_of(self, self._vertex(v), mode, True)
 
@@ -232,7 +232,7 @@ class Network(Converting):
             self,
             _arrays.indices(source, "source"),
             _arrays.indices(target, "target"),
-            _arrays.numbers(weights, "weights"),
+            _arrays.optional_numbers(weights, "weights"),
         )
         return range(first, first + count)
 
@@ -329,7 +329,7 @@ class Vertex(_Element):
         return self.network.degree(self.index)
 
     @property
-    def neighbors(self) -> IndexArray:
+    def neighbors(self) -> IndexArray | IntArray:
         """The neighbours, as `Network.neighbors`."""
         return self.network.neighbors(self.index)
 
@@ -354,5 +354,3 @@ class Edge(_Element):
 
     def __getitem__(self, key: str) -> Any:
         return self.network.edge_data[key][self.index]
-
-

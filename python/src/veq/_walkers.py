@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 from collections.abc import Sequence
-from typing import Any, Literal, NamedTuple, Self
+from typing import Any, Literal, NamedTuple, Self, cast
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -16,6 +16,7 @@ from ._progress import Progress, following
 from ._random import Seed, drawn_from
 
 Choice = Literal["published", "even", "weighted"]
+End = Literal["steps", "target", "stopped", "stuck", "draws"]
 
 
 class Paths:
@@ -64,7 +65,7 @@ class Paths:
         return offsets, self.moves.T[moved]
 
     def __len__(self) -> int:
-        return self.moves.shape[1]
+        return int(self.moves.shape[1])
 
     def __array__(self, dtype: Any = None, copy: bool | None = None) -> NDArray[Any]:
         if copy is False:
@@ -86,7 +87,7 @@ class Coverage(NamedTuple):
 class Walk(NamedTuple):
     """What a walk has led to."""
 
-    end: Literal["steps", "target", "stopped", "stuck", "draws"]
+    end: End
     """All steps were made, the target was met, ``progress`` returned False, nobody can ever move
     again, or the substream has too few draws left."""
     steps: int
@@ -212,7 +213,7 @@ class Walkers(_core.Walkers):
                 call,
             )
         return Walk(
-            end,
+            cast(End, end),
             made,
             None if moves is None else Paths(*moves),
             first,

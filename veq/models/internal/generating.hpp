@@ -49,10 +49,10 @@ struct GrowingEnds {
 
 [[nodiscard]] NetworkDraft draftOf(std::uint64_t vertices, GrowingEnds ends, bool directed = false);
 
-/// The network of the draft that `make(draws)` returns, with the draws that the options name. The
-/// work may throw Stopped.
+/// The network of the draft that `make(state)` returns, with the state that the options name, or
+/// null for the process's sequence. The work may throw Stopped.
 template <class Make>
-[[nodiscard]] Result<Network> generated(const ModelOptions& options, Make make) {
+[[nodiscard]] Result<Network> generatedFrom(const ModelOptions& options, Make make) {
   if (options.random && options.seed) {
     return argumentError("a seed and a random state: give one of them");
   }
@@ -64,8 +64,7 @@ template <class Make>
     state = seeded.value();
   }
   try {
-    DrawBlocks draws(state ? &*state : nullptr);
-    Network network(CoreAccess::buildShared(make(draws)));
+    Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
     if (options.random) *options.random = *state;
     return network;
   } catch (const Stopped&) {
@@ -75,6 +74,15 @@ template <class Make>
   } catch (const std::length_error&) {
     throw std::bad_alloc();
   }
+}
+
+/// The same of `make(draws)`, which draws in blocks.
+template <class Make>
+[[nodiscard]] Result<Network> generated(const ModelOptions& options, Make make) {
+  return generatedFrom(options, [&make](RandomState* state) {
+    DrawBlocks draws(state);
+    return make(draws);
+  });
 }
 
 }  // namespace veq::internal

@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
-#include "veq/models/internal/random_engine.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 
 namespace veq::internal {
@@ -43,9 +42,11 @@ class TargetSet {
 };
 
 // Draws r as shares r / (2^31 - 1) of a range. How many will be needed is not known, as some are
-// rejected; but those that are certainly needed can be taken from the shared sequence at once.
+// rejected; but those that are certainly needed can be taken from their source at once.
 class Shares {
  public:
+  explicit Shares(RandomSource source) : source_(source) {}
+
   double next(std::uint64_t certain) {
     if (at_ == end_) refill(certain);
     return shares_[at_++];
@@ -59,7 +60,7 @@ class Shares {
 
   void refill(std::uint64_t certain) {
     if (taken_ == 0) {
-      stream_ = SharedRandomSequence::instance().take(certain);
+      stream_ = source_.take(certain);
       taken_ = certain;
     }
     end_ = static_cast<std::size_t>(std::min<std::uint64_t>(taken_, kBlock));
@@ -72,6 +73,7 @@ class Shares {
     at_ = 0;
   }
 
+  RandomSource source_;
   RandomStream stream_ = RandomStream::seeded(1);
   std::uint64_t taken_ = 0;
   std::array<double, kBlock> shares_;
@@ -92,14 +94,14 @@ constexpr std::uint64_t kMostEntries = std::uint64_t{1} << 53;
 // The edges of all new vertices. Index is wide enough for all vertices.
 template <class Index>
 NetworkDraft grow(std::uint64_t initialVertices, std::uint64_t degreeGrowth,
-                  std::uint64_t iterations) {
+                  std::uint64_t iterations, RandomSource source) {
   const std::uint64_t edges = degreeGrowth * iterations;
   RawVector<std::uint64_t> from(sizeOf<std::uint64_t>(edges));
   RawVector<std::uint64_t> to(from.size());
   Block<Index> pool(initialVertices + 2 * edges);
   for (std::uint64_t v = 0; v < initialVertices; ++v) pool[v] = static_cast<Index>(v);
   TargetSet targets(degreeGrowth);
-  Shares shares;
+  Shares shares(source);
   std::uint64_t edge = 0;
   std::uint64_t count = initialVertices;  // entries of the pool
   for (std::uint64_t v = initialVertices; v < initialVertices + iterations; ++v) {
@@ -130,7 +132,7 @@ bool fits(std::uint64_t initialVertices, std::uint64_t degreeGrowth, std::uint64
 
 std::optional<NetworkDraft> preferentialAttachment(std::uint64_t initialVertices,
                                                    std::uint64_t degreeGrowth,
-                                                   std::uint64_t iterations) {
+                                                   std::uint64_t iterations, RandomSource source) {
   if (degreeGrowth == 0 || iterations == 0) {
     NetworkDraft single;
     single.vertexCount = 1;
@@ -139,8 +141,8 @@ std::optional<NetworkDraft> preferentialAttachment(std::uint64_t initialVertices
   if (degreeGrowth > initialVertices) return std::nullopt;
   if (!fits(initialVertices, degreeGrowth, iterations)) return std::nullopt;
   return initialVertices + iterations <= UINT32_MAX
-             ? grow<std::uint32_t>(initialVertices, degreeGrowth, iterations)
-             : grow<std::uint64_t>(initialVertices, degreeGrowth, iterations);
+             ? grow<std::uint32_t>(initialVertices, degreeGrowth, iterations, source)
+             : grow<std::uint64_t>(initialVertices, degreeGrowth, iterations, source);
 }
 
 }  // namespace veq::internal

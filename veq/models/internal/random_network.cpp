@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "veq/base/internal/uint128.hpp"
-#include "veq/models/internal/random_engine.hpp"
 #include "veq/models/internal/random_hits.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 
@@ -73,7 +72,7 @@ void linkBelow(PairRows& rows, RandomStream stream, Uint128 pairs, double probab
 
 }  // namespace
 
-std::optional<NetworkDraft> randomNetwork(std::uint64_t count, double degree) {
+std::optional<NetworkDraft> randomNetwork(std::uint64_t count, double degree, RandomSource source) {
   const auto n = static_cast<double>(count);
   const auto batch = convertNumber<std::uint64_t>(n * degree + 1.0);
   const double probability = degree / n;
@@ -81,7 +80,7 @@ std::optional<NetworkDraft> randomNetwork(std::uint64_t count, double degree) {
   PairRows rows(count);
   const bool linksAny = pairs > 0 && probability > 0;  // Not a number links none.
   if (linksAny) reserve(rows, pairs, probability);
-  const RandomStream stream = SharedRandomSequence::instance().take(drawCount(pairs, batch));
+  const RandomStream stream = source.take(drawCount(pairs, batch));
   if (linksAny && probability < 1) linkBelow(rows, stream, pairs, probability);
   if (linksAny && probability >= 1) {
     for (Uint128 pair = 0; pair < pairs; ++pair) rows.link(pair);

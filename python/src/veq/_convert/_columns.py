@@ -6,6 +6,7 @@ from collections.abc import Mapping, Sequence
 from typing import TYPE_CHECKING, Any, Literal
 
 import numpy as np
+from numpy.typing import ArrayLike
 
 from .._columns import Columns
 
@@ -101,7 +102,7 @@ def install(data: Columns, columns: Mapping[str, Sequence[Any]], other: Other) -
         data[key] = [_storable(value, other) for value in values]
 
 
-def inexact(weights: Sequence[float] | None) -> bool:
+def inexact(weights: ArrayLike | None) -> bool:
     """Whether floats of 32 bits do not hold them all."""
     if weights is None:
         return False

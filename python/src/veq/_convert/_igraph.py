@@ -18,9 +18,7 @@ _NAME = "name"
 def to_igraph(network: Network) -> Any:
     import igraph
 
-    graph = igraph.Graph(
-        n=network.num_vertices, edges=network.edges, directed=network.directed
-    )
+    graph = igraph.Graph(n=network.num_vertices, edges=network.edges, directed=network.directed)
     for edges, sequence in ((False, graph.vs), (True, graph.es)):
         for key, values in _columns.attributes(network, edges).items():
             sequence[_NAME if key == "Name" and not edges else key] = values

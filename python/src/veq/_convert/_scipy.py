@@ -28,8 +28,8 @@ def to_scipy(network: Network, dtype: Any) -> Any:
         )
     else:
         other = sources != targets
-        rows = np.concatenate([sources, targets[other]]).astype(index)
-        columns = np.concatenate([targets, sources[other]]).astype(index)
+        rows: Any = np.concatenate([sources, targets[other]]).astype(index)
+        columns: Any = np.concatenate([targets, sources[other]]).astype(index)
         entries = np.concatenate([values, values[other]])
         made = sparse.coo_array((entries, (rows, columns)), shape=(n, n)).tocsr()
     made.sum_duplicates()

@@ -1,0 +1,64 @@
+"""table.py RESULTS.json: the tables of docs/performance.md, out of what pytest-benchmark wrote.
+
+All are medians of processor time; a ratio is that of the other library to veq's own.
+"""
+
+import json
+import sys
+from collections import defaultdict
+from pathlib import Path
+
+results = json.loads(Path(sys.argv[1]).read_text())["benchmarks"]
+
+
+def median(result):
+    return result["extra_info"].get("seconds", result["stats"]["median"])
+
+
+def of(module):
+    found = defaultdict(dict)
+    for result in results:
+        if f"{module}.py" in result["fullname"]:
+            name, _, variant = result["name"].removeprefix("test_").partition("[")
+            found[name][variant.removesuffix("]")] = result
+    return found
+
+
+def row(*cells):
+    print("| " + " | ".join(cells) + " |")
+
+
+libraries = ["veq", "igraph", "NetworkX", "rustworkx", "NetworKit"]
+row("task", *libraries)
+row(*["---"] + ["---:"] * len(libraries))
+for name, variants in of("test_peers").items():
+    own = median(variants["veq"])
+    cells = [f"{own * 1e3:.1f} ms"]
+    for library in libraries[1:]:
+        there = variants.get(library)
+        cells.append(f"{median(there) / own:.1f}" if there else "-")
+    row(name.replace("_", " "), *cells)
+
+print()
+row("converter", "veq", "by hand", "ratio")
+row("---", "---:", "---:", "---:")
+for name, variants in of("test_converters").items():
+    if "own" in variants:
+        own, theirs = median(variants["veq"]), median(variants["own"])
+        row(
+            name.replace("_", " "),
+            f"{own * 1e3:.1f} ms",
+            f"{theirs * 1e3:.1f} ms",
+            f"{own / theirs:.2f}",
+        )
+
+print()
+row("call", "time")
+row("---", "---:")
+for name, variants in of("test_calls").items():
+    for variant, result in variants.items():
+        calls = result["extra_info"].get("calls")
+        time = (
+            f"{median(result) / calls * 1e9:.0f} ns" if calls else f"{median(result) * 1e3:.1f} ms"
+        )
+        row(f"{name} {variant}", time)

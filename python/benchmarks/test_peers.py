@@ -1,0 +1,159 @@
+"""The same tasks by the fastest call that each library has for them, one thread each."""
+
+import random
+
+import numpy as np
+import pytest
+
+import veq
+
+from .conftest import VERTICES
+
+igraph = pytest.importorskip("igraph")
+networkx = pytest.importorskip("networkx")
+rustworkx = pytest.importorskip("rustworkx")
+networkit = pytest.importorskip("networkit")
+networkit.setNumberOfThreads(1)
+
+AGENTS, STEPS = 100, 10_000
+BUILD = {
+    "veq": lambda ends: veq.Network(*ends, n=VERTICES),
+    "igraph": lambda ends: igraph.Graph(n=VERTICES, edges=ends.T),
+    "NetworkX": lambda ends: _networkx(ends),
+    "rustworkx": lambda ends: _rustworkx(ends),
+    "NetworKit": lambda ends: networkit.GraphFromCoo((ends[0], ends[1]), n=VERTICES),
+}
+
+
+def _networkx(ends):
+    graph = networkx.Graph()
+    graph.add_nodes_from(range(VERTICES))
+    graph.add_edges_from(zip(*ends.tolist(), strict=True))
+    return graph
+
+
+def _rustworkx(ends, kind=rustworkx.PyGraph):
+    graph = kind()
+    graph.add_nodes_from([None] * VERTICES)
+    graph.add_edges_from_no_data(list(zip(*ends.tolist(), strict=True)))
+    return graph
+
+
+@pytest.fixture(scope="session")
+def built(ends):
+    made = {}
+
+    def get(library):
+        if library not in made:
+            made[library] = BUILD[library](ends)
+        return made[library]
+
+    return get
+
+
+def rounds(library):
+    return 2 if library == "NetworkX" else 5
+
+
+@pytest.mark.parametrize("library", BUILD)
+def test_build(timed, ends, library):
+    timed(lambda: BUILD[library](ends), rounds(library), library=library)
+
+
+READ = {
+    "veq": lambda path: veq.read(path, ids_are_indices=True),
+    "igraph": lambda path: igraph.Graph.Read_Edgelist(path, directed=False),
+    "NetworkX": lambda path: networkx.read_edgelist(path, nodetype=int),
+    "rustworkx": lambda path: rustworkx.PyGraph.read_edge_list(path),
+    "NetworKit": lambda path: networkit.readGraph(path, networkit.Format.EdgeListSpaceZero),
+}
+
+
+@pytest.mark.parametrize("library", READ)
+def test_read(timed, ends, library, tmp_path):
+    path = str(tmp_path / "edges.txt")
+    np.savetxt(path, ends.T, fmt="%d")
+    timed(lambda: READ[library](path), rounds(library), library=library)
+
+
+def _loop(graph):
+    """The walk as one writes it, as NetworkX has none that counts visits."""
+    visits = [0] * VERTICES
+    neighbors = {v: list(graph.adj[v]) for v in graph}
+    for agent in range(AGENTS):
+        v = agent
+        for _ in range(STEPS):
+            if neighbors[v]:
+                v = random.choice(neighbors[v])
+            visits[v] += 1
+    return visits
+
+
+def _walked(network):
+    walkers = veq.Walkers(network, np.arange(AGENTS))
+    walkers.walk(STEPS, choice="even", seed=1)
+    return walkers.visits()
+
+
+WALK = {
+    "veq": _walked,
+    "igraph": lambda graph: np.bincount(
+        np.concatenate([graph.random_walk(agent, STEPS, stuck="return") for agent in range(AGENTS)])
+    ),
+    "NetworkX": _loop,
+}
+
+
+@pytest.mark.parametrize("library", WALK)
+def test_walk(timed, built, library):
+    graph = built(library)
+    timed(lambda: WALK[library](graph), rounds(library), library=library)
+
+
+COMPONENTS = {
+    "veq": lambda graph: graph.components(),
+    "igraph": lambda graph: graph.connected_components().membership,
+    "NetworkX": lambda graph: list(networkx.connected_components(graph)),
+    "rustworkx": lambda graph: rustworkx.connected_components(graph),
+    "NetworKit": lambda graph: networkit.components.ConnectedComponents(graph).run(),
+}
+
+
+@pytest.mark.parametrize("library", COMPONENTS)
+def test_components(timed, built, library):
+    graph = built(library)
+    timed(lambda: COMPONENTS[library](graph), rounds(library), library=library)
+
+
+CLUSTERING = {
+    "veq": lambda graph: graph.local_clustering(),
+    "igraph": lambda graph: graph.transitivity_local_undirected(mode="zero"),
+    "NetworkX": networkx.clustering,
+    "NetworKit": lambda graph: networkit.centrality.LocalClusteringCoefficient(graph, True).run(),
+}
+
+
+@pytest.mark.parametrize("library", CLUSTERING)
+def test_clustering(timed, built, library):
+    graph = built(library)
+    if library == "NetworKit":
+        graph.indexEdges()
+    timed(lambda: CLUSTERING[library](graph), rounds(library), library=library)
+
+
+RANK = {
+    "veq": lambda graph: graph.page_rank(tolerance=1e-8).ranks,
+    "igraph": lambda graph: graph.pagerank(),
+    "NetworkX": lambda graph: networkx.pagerank(graph, tol=1e-8 / VERTICES),
+    "rustworkx": lambda graph: rustworkx.pagerank(graph, tol=1e-8),
+    "NetworKit": lambda graph: networkit.centrality.PageRank(graph, 0.85, 1e-8).run(),
+}
+
+
+@pytest.mark.parametrize("library", RANK)
+def test_page_rank(timed, built, ends, library):
+    graph = built(library)
+    if library == "rustworkx":
+        # For directed graphs alone: each edge both ways.
+        graph = _rustworkx(np.hstack([ends, ends[::-1]]), rustworkx.PyDiGraph)
+    timed(lambda: RANK[library](graph), rounds(library), library=library)
