@@ -17,6 +17,10 @@ Column = NDArray[Any]
 _ALL = 2**64 - 1
 
 
+_READY = {type(None), str, float}
+"""What the binding takes as it is, whatever the value."""
+
+
 def _element(value: object, what: str, place: int) -> object:
     """A single value, as the binding wants it."""
     if value is None or isinstance(value, (str, np.float32, np.uint64)):  # pyright: ignore[reportArgumentType]
@@ -46,7 +50,7 @@ def _element(value: object, what: str, place: int) -> object:
 def _alike(values: list[Any]) -> Column | None:
     """The array of values that are all integers, all floats or all vectors of one length."""
     kinds = set(map(type, values))
-    if kinds == {int} and all(-(2**63) <= value < 2**63 for value in values):
+    if kinds == {int} and -(2**63) <= min(values) and max(values) < 2**63:
         return np.array(values, np.int64)
     if kinds == {float}:
         return np.array(values, np.float64)
@@ -69,7 +73,12 @@ def prepared(values: ArrayLike | Sequence[object], what: str) -> Column | list[o
         if array.ndim != 1:
             raise ValueError(f"{what}: an array of shape {array.shape}")
         listed = array.tolist()
-    listed = [_element(value, what, place) for place, value in enumerate(listed)]
+    kinds = set(map(type, listed))
+    numbers = _alike(listed) if kinds == {int} else None
+    if numbers is not None:
+        return numbers
+    if not kinds <= _READY:
+        listed = [_element(value, what, place) for place, value in enumerate(listed)]
     alike = _alike(listed)
     return listed if alike is None else alike
 

@@ -3,6 +3,8 @@
 from __future__ import annotations
 
 from collections.abc import Mapping, Sequence
+from itertools import chain, repeat
+from operator import itemgetter
 from typing import TYPE_CHECKING, Any, Literal
 
 import numpy as np
@@ -57,7 +59,13 @@ def records(columns: Mapping[str, Sequence[Any]], count: int) -> list[dict[str, 
     keys = list(columns)
     rows = zip(*columns.values(), strict=True)
     if not any(None in values for values in columns.values()):
-        return [dict(zip(keys, row, strict=True)) for row in rows]
+        # A dictionary that is written out is made in a third of the time.
+        if len(keys) == 1:
+            return [{keys[0]: a} for (a,) in rows]
+        if len(keys) == 2:
+            first, second = keys
+            return [{first: a, second: b} for a, b in rows]
+        return list(map(dict, map(zip, repeat(keys), rows)))
     return [
         {key: value for key, value in zip(keys, row, strict=True) if value is not None}
         for row in rows
@@ -66,22 +74,32 @@ def records(columns: Mapping[str, Sequence[Any]], count: int) -> list[dict[str, 
 
 def columns_of(rows: Sequence[Mapping[Any, Any]]) -> dict[str, list[Any]]:
     """The other way round; None where an element has no such key."""
-    keys: dict[Any, None] = {}
-    for row in rows:
-        keys.update(dict.fromkeys(row))
-    return {str(key): [row.get(key) for row in rows] for key in keys}
+    return {str(key): _values(rows, key) for key in dict.fromkeys(chain.from_iterable(rows))}
+
+
+def _values(rows: Sequence[Mapping[Any, Any]], key: Any) -> list[Any]:
+    try:
+        return list(map(itemgetter(key), rows))
+    except KeyError:
+        return [row.get(key) for row in rows]
 
 
 def taken_weights(columns: dict[str, list[Any]]) -> list[float] | None:
     """Takes "weight" out of the columns, if all are numbers; 1 where there is none."""
     found = columns.get(WEIGHT)
-    if found is None or not all(
-        value is None or (isinstance(value, (int, float)) and not isinstance(value, bool))
-        for value in found
+    if found is None:
+        return None
+    kinds = set(map(type, found))
+    if not all(
+        kind is type(None) or (issubclass(kind, (int, float)) and kind is not bool)
+        for kind in kinds
     ):
         return None
     del columns[WEIGHT]
-    return [1.0 if value is None else value for value in found]
+    return [1.0 if value is None else value for value in found] if type(None) in kinds else found
+
+
+_PLAIN = {type(None), str, int, float}
 
 
 def _storable(value: Any, other: Other) -> Any:
@@ -99,7 +117,8 @@ def _storable(value: Any, other: Other) -> Any:
 def install(data: Columns, columns: Mapping[str, Sequence[Any]], other: Other) -> None:
     """Sets all columns; what no column can hold is an error, or becomes text."""
     for key, values in columns.items():
-        data[key] = [_storable(value, other) for value in values]
+        plain = set(map(type, values)) <= _PLAIN
+        data[key] = values if plain else [_storable(value, other) for value in values]
 
 
 def inexact(weights: ArrayLike | None) -> bool:

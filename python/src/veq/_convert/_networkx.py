@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from operator import itemgetter
 from typing import TYPE_CHECKING, Any, Literal
 
 import numpy as np
@@ -28,9 +29,11 @@ def labels_of(network: Network, labels: Labels) -> list[Any]:
 
 
 def _has_parallels(network: Network) -> bool:
-    ends = network.edges if network.directed else np.sort(network.edges, axis=1)
-    keys = ends[:, 0] * np.int64(max(network.num_vertices, 1)) + ends[:, 1]
-    return len(np.unique(keys)) < len(keys)
+    first, second = network.sources, network.targets
+    if not network.directed:
+        first, second = np.minimum(first, second), np.maximum(first, second)
+    keys = np.sort(first * np.uint64(max(network.num_vertices, 1)) + second)
+    return bool((keys[1:] == keys[:-1]).any())
 
 
 def to_networkx(network: Network, labels: Labels, multigraph: bool | Literal["auto"]) -> Any:
@@ -69,12 +72,14 @@ def from_networkx(cls: type[Network], graph: Any, other: Other) -> Network:
     nodes = list(graph)
     number = {node: index for index, node in enumerate(nodes)}
     vertices = _columns.columns_of([graph.nodes[node] for node in nodes])
-    if any(node is not index and node != index for index, node in enumerate(nodes)):
+    if nodes != list(range(len(nodes))):
         vertices = {"Name": [str(node) for node in nodes], **vertices}
     ends = list(graph.edges(data=True))
-    sources = np.fromiter((number[edge[0]] for edge in ends), np.int64, len(ends))
-    targets = np.fromiter((number[edge[1]] for edge in ends), np.int64, len(ends))
-    edges = _columns.columns_of([edge[2] for edge in ends])
+    sources, targets = (
+        np.fromiter(map(number.__getitem__, map(itemgetter(end), ends)), np.int64, len(ends))
+        for end in (0, 1)
+    )
+    edges = _columns.columns_of(list(map(itemgetter(2), ends)))
     return _columns.built(
         cls, (sources, targets), len(nodes), graph.is_directed(), vertices, edges, other
     )
