@@ -137,11 +137,7 @@ TEST(WalkArguments, OutputsMustBeFilesOfTheirOwn) {
   EXPECT_EQ(directory.names(), (std::vector<std::string>{"n.xnet", "starts.csv"}));
 }
 
-TEST(WalkArguments, PathsNeedANumberOfSteps) {
-  const ProgramRun run =
-      runVeq({"walk", kKarate, "--agents", "1", "--until-reach", "0.1", "--paths", "never.csv"});
-  EXPECT_EQ(run.exitCode, 2);
-  EXPECT_EQ(run.errors, "veq: --paths needs --steps (see veq walk --help)\n");
+TEST(WalkArguments, WrongChoicesAreToldWithWhatIsNeeded) {
   expectWrongUsage("--choice", "odd", "needs published, even or weighted, not odd");
   expectWrongUsage("--restart", "1.5", "needs a number from 0 to 1, not 1.5");
   expectWrongUsage("--substream", "4194304", "needs a whole number from 0 to 4194303, not 4194304");

@@ -245,6 +245,21 @@ TEST(WalkCommand, PathsShowWhereAStuckAgentStands) {
             "0,4,2,c\n");
 }
 
+TEST(WalkCommand, PathsNeedNoNumberOfSteps) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.write("pair.xnet", "#vertices 2\n\"a\"\n\"b\"\n#edges\n0 1\n");
+  const std::string paths = directory.path("paths.csv");
+  // There is one way from a, and one back, with which both were arrived at.
+  const ProgramRun run =
+      runVeq({"walk", file, "--agents", "1", "--until-reach", "1", "--paths", paths});
+  EXPECT_EQ(run.exitCode, 0) << run.errors;
+  EXPECT_EQ(contentsOf(paths),
+            "agent,step,index,name\n"
+            "0,0,0,a\n"
+            "0,1,1,b\n"
+            "0,2,0,a\n");
+}
+
 TEST(WalkCommand, OutputIsTheNetworkWithItsVisits) {
   const NamedNetwork network(kKarate);
   const NamedWalk walk(network, inOrder(40, 34), 25, 11);

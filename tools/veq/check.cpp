@@ -18,12 +18,12 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
+struct CheckArguments {
   Input input;
   std::optional<std::size_t> format;
 };
 
-constexpr auto kExamples = R"(  veq check data/karate.xnet
+constexpr auto kCheckExamples = R"(  veq check data/karate.xnet
       What the file is, everything that is odd in it, and what a file of each
       format would keep and lose of the network.
   veq check --format json data/lesmis.xnet
@@ -127,16 +127,16 @@ Data dataOf(const ReadFile& file, const std::vector<FormatReport>& reports) {
       .set("formats", formats);
 }
 
-int check(const Options& options) {
-  const ReadFile file = readInput(options.input, UINT64_MAX);
-  requireRead(options.input, file);
+int check(const CheckArguments& arguments) {
+  const ReadFile file = readInput(arguments.input, UINT64_MAX);
+  requireRead(arguments.input, file);
   bool odd = false;
   for (const Note& note : file.reading.notes()) odd |= note.kind != NoteKind::kTaken;
   const int code = odd ? kOdd : 0;
-  if (options.input.quiet) return code;
+  if (arguments.input.quiet) return code;
   std::vector<FormatReport> reports;
   watch("writing each format", [&] { reports = reportsOn(file.reading.value().published()); });
-  const auto answer = static_cast<Answer>(options.format.value_or(0));
+  const auto answer = static_cast<Answer>(arguments.format.value_or(0));
   if (answer == Answer::kTable) print(file, reports);
   if (answer == Answer::kJson) dataOf(file, reports).writeJson(std::cout);
   if (answer == Answer::kCsv) dataOf(file, reports).writeCsv(std::cout);
@@ -146,12 +146,12 @@ int check(const Options& options) {
 }  // namespace
 
 void addCheck(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
+  const auto arguments = std::make_shared<CheckArguments>();
   Command command = commandLine.addCommand(
-      "check", "Say what is odd in a file and which formats keep it", kExamples);
-  addInput(command, "FILE", options->input);
-  addAnswer(command, options->format);
-  command.onRunWithCode([options] { return check(*options); });
+      "check", "Say what is odd in a file and which formats keep it", kCheckExamples);
+  addInput(command, "FILE", arguments->input);
+  addAnswer(command, arguments->format);
+  command.onRunWithCode([arguments] { return check(*arguments); });
 }
 
 }  // namespace veq::tool

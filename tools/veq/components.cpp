@@ -23,7 +23,7 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
+struct ComponentsArguments {
   Input input;
   std::optional<std::uint64_t> top;
   Output largest;
@@ -31,7 +31,7 @@ struct Options {
   std::optional<std::size_t> format;
 };
 
-constexpr auto kExamples = R"(  veq components network.xnet
+constexpr auto kComponentsExamples = R"(  veq components network.xnet
       How many connected components the network has, and how large they are.
   veq components network.xnet --largest largest.xnet
       Also writes the largest one, the first of equals.
@@ -93,13 +93,13 @@ Records recordsOf(const VEQNetwork& network, const Sizes& sizes, std::uint64_t t
 }
 
 void answer(std::ostream& out, const std::string& file, const VEQNetwork& network,
-            std::uint64_t count, const Sizes& sizes, const Options& options) {
-  const auto format = static_cast<Answer>(options.format.value_or(0));
+            std::uint64_t count, const Sizes& sizes, const ComponentsArguments& arguments) {
+  const auto format = static_cast<Answer>(arguments.format.value_or(0));
   if (format == Answer::kTable) {
-    printSizes(out, network, count, sizes, options.top.value_or(10));
+    printSizes(out, network, count, sizes, arguments.top.value_or(10));
     return;
   }
-  const Records records = recordsOf(network, sizes, options.top.value_or(UINT64_MAX));
+  const Records records = recordsOf(network, sizes, arguments.top.value_or(UINT64_MAX));
   if (format == Answer::kCsv) {
     records.writeCsv(out);
     return;
@@ -114,49 +114,49 @@ void answer(std::ostream& out, const std::string& file, const VEQNetwork& networ
       .writeJson(out);
 }
 
-void runComponents(const Options& options) {
-  const std::vector<NamedFile> outputs{{"--largest", options.largest.file}};
-  requireDistinct({options.input.file}, outputs);
-  if (options.largest.to && options.largest.file.empty() && options.splitDirectory.empty()) {
+void runComponents(const ComponentsArguments& arguments) {
+  const std::vector<NamedFile> outputs{{"--largest", arguments.largest.file}};
+  requireDistinct({arguments.input.file}, outputs);
+  if (arguments.largest.to && arguments.largest.file.empty() && arguments.splitDirectory.empty()) {
     throw WrongUsage("--to needs --largest or --split");
   }
-  if (!options.largest.file.empty()) requireWritable(options.largest);
-  const LoadedNetwork loaded = loadNetwork(options.input);
+  if (!arguments.largest.file.empty()) requireWritable(arguments.largest);
+  const LoadedNetwork loaded = loadNetwork(arguments.input);
   const VEQNetwork& network = *loaded.network;
   const Network value(loaded.network);
   ComponentLabels labels;
   watch("finding components", [&] { labels = components(value); });
   std::ostream& out = reportFor(outputs);
-  answer(out, loaded.name, network, labels.sizes.size(), sizesOf(labels), options);
+  answer(out, loaded.name, network, labels.sizes.size(), sizesOf(labels), arguments);
   out.flush();
-  if (!options.largest.file.empty()) {
+  if (!arguments.largest.file.empty()) {
     std::optional<Network> largest;
     watch("making the largest component", [&] { largest = made(largestComponent(value)).network; });
-    saveNetwork(largest->published(), options.largest);
+    saveNetwork(largest->published(), arguments.largest);
   }
-  if (options.splitDirectory.empty()) return;
+  if (arguments.splitDirectory.empty()) return;
   std::vector<DerivedNetwork> parts;
   watch("making the components", [&] { parts = made(componentNetworks(value)); });
-  splitInto(options.splitDirectory, options.largest.to, parts,
-            {options.input.file, options.largest.file});
+  splitInto(arguments.splitDirectory, arguments.largest.to, parts,
+            {arguments.input.file, arguments.largest.file});
 }
 
 }  // namespace
 
 void addComponents(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
+  const auto arguments = std::make_shared<ComponentsArguments>();
   Command command =
-      commandLine.addCommand("components", "Find the connected components", kExamples);
-  addInput(command, "FILE", options->input);
-  command.addWholeNumber("--top", options->top, 0, UINT64_MAX,
+      commandLine.addCommand("components", "Find the connected components", kComponentsExamples);
+  addInput(command, "FILE", arguments->input);
+  command.addWholeNumber("--top", arguments->top, 0, UINT64_MAX,
                          "How many sizes to list, by default 10, or all as CSV or JSON");
-  command.addText("--largest", "OUT", "a file", options->largest.file,
+  command.addText("--largest", "OUT", "a file", arguments->largest.file,
                   "Write the largest component; - for standard output");
-  command.addText("--split", "DIR", "a directory", options->splitDirectory,
+  command.addText("--split", "DIR", "a directory", arguments->splitDirectory,
                   "Write every component into this directory");
-  addOutputFormat(command, options->largest);
-  addAnswer(command, options->format);
-  command.onRun([options] { runComponents(*options); });
+  addOutputFormat(command, arguments->largest);
+  addAnswer(command, arguments->format);
+  command.onRun([arguments] { runComponents(*arguments); });
 }
 
 }  // namespace veq::tool

@@ -11,13 +11,13 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
+struct ConvertArguments {
   Input input;
   Output output;
   bool lossy = false;
 };
 
-constexpr auto kExamples = R"(  veq convert data/lesmis.xnet lesmis.net
+constexpr auto kConvertExamples = R"(  veq convert data/lesmis.xnet lesmis.net
       From xnet to Pajek. The suffix says what is written: .xnet, .net for Pajek,
       .edges or .txt for edge lists, .veqa for archives, .graphml, .gml, .mtx and
       .csv. Other files need --to. What is read is seen from its content.
@@ -40,36 +40,36 @@ has, nothing is written, the exit code is 1, and the reason says which formats
 keep it; --lossy writes the rest. veq check says beforehand what each format
 would lose.)";
 
-void convert(Options& options) {
-  options.output.mayLose = options.lossy;
-  requireDistinct({options.input.file},
-                  {{"OUT", options.output.file}, {"--vertices", options.output.vertexTable}});
-  requireWritable(options.output);
-  if (!options.output.vertexTable.empty()) {
-    if (formatToWrite(options.output.file, options.output.to) != FileFormat::kCsv) {
-      throw WrongUsage("--vertices is for tables, and " + outputName(options.output.file) +
+void convert(ConvertArguments& arguments) {
+  arguments.output.mayLose = arguments.lossy;
+  requireDistinct({arguments.input.file},
+                  {{"OUT", arguments.output.file}, {"--vertices", arguments.output.vertexTable}});
+  requireWritable(arguments.output);
+  if (!arguments.output.vertexTable.empty()) {
+    if (formatToWrite(arguments.output.file, arguments.output.to) != FileFormat::kCsv) {
+      throw WrongUsage("--vertices is for tables, and " + outputName(arguments.output.file) +
                        " is none");
     }
-    requireWritable(options.output.vertexTable);
+    requireWritable(arguments.output.vertexTable);
   }
-  saveNetwork(loadNetwork(options.input).network, options.output);
+  saveNetwork(loadNetwork(arguments.input).network, arguments.output);
 }
 
 }  // namespace
 
 void addConvert(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
+  const auto arguments = std::make_shared<ConvertArguments>();
   Command command =
-      commandLine.addCommand("convert", "Write a network in another format", kExamples);
-  addInput(command, "IN", options->input);
-  command.addPositional("OUT", options->output.file, "The file to write; - for standard output");
-  addOutputFormat(command, options->output);
-  command.addFlag("--lossy", options->lossy, "Write OUT also where it loses something");
-  command.addFlag("--number-names", options->output.numberNames,
+      commandLine.addCommand("convert", "Write a network in another format", kConvertExamples);
+  addInput(command, "IN", arguments->input);
+  command.addPositional("OUT", arguments->output.file, "The file to write; - for standard output");
+  addOutputFormat(command, arguments->output);
+  command.addFlag("--lossy", arguments->lossy, "Write OUT also where it loses something");
+  command.addFlag("--number-names", arguments->output.numberNames,
                   "Call vertices that have no name by their id or index");
-  command.addText("--vertices", "FILE", "a file", options->output.vertexTable,
+  command.addText("--vertices", "FILE", "a file", arguments->output.vertexTable,
                   "Write the vertices beside the edges of a CSV file");
-  command.onRun([options] { convert(*options); });
+  command.onRun([arguments] { convert(*arguments); });
 }
 
 }  // namespace veq::tool

@@ -18,14 +18,14 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
-  ModelArguments arguments;
+struct GenerateArguments {
+  ModelArguments model;
   std::optional<std::uint64_t> seed;
   std::optional<std::uint64_t> substream;
   Output output;
 };
 
-constexpr auto kExamples =
+constexpr auto kGenerateExamples =
     R"(  veq generate barabasi-albert --vertices 1000 --links 3 --seed 1 grown.xnet
       A thousand vertices, of which each new one is linked to three older ones,
       those with many edges being preferred.
@@ -55,43 +55,45 @@ Network grown(const Model& model, const ModelArguments& arguments, RandomState s
   throw Failure("not grown", error.text());
 }
 
-void generate(const Model& model, const Options& options) {
-  requireDistinct({options.arguments.network.file, options.arguments.degrees},
-                  {{"OUT", options.output.file}});
-  requireWritable(options.output);
-  ModelArguments arguments = options.arguments;
-  if (!arguments.network.file.empty()) {
-    arguments.loaded = Network(loadNetwork(arguments.network).network);
+void generate(const Model& model, const GenerateArguments& arguments) {
+  requireDistinct({arguments.model.network.file, arguments.model.degrees},
+                  {{"OUT", arguments.output.file}});
+  requireWritable(arguments.output);
+  ModelArguments ofModel = arguments.model;
+  if (!ofModel.network.file.empty()) {
+    ofModel.loaded = Network(loadNetwork(ofModel.network).network);
   }
-  const std::uint64_t seed = useSeed(options.seed);
-  const Network network = grown(model, arguments, stateOf(seed, options.substream));
-  saveNetwork(network.published(), options.output);
-  std::ostream& report = reportFor({{"OUT", options.output.file}});
+  const std::uint64_t seed = useSeed(arguments.seed);
+  const Network network = grown(model, ofModel, stateOf(seed, arguments.substream));
+  saveNetwork(network.published(), arguments.output);
+  std::ostream& report = reportFor({{"OUT", arguments.output.file}});
   report << sizeText(*network.published()) << ", seed " << seed;
-  if (options.substream) report << ", substream " << *options.substream;
+  if (arguments.substream) report << ", substream " << *arguments.substream;
   report << '\n';
-  if (network.countVertices() < arguments.vertices) {
-    report << "without the last " << arguments.vertices - network.countVertices() << " of "
-           << arguments.vertices << ", which have no edges\n";
+  if (network.countVertices() < ofModel.vertices) {
+    report << "without the last " << ofModel.vertices - network.countVertices() << " of "
+           << ofModel.vertices << ", which have no edges\n";
   }
 }
 
 }  // namespace
 
 void addGenerate(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
-  Command generateCommand = commandLine.addCommand("generate", "Grow a model network", kExamples);
+  const auto arguments = std::make_shared<GenerateArguments>();
+  Command generateCommand =
+      commandLine.addCommand("generate", "Grow a model network", kGenerateExamples);
   for (const Model& model : models()) {
     Command command =
         generateCommand.addCommand("model", model.name, model.summary, model.examples);
-    model.addOptions(command, options->arguments);
-    command.addWholeNumber("--seed", options->seed, 0, UINT32_MAX,
+    model.addOptions(command, arguments->model);
+    command.addWholeNumber("--seed", arguments->seed, 0, UINT32_MAX,
                            "Choose the random numbers; 0 counts as 1");
-    command.addWholeNumber("--substream", options->substream, 0, RandomState::kSubstreams - 1,
+    command.addWholeNumber("--substream", arguments->substream, 0, RandomState::kSubstreams - 1,
                            "Take the numbers of this task, of many that share the seed");
-    command.addPositional("OUT", options->output.file, "The file to write; - for standard output");
-    addOutputFormat(command, options->output);
-    command.onRun([options, &model] { generate(model, *options); });
+    command.addPositional("OUT", arguments->output.file,
+                          "The file to write; - for standard output");
+    addOutputFormat(command, arguments->output);
+    command.onRun([arguments, &model] { generate(model, *arguments); });
   }
 }
 

@@ -17,7 +17,7 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
+struct InfoArguments {
   Input input;
   bool raw = false;
   bool matrix = false;
@@ -28,7 +28,7 @@ struct Options {
 /// Beyond this the matrix is neither read nor looked at by anybody.
 constexpr std::uint64_t kLargestMatrix = 1000;
 
-constexpr auto kExamples = R"(  veq info data/karate.xnet
+constexpr auto kInfoExamples = R"(  veq info data/karate.xnet
       What the network is: its direction and weights, its size and components,
       its density (the share of all possible edges that exist), the least, mean
       and greatest degree, and what is known about its vertices and edges.
@@ -187,40 +187,41 @@ Data dataOf(const NetworkFacts& facts, const std::string& file) {
   return data;
 }
 
-void printInfo(const Options& options) {
-  const auto answer = static_cast<Answer>(options.format.value_or(0));
-  if (answer != Answer::kTable && (options.raw || options.matrix)) {
-    throw WrongUsage(std::string(options.raw ? "--raw" : "--matrix") + " needs --format table");
+void printInfo(const InfoArguments& arguments) {
+  const auto answer = static_cast<Answer>(arguments.format.value_or(0));
+  if (answer != Answer::kTable && (arguments.raw || arguments.matrix)) {
+    throw WrongUsage(std::string(arguments.raw ? "--raw" : "--matrix") + " needs --format table");
   }
-  const LoadedNetwork loaded = loadNetwork(options.input);
+  const LoadedNetwork loaded = loadNetwork(arguments.input);
   const VEQNetwork& network = *loaded.network;
-  if (options.matrix && network.countVertices() > kLargestMatrix) {
+  if (arguments.matrix && network.countVertices() > kLargestMatrix) {
     throw Failure(loaded.name, "too large for --matrix: it has " +
                                    std::to_string(network.countVertices()) +
                                    " vertices, and 1000 is the limit");
   }
   NetworkFacts facts;
-  watch("counting",
-        [&] { facts = factsOf(Network(loaded.network), options.all ? kEverything : kAffordable); });
+  watch("counting", [&] {
+    facts = factsOf(Network(loaded.network), arguments.all ? kEverything : kAffordable);
+  });
   if (answer == Answer::kJson) dataOf(facts, loaded.name).writeJson(std::cout);
   if (answer == Answer::kCsv) dataOf(facts, loaded.name).writeCsv(std::cout);
   if (answer == Answer::kTable) printFacts(facts);
-  if (options.raw) std::cout << '\n' << network.description();
-  if (options.matrix) std::cout << '\n' << network.VEQ_MatrixDebug();
+  if (arguments.raw) std::cout << '\n' << network.description();
+  if (arguments.matrix) std::cout << '\n' << network.VEQ_MatrixDebug();
 }
 
 }  // namespace
 
 void addInfo(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
-  Command command = commandLine.addCommand("info", "Say what a network is", kExamples);
-  addInput(command, "FILE", options->input);
-  command.addFlag("--all", options->all,
+  const auto arguments = std::make_shared<InfoArguments>();
+  Command command = commandLine.addCommand("info", "Say what a network is", kInfoExamples);
+  addInput(command, "FILE", arguments->input);
+  command.addFlag("--all", arguments->all,
                   "Sample nothing and leave nothing out, however long it takes");
-  command.addFlag("--raw", options->raw, "Print the library's own description, too");
-  command.addFlag("--matrix", options->matrix, "Print the adjacency matrix, too");
-  addAnswer(command, options->format);
-  command.onRun([options] { printInfo(*options); });
+  command.addFlag("--raw", arguments->raw, "Print the library's own description, too");
+  command.addFlag("--matrix", arguments->matrix, "Print the adjacency matrix, too");
+  addAnswer(command, arguments->format);
+  command.onRun([arguments] { printInfo(*arguments); });
 }
 
 }  // namespace veq::tool

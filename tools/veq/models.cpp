@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <string_view>
 
 #include "failure.hpp"
 #include "option_values.hpp"
@@ -118,18 +117,13 @@ std::vector<double> probabilitiesOf(const ModelArguments& arguments) {
 
 /// The degrees in a file, one a line.
 std::vector<std::uint64_t> degreesOf(const ModelArguments& arguments) {
-  const std::string name = inputName(arguments.degrees);
-  const std::string bytes = bytesIn(arguments.degrees);
   std::vector<std::uint64_t> degrees;
-  std::string_view rest = bytes;
-  while (!rest.empty()) {
-    std::string_view line = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    const auto degree = readWholeNumber(std::string(line), {0, UINT64_MAX});
+  for (const std::string& line : linesIn(arguments.degrees)) {
+    const auto degree = readWholeNumber(line, {0, UINT64_MAX});
     if (!degree) {
-      throw Failure(name, "line " + std::to_string(degrees.size() + 1) +
-                              " is no degree: " + shortened(printable(line), 40));
+      throw Failure(inputName(arguments.degrees),
+                    "line " + std::to_string(degrees.size() + 1) +
+                        " is no degree: " + shortened(printable(line), 40));
     }
     degrees.push_back(*degree);
   }

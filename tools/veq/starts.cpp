@@ -5,7 +5,6 @@
 #include <filesystem>
 #include <new>
 #include <optional>
-#include <string_view>
 #include <system_error>
 #include <unordered_map>
 #include <utility>
@@ -66,18 +65,13 @@ std::vector<std::string> fieldsOf(const std::string& text) {
 std::vector<std::uint64_t> startsInFile(const VertexFinder& finder, const std::string& network,
                                         const std::string& file) {
   const std::string name = inputName(file);
-  const std::string bytes = bytesIn(file);
-  std::string_view rest = bytes;
   std::vector<std::uint64_t> starts;
-  for (std::uint64_t number = 1; !rest.empty(); ++number) {
-    std::string_view line = rest.substr(0, rest.find('\n'));
-    rest.remove_prefix(std::min(rest.size(), line.size() + 1));
-    if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-    const std::string place = "line " + std::to_string(number);
+  for (const std::string& line : linesIn(file)) {
+    const std::string place = "line " + std::to_string(starts.size() + 1);
     if (line.empty()) throw Failure(name, place + " is empty where a vertex is needed");
-    const auto vertex = finder.find(std::string(line));
+    const auto vertex = finder.find(line);
     if (!vertex) {
-      throw Failure(name, place + ": " + network + " has no vertex \"" + std::string(line) + "\"");
+      throw Failure(name, place + ": " + network + " has no vertex \"" + line + "\"");
     }
     starts.push_back(*vertex);
   }

@@ -1,5 +1,6 @@
 #include "streams.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <iostream>
 #include <system_error>
@@ -29,6 +30,18 @@ std::string bytesIn(const std::string& file) {
   Result<std::string> bytes = readFile(file);
   if (!bytes) throw Failure(inputName(file), bytes.error().text());
   return std::move(bytes).value();
+}
+
+std::vector<std::string> linesIn(const std::string& file) {
+  const std::string bytes = bytesIn(file);
+  std::vector<std::string> lines;
+  for (std::size_t begin = 0; begin < bytes.size();) {
+    const std::size_t end = std::min(bytes.find('\n', begin), bytes.size());
+    const bool returns = end > begin && bytes[end - 1] == '\r';
+    lines.push_back(bytes.substr(begin, end - begin - (returns ? 1 : 0)));
+    begin = end + 1;
+  }
+  return lines;
 }
 
 void writeTo(const std::string& file, const ByteSource& source) {

@@ -4,6 +4,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <veq/veq.hpp>
 
@@ -22,6 +23,9 @@ inline constexpr std::string_view kStandardOutput = "standard output";
 
 /// All bytes; a Failure tells the system's reason.
 [[nodiscard]] std::string bytesIn(const std::string& file);
+
+/// All lines, without their ends, which may be those of another system; a last one need not end.
+[[nodiscard]] std::vector<std::string> linesIn(const std::string& file);
 
 /// Writes so that at every moment the old file or the new one is whole; standard output takes the
 /// bytes as they come. Failure, and the old file stays, where it cannot be.

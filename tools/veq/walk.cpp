@@ -29,7 +29,7 @@
 namespace veq::tool {
 namespace {
 
-struct Options {
+struct WalkArguments {
   Input input;
   std::uint64_t agents = 0;
   std::optional<std::uint64_t> steps;
@@ -59,7 +59,7 @@ const std::vector<std::string>& choiceWords() {
 /// Steps and progress are signed 64-bit numbers in the library.
 constexpr std::uint64_t kMostSteps = 9223372036854775807u;
 
-constexpr auto kExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 1000 --seed 1
+constexpr auto kWalkExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps 1000 --seed 1
       Five agents walk a thousand steps each; then the ten most visited
       vertices are listed. The same seed gives the same walk on every machine;
       without one, the seed that was used is printed.
@@ -109,53 +109,54 @@ shows what was walked; files are not written then.)";
 /// The key under which visits are written.
 constexpr std::string_view kVisits = "Visits";
 
-std::vector<NamedFile> outputsOf(const Options& options) {
-  return {{"--paths", options.pathsFile},
-          {"--coverage", options.coverageFile},
-          {"--output", options.output.file}};
+std::vector<NamedFile> outputsOf(const WalkArguments& arguments) {
+  return {{"--paths", arguments.pathsFile},
+          {"--coverage", arguments.coverageFile},
+          {"--output", arguments.output.file}};
 }
 
-void checkOptions(const Options& options) {
+void checkOptions(const WalkArguments& arguments) {
   const auto requireOption = [](bool given, std::string_view option, bool neededGiven,
                                 std::string_view needed) {
     if (!given || neededGiven) return;
     throw WrongUsage(std::string(option) + " needs " + std::string(needed));
   };
-  requireOption(options.errors.has_value(), "--errors", options.memory.has_value(), "--memory");
-  requireOption(!options.agentsFile.empty(), "--agents-network", options.memory.has_value(),
+  requireOption(arguments.errors.has_value(), "--errors", arguments.memory.has_value(), "--memory");
+  requireOption(!arguments.agentsFile.empty(), "--agents-network", arguments.memory.has_value(),
                 "--memory");
-  requireOption(!options.pathsFile.empty(), "--paths", options.steps.has_value(), "--steps");
-  requireOption(options.output.to.has_value(), "--to", !options.output.file.empty(), "--output");
-  requireOption(options.force, "--force", !options.output.file.empty(), "--output");
-  requireDistinct({options.input.file, options.agentsFile, options.starts}, outputsOf(options));
-  if (isStandardStream(options.input.file) && isStandardStream(options.starts)) {
+  requireOption(arguments.output.to.has_value(), "--to", !arguments.output.file.empty(),
+                "--output");
+  requireOption(arguments.force, "--force", !arguments.output.file.empty(), "--output");
+  requireDistinct({arguments.input.file, arguments.agentsFile, arguments.starts},
+                  outputsOf(arguments));
+  if (isStandardStream(arguments.input.file) && isStandardStream(arguments.starts)) {
     throw WrongUsage("--start and FILE are both standard input");
   }
-  for (const std::string& file : {options.pathsFile, options.coverageFile}) {
+  for (const std::string& file : {arguments.pathsFile, arguments.coverageFile}) {
     if (!file.empty()) requireWritable(file);
   }
-  if (!options.output.file.empty()) requireWritable(options.output);
+  if (!arguments.output.file.empty()) requireWritable(arguments.output);
 }
 
 /// A property of the user's is worth more than the visits of a walk.
-void requireNoVisits(const LoadedNetwork& loaded, const Options& options) {
-  if (options.output.file.empty() || options.force) return;
+void requireNoVisits(const LoadedNetwork& loaded, const WalkArguments& arguments) {
+  if (arguments.output.file.empty() || arguments.force) return;
   if (!loaded.network->propertiesOfVertices()->contains(kVisits)) return;
   throw Failure(loaded.name,
                 "has a vertex property \"Visits\", which --output would replace; --force does so");
 }
 
 /// The network that links the agents, if there is one.
-std::optional<Network> loadAgentsNetwork(const Options& options) {
-  if (options.agentsFile.empty()) return std::nullopt;
+std::optional<Network> loadAgentsNetwork(const WalkArguments& arguments) {
+  if (arguments.agentsFile.empty()) return std::nullopt;
   Input input;
-  input.file = options.agentsFile;
-  input.quiet = options.input.quiet;
+  input.file = arguments.agentsFile;
+  input.quiet = arguments.input.quiet;
   const LoadedNetwork loaded = loadNetwork(input);
   const std::uint64_t n = loaded.network->countVertices();
-  if (n < options.agents) {
+  if (n < arguments.agents) {
     throw Failure(loaded.name, "has " + counted(n, "vertex", "vertices") + " for " +
-                                   counted(options.agents, "agent", "agents"));
+                                   counted(arguments.agents, "agent", "agents"));
   }
   return Network(loaded.network);
 }
@@ -169,12 +170,12 @@ T given(Result<T> result, const std::string& file) {
 }
 
 Walkers makeWalkers(const Network& network, const std::vector<std::uint64_t>& starts,
-                    const Options& options, const std::string& file) {
-  std::optional<Network> listeners = loadAgentsNetwork(options);
-  if (!options.memory) return given(Walkers::at(network, starts), file);
+                    const WalkArguments& arguments, const std::string& file) {
+  std::optional<Network> listeners = loadAgentsNetwork(arguments);
+  if (!arguments.memory) return given(Walkers::at(network, starts), file);
   MemoryOptions memory;
-  memory.sizes = {*options.memory};
-  memory.errors = {static_cast<float>(options.errors.value_or(0))};
+  memory.sizes = {*arguments.memory};
+  memory.errors = {static_cast<float>(arguments.errors.value_or(0))};
   memory.listeners = std::move(listeners);
   return given(Walkers::withMemory(network, starts, memory), file);
 }
@@ -191,26 +192,27 @@ double shareReached(const Walkers& walkers) {
   return 1 - static_cast<double>(missed) / static_cast<double>(visits.size());
 }
 
-WalkOutcome walk(Walkers& walkers, const Options& options, RandomState* random,
+WalkOutcome walk(Walkers& walkers, const WalkArguments& arguments, RandomState* random,
                  const std::string& file) {
   WalkMeter meter;
   StopSource interrupt;
   WalkOptions how;
-  how.steps = options.steps;
-  how.target = options.target;
-  how.paths = !options.pathsFile.empty();
-  how.firstArrivals = !options.coverageFile.empty();
-  how.choice = static_cast<Choice>(options.choice.value_or(0));
-  how.restart = options.restart.value_or(0);
+  how.steps = arguments.steps;
+  how.target = arguments.target;
+  how.paths = !arguments.pathsFile.empty();
+  how.firstArrivals = !arguments.coverageFile.empty();
+  how.choice = static_cast<Choice>(arguments.choice.value_or(0));
+  how.restart = arguments.restart.value_or(0);
   how.random = random;
   how.progress.stop = interrupt.token();
   how.progress.observer = [&](std::uint64_t done, std::uint64_t) {
     meter.steps = done;
-    if (options.target && terminalWidth() > 0) meter.reached = shareReached(walkers);
+    if (arguments.target && terminalWidth() > 0) meter.reached = shareReached(walkers);
   };
   const auto text = [&](Elapsed elapsed, std::size_t width) {
-    return options.target ? reachText(meter.reached, *options.target, meter.steps, elapsed, width)
-                          : stepsText(meter.steps, *options.steps, elapsed, width);
+    return arguments.target
+               ? reachText(meter.reached, *arguments.target, meter.steps, elapsed, width)
+               : stepsText(meter.steps, *arguments.steps, elapsed, width);
   };
   std::optional<Result<WalkOutcome>> outcome;
   watch(
@@ -219,21 +221,21 @@ WalkOutcome walk(Walkers& walkers, const Options& options, RandomState* random,
 }
 
 WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const WalkOutcome& outcome,
-                    const Options& options, std::uint64_t seed) {
+                    const WalkArguments& arguments, std::uint64_t seed) {
   WalkReport report;
   report.network = loaded.network;
   report.networkFile = loaded.name;
-  report.agents = options.agents;
-  report.starts = options.starts;
-  report.choice = choiceWords()[options.choice.value_or(0)];
-  report.restart = options.restart.value_or(0);
-  report.memory = options.memory;
-  report.errors = options.errors.value_or(0);
-  report.agentsFile = options.agentsFile;
+  report.agents = arguments.agents;
+  report.starts = arguments.starts;
+  report.choice = choiceWords()[arguments.choice.value_or(0)];
+  report.restart = arguments.restart.value_or(0);
+  report.memory = arguments.memory;
+  report.errors = arguments.errors.value_or(0);
+  report.agentsFile = arguments.agentsFile;
   report.seed = seed;
-  report.substream = options.substream;
-  report.stepsAsked = options.steps;
-  report.target = options.target;
+  report.substream = arguments.substream;
+  report.stepsAsked = arguments.steps;
+  report.target = arguments.target;
   report.end = outcome.end;
   report.steps = outcome.steps;
   report.visits = walkers.visits();
@@ -241,21 +243,21 @@ WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const W
 }
 
 void writeFiles(const LoadedNetwork& loaded, const WalkOutcome& outcome,
-                const std::vector<std::uint64_t>& visits, const Options& options) {
+                const std::vector<std::uint64_t>& visits, const WalkArguments& arguments) {
   if (outcome.paths) {
-    watch("writing " + printable(outputName(options.pathsFile)),
-          [&] { writePaths(options.pathsFile, *loaded.network, *outcome.paths); });
+    watch("writing " + printable(outputName(arguments.pathsFile)),
+          [&] { writePaths(arguments.pathsFile, *loaded.network, *outcome.paths); });
   }
-  if (!options.coverageFile.empty()) writeCoverage(options.coverageFile, outcome.coverage());
-  if (options.output.file.empty()) return;
+  if (!arguments.coverageFile.empty()) writeCoverage(arguments.coverageFile, outcome.coverage());
+  if (arguments.output.file.empty()) return;
   loaded.network->setPropertiesOfVertices_forKey(
       std::make_shared<VEQNumberArray>(VEQNumberArray::ofIndices(visits)), kVisits);
-  saveNetwork(loaded.network, options.output);
+  saveNetwork(loaded.network, arguments.output);
 }
 
 /// What was asked for in files is not there, since it would look like a whole walk.
-[[noreturn]] void endInterrupted(const Options& options) {
-  for (const NamedFile& output : outputsOf(options)) {
+[[noreturn]] void endInterrupted(const WalkArguments& arguments) {
+  for (const NamedFile& output : outputsOf(arguments)) {
     if (!output.file.empty())
       note(outputName(output.file), "not written, as the walk was interrupted");
   }
@@ -263,69 +265,70 @@ void writeFiles(const LoadedNetwork& loaded, const WalkOutcome& outcome,
   endByInterrupt();
 }
 
-void runWalk(const Options& options) {
-  checkOptions(options);
-  const LoadedNetwork loaded = loadNetwork(options.input);
-  requireNoVisits(loaded, options);
+void runWalk(const WalkArguments& arguments) {
+  checkOptions(arguments);
+  const LoadedNetwork loaded = loadNetwork(arguments.input);
+  requireNoVisits(loaded, arguments);
   const Network network(loaded.network);
-  const std::uint64_t seed = useSeed(options.seed);
+  const std::uint64_t seed = useSeed(arguments.seed);
   std::optional<RandomState> state;
-  if (options.substream) state = stateOf(seed, options.substream);
+  if (arguments.substream) state = stateOf(seed, arguments.substream);
   RandomState* const random = state ? &*state : nullptr;
   const std::vector<std::uint64_t> starts =
-      startVertices(network, loaded.name, options.starts, options.agents, random);
-  Walkers walkers = makeWalkers(network, starts, options, loaded.name);
-  const WalkOutcome outcome = walk(walkers, options, random, loaded.name);
+      startVertices(network, loaded.name, arguments.starts, arguments.agents, random);
+  Walkers walkers = makeWalkers(network, starts, arguments, loaded.name);
+  const WalkOutcome outcome = walk(walkers, arguments, random, loaded.name);
 
-  const WalkReport report = reportOf(loaded, walkers, outcome, options, seed);
-  std::ostream& out = reportFor(outputsOf(options));
-  writeReport(report, static_cast<Answer>(options.format.value_or(0)), options.top, out, std::cerr);
+  const WalkReport report = reportOf(loaded, walkers, outcome, arguments, seed);
+  std::ostream& out = reportFor(outputsOf(arguments));
+  writeReport(report, static_cast<Answer>(arguments.format.value_or(0)), arguments.top, out,
+              std::cerr);
   out.flush();
-  if (outcome.end == WalkEnd::kStopped) endInterrupted(options);
-  writeFiles(loaded, outcome, report.visits, options);
+  if (outcome.end == WalkEnd::kStopped) endInterrupted(arguments);
+  writeFiles(loaded, outcome, report.visits, arguments);
 }
 
 }  // namespace
 
 void addWalk(CommandLine& commandLine) {
-  const auto options = std::make_shared<Options>();
+  const auto arguments = std::make_shared<WalkArguments>();
   Command command =
-      commandLine.addCommand("walk", "Let agents walk at random over a network", kExamples);
-  addInput(command, "FILE", options->input);
-  command.addWholeNumber("--agents", options->agents, 1, UINT64_MAX, "How many agents walk");
-  command.addWholeNumber("--steps", options->steps, 1, kMostSteps,
+      commandLine.addCommand("walk", "Let agents walk at random over a network", kWalkExamples);
+  addInput(command, "FILE", arguments->input);
+  command.addWholeNumber("--agents", arguments->agents, 1, UINT64_MAX, "How many agents walk");
+  command.addWholeNumber("--steps", arguments->steps, 1, kMostSteps,
                          "How many steps each takes; with --until-reach at most", "--until-reach");
-  command.addShare("--until-reach", true, options->target,
+  command.addShare("--until-reach", true, arguments->target,
                    "Stop once this share of the vertices was reached, above 0 and up to 1");
-  command.addWholeNumber("--seed", options->seed, 0, UINT32_MAX,
+  command.addWholeNumber("--seed", arguments->seed, 0, UINT32_MAX,
                          "Choose the random numbers; 0 counts as 1");
-  command.addWholeNumber("--substream", options->substream, 0, RandomState::kSubstreams - 1,
+  command.addWholeNumber("--substream", arguments->substream, 0, RandomState::kSubstreams - 1,
                          "Take the numbers of this task, which are its own for each seed");
-  command.addText("--start", "V,V,...|FILE|uniform|degree", "vertices or a file", options->starts,
+  command.addText("--start", "V,V,...|FILE|uniform|degree", "vertices or a file", arguments->starts,
                   "Where agents start: by name or index, a file with one vertex a line, or drawn, "
                   "each alike or by degree");
-  command.addChoice("--choice", "CHOICE", choiceWords(), options->choice,
+  command.addChoice("--choice", "CHOICE", choiceWords(), arguments->choice,
                     "How to choose among the edges of a vertex: " + wordList(choiceWords(), "or"));
-  command.addShare("--restart", false, options->restart,
+  command.addShare("--restart", false, arguments->restart,
                    "The probability of going back to the start in a step, by default 0");
-  command.addWholeNumber("--top", options->top, 0, UINT64_MAX,
+  command.addWholeNumber("--top", arguments->top, 0, UINT64_MAX,
                          "How many vertices to list, by default 10, or all as CSV or JSON");
-  command.addWholeNumber("--memory", options->memory, 1, kMostSteps,
+  command.addWholeNumber("--memory", arguments->memory, 1, kMostSteps,
                          "How many visits each agent remembers and avoids");
-  command.addShare("--errors", false, options->errors,
+  command.addShare("--errors", false, arguments->errors,
                    "The probability of remembering a wrong vertex, by default 0");
-  command.addText("--agents-network", "FILE", "a file", options->agentsFile,
+  command.addText("--agents-network", "FILE", "a file", arguments->agentsFile,
                   "The network in which agents tell each other what they remember");
-  command.addText("--paths", "OUT.csv", "a file", options->pathsFile,
+  command.addText("--paths", "OUT.csv", "a file", arguments->pathsFile,
                   "Write every agent's path, as CSV; - for standard output");
-  command.addText("--coverage", "OUT.csv", "a file", options->coverageFile,
+  command.addText("--coverage", "OUT.csv", "a file", arguments->coverageFile,
                   "Write how many vertices were reached by which step, as CSV");
-  command.addText("--output", "OUT", "a file", options->output.file,
+  command.addText("--output", "OUT", "a file", arguments->output.file,
                   "Write the network with its visits; - for standard output");
-  addOutputFormat(command, options->output);
-  command.addFlag("--force", options->force, "Let --output replace a property \"Visits\"");
-  addAnswer(command, options->format);
-  command.onRun([options] { runWalk(*options); });
+  addOutputFormat(command, arguments->output);
+  command.addFlag("--force", arguments->force, "Let --output replace a property \"Visits\"");
+  addAnswer(command, arguments->format);
+  command.onRun([arguments] { runWalk(*arguments); });
 }
 
 }  // namespace veq::tool
