@@ -18,7 +18,6 @@ using internal::namedNumber;
 using internal::Pace;
 
 constexpr std::uint64_t kVerticesPerLook = 4096;
-constexpr std::uint64_t kMostVertices = std::uint64_t{1} << 31;
 // Up to so many targets of a vertex are looked through, one by one.
 constexpr std::uint64_t kFewTargets = 24;
 // So many numbers ahead what they will choose is fetched.
@@ -82,7 +81,7 @@ class AttachmentProcess {
 
 Result<Network> barabasiAlbertNetwork(std::uint64_t n, std::uint64_t m,
                                       const ModelOptions& options) {
-  if (auto error = internal::countError(n, kMostVertices)) return *error;
+  if (auto error = internal::countError(n, internal::kMostPaired)) return *error;
   if (m >= n) {
     return internal::argumentError(namedNumber("m", m) +
                                    ": give at most n - 1 = " + std::to_string(n - 1));

@@ -18,7 +18,6 @@ using internal::GrowingEnds;
 using internal::namedNumber;
 using internal::Pace;
 
-constexpr std::uint64_t kMostVertices = std::uint64_t{1} << 31;
 constexpr std::uint64_t kSide = std::uint64_t{1} << 31;
 constexpr std::uint64_t kVerticesPerLook = 4096;
 constexpr double kPi = 3.141592653589793;
@@ -136,7 +135,7 @@ double expectedEdges(std::uint64_t n, double radius, unsigned dimensions) {
 
 Result<Network> geometricNetwork(std::uint64_t n, double radius, const ModelOptions& options,
                                  unsigned dimensions) {
-  if (auto error = internal::countError(n, kMostVertices)) return *error;
+  if (auto error = internal::countError(n, internal::kMostPaired)) return *error;
   if (dimensions != 2 && dimensions != 3) {
     return internal::argumentError("dimensions = " + std::to_string(dimensions) + ": give 2 or 3");
   }

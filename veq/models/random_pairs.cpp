@@ -19,14 +19,13 @@ using internal::DrawBlocks;
 using internal::generated;
 using internal::GeometricSkips;
 using internal::GrowingEnds;
+using internal::kMostPaired;
 using internal::memoryError;
 using internal::namedNumber;
 using internal::Pace;
 using internal::probabilityError;
 using internal::RawVector;
 
-// So that the number of pairs and every place among them fit into 62 bits.
-constexpr std::uint64_t kMostVertices = std::uint64_t{1} << 31;
 constexpr int kBlocksPerLook = 64;
 
 // Pairs in order, row by row: of the same vertices, each with those after it or with all others.
@@ -151,7 +150,7 @@ std::uint64_t roomFor(double expected) {
 }  // namespace
 
 Result<Network> gnpNetwork(std::uint64_t n, double p, const ModelOptions& options, bool directed) {
-  if (auto error = countError(n, kMostVertices)) return *error;
+  if (auto error = countError(n, kMostPaired)) return *error;
   if (auto error = probabilityError("p", p)) return *error;
   const double expected = p * pairCount(n, directed);
   if (auto error = memoryError(namedNumber("n", n) + ", " + namedNumber("p", p),
@@ -170,7 +169,7 @@ Result<Network> gnpNetwork(std::uint64_t n, double p, const ModelOptions& option
 
 Result<Network> gnmNetwork(std::uint64_t n, std::uint64_t m, const ModelOptions& options,
                            bool directed) {
-  if (auto error = countError(n, kMostVertices)) return *error;
+  if (auto error = countError(n, kMostPaired)) return *error;
   Pairs pairs(0, n, directed);
   const std::uint64_t count = pairs.count();
   if (m > count) {
@@ -230,11 +229,10 @@ std::optional<Error> blocksError(std::span<const std::uint64_t> sizes,
   }
   Uint128 n = 0;
   for (const std::uint64_t size : sizes) n += size;
-  if (n > kMostVertices) {
-    return argumentError("sizes: more than " + std::to_string(kMostVertices) +
-                         " vertices together");
+  if (n > kMostPaired) {
+    return argumentError("sizes: more than " + std::to_string(kMostPaired) + " vertices together");
   }
-  return countError(static_cast<std::uint64_t>(n), kMostVertices);
+  return countError(static_cast<std::uint64_t>(n), kMostPaired);
 }
 
 double expectedEdges(std::span<const std::uint64_t> sizes, std::span<const double> probabilities,

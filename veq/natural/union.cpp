@@ -8,6 +8,7 @@
 
 #include "veq/base/internal/name_table.hpp"
 #include "veq/natural/internal/complaints.hpp"
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
 #include "veq/network/internal/copied_properties.hpp"
@@ -17,6 +18,7 @@ namespace veq {
 
 using internal::argumentError;
 using internal::CoreAccess;
+using internal::coreOf;
 using internal::HeldWeights;
 using internal::NetworkCore;
 using internal::Pace;
@@ -185,7 +187,7 @@ internal::OwnEnds unitedEnds(std::span<const Network> networks, const Places& ve
   ends.from.resize(edges.count);
   ends.to.resize(edges.count);
   for (std::size_t k = 0; k < networks.size(); ++k) {
-    CoreAccess::of(*networks[k].published()).store.visit([&](const auto& topology) {
+    coreOf(networks[k]).store.visit([&](const auto& topology) {
       for (std::uint64_t e = 0; e < edges.of[k].size(); ++e) {
         ends.from[edges.of[k][e]] = vertices.of[k][topology.from[e]];
         ends.to[edges.of[k][e]] = vertices.of[k][topology.to[e]];
@@ -194,8 +196,6 @@ internal::OwnEnds unitedEnds(std::span<const Network> networks, const Places& ve
   }
   return ends;
 }
-
-const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOptions& options) {
   Places vertices = vertexPlaces(networks, options.by);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/network/internal/components.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -12,15 +13,13 @@ namespace veq {
 
 using internal::Components;
 using internal::componentsOf;
-using internal::CoreAccess;
+using internal::coreOf;
 using internal::NetworkCore;
 using internal::Pace;
 using internal::Part;
 using internal::Partition;
 
 namespace {
-
-const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 DerivedNetwork networkOf(const NetworkCore& core, const Part& part, Pace& pace) {
   std::vector<std::uint64_t> vertices(part.vertices.begin(), part.vertices.end());

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -11,14 +12,12 @@ namespace veq {
 
 using internal::AdjacencyStore;
 using internal::Block;
-using internal::CoreAccess;
+using internal::coreOf;
 using internal::NetworkCore;
 using internal::SideLists;
 using internal::Topology;
 
 namespace {
-
-const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 // Of the edges that are no loops, how many there are and to how many there is one back.
 struct ReciprocatedEdges {

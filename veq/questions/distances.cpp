@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "veq/base/internal/uint128.hpp"
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -18,14 +19,12 @@ namespace veq {
 using internal::AdjacencyStore;
 using internal::Block;
 using internal::BreadthFirst;
-using internal::CoreAccess;
+using internal::coreOf;
 using internal::NetworkCore;
 using internal::Pace;
 using internal::Topology;
 
 namespace {
-
-const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 // What a search visits at most: all vertices and the entries of all their lists.
 std::uint64_t visitsOfOne(const AdjacencyStore& store, Direction direction) {

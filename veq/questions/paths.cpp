@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "veq/natural/internal/complaints.hpp"
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/questions/distances.hpp"
@@ -16,7 +17,7 @@
 namespace veq {
 
 using internal::BreadthFirst;
-using internal::CoreAccess;
+using internal::coreOf;
 using internal::NetworkCore;
 using internal::SideLists;
 
@@ -24,8 +25,6 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::uint64_t kNothing = UINT64_MAX;
-
-const NetworkCore& coreOf(const Network& network) { return CoreAccess::of(*network.published()); }
 
 // How each vertex that was reached was reached.
 struct ShortestPathTree {

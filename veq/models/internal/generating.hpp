@@ -16,6 +16,9 @@
 
 namespace veq::internal {
 
+/// Up to so many vertices the number of pairs and every place among them fit into 62 bits.
+inline constexpr std::uint64_t kMostPaired = std::uint64_t{1} << 31;
+
 /// "p = 0.25", in the shortest form.
 [[nodiscard]] std::string namedNumber(const std::string& name, double value);
 [[nodiscard]] inline std::string namedNumber(const std::string& name, std::uint64_t value) {
