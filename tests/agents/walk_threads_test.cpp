@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/agents.hpp"
+#include "tests/support/rounds.hpp"
 #include "tests/support/threads.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/internal/group_state.hpp"
@@ -232,13 +233,13 @@ TEST(WalkHistoryThreads, ArraysMayBeAskedForWhileTheLogIsFolded) {
 TEST(WalkHistoryThreads, NobodyWaitsForTheProgressWhileArraysAreBroughtUpToDate) {
   constexpr std::int64_t kSteps = 3;
   constexpr std::uint64_t kVertices = 4000000;
-  constexpr int kRounds = 15;
+  const int all = rounds(15);
   const auto group = groupAt(networkOf(kVertices, {{0, 1}, {1, 0}}, true), {0});
   const auto totals = group->globalVisitFrequencyOfVertices();
   // Either thread may be kept from its work by others that have nothing to do with it, but not in
   // most rounds.
   int answeredOften = 0;
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < all; ++round) {
     std::atomic<bool> done{false};
     int answers = 0;
     group->cancelWork();  // sets the progress back
@@ -255,7 +256,7 @@ TEST(WalkHistoryThreads, NobodyWaitsForTheProgressWhileArraysAreBroughtUpToDate)
     });
     answeredOften += answers >= 5;
   }
-  EXPECT_GT(answeredOften, kRounds / 2);
+  EXPECT_GT(answeredOften, all / 2);
 }
 
 // Two groups on one network draw from one sequence, each walk all its numbers at once: the result

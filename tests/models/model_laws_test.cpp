@@ -13,13 +13,12 @@
 
 #include "gtest/gtest.h"
 #include "tests/support/chi_square.hpp"
+#include "tests/support/rounds.hpp"
 #include "veq/models/model_networks.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq {
 namespace {
-
-using test::follows;
 
 using Counts = std::vector<std::uint64_t>;
 using Laws = std::vector<double>;
@@ -28,12 +27,28 @@ using Edge = std::pair<std::uint64_t, std::uint64_t>;
 // Answers a cell's number for each network that it makes.
 using Draw = std::function<std::size_t(const ModelOptions&)>;
 
-Counts counted(std::uint64_t times, std::size_t cells, const Draw& draw) {
+// A share of the networks is too few to compare: a sanitizer watches how they are made, and that is
+// all.
+class ModelLaws : public testing::Test {
+ protected:
+  static bool follows(const Counts& counts, const Laws& law) {
+    return test::share() > 1 || test::follows(counts, law);
+  }
+  static bool refuses(const Counts& counts, const Laws& law) {
+    return test::share() > 1 || !test::follows(counts, law);
+  }
+  void TearDown() override {
+    if (test::share() > 1) GTEST_SKIP() << "made, and not compared";
+  }
+};
+
+Counts counted(int all, std::size_t cells, const Draw& draw) {
   RandomState state = RandomState::seeded(4711).value();
   ModelOptions options;
   options.random = &state;
   Counts counts(cells);
-  for (std::uint64_t i = 0; i < times; ++i) ++counts.at(draw(options));
+  const int times = test::rounds(all);
+  for (int i = 0; i < times; ++i) ++counts.at(draw(options));
   return counts;
 }
 
@@ -78,7 +93,7 @@ Laws gnpLaw(double p) {
   return law;
 }
 
-TEST(ModelLaws, Gnp) {
+TEST_F(ModelLaws, Gnp) {
   const auto draw = [](double p) {
     return [p](const ModelOptions& options) { return pattern(gnpNetwork(4, p, options).value()); };
   };
@@ -91,14 +106,14 @@ TEST(ModelLaws, Gnp) {
   };
   const Laws coins{1 / 64., 6 / 64., 15 / 64., 20 / 64., 15 / 64., 6 / 64., 1 / 64.};
   EXPECT_TRUE(follows(counted(150000, 7, edges(0.5)), coins));
-  EXPECT_FALSE(follows(counted(150000, 7, edges(0.5 * 1.01)), coins));
+  EXPECT_TRUE(refuses(counted(150000, 7, edges(0.5 * 1.01)), coins));
   const auto withoutOnePair = [&](const ModelOptions& options) {
     return draw(0.5)(options) & ~std::size_t{32};
   };
-  EXPECT_FALSE(follows(counted(10000, 64, withoutOnePair), gnpLaw(0.5)));
+  EXPECT_TRUE(refuses(counted(10000, 64, withoutOnePair), gnpLaw(0.5)));
 }
 
-TEST(ModelLaws, GnpWithRareEdges) {
+TEST_F(ModelLaws, GnpWithRareEdges) {
   // 40,000 vertices have 799,980,000 pairs: at p = 10^-9 about 0.8 edges, Poisson but for 10^-9.
   const auto draw = [](double p) {
     return [p](const ModelOptions& options) {
@@ -111,10 +126,10 @@ TEST(ModelLaws, GnpWithRareEdges) {
   law.push_back(1.0);
   for (int k = 0; k < 4; ++k) law.back() -= law[static_cast<std::size_t>(k)];
   EXPECT_TRUE(follows(counted(8000, 5, draw(1e-9)), law));
-  EXPECT_FALSE(follows(counted(8000, 5, draw(1.2e-9)), law));
+  EXPECT_TRUE(refuses(counted(8000, 5, draw(1.2e-9)), law));
 }
 
-TEST(ModelLaws, Gnm) {
+TEST_F(ModelLaws, Gnm) {
   const auto draw = [](const ModelOptions& options) {
     return pattern(gnmNetwork(4, 3, options).value());
   };
@@ -135,10 +150,10 @@ TEST(ModelLaws, Gnm) {
     while ((bits & 32) != 0) bits = draw(options);
     return bits;
   };
-  EXPECT_FALSE(follows(counted(10000, 64, withoutOnePair), law));
+  EXPECT_TRUE(refuses(counted(10000, 64, withoutOnePair), law));
 }
 
-TEST(ModelLaws, BarabasiAlbert) {
+TEST_F(ModelLaws, BarabasiAlbert) {
   // n = 4, m = 2: vertex 3 finds degrees 1, 1, 2. It takes 0 and then 1, or the other way round,
   // with 1/4 x 1/3 each; 0 and 2 with 1/4 x 2/3 + 1/2 x 1/2.
   const auto targets = [](const ModelOptions& options) {
@@ -148,7 +163,7 @@ TEST(ModelLaws, BarabasiAlbert) {
   const Laws law{1.0 / 6, 5.0 / 12, 5.0 / 12};
   Counts counts = counted(700000, 3, targets);
   EXPECT_TRUE(follows(counts, law));
-  EXPECT_FALSE(follows(withOnePercentMoved(counts, 1, 2), law));
+  EXPECT_TRUE(refuses(withOnePercentMoved(counts, 1, 2), law));
   // n = 5, m = 1: trees by the targets of 2, 3, 4. After 1-0 and 2-a, a has degree 2 and the other
   // two 1, of 4; then, with 3-b, degrees out of 6.
   Laws trees;
@@ -168,10 +183,10 @@ TEST(ModelLaws, BarabasiAlbert) {
     return (targetOf(network, 1) * 3 + targetOf(network, 2)) * 4 + targetOf(network, 3);
   };
   EXPECT_TRUE(follows(counted(60000, 24, tree), trees));
-  EXPECT_FALSE(follows(counted(60000, 24, tree), Laws(24, 1.0 / 24)));
+  EXPECT_TRUE(refuses(counted(60000, 24, tree), Laws(24, 1.0 / 24)));
 }
 
-TEST(ModelLaws, Configuration) {
+TEST_F(ModelLaws, Configuration) {
   // Ends a a b c have three pairings: aa bc, ab ac, ac ab.
   const auto loops = [](const ModelOptions& options) {
     const auto edges = edgesOf(
@@ -181,7 +196,7 @@ TEST(ModelLaws, Configuration) {
   };
   const Counts counts = counted(400000, 2, loops);
   EXPECT_TRUE(follows(counts, {2.0 / 3, 1.0 / 3}));
-  EXPECT_FALSE(follows(withOnePercentMoved(counts, 0, 1), {2.0 / 3, 1.0 / 3}));
+  EXPECT_TRUE(refuses(withOnePercentMoved(counts, 0, 1), {2.0 / 3, 1.0 / 3}));
 }
 
 // The matchings of six vertices: who is matched with 0, and with the lowest of the others.
@@ -201,7 +216,7 @@ std::size_t matching(const std::set<Edge>& edges) {
   return 15;
 }
 
-TEST(ModelLaws, Matchings) {
+TEST_F(ModelLaws, Matchings) {
   const std::vector<std::uint64_t> ones(6, 1);
   const Laws alike(15, 1.0 / 15);
   for (const DegreeLaw law : {DegreeLaw::kPairing, DegreeLaw::kSimple}) {
@@ -219,11 +234,11 @@ TEST(ModelLaws, Matchings) {
     };
   };
   EXPECT_TRUE(follows(counted(50000, 15, rewired(40)), alike));
-  EXPECT_FALSE(follows(counted(50000, 15, rewired(1)), alike));
-  EXPECT_FALSE(follows(counted(50000, 15, rewired(4)), alike));
+  EXPECT_TRUE(refuses(counted(50000, 15, rewired(1)), alike));
+  EXPECT_TRUE(refuses(counted(50000, 15, rewired(4)), alike));
 }
 
-TEST(ModelLaws, WattsStrogatz) {
+TEST_F(ModelLaws, WattsStrogatz) {
   // The first edge, 0-1 of a ring of 7, is drawn again with probability p, and then leads to 2, 3,
   // 4 or 5, each alike, as 6 is linked to 0.
   const auto draw = [](double p) {
@@ -234,7 +249,7 @@ TEST(ModelLaws, WattsStrogatz) {
   const double p = 0.9;
   const Laws law{0.0, 1 - p, p / 4, p / 4, p / 4, p / 4, 0.0};
   EXPECT_TRUE(follows(counted(120000, 7, draw(p)), law));
-  EXPECT_FALSE(follows(counted(120000, 7, draw(1.01 * p)), law));
+  EXPECT_TRUE(refuses(counted(120000, 7, draw(1.01 * p)), law));
   // How many of the seven edges are moved is binomial.
   const auto moved = [](const ModelOptions& options) {
     const Network network = wattsStrogatzNetwork(7, 1, 0.5, options).value();
@@ -251,7 +266,7 @@ TEST(ModelLaws, WattsStrogatz) {
   EXPECT_TRUE(follows(counted(60000, 8, moved), binomial));
 }
 
-TEST(ModelLaws, Geometric) {
+TEST_F(ModelLaws, Geometric) {
   // Two points of the unit square are within r <= 1 with probability pi r^2 - 8/3 r^3 + r^4 / 2.
   const auto draw = [](double r) {
     return [r](const ModelOptions& options) {
@@ -261,10 +276,10 @@ TEST(ModelLaws, Geometric) {
   const double r = 0.9;
   const double near = 3.141592653589793 * r * r - 8.0 / 3.0 * r * r * r + r * r * r * r / 2;
   EXPECT_TRUE(follows(counted(200000, 2, draw(r)), {1 - near, near}));
-  EXPECT_FALSE(follows(counted(200000, 2, draw(1.01 * r)), {1 - near, near}));
+  EXPECT_TRUE(refuses(counted(200000, 2, draw(1.01 * r)), {1 - near, near}));
 }
 
-TEST(ModelLaws, Blocks) {
+TEST_F(ModelLaws, Blocks) {
   // Vertices 0, 1 and 2, 3: one pair in each block, four between them.
   const auto draw = [](double between) {
     return [between](const ModelOptions& options) {
@@ -289,7 +304,7 @@ TEST(ModelLaws, Blocks) {
   };
   const Laws binomial{0.0016, 0.0256, 0.1536, 0.4096, 0.4096};
   EXPECT_TRUE(follows(counted(80000, 5, betweenThem(0.8)), binomial));
-  EXPECT_FALSE(follows(counted(80000, 5, betweenThem(0.808)), binomial));
+  EXPECT_TRUE(refuses(counted(80000, 5, betweenThem(0.808)), binomial));
 }
 
 }  // namespace

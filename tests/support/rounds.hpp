@@ -6,11 +6,14 @@
 
 namespace veq::test {
 
-// All of them or, where the environment's VEQ_TEST_SHARE is a number above 1, the first of so many:
-// what an emulator runs takes some fifty times as long.
-inline int rounds(int all) {
+// What the environment's VEQ_TEST_SHARE divides by, where it is a number above 1: what an emulator
+// runs takes some fifty times as long, and what sanitizers watch several times as long.
+inline int share() {
   const char* const share = std::getenv("VEQ_TEST_SHARE");
-  return share == nullptr ? all : std::max(1, all / std::max(1, std::atoi(share)));
+  return share == nullptr ? 1 : std::max(1, std::atoi(share));
 }
+
+// All of them, or the first of so many.
+inline int rounds(int all) { return std::max(1, all / share()); }
 
 }  // namespace veq::test
