@@ -60,7 +60,7 @@ template <class T>
 class [[nodiscard]] Result {
  public:
   /// Either becomes one by itself.
-  Result(T value) : either_(std::in_place_index<0>, std::move(value)) {}
+  Result(T held) : either_(std::in_place_index<0>, std::move(held)) {}
   Result(Error error) : either_(std::in_place_index<1>, std::move(error)) {}
 
   [[nodiscard]] bool hasValue() const noexcept { return either_.index() == 0; }

@@ -156,13 +156,14 @@ Result<Network> networkOver(const TopologyMemory<Index>& memory, const Shared<co
     if (!options.trusted) {
       if (auto error = topologyError(memory, pace)) return *error;
     }
-    internal::TopologyShare share(internal::ForeignTopology<Index>::make(memory, owner));
-    const bool narrow = sizeof(Index) == sizeof(std::uint32_t);
-    return Network(internal::CoreAccess::buildShared(
-        {{std::move(share), vertices, edges, memory.directed, narrow},
-         held(options.vertexWeights, owner),
-         held(options.edgeWeights, owner),
-         {options.vertexColumns, options.edgeColumns}}));
+    internal::ForeignParts parts;
+    parts.topology = {
+        internal::TopologyShare(internal::ForeignTopology<Index>::make(memory, owner)), vertices,
+        edges, memory.directed, sizeof(Index) == sizeof(std::uint32_t)};
+    parts.verticesWeights = held(options.vertexWeights, owner);
+    parts.edgesWeights = held(options.edgeWeights, owner);
+    parts.properties = {options.vertexColumns, options.edgeColumns};
+    return Network(internal::CoreAccess::buildShared(std::move(parts)));
   });
 }
 
