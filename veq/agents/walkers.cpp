@@ -11,6 +11,7 @@
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/agents/internal/walks.hpp"
+#include "veq/agents/internal/weight_sums.hpp"
 #include "veq/base/internal/number_text.hpp"
 #include "veq/models/internal/random_source.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -89,11 +90,11 @@ std::optional<Error> optionsError(const GroupState& group, const WalkOptions& op
                     group.network->countVertices());
 }
 
-// Calls walk(choice) with the choice that is asked for.
+// Calls walk(choice) with the choice that is asked for; the sums are those of a weighted one.
 template <class Walk>
-auto withChoice(GroupState& group, Choice choice, Walk walk) {
+auto withChoice(Choice choice, const internal::WeightSums* sums, Walk walk) {
   if (choice == Choice::kEven) return walk(internal::EvenChoice());
-  if (choice == Choice::kWeighted) return walk(group.weightSums.choice());
+  if (choice == Choice::kWeighted) return walk(sums->choice());
   return walk(internal::PublishedChoice());
 }
 
@@ -181,11 +182,10 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
   GroupState& group = GroupAccess::of(published);
   if (auto error = optionsError(group, options)) return *error;
   const internal::NetworkCore& core = internal::CoreAccess::of(*group.network);
-  if (options.choice == Choice::kWeighted) {
-    if (const auto edge = group.weightSums.prepare(core)) {
-      return wrong("edge " + std::to_string(*edge) + ": weight " +
-                   text((*core.edgesWeights)[*edge]));
-    }
+  Shared<const internal::WeightSums> sums;
+  if (options.choice == Choice::kWeighted && !(sums = internal::WeightSums::of(core))) {
+    const std::uint64_t edge = *internal::WeightSums::wrongWeight(core);
+    return wrong("edge " + std::to_string(edge) + ": weight " + text((*core.edgesWeights)[edge]));
   }
 
   internal::WalkRequest request;
@@ -210,7 +210,7 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
   std::vector<std::uint64_t> starts;
   if (options.paths) starts = positions();
   internal::DynamicState* const memories = GroupAccess::memoriesOf(published);
-  internal::WalkResult walked = withChoice(group, options.choice, [&](auto choice) {
+  internal::WalkResult walked = withChoice(options.choice, sums.get(), [&](auto choice) {
     return memories ? internal::walkWithMemory(group, *memories, request, choice)
                     : internal::walkPlainly(group, request, choice);
   });

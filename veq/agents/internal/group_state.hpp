@@ -11,7 +11,6 @@
 #include "veq/agents/agents_property_table.hpp"
 #include "veq/agents/internal/reach_record.hpp"
 #include "veq/agents/internal/walk_history.hpp"
-#include "veq/agents/internal/weight_sums.hpp"
 #include "veq/agents/internal/work_control.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/network/network.hpp"
@@ -53,7 +52,6 @@ struct GroupState {
   mutable std::mutex historyLock;
   GroupHistory history;             // guarded by the lock
   std::uint64_t walksUnderWay = 0;  // guarded by the lock; until then the history is not forgotten
-  WeightSums weightSums;
   Shared<AgentsPropertyTable> properties = std::make_shared<AgentsPropertyTable>();
 };
 

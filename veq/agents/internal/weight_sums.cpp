@@ -2,29 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <mutex>
 #include <utility>
 
 namespace veq::internal {
 namespace {
 
-std::optional<std::uint64_t> firstWrong(const std::optional<HeldWeights>& weights) {
-  if (!weights) return std::nullopt;
-  const auto wrong = std::find_if(weights->begin(), weights->end(), [](float weight) {
-    return !(weight >= 0.0F && std::isfinite(weight));
-  });
-  if (wrong == weights->end()) return std::nullopt;
-  return static_cast<std::uint64_t>(wrong - weights->begin());
+// For the few instructions in which a network's sums are taken or put there.
+std::mutex& lockOfAllSums() {
+  static std::mutex lock;
+  return lock;
 }
 
-}  // namespace
-
-std::optional<std::uint64_t> WeightSums::prepare(const NetworkCore& core) {
-  const std::uint64_t edges = core.store.edgeCount();
-  if (isMade_ && edges_ == edges && revision_ == core.weightsRevision) return std::nullopt;
-  if (const auto wrong = firstWrong(core.edgesWeights)) return wrong;
+Block<WeightedChoice::Entry> entriesOf(const NetworkCore& core) {
   const float* const weights = core.edgesWeights ? core.edgesWeights->data() : nullptr;
   const std::uint64_t vertices = core.store.vertexCount();
-  Block<WeightedChoice::Entry> entries = core.store.visit([&](const auto& topology) {
+  return core.store.visit([&](const auto& topology) {
     const auto& lists = topology.out;
     std::uint64_t size = 0;
     for (std::uint64_t v = 0; v < vertices; ++v) {
@@ -42,11 +36,40 @@ std::optional<std::uint64_t> WeightSums::prepare(const NetworkCore& core) {
     }
     return made;
   });
-  entries_ = std::move(entries);
-  edges_ = edges;
-  revision_ = core.weightsRevision;
-  isMade_ = true;
-  return std::nullopt;
+}
+
+}  // namespace
+
+WeightSums::WeightSums(const NetworkCore& core, Block<WeightedChoice::Entry> entries)
+    : edges_(core.store.edgeCount()),
+      revision_(core.weightsRevision),
+      entries_(std::move(entries)) {}
+
+bool WeightSums::areOf(const NetworkCore& core) const {
+  return edges_ == core.store.edgeCount() && revision_ == core.weightsRevision;
+}
+
+Shared<const WeightSums> WeightSums::of(const NetworkCore& core) {
+  {
+    const std::lock_guard guard(lockOfAllSums());
+    auto kept = std::static_pointer_cast<const WeightSums>(core.weightSums);
+    if (kept && kept->areOf(core)) return kept;
+  }
+  if (wrongWeight(core)) return nullptr;
+  auto made = std::make_shared<const WeightSums>(core, entriesOf(core));
+  const std::lock_guard guard(lockOfAllSums());
+  core.weightSums = made;
+  return made;
+}
+
+std::optional<std::uint64_t> WeightSums::wrongWeight(const NetworkCore& core) {
+  if (!core.edgesWeights) return std::nullopt;
+  const HeldWeights& weights = *core.edgesWeights;
+  const auto wrong = std::find_if(weights.begin(), weights.end(), [](float weight) {
+    return !(weight >= 0.0F && std::isfinite(weight));
+  });
+  if (wrong == weights.end()) return std::nullopt;
+  return static_cast<std::uint64_t>(wrong - weights.begin());
 }
 
 }  // namespace veq::internal

@@ -46,6 +46,8 @@ struct NetworkCore {
   std::optional<HeldWeights> edgesWeights;
   /// Changes whenever the weight of an edge that was there before does.
   std::uint64_t weightsRevision = 0;
+  /// What walks by weight keep between calls; theirs alone.
+  mutable Shared<const void> weightSums;
   Shared<NetworkProperties> properties;
   /// The sizes that per-vertex and per-edge storage reports: fixed at construction, and for edges
   /// twice the number of edges whenever an insertion exceeds it. Memory follows by its own rules.
