@@ -43,8 +43,11 @@ template <auto kEntry>
 struct CountingChoice {
   template <class Index>
   [[nodiscard]] Index operator()(Row<Index> row, std::uint32_t draw) const {
-    if (row.count == 0) return 0;
-    return static_cast<Index>(row.start + kEntry(row.count, draw));
+    // One comparison finds that a list is neither empty nor long.
+    const Index last = row.count - 1;
+    if (last < kExactChoices)
+      return static_cast<Index>(row.start + kEntry(std::uint64_t{last} + 1, draw));
+    return row.count == 0 ? 0 : static_cast<Index>(row.start + kEntry(row.count, draw));
   }
 
   // Counting the candidates and then looking for the chosen one takes no memory, which a walk could
@@ -52,12 +55,14 @@ struct CountingChoice {
   template <class Index, class LeaveOut>
   [[nodiscard]] Index among(Row<Index> row, const Index* neighbours, std::uint32_t draw,
                             LeaveOut leaveOut) const {
+    const Index* const first = neighbours + row.start;
+    const Index* const end = first + row.count;
     std::uint64_t candidates = 0;
-    for (Index i = 0; i < row.count; ++i) candidates += !leaveOut(neighbours[row.start + i]);
+    for (const Index* entry = first; entry != end; ++entry) candidates += !leaveOut(*entry);
     if (candidates == 0 || candidates == row.count) return (*this)(row, draw);
     std::uint64_t left = kEntry(candidates, draw);
-    for (Index place = row.start;; ++place) {
-      if (!leaveOut(neighbours[place]) && left-- == 0) return place;
+    for (const Index* entry = first;; ++entry) {
+      if (!leaveOut(*entry) && left-- == 0) return static_cast<Index>(entry - neighbours);
     }
   }
 };
