@@ -198,7 +198,7 @@ TEST(WalkHistory, CountsAWalkAsItGoesThatTheLogHasNoRoomFor) {
 
 TEST(WalkHistory, MayBeOfMoreAgentsAndVerticesThanCanBeMultiplied) {
   const Wide history(std::uint64_t{1} << 62, 4, 0);
-  EXPECT_EQ(history.stepsPerRun(), 1048576U / 32);
+  EXPECT_EQ(history.stepsPerRun(), 8388608U / 32);
 }
 
 // Paths are views of the block in which the moves lie, and nobody may write there again.

@@ -19,7 +19,7 @@ constexpr std::uint64_t kVertices = 6000;
 constexpr std::uint64_t kAgents = 20;
 constexpr std::uint64_t kFirst = 70;
 // More moves than the log takes besides tallies, and than are counted at a time.
-constexpr std::uint64_t kSecond = 20000;
+constexpr std::uint64_t kSecond = 40000;
 
 // 0 - 1 - 2 - ... - 0
 Shared<VEQNetwork> cycle(std::uint64_t n) {

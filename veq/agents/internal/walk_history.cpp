@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <span>
 #include <utility>
 
 namespace veq::internal {
@@ -9,10 +10,13 @@ namespace {
 
 constexpr std::uint64_t kLargestBlock = std::uint64_t{8} << 20;
 constexpr std::uint64_t kSmallestLog = std::uint64_t{512} << 10;
-// What the moves of a run take: so little that they are in the cache still when they are counted,
-// but, as the tallies of each agent have to be fetched for them, not too few steps.
+// What the moves of a run take: so little that they are near when they are counted, but not less
+// than the tallies which have to be fetched for that.
 constexpr std::uint64_t kSmallestRun = std::uint64_t{1} << 20;
-constexpr std::uint64_t kStepsPerRun = 256;
+// Whose moves of a step lie in one line of the cache, and how many steps of theirs it holds.
+template <class Word>
+constexpr std::uint64_t kAgentsPerLine = 64 / sizeof(Word);
+constexpr std::uint64_t kStepsAtOnce = 512;
 
 std::uint64_t product(std::uint64_t a, std::uint64_t b) {
   return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;
@@ -37,8 +41,8 @@ std::uint64_t WalkHistory<Word>::stepsIn(std::uint64_t bytes) const {
 
 template <class Word>
 std::uint64_t WalkHistory<Word>::stepsPerRun() const {
-  const std::uint64_t wanted = product(product(agents_, sizeof(Word)), kStepsPerRun);
-  return stepsIn(std::clamp(wanted, kSmallestRun, kLargestBlock));
+  const std::uint64_t tallies = product(product(agents_, vertices_), sizeof(Tally));
+  return stepsIn(std::clamp(product(2, tallies), kSmallestRun, kLargestBlock));
 }
 
 // The arrays of an agent take 16 bytes for each vertex. Those of small groups on small networks
@@ -132,7 +136,9 @@ void WalkHistory<Word>::fold() {
 
 template <class Word>
 void WalkHistory<Word>::countLog() noexcept {
-  for (std::uint64_t agent = 0; agent < agents_; ++agent) bringUpToDate(agent);
+  for (std::uint64_t first = 0; first < agents_; first += kAgentsPerLine<Word>) {
+    bringUpToDate(first, std::min(kAgentsPerLine<Word>, agents_ - first));
+  }
   logBegin_ = logEnd();
   log_.clear();
   logBytes_ = 0;
@@ -140,12 +146,26 @@ void WalkHistory<Word>::countLog() noexcept {
   if (block_.use_count() == 1) room_ = {block_->data(), block_->size() / agents_};
 }
 
+// Agents are counted in turns of some steps, for their moves of these lie in the same lines of the
+// cache, and so do the tallies of one of them in a turn.
 template <class Word>
-void WalkHistory<Word>::bringUpToDate(std::uint64_t agent) noexcept {
-  AgentHistory& history = histories_[agent];
-  for (; history.counted < logEnd(); ++history.counted) {
-    const MoveRun<Word>& run = log_[history.counted - logBegin_];
-    history.count(run.first + agent, agents_, run.steps, firstStamp_);
+void WalkHistory<Word>::bringUpToDate(std::uint64_t first, std::uint64_t agents) noexcept {
+  const std::span<AgentHistory> histories(histories_.data() + first, agents);
+  std::uint64_t number = logEnd();
+  for (const AgentHistory& history : histories) number = std::min(number, history.counted);
+  for (; number < logEnd(); ++number) {
+    const MoveRun<Word>& run = log_[number - logBegin_];
+    for (std::uint64_t step = 0; step < run.steps; step += kStepsAtOnce) {
+      const std::uint64_t steps = std::min(kStepsAtOnce, run.steps - step);
+      const Word* moves = run.first + step * agents_ + first;
+      for (AgentHistory& history : histories) {
+        if (history.counted <= number) history.count(moves, agents_, steps, firstStamp_);
+        ++moves;
+      }
+    }
+    for (AgentHistory& history : histories) {
+      history.counted = std::max(history.counted, number + 1);
+    }
   }
 }
 
@@ -153,7 +173,7 @@ template <class Word>
 void WalkHistory<Word>::endWalk() noexcept {
   ++walks_;
   isCounting_ = false;
-  for (const std::uint64_t agent : live_) bringUpToDate(agent);
+  for (const std::uint64_t agent : live_) bringUpToDate(agent, 1);
   if (totals_) {
     countArrivals();
     const auto totals = totals_->values<std::int64_t>();
@@ -227,7 +247,7 @@ const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
   makeHistories();
   if (!histories_[agent].arrays) {
     makeArrays(agent);
-    bringUpToDate(agent);
+    bringUpToDate(agent, 1);
   }
   return *histories_[agent].arrays;
 }

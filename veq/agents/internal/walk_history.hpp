@@ -98,7 +98,7 @@ class WalkHistory {
   void makeArrays(std::uint64_t agent);
   void prepareToCount(std::uint64_t steps);
   void countLog() noexcept;
-  void bringUpToDate(std::uint64_t agent) noexcept;
+  void bringUpToDate(std::uint64_t first, std::uint64_t agents) noexcept;
   void countArrivals();
   void countArrivalsOfWalk() noexcept;
 
