@@ -18,12 +18,15 @@ using internal::NetworkCore;
 
 namespace {
 
+[[noreturn]] void refuseEdge(const EdgeEnds& edges, std::uint64_t i, std::uint64_t n) {
+  throw std::invalid_argument("Edge lists contains indices out of bounds:from " +
+                              std::to_string(edges.from[i]) + " to " + std::to_string(edges.to[i]) +
+                              " (max vertex inddex:" + std::to_string(n) + ")");
+}
+
 void requireVertices(const EdgeEnds& edges, std::uint64_t n) {
   for (std::uint64_t i = 0; i < edges.count(); ++i) {
-    if (edges.from[i] < n && edges.to[i] < n) continue;
-    throw std::invalid_argument(
-        "Edge lists contains indices out of bounds:from " + std::to_string(edges.from[i]) + " to " +
-        std::to_string(edges.to[i]) + " (max vertex inddex:" + std::to_string(n) + ")");
+    if (edges.from[i] >= n || edges.to[i] >= n) refuseEdge(edges, i, n);
   }
 }
 

@@ -39,23 +39,26 @@ double strengthOf(const NetworkCore& core, std::uint64_t index, Side side) {
   });
 }
 
+using Indices = internal::RawVector<std::uint64_t>;
+using Column = Indices (AdjacencyStore::*)(std::uint64_t, Side) const;
+constexpr Column kNeighbours = &AdjacencyStore::neighbours<Indices>;
+constexpr Column kEdges = &AdjacencyStore::edges<Indices>;
+
 VEQEdgeArray edgesOf(const NetworkCore& core, std::uint64_t index, Side side) {
   requireVertex(core, index);
-  return VEQEdgeArray(core.edges(), core.store.edges(index, side));
+  return {core.edges(), core.store.edges(index, side)};
 }
 
 VEQVertexArray verticesOf(const NetworkCore& core, std::uint64_t index, Side side) {
   requireVertex(core, index);
-  return VEQVertexArray(core.vertices(), core.store.neighbours(index, side));
+  return {core.vertices(), core.store.neighbours(index, side)};
 }
-
-using Column = std::vector<std::uint64_t> (AdjacencyStore::*)(std::uint64_t, Side) const;
 
 Shared<VEQNumberArray> indicesOf(const NetworkCore& core, std::uint64_t index, Side side,
                                  Column column) {
-  std::vector<std::uint64_t> indices;
+  Indices indices;
   if (index < core.store.vertexCount()) indices = (core.store.*column)(index, side);
-  return VEQNumberArray::numberArrayWithUnsignedIntegerArray_count(indices.data(), indices.size());
+  return std::make_shared<VEQNumberArray>(std::move(indices));
 }
 
 Shared<VEQNumberArray> degrees(const NetworkCore& core, Side side) {
@@ -142,21 +145,21 @@ VEQVertexArray VEQNetwork::verticesLinkedToVertexAtIndex(std::uint64_t index) co
 
 Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedFromVertexAtIndex(
     std::uint64_t index) const {
-  return indicesOf(*core_, index, Side::kOut, &AdjacencyStore::edges);
+  return indicesOf(*core_, index, Side::kOut, kEdges);
 }
 
 Shared<VEQNumberArray> VEQNetwork::indicesOfEdgesLinkedToVertexAtIndex(std::uint64_t index) const {
-  return indicesOf(*core_, index, Side::kIn, &AdjacencyStore::edges);
+  return indicesOf(*core_, index, Side::kIn, kEdges);
 }
 
 Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedFromVertexAtIndex(
     std::uint64_t index) const {
-  return indicesOf(*core_, index, Side::kOut, &AdjacencyStore::neighbours);
+  return indicesOf(*core_, index, Side::kOut, kNeighbours);
 }
 
 Shared<VEQNumberArray> VEQNetwork::indicesOfVerticesLinkedToVertexAtIndex(
     std::uint64_t index) const {
-  return indicesOf(*core_, index, Side::kIn, &AdjacencyStore::neighbours);
+  return indicesOf(*core_, index, Side::kIn, kNeighbours);
 }
 
 std::uint64_t VEQNetwork::countEdgesOfVertex(const VEQVertex& vertex) const {

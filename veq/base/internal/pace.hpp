@@ -59,8 +59,9 @@ class Pace {
 template <class F>
 void forEachTile(std::uint64_t count, Pace* pace, F f) {
   constexpr std::uint64_t kTile = std::uint64_t{1} << 18;
+  const std::uint64_t tile = pace ? kTile : count;
   for (std::uint64_t begin = 0; begin < count;) {
-    const std::uint64_t end = std::min(count, begin + kTile);
+    const std::uint64_t end = begin + std::min(count - begin, tile);
     f(begin, end);
     if (pace) pace->advance(end - begin);
     begin = end;

@@ -26,10 +26,12 @@ constexpr std::uint64_t kWatchedShare = 16;
 template <class Index, class F>
 void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::uint64_t edges,
                   bool bothWays, Pace* pace, F f) {
-  forEachTile(edges, pace, [&](std::uint64_t begin, std::uint64_t end) {
+  const Index* const a = at.data();
+  const Index* const b = neighbour.data();
+  forEachTile(edges, pace, [=](std::uint64_t begin, std::uint64_t end) {
     for (std::uint64_t e = begin; e < end; ++e) {
-      f(at[e], neighbour[e], static_cast<Index>(e));
-      if (bothWays) f(neighbour[e], at[e], static_cast<Index>(e));
+      f(a[e], b[e], static_cast<Index>(e));
+      if (bothWays) f(b[e], a[e], static_cast<Index>(e));
     }
   });
 }
@@ -156,20 +158,6 @@ std::uint64_t AdjacencyStore::edge(std::uint64_t vertex, std::uint64_t k, Side s
   });
 }
 
-std::vector<std::uint64_t> AdjacencyStore::neighbours(std::uint64_t vertex, Side side) const {
-  return visit([&](const auto& topology) {
-    const auto column = lists(topology, side).neighbours(vertex);
-    return std::vector<std::uint64_t>(column.begin(), column.end());
-  });
-}
-
-std::vector<std::uint64_t> AdjacencyStore::edges(std::uint64_t vertex, Side side) const {
-  return visit([&](const auto& topology) {
-    const auto column = lists(topology, side).edges(vertex);
-    return std::vector<std::uint64_t>(column.begin(), column.end());
-  });
-}
-
 void AdjacencyStore::insert(const EdgeEnds& more, Pace* pace) {
   const std::uint64_t count = more.count();
   const bool bulk = count >= kBulkInsertion && count > edges_ / 2;
@@ -224,7 +212,6 @@ bool AdjacencyStore::isWithin(std::uint64_t size) const {
 
 template <class Index>
 bool AdjacencyStore::relocate(AdjacencyLists<Index>& lists, std::uint64_t vertex) {
-  if (!lists.isPacked(vertex)) return true;
   const std::uint64_t slot = lists.slotForPacked(vertex);
   if (!isWithin<Index>(lists.poolSizeWith(slot))) return false;
   lists.relocate(vertex, slot);
@@ -240,7 +227,8 @@ bool AdjacencyStore::appendInPlace(Topology<Index>& topology, const EdgeEnds& mo
 
   // Where a list lies shows nowhere, so that it does no harm to stop here for want of memory.
   for (std::uint64_t i = 0; i < count; ++i) {
-    if (!relocate(topology.out, more.from[i]) || !relocate(in, more.to[i])) return false;
+    if (topology.out.isPacked(more.from[i]) && !relocate(topology.out, more.from[i])) return false;
+    if (in.isPacked(more.to[i]) && !relocate(in, more.to[i])) return false;
   }
   // How many places the lists will want is known only once all entries have been counted in.
   std::uint64_t outEntries = 0;

@@ -136,9 +136,21 @@ class AdjacencyStore {
   /// Entry k of a list, which it must have. O(1).
   [[nodiscard]] std::uint64_t neighbour(std::uint64_t vertex, std::uint64_t k, Side side) const;
   [[nodiscard]] std::uint64_t edge(std::uint64_t vertex, std::uint64_t k, Side side) const;
-  /// The two columns of one list.
-  [[nodiscard]] std::vector<std::uint64_t> neighbours(std::uint64_t vertex, Side side) const;
-  [[nodiscard]] std::vector<std::uint64_t> edges(std::uint64_t vertex, Side side) const;
+  /// The two columns of one list, in a vector of any kind.
+  template <class Indices = std::vector<std::uint64_t>>
+  [[nodiscard]] Indices neighbours(std::uint64_t vertex, Side side) const {
+    return visit([&](const auto& topology) {
+      const auto column = lists(topology, side).neighbours(vertex);
+      return Indices(column.begin(), column.end());
+    });
+  }
+  template <class Indices = std::vector<std::uint64_t>>
+  [[nodiscard]] Indices edges(std::uint64_t vertex, Side side) const {
+    return visit([&](const auto& topology) {
+      const auto column = lists(topology, side).edges(vertex);
+      return Indices(column.begin(), column.end());
+    });
+  }
 
   /// The lists of a side; in an undirected network always the out-lists.
   template <class Index>

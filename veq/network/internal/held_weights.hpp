@@ -50,7 +50,9 @@ class HeldWeights {
 
  private:
   void own(std::uint64_t capacity) {
-    if (all_.data() == own_.data()) return;
+    if (all_.data() != own_.data()) takeOver(capacity);
+  }
+  void takeOver(std::uint64_t capacity) {
     Weights copy;
     copy.reserve(std::max<std::uint64_t>(capacity, size()));
     copy.insert(copy.end(), all_.begin(), all_.end());

@@ -16,6 +16,12 @@ std::optional<HeldWeights> held(std::optional<Weights>& weights) {
   return HeldWeights(std::move(*weights));
 }
 
+// Most networks have no columns, small ones above all.
+void installAllOf(NetworkProperties& properties) {
+  if (!properties.vertices.empty()) installAll(properties.vertices);
+  if (!properties.edges.empty()) installAll(properties.edges);
+}
+
 }  // namespace
 
 NetworkCore::NetworkCore(NetworkDraft&& draft)
@@ -26,9 +32,7 @@ NetworkCore::NetworkCore(NetworkDraft&& draft)
       properties(std::make_shared<NetworkProperties>(std::move(draft.properties))),
       vertexCapacity(store.vertexCount()),
       edgesCapacity(store.edgeCount()) {
-  if (draft.columnsAreReady) return;
-  installAll(properties->vertices);
-  installAll(properties->edges);
+  if (!draft.columnsAreReady) installAllOf(*properties);
 }
 
 NetworkCore::NetworkCore(ForeignParts&& parts)
@@ -38,8 +42,7 @@ NetworkCore::NetworkCore(ForeignParts&& parts)
       properties(std::make_shared<NetworkProperties>(std::move(parts.properties))),
       vertexCapacity(store.vertexCount()),
       edgesCapacity(store.edgeCount()) {
-  installAll(properties->vertices);
-  installAll(properties->edges);
+  installAllOf(*properties);
 }
 
 NetworkCore::~NetworkCore() {
