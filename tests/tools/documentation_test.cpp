@@ -165,9 +165,8 @@ TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
   for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
     EXPECT_EQ(fishCompletions(command + " x --"), optionsOf(command)) << command;
   }
-  EXPECT_EQ(fishCompletions(""),
-            (std::set<std::string>{"info", "check", "walk", "convert", "generate", "components",
-                                   "help"}));
+  EXPECT_EQ(fishCompletions(""), (std::set<std::string>{"info", "check", "walk", "convert",
+                                                        "generate", "components", "help"}));
   EXPECT_EQ(
       fishCompletions("generate "),
       (std::set<std::string>{"barabasi", "random", "gnp", "gnm", "barabasi-albert", "configuration",

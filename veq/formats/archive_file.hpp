@@ -11,10 +11,9 @@
 namespace veq {
 
 /// Writes an archive of the network as encodeWithCoder() makes it, with what that does not keep;
-/// writeNetwork() writes one that keeps everything. False where the file cannot be written. Atomically, the old
-/// file is then whole. std::invalid_argument, before the file is touched, where a property cannot
-/// be archived.
-/// \ingroup files
+/// writeNetwork() writes one that keeps everything. False where the file cannot be written.
+/// Atomically, the old file is then whole. std::invalid_argument, before the file is touched, where
+/// a property cannot be archived. \ingroup files
 [[nodiscard]] VEQ_EXPORT bool writeArchiveToFile(const VEQNetwork& network, std::string_view path,
                                                  bool atomically);
 

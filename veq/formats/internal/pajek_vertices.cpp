@@ -69,8 +69,8 @@ void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex, Place
 
 void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode) {
   // A number in the text is all that may stand for the elements of these columns.
-  const std::uint64_t bytes = (names_.empty() ? 0 : sizeof(PropertyValue)) +
-                              (positions_.empty() ? 0 : 3 * sizeof(double));
+  const std::uint64_t bytes =
+      (names_.empty() ? 0 : sizeof(PropertyValue)) + (positions_.empty() ? 0 : 3 * sizeof(double));
   if (bytes != 0) requireMemory(draft.vertexCount, bytes);
   if (!names_.empty()) {
     std::vector<PropertyValue> names(draft.vertexCount);
