@@ -142,7 +142,8 @@ TEST(Documentation, TheManualPageHasEveryOptionOfEveryCommandAndNoOther) {
 
 TEST(Documentation, ManualPagesAreWellFormedAndSayTheVersion) {
   for (const std::string page :
-       {"veq.1", "veq-xnet.5", "veq-pajek.5", "veq-edges.5", "veq-archive.5"}) {
+       {"veq.1", "veq-xnet.5", "veq-pajek.5", "veq-edges.5", "veq-matrix-market.5", "veq-gml.5",
+        "veq-graphml.5", "veq-archive.5"}) {
     const std::string file = VEQ_MAN_PAGES "/" + page;
     EXPECT_NE(contentsOf(file).find("\"veq 0.9.0\""), std::string::npos) << page;
     if (!has("groff")) continue;
