@@ -34,6 +34,8 @@ def timed(benchmark):
 
     def time_it(call, rounds=5, setup=None, **extra):
         benchmark.extra_info.update(extra)
-        return benchmark.pedantic(call, setup=setup, rounds=rounds, iterations=1, warmup_rounds=1)
+        return benchmark.pedantic(
+            call, setup=setup, rounds=rounds, iterations=1, warmup_rounds=int(rounds > 1)
+        )
 
     return time_it

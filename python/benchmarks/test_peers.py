@@ -52,7 +52,7 @@ def built(ends):
 
 
 def rounds(library):
-    return 2 if library == "NetworkX" else 5
+    return 1 if library == "NetworkX" else 5
 
 
 @pytest.mark.parametrize("library", BUILD)

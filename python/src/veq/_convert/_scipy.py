@@ -39,7 +39,7 @@ def to_scipy(network: Network, dtype: Any) -> Any:
 def from_scipy(cls: type[Network], matrix: Any, directed: bool) -> Network:
     from scipy import sparse
 
-    entries = sparse.coo_array(matrix)
+    entries: Any = sparse.coo_array(matrix)
     rows, columns = entries.coords
     if entries.shape[0] != entries.shape[1]:
         raise ValueError(f"a matrix of shape {entries.shape}: as many columns as rows")
