@@ -2,10 +2,13 @@
 #include "fuzz/support/input.hpp"
 #include "fuzz/support/readings.hpp"
 #include "fuzz/support/target.hpp"
+#include "veq/readers/internal/reading_stream.hpp"
 #include "veq/readers/reading.hpp"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   veq::fuzz::silenceTheLog();
-  veq::fuzz::checkReading(veq::fuzz::textOf(data, size), veq::readers::readNetworkText);
+  const std::string_view bytes = veq::fuzz::textOf(data, size);
+  veq::fuzz::checkReading(bytes, veq::readers::readNetworkText);
+  veq::fuzz::checkPieces(bytes, veq::readers::readStream);
   return 0;
 }

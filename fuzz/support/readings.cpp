@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "fuzz/support/invariants.hpp"
 #include "veq/base/internal/encodings.hpp"
+#include "veq/formats/internal/guarded_reading.hpp"
 #include "veq/formats/writing.hpp"
 
 namespace veq::fuzz {
@@ -92,6 +94,44 @@ void checkReading(std::string_view bytes, const ReadText& read, std::optional<Fi
   checkWriting(reading.value());
 }
 
+void checkPieces(std::string_view bytes, const ReadStream& read, std::optional<FileFormat> format) {
+  ReadOptions options;
+  options.format = format;
+  options.mostVertices = kManyVertices;
+  options.mostBytes = 1 << 16;
+  const std::size_t piece =
+      1 + (bytes.empty() ? 0 : static_cast<unsigned char>(bytes.front()) % 64);
+  internal::ByteStream whole{std::string(bytes)};
+  std::string_view left = bytes;
+  internal::ByteStream pieces(
+      [&left](char* into, std::size_t capacity) {
+        const std::size_t count = std::min(capacity, left.size());
+        std::copy_n(left.begin(), count, into);
+        left.remove_prefix(count);
+        return count;
+      },
+      0, piece);
+  const Reading expected = read(whole, options, "");
+  const Reading found = read(pieces, options, "");
+  VEQ_CHECK(expected.hasValue() == found.hasValue());
+  VEQ_CHECK(expected.format() == found.format());
+  // An error in the middle of XML is seen before one at its end, or behind it.
+  if (!expected) {
+    if (expected.format() == FileFormat::kGraphMl) return;
+    VEQ_CHECK(expected.error().text() == found.error().text());
+    VEQ_CHECK(expected.error().place() == found.error().place());
+    return;
+  }
+  VEQ_CHECK_NO(
+      difference(imageOf(*expected.value().published()), imageOf(*found.value().published())));
+  VEQ_CHECK(expected.title() == found.title());
+  VEQ_CHECK(std::equal(expected.notes().begin(), expected.notes().end(), found.notes().begin(),
+                       found.notes().end(), [](const Note& a, const Note& b) {
+                         return a.kind == b.kind && a.place == b.place && a.text == b.text &&
+                                a.count == b.count;
+                       }));
+}
+
 void checkReading(std::string_view bytes, std::optional<FileFormat> format) {
   checkReading(
       bytes,
@@ -99,6 +139,7 @@ void checkReading(std::string_view bytes, std::optional<FileFormat> format) {
         return readNetworkText(std::move(text), options, name);
       },
       format);
+  checkPieces(bytes, internal::readStream, format);
 }
 
 }  // namespace veq::fuzz

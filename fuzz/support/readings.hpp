@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "veq/base/internal/byte_stream.hpp"
 #include "veq/formats/reading.hpp"
 
 namespace veq::fuzz {
@@ -17,6 +18,12 @@ using ReadText = std::function<Reading(std::string, const ReadOptions&, std::str
 /// is repaired or left out; an archive of it that gives it back.
 void checkReading(std::string_view bytes, const ReadText& read,
                   std::optional<FileFormat> format = std::nullopt);
+
+/// Holds what comes of bytes that arrive by small pieces against what comes of all of them at once.
+using ReadStream =
+    std::function<Reading(internal::ByteStream&, const ReadOptions&, std::string_view)>;
+void checkPieces(std::string_view bytes, const ReadStream& read,
+                 std::optional<FileFormat> format = std::nullopt);
 
 /// By the core's reader.
 void checkReading(std::string_view bytes, std::optional<FileFormat> format = std::nullopt);

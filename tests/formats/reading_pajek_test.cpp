@@ -134,7 +134,7 @@ TEST(ReadingPajek, RefusesMoreVerticesThanATextMayAskFor) {
   ReadOptions options;
   options.mostVertices = 3;
   EXPECT_EQ(summaryOf(read("*Vertices 4\n", options)),
-            "error 1:1 4 vertices, more than the 3 that a text of 12 bytes may have");
+            "error 1:1 4 vertices, more than the 3 that are allowed");
 }
 
 TEST(ReadingPajek, LeavesOutHowThingsAreDrawn) {

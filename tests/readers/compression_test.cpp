@@ -65,6 +65,20 @@ TEST(ReadingCompressed, RefusesWhatEndsTooEarlyOrIsDamaged) {
   }
 }
 
+TEST(ReadingCompressed, ReadsWhatIsLongerThanAPiece) {
+  std::string text;
+  for (int i = 0; i < 100'000; ++i) text += std::to_string(i) + " " + std::to_string(i + 1) + "\n";
+  for (const std::string& bytes : {zipped(text), zstded(text)}) {
+    const Reading reading = read(bytes);
+    EXPECT_EQ(reading.value().countVertices(), 100'001U);
+    EXPECT_EQ(reading.value().countEdges(), 100'000U);
+  }
+  // Zeros fill the last block of a tape.
+  EXPECT_EQ(summaryOf(read(zipped("1 2\n") + std::string(1000, '\0'))), "undirected 2: 0>1");
+  EXPECT_EQ(summaryOf(read(zipped("1 2\n") + "xx")),
+            "error 0:0 what gzip has compressed is damaged");
+}
+
 TEST(ReadingCompressed, RefusesBombs) {
   const std::string zeros(50'000'000, ' ');
   ReadOptions options;
@@ -76,6 +90,8 @@ TEST(ReadingCompressed, RefusesBombs) {
 }
 
 TEST(ReadingCompressed, NamesWhatItDoesNotRead) {
+  EXPECT_EQ(summaryOf(read(zipped(zstded("1 2\n")))),
+            "error 0:0 compressed twice; decompress it first");
   EXPECT_EQ(summaryOf(read("BZh91AY")),
             "error 0:0 compressed by bzip2, which is not read; decompress it first");
   EXPECT_EQ(summaryOf(readNetworkText(zipped("1 2\n"))),

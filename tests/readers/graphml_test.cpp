@@ -3,11 +3,13 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "tests/formats/reading_support.hpp"
 #include "veq/formats/writing.hpp"
 #include "veq/numeric/vector_arrays.hpp"
+#include "veq/readers/internal/reading_stream.hpp"
 #include "veq/readers/reading.hpp"
 
 namespace veq::test {
@@ -53,12 +55,12 @@ TEST(ReadingGraphMl, LeavesOutWhatNoNetworkHolds) {
       "<hyperedge/>\n<edge source=\"a\" target=\"b\" sourceport=\"p\"/></graph>\n<graph/>"));
   EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
   EXPECT_THAT(notesOf(reading),
-              ElementsAre("4:0 left out x1: a graph inside a node or an edge is left out",
-                          "5:0 left out x2: the ports of edges are left out",
-                          "6:0 left out x1: data of the key \"none\", which is not declared, is "
+              ElementsAre("4:14 left out x1: a graph inside a node or an edge is left out",
+                          "5:1 left out x2: the ports of edges are left out",
+                          "6:14 left out x1: data of the key \"none\", which is not declared, is "
                           "left out",
-                          "7:0 left out x1: an edge of more than two ends is left out",
-                          "9:0 left out x1: a second graph is left out"));
+                          "7:1 left out x1: an edge of more than two ends is left out",
+                          "9:1 left out x1: a second graph is left out"));
 }
 
 TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
@@ -66,19 +68,21 @@ TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
       graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"/><edge source=\"a\" target=\"a\"/>"
               "<edge source=\"a\" target=\"a\" directed=\"true\"/></graph>"));
   EXPECT_EQ(summaryOf(reading), "directed 1: 0>0 0>0");
-  EXPECT_THAT(notesOf(reading), ElementsAre("3:0 repaired x1: directed and undirected edges: all "
+  EXPECT_THAT(notesOf(reading), ElementsAre("3:47 repaired x1: directed and undirected edges: all "
                                             "are taken for directed"));
 }
 
 TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
-  EXPECT_EQ(summaryOf(read("<html></html>")), "error 0:0 XML, but no GraphML");
-  EXPECT_EQ(summaryOf(read(graphMl(""))), "error 0:0 GraphML without a graph");
+  EXPECT_EQ(summaryOf(read("<html></html>")), "error 1:1 XML, but no GraphML");
+  EXPECT_EQ(summaryOf(read(graphMl(""))), "error 2:1 GraphML without a graph");
   EXPECT_EQ(summaryOf(read(graphMl("<graph><edge source=\"a\" target=\"b\"/></graph>"))),
-            "error 3:0 an edge of node \"a\", which is not there");
+            "error 3:22 an edge of node \"a\", which is not there");
+  EXPECT_EQ(summaryOf(read(graphMl("<graph>\n<edge source=\"a\"/></graph>"))),
+            "error 4:1 an edge without a source or a target");
   EXPECT_EQ(summaryOf(read(graphMl("<graph><node id=\"a\"/><node id=\"a\"/></graph>"))),
-            "error 3:0 a second node \"a\"");
+            "error 3:22 a second node \"a\"");
   EXPECT_THAT(summaryOf(read(graphMl("<graph>\n<node id=\"a\">"))),
-              testing::StartsWith("error 5:0 XML: "));
+              testing::StartsWith("error 5:3 XML: "));
 }
 
 TEST(ReadingGraphMl, TakesWhatIsNoUtf8ForLatin1) {
@@ -89,8 +93,8 @@ TEST(ReadingGraphMl, TakesWhatIsNoUtf8ForLatin1) {
   EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("K\xC3\xB6ln"));
   EXPECT_THAT(
       notesOf(reading),
-      ElementsAre("1:0 taken x1: not UTF-8: the text is taken for ISO-8859-1",
-                  "3:0 left out x1: data of the key \"\xC3\xA9\", which is not declared, is "
+      ElementsAre("3:19 taken x1: not UTF-8: from here on the text is taken for ISO-8859-1",
+                  "3:25 left out x1: data of the key \"\xC3\xA9\", which is not declared, is "
                   "left out"));
   // Where the file says so there is nothing to be said.
   const Reading declared = read(
@@ -112,6 +116,73 @@ TEST(ReadingGraphMl, IsHarmedByNoHostileXml) {
   std::string deep = "<graphml><graph>";
   for (int depth = 0; depth < 1'000'000; ++depth) deep += "<a>";
   EXPECT_FALSE(read(deep));
+}
+
+/// A text that arrives some bytes at a time, as through a pipe, and goes on for ever if it is to.
+Reading readByPieces(std::string_view text, std::size_t piece, std::string_view further = "",
+                     std::size_t* bytes = nullptr) {
+  std::size_t read = 0;
+  internal::ByteStream stream(
+      [&](char* into, std::size_t capacity) {
+        std::size_t count = 0;
+        for (; count < capacity; ++count, ++read) {
+          if (read < text.size()) {
+            into[count] = text[read];
+          } else if (further.empty()) {
+            break;
+          } else {
+            into[count] = further[(read - text.size()) % further.size()];
+          }
+        }
+        if (read > 100'000'000) throw Error(ErrorKind::kFile, "read on and on");
+        return count;
+      },
+      0, piece);
+  Reading reading = readers::readStream(stream, {}, "");
+  if (bytes) *bytes = read;
+  return reading;
+}
+
+TEST(ReadingGraphMl, GivesByPiecesWhatTheWholeTextGives) {
+  const std::string texts[] = {
+      graphMl("<key id=\"w\" for=\"edge\" attr.name=\"weight\" attr.type=\"double\"/>\n"
+              "<graph edgedefault=\"directed\">\n<!-- <node id=\"c\"> and <edge -->\n"
+              "<edge source=\"b\" target=\"a\"><data key=\"w\">16777217</data></edge>\n"
+              "<node id=\"a\"/>\n<node id=\"b\"><![CDATA[<node id=\"a\"/>]]></node>\n"
+              "<node id=\"c &lt;node\"/><edge source=\"a\" target=\"a\" directed=\"false\"/>\n"
+              "<node id=\"d\"><graph><node id=\"e\"/><node id=\"f\"/></graph></node>"
+              "<edge source=\"a\" target=\"d\"><data key=\"no\"/></edge>\n</graph>"),
+      graphMl("<graph><node id=\"a\"/><node id=\"b\"/></graph>\n<graph><node id=\"a\"/></graph>"),
+      graphMl("<graph edgedefault=\"directed\"></graph>"),
+      graphMl("<graph><node id=\"a\"/>\n<node id=\"b\"/><edge source=\"a\" target=\"x\"/></graph>"),
+      graphMl("<graph><node id=\"a\"/>\n<node id=\"b\"/>\n<node id=\"a\"/></graph>"),
+      graphMl("<graph><node id=\"a\"/>\n<node id=\"b\"></edge></graph>"),
+  };
+  for (const std::string& text : texts) {
+    const Reading whole = read(text);
+    for (const std::size_t piece : {1, 5, 16, 60, 100}) {
+      const Reading pieces = readByPieces(text, piece);
+      EXPECT_EQ(summaryOf(pieces), summaryOf(whole)) << piece;
+      EXPECT_EQ(notesOf(pieces), notesOf(whole)) << piece;
+      if (whole) {
+        EXPECT_EQ(vertexTexts(pieces, "Name"), vertexTexts(whole, "Name"));
+      }
+    }
+  }
+  EXPECT_EQ(summaryOf(read(texts[0])), "directed 4: 1>0 0>0 0>3 w(16777216, 1, 1)");
+}
+
+TEST(ReadingGraphMl, IsNeverFarAheadOfTheReader) {
+  std::size_t bytes = 0;
+  const std::string begin = graphMl("").substr(0, 78) + "<graph>\n<node id=\"a\"/>\n";
+  EXPECT_EQ(summaryOf(readByPieces(begin + "<node id=\"a\"/>", std::size_t{1} << 18,
+                                   "<node id=\"b\"/>\n", &bytes)),
+            "error 5:1 a second node \"a\"");
+  EXPECT_LE(bytes, std::size_t{1} << 20);
+  EXPECT_THAT(summaryOf(readByPieces(begin + "<node id=\"c\"></edge>", std::size_t{1} << 18,
+                                     "<node id=\"b\"/>\n", &bytes)),
+              testing::StartsWith("error 5:"));
+  EXPECT_LE(bytes, std::size_t{1} << 20);
 }
 
 TEST(ReadingGraphMl, BringsBackAllThatIsWritten) {

@@ -1,9 +1,8 @@
 #include "veq/base/files.hpp"
 
-#include <cerrno>
-#include <cstdio>
 #include <new>
 
+#include "veq/base/internal/byte_stream.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
 namespace veq {
@@ -13,23 +12,10 @@ constexpr std::string_view kStandardStream = "-";
 
 Error lackOfMemory() { return Error(ErrorKind::kMemory, "not enough memory"); }
 
-Result<std::string> readStandardInput() {
-  std::string bytes;
-  std::size_t filled = 0;
-  while (std::feof(stdin) == 0) {
-    bytes.resize(internal::nextCapacity(bytes.size(), 0));
-    errno = 0;
-    filled += std::fread(bytes.data() + filled, 1, bytes.size() - filled, stdin);
-    if (std::ferror(stdin) != 0) return internal::fileError(internal::lastError());
-  }
-  bytes.resize(filled);
-  return bytes;
-}
-
 }  // namespace
 
 Result<std::string> readFile(std::string_view path) try {
-  return path == kStandardStream ? readStandardInput() : internal::readWholeFile(path);
+  return internal::readRest(internal::openedInput(path));
 } catch (const std::bad_alloc&) {
   return lackOfMemory();
 }

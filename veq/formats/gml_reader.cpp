@@ -49,8 +49,7 @@ class ColumnSet {
 /// # node key size2 is "Size (mm)"
 class MappedKeys {
  public:
-  explicit MappedKeys(std::string_view text) {
-    LineReader lines(text);
+  explicit MappedKeys(LineReader lines) {
     while (lines.next() && lines.line().substr(0, 2) == "# ") readComment(lines.line().substr(2));
   }
 
@@ -81,8 +80,8 @@ class MappedKeys {
 
 class GmlReader {
  public:
-  GmlReader(std::string_view text, ReadContext& context)
-      : keys_(text), tokens_(text), context_(context) {}
+  GmlReader(TextInput& text, ReadContext& context)
+      : keys_(LineReader(text)), tokens_(text), context_(context) {}
 
   NetworkDraft read() {
     bool found = false;
@@ -226,7 +225,7 @@ class GmlReader {
     }
     if (weights_.size() == 0 && !weight) return;
     if (!weight) noteNoWeight(place);
-    weights_.append(weight.value_or(1.0), length);
+    if (weights_.append(weight.value_or(1.0), length)) weights_.setPlace(place);
   }
 
   void noteNoWeight(Place place) {
@@ -313,7 +312,7 @@ class GmlReader {
 
 }  // namespace
 
-NetworkDraft readGml(std::string_view text, ReadContext& context) {
+NetworkDraft readGml(TextInput& text, ReadContext& context) {
   return GmlReader(text, context).read();
 }
 

@@ -64,7 +64,7 @@ Banner readBanner(const LineReader& lines) {
 
 class MatrixReader {
  public:
-  MatrixReader(std::string_view text, ReadContext& context) : lines_(text), context_(context) {}
+  MatrixReader(TextInput& text, ReadContext& context) : lines_(text), context_(context) {}
 
   NetworkDraft read() {
     lines_.next();
@@ -75,7 +75,7 @@ class MatrixReader {
     to_.reserve(from_.capacity());
     while (nextLine()) {
       if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
-      LineCursor cursor(lines_.line());
+      LineCursor cursor = lines_.cursor();
       cursor.skipBlanks();
       if (banner_.coordinate) {
         readEntry(cursor);
@@ -115,12 +115,13 @@ class MatrixReader {
     if (twoModes_ && banner_.symmetry != Symmetry::kGeneral) {
       failAt(lines_.place(), "a matrix of " + size() + " cannot be symmetric");
     }
-    context_.requireVertices(std::max(rows_, columns_), lines_.place());
-    if (twoModes_) context_.requireVertices(rows_ + columns_, lines_.place());
     sizePlace_ = lines_.place();
+    context_.requireVerticesSoFar(vertices(), sizePlace_);
     if (banner_.symmetry == Symmetry::kSkew && !banner_.coordinate) row_ = 1;
   }
 
+  /// Both are below 2^63, so that their sum is none that has gone round.
+  [[nodiscard]] std::uint64_t vertices() const { return twoModes_ ? rows_ + columns_ : rows_; }
   [[nodiscard]] std::string size() const {
     return std::to_string(rows_) + " rows and " + std::to_string(columns_) + " columns";
   }
@@ -196,10 +197,11 @@ class MatrixReader {
   void appendEdge(std::uint64_t from, std::uint64_t to, double value, std::size_t length) {
     from_.push_back(from);
     to_.push_back(to);
-    if (!banner_.pattern) weights_.append(value, length);
+    if (!banner_.pattern && weights_.append(value, length)) weights_.setPlace(lines_.place());
   }
 
   NetworkDraft finish() {
+    context_.requireVertices(vertices(), sizePlace_);
     if (banner_.coordinate && read_ != entries_) {
       failAt(sizePlace_, std::to_string(read_) + " entries instead of " + std::to_string(entries_));
     }
@@ -208,7 +210,7 @@ class MatrixReader {
       failAt(sizePlace_, "fewer numbers than those of " + size());
     }
     NetworkDraft draft;
-    draft.vertexCount = twoModes_ ? rows_ + columns_ : rows_;
+    draft.vertexCount = vertices();
     draft.directed = !twoModes_ && banner_.symmetry != Symmetry::kSymmetric;
     if (twoModes_) draft.properties.vertices.set("Mode", modeColumn(rows_, draft.vertexCount));
     if (!banner_.pattern) weights_.finish(draft, context_, kRounded);
@@ -235,7 +237,7 @@ class MatrixReader {
 
 }  // namespace
 
-NetworkDraft readMatrixMarket(std::string_view text, ReadContext& context) {
+NetworkDraft readMatrixMarket(TextInput& text, ReadContext& context) {
   return MatrixReader(text, context).read();
 }
 

@@ -7,8 +7,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "veq/base/files.hpp"
-#include "veq/base/internal/encodings.hpp"
+#include "veq/base/internal/byte_stream.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/gml.hpp"
 #include "veq/formats/internal/guarded_reading.hpp"
@@ -18,6 +17,7 @@
 #include "veq/formats/internal/network_archive.hpp"
 #include "veq/formats/internal/pajek_sections.hpp"
 #include "veq/formats/internal/read_context.hpp"
+#include "veq/formats/internal/text_input.hpp"
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -26,26 +26,20 @@
 namespace veq {
 namespace {
 
+using internal::ByteStream;
 using internal::NetworkDraft;
 using internal::ReadContext;
+using internal::TextInput;
 
-constexpr unsigned kEncodingCode = 60;
 constexpr unsigned kReservedCode = 61;
 
-Place placeAt(std::string_view text, std::size_t position) {
-  const std::string_view before = text.substr(0, position);
-  const std::size_t newline = before.rfind('\n');
-  const auto lines = static_cast<std::uint64_t>(std::count(before.begin(), before.end(), '\n'));
-  return {lines + 1, newline == before.npos ? position + 1 : position - newline};
-}
-
-NetworkDraft readXnetText(std::string_view text, ReadContext& context) {
-  std::size_t failedAt = 0;
-  std::optional<NetworkDraft> draft = internal::readXnet(text, &failedAt);
+NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
+  internal::XnetFailure failure;
+  std::optional<NetworkDraft> draft = internal::readXnet(text, &failure);
   if (!draft) {
-    internal::failAt(placeAt(text, failedAt),
-                     failedAt == text.size() ? "an index or a number of vertices that cannot be"
-                                             : "no number of vertices, or an empty name or key");
+    internal::failAt(failure.place, failure.atEnd
+                                        ? "an index or a number of vertices that cannot be"
+                                        : "no number of vertices, or an empty name or key");
   }
   internal::LineReader lines(text);
   while (draft->vertexCount > context.mostVertices() && lines.next()) {
@@ -59,7 +53,7 @@ NetworkDraft readXnetText(std::string_view text, ReadContext& context) {
 
 struct TextReader {
   FileFormat format;
-  NetworkDraft (*read)(std::string_view text, ReadContext& context);
+  NetworkDraft (*read)(TextInput& text, ReadContext& context);
 };
 constexpr std::array<TextReader, 6> kTextReaders{
     {{FileFormat::kXnet, readXnetText},
@@ -69,36 +63,26 @@ constexpr std::array<TextReader, 6> kTextReaders{
      {FileFormat::kMatrixMarket, internal::readMatrixMarket},
      {FileFormat::kGml, internal::readGml}}};
 
-/// The text in UTF-8, whatever the file has.
-std::string decoded(std::string bytes, ReadContext& context) {
-  const auto takenForLatin1 = [&](NoteKind kind, const char* why) {
-    context.note(kEncodingCode, kind, {1, 1},
-                 [&] { return std::string(why) + ": the text is taken for ISO-8859-1"; });
-    return internal::utf8FromLatin1(bytes);
-  };
-  if (internal::isValidUtf8(bytes)) {
-    const std::string_view text = internal::withoutByteOrderMark(bytes);
-    if (text.size() != bytes.size()) bytes.erase(0, bytes.size() - text.size());
-    return bytes;
+/// Where a text first has this, as a key in its header or its section.
+Place placeOf(std::string_view word, TextInput* text) {
+  if (!text) return {};
+  internal::LineReader lines(*text);
+  while (lines.next()) {
+    const std::size_t at = lines.line().find(word);
+    if (at != std::string_view::npos) return {lines.number(), at + 1};
   }
-  // A copy, because a mark that is broken leaves the bytes to be taken otherwise.
-  if (std::optional<std::string> text = internal::decodeAutomatically(std::string(bytes))) {
-    const bool isUtf16 = bytes.size() >= 2 && (bytes[0] == '\xFF' || bytes[0] == '\xFE');
-    return isUtf16 ? std::move(*text) : takenForLatin1(NoteKind::kTaken, "not UTF-8");
-  }
-  const bool isUtf16 = bytes[0] == '\xFF' || bytes[0] == '\xFE';
-  bytes.erase(0, isUtf16 ? 2 : 3);
-  return takenForLatin1(NoteKind::kRepaired,
-                        "what follows the byte-order mark is not what the mark says");
+  return {};
 }
 
-Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
+Result<Network> networkOf(NetworkDraft draft, ReadContext& context, TextInput* text) {
   for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
       if (draft.columnsAreReady || !internal::isReservedKey(key)) continue;
-      context.note(kReservedCode, NoteKind::kLeftOut, {}, [name = std::string(key)] {
-        return "the column \"" + name + "\" is left out, because weights and ends have such names";
-      });
+      context.note(kReservedCode, NoteKind::kLeftOut, placeOf(key, text),
+                   [name = std::string(key)] {
+                     return "the column \"" + name +
+                            "\" is left out, because weights and ends have such names";
+                   });
     }
   }
   const std::uint64_t vertices = draft.vertexCount;
@@ -122,12 +106,12 @@ Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
   return Network(std::move(shared));
 }
 
-Result<Network> readArchive(std::string_view bytes, ReadContext& context) {
+Result<Network> readArchive(const std::string& bytes, ReadContext& context) {
   VEQKeyedUnarchiver archive(bytes);
   internal::ArchivedEnds ends;
   NetworkDraft draft = internal::draftOfArchive(archive, ends);
   context.requireVertices(draft.vertexCount, {});
-  return networkOf(std::move(draft), context);
+  return networkOf(std::move(draft), context, nullptr);
 }
 
 Error compressed(std::string_view how) {
@@ -142,25 +126,30 @@ bool isLgl(std::string_view name) {
   return name.size() > 4 && internal::sameWord(name.substr(name.size() - 4), ".lgl");
 }
 
-Result<Network> readBytes(std::string bytes, std::string_view name, ReadContext& context,
-                          std::optional<FileFormat>& format) {
-  if (const std::string_view how = internal::compressionOf(bytes); !how.empty()) {
+Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& context,
+                        std::optional<FileFormat>& format) {
+  const std::string_view head = bytes.head();
+  if (const std::string_view how = internal::compressionOf(head); !how.empty()) {
     return compressed(how);
   }
-  if (!format && internal::isArchive(bytes)) format = FileFormat::kArchive;
-  if (format == FileFormat::kArchive) return readArchive(bytes, context);
-  if (bytes.empty()) return Error(ErrorKind::kFormat, "the file is empty");
+  if (!format && internal::isArchive(head)) format = FileFormat::kArchive;
+  if (format == FileFormat::kArchive) {
+    const std::string all = bytes.takeRest();
+    context.setBytes(all.size());
+    return readArchive(all, context);
+  }
+  if (head.empty()) return Error(ErrorKind::kFormat, "the file is empty");
   if (!format && isLgl(name)) {
     return Error(
         ErrorKind::kUnsupported,
         "LGL, which has the one end of its edges in lines that other lists have as comments, is "
         "not read; NCOL holds the same");
   }
-  const std::string text = decoded(std::move(bytes), context);
+  TextInput text(bytes, context);
   if (!format) format = internal::formatOfText(text, name);
   if (!format) return Error(ErrorKind::kFormat, "no format that is known");
   for (const TextReader& reader : kTextReaders) {
-    if (reader.format == *format) return networkOf(reader.read(text, context), context);
+    if (reader.format == *format) return networkOf(reader.read(text, context), context, &text);
   }
   if (*format == FileFormat::kGraphMl) {
     return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers");
@@ -173,7 +162,7 @@ Result<Network> readBytes(std::string bytes, std::string_view name, ReadContext&
 namespace internal {
 
 Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
-  return networkOf(std::move(draft), context);
+  return networkOf(std::move(draft), context, nullptr);
 }
 
 Reading guardedReading(
@@ -198,19 +187,28 @@ Reading guardedReading(
           std::move(context.title)};
 }
 
+Reading readStream(ByteStream& bytes, const ReadOptions& options, std::string_view name) {
+  try {
+    return guardedReading(options, bytes.expected(),
+                          [&](ReadContext& context, std::optional<FileFormat>& format) {
+                            return readAny(bytes, name, context, format);
+                          });
+  } catch (NotUtf8& late) {
+    return readNetworkText(std::move(late.bytes), options, name);
+  }
+}
+
 }  // namespace internal
 
 Reading readNetworkText(std::string bytes, const ReadOptions& options, std::string_view name) {
-  return internal::guardedReading(options, bytes.size(),
-                                  [&](ReadContext& context, std::optional<FileFormat>& format) {
-                                    return readBytes(std::move(bytes), name, context, format);
-                                  });
+  ByteStream stream(std::move(bytes));
+  return internal::readStream(stream, options, name);
 }
 
 Reading readNetwork(const std::string& path, const ReadOptions& options) {
-  Result<std::string> bytes = readFile(path);
+  Result<ByteStream> bytes = internal::openedInput(path);
   if (!bytes) return {bytes.error(), {}, {}, 0, {}};
-  return readNetworkText(std::move(bytes).value(), options, path);
+  return internal::readStream(bytes.value(), options, path);
 }
 
 }  // namespace veq

@@ -76,18 +76,19 @@ constexpr std::array<Writer, 8> kWriters{{{FileFormat::kXnet, writeXnetText},
                                           {FileFormat::kGraphMl, internal::writeGraphMl},
                                           {FileFormat::kArchive, writeArchiveBytes},
                                           {FileFormat::kCsv, internal::writeEdgeTable}}};
+constexpr Writer kVertexTable{FileFormat::kCsv, internal::writeVertexTable};
 
 /// Calls use(source of the bytes), and turns what a writer throws into errors.
 template <class Use>
-auto withSource(const Network& network, Result<Write*> write, const Progress& progress, Use use)
+auto withSource(const Network& network, Result<Writer> writer, const Progress& progress, Use use)
     -> decltype(use(ByteSource())) {
-  if (!write) return write.error();
+  if (!writer) return writer.error();
   const NetworkCore& core = CoreAccess::of(*network.published());
   const ByteSource source = [&](const ByteSink& sink) {
     internal::Pace pace(progress, core.store.vertexCount() + core.store.edgeCount());
     TextOutput out(sink, pace);
     try {
-      write.value()(core, out);
+      writer->write(core, out);
     } catch (const internal::SinkClosed&) {
       return false;
     }
@@ -115,9 +116,9 @@ Result<std::string> textOf(const ByteSource& source) {
   return text;
 }
 
-Result<Write*> writerOf(FileFormat format) {
+Result<Writer> writerOf(FileFormat format) {
   for (const Writer& writer : kWriters) {
-    if (writer.format == format) return writer.write;
+    if (writer.format == format) return writer;
   }
   return internal::unhandled(format, "written");
 }
@@ -143,12 +144,12 @@ Result<std::string> networkText(const Network& network, FileFormat format,
 
 Outcome writeVertexTable(const Network& network, const std::string& path,
                          const Progress& progress) {
-  return withSource(network, internal::writeVertexTable, progress,
+  return withSource(network, kVertexTable, progress,
                     [&](const ByteSource& source) { return writeFile(path, source); });
 }
 
 Result<std::string> vertexTableText(const Network& network, const Progress& progress) {
-  return withSource(network, internal::writeVertexTable, progress, textOf);
+  return withSource(network, kVertexTable, progress, textOf);
 }
 
 }  // namespace veq

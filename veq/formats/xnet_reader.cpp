@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <utility>
 #include <vector>
@@ -111,19 +112,41 @@ class ColumnDraft {
 /// Each step answers false where the whole read fails.
 class XnetReader {
  public:
-  XnetReader(std::string_view text, bool logs) : scanner_(text), logs_(logs) {}
+  XnetReader(TextInput& input, bool logs) : input_(input), scanner_(input.piece(0)), logs_(logs) {}
 
   std::optional<NetworkDraft> read() {
-    while (!scanner_.atEnd()) {
-      if (!readLine()) return std::nullopt;
-      scanner_.finishLine();
-    }
+    do {
+      while (!scanner_.atEnd()) {
+        if (!readLine()) return std::nullopt;
+        scanner_.finishLine();
+      }
+    } while (nextPiece());
     closeSection();
     return finish();
   }
-  [[nodiscard]] std::size_t position() const { return scanner_.position(); }
+  [[nodiscard]] XnetFailure failure() {
+    XnetFailure failure{{1, 1}, scanner_.atEnd() && input_.piece(piece_ + 1).empty()};
+    for (std::size_t i = 0; i <= piece_; ++i) {
+      const std::string_view text =
+          i < piece_ ? input_.piece(i) : input_.piece(i).substr(0, scanner_.position());
+      const std::size_t newline = text.rfind('\n');
+      failure.place.line += static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '\n'));
+      failure.place.column = newline == text.npos ? text.size() + 1 : text.size() - newline;
+    }
+    return failure;
+  }
 
  private:
+  /// Pieces end with lines, of which one that is empty may begin the next.
+  bool nextPiece() {
+    const std::string_view text = input_.piece(piece_ + 1);
+    if (text.empty()) return false;
+    ++piece_;
+    scanner_ = TextScanner(text);
+    scanner_.skipNewlines();
+    return true;
+  }
+
   bool readLine() {
     if (scanner_.match('#')) return readHeader();
     scanner_.skipBlanks();
@@ -248,6 +271,8 @@ class XnetReader {
     return draft;
   }
 
+  TextInput& input_;
+  std::size_t piece_ = 0;
   TextScanner scanner_;
   bool logs_;
   XnetSection section_ = XnetSection::kNone;
@@ -261,10 +286,10 @@ class XnetReader {
 
 }  // namespace
 
-std::optional<NetworkDraft> readXnet(std::string_view text, std::size_t* failedAt) {
-  XnetReader reader(text, failedAt == nullptr);
+std::optional<NetworkDraft> readXnet(TextInput& text, XnetFailure* failure) {
+  XnetReader reader(text, failure == nullptr);
   std::optional<NetworkDraft> draft = reader.read();
-  if (!draft && failedAt) *failedAt = reader.position();
+  if (!draft && failure) *failure = reader.failure();
   return draft;
 }
 

@@ -8,13 +8,14 @@
 #include <string_view>
 #include <vector>
 
+#include "veq/base/export.hpp"
 #include "veq/base/internal/memory.hpp"
 
 namespace veq::internal {
 
 /// From names to vertex indices. The names are views into a text that outlives the table. Each
 /// operation takes expected time O(length of the name), whoever chose the names.
-class NameTable {
+class VEQ_EXPORT NameTable {
  public:
   /// A name with its hash, made while the memory where it will be looked for is on its way.
   struct Hashed {

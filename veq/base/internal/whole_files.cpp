@@ -5,6 +5,7 @@
 #include <new>
 #include <variant>
 
+#include "veq/base/internal/byte_stream.hpp"
 #include "veq/base/internal/file_calls.hpp"
 
 namespace veq::internal {
@@ -12,18 +13,17 @@ namespace {
 
 constexpr std::size_t kFirstChunk = std::size_t{64} << 10;
 
-/// What is wrong with a path whatever lies on the disk.
-std::error_code errorOfPath(std::string_view path) {
-  if (path.empty()) return std::make_error_code(std::errc::no_such_file_or_directory);
-  if (path.find('\0') != path.npos) return std::make_error_code(std::errc::invalid_argument);
-  return {};
-}
-
 Outcome outcomeOf(const std::error_code& error) {
   return error ? Outcome(fileError(error)) : Outcome(std::monostate{});
 }
 
 }  // namespace
+
+std::error_code errorOfPath(std::string_view path) {
+  if (path.empty()) return std::make_error_code(std::errc::no_such_file_or_directory);
+  if (path.find('\0') != path.npos) return std::make_error_code(std::errc::invalid_argument);
+  return {};
+}
 
 std::error_code lastError() { return {errno != 0 ? errno : EIO, std::generic_category()}; }
 
@@ -40,21 +40,7 @@ ByteSource sourceOf(std::string_view bytes) {
   return [bytes](const ByteSink& sink) { return sink(bytes); };
 }
 
-Result<std::string> readWholeFile(std::string_view path) {
-  if (const std::error_code error = errorOfPath(path)) return fileError(error);
-  ReadableFile file(std::string{path});
-  std::string bytes;
-  std::size_t filled = 0;
-  while (!file.error()) {
-    if (filled == bytes.size()) bytes.resize(nextCapacity(bytes.size(), file.expectedSize()));
-    const std::size_t count = file.read(bytes.data() + filled, bytes.size() - filled);
-    if (count == 0) break;
-    filled += count;
-  }
-  if (file.error()) return fileError(file.error());
-  bytes.resize(filled);
-  return bytes;
-}
+Result<std::string> readWholeFile(std::string_view path) { return readRest(openedFile(path)); }
 
 Outcome writeWholeFile(std::string_view path, const ByteSource& bytes, bool atomically) {
   const std::error_code error = errorOfPath(path);

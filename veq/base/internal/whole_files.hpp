@@ -38,6 +38,9 @@ namespace veq::internal {
 /// and one byte more, so that the end is seen without growing, and then twice as much.
 [[nodiscard]] std::size_t nextCapacity(std::size_t size, std::uint64_t expected);
 
+/// What is wrong with a path whatever lies on the disk.
+[[nodiscard]] std::error_code errorOfPath(std::string_view path);
+
 /// What the system's last call in this thread failed with.
 [[nodiscard]] std::error_code lastError();
 

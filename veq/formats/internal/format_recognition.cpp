@@ -14,8 +14,7 @@ bool beginsWith(std::string_view text, std::string_view beginning) {
 }
 
 /// GML begins with keys and their values, of which one is "graph" with a list.
-bool isGml(std::string_view text) {
-  LineReader lines(text);
+bool isGml(LineReader lines) {
   constexpr std::uint64_t kMostLines = 100;
   bool graph = false;
   while (lines.number() < kMostLines && lines.next()) {
@@ -37,8 +36,7 @@ bool isGml(std::string_view text) {
 }
 
 /// What the first line says that is neither empty nor a comment, and comments that are headers.
-std::optional<FileFormat> formatOfLines(std::string_view text) {
-  LineReader lines(text);
+std::optional<FileFormat> formatOfLines(LineReader lines) {
   while (lines.next()) {
     const std::string_view line = withoutBlanks(lines.line());
     if (line.empty()) continue;
@@ -72,14 +70,15 @@ bool isArchive(std::string_view bytes) {
   return majorType == kMap && bytes.substr(0, 64).find("VEQ.") != bytes.npos;
 }
 
-std::optional<FileFormat> formatOfText(std::string_view text, std::string_view name) {
+std::optional<FileFormat> formatOfText(TextInput& input, std::string_view name) {
+  const std::string_view text = input.piece(0);
   const std::size_t first = text.find_first_not_of(" \t\r\n\v\f");
   if (first == text.npos) return std::nullopt;
   if (text[first] == '<') return FileFormat::kGraphMl;
-  if (const std::optional<FileFormat> format = formatOfLines(text)) return format;
-  if (isGml(text)) return FileFormat::kGml;
-  if (text.find('\0') != text.npos) return std::nullopt;
-  if (shapeOfList(text)) return FileFormat::kList;
+  if (const std::optional<FileFormat> format = formatOfLines(LineReader(input))) return format;
+  if (isGml(LineReader(input))) return FileFormat::kGml;
+  if (text.substr(0, ByteStream::kPiece).find('\0') != text.npos) return std::nullopt;
+  if (shapeOfList(LineReader(input))) return FileFormat::kList;
   return fileFormatOfSuffix(name);
 }
 

@@ -6,6 +6,7 @@
 #include "veq/base/export.hpp"
 #include "veq/base/result.hpp"
 #include "veq/formats/file_format.hpp"
+#include "veq/formats/internal/text_input.hpp"
 
 namespace veq::internal {
 
@@ -17,8 +18,7 @@ namespace veq::internal {
 
 /// The format of a text, from its content; the name's suffix decides where the content does not.
 /// Nothing where neither does.
-[[nodiscard]] VEQ_EXPORT std::optional<FileFormat> formatOfText(std::string_view text,
-                                                                std::string_view name);
+[[nodiscard]] std::optional<FileFormat> formatOfText(TextInput& text, std::string_view name);
 
 /// Why files of the format are not "read" or "written": nothing here does it, or there is no such
 /// format.

@@ -17,16 +17,27 @@ bool beginsNumber(char byte) { return isDigit(byte) || byte == '-' || byte == '+
 
 }  // namespace
 
+bool GmlTokens::nextPiece() {
+  const std::string_view text = input_.piece(piece_ + 1);
+  if (text.empty()) return false;
+  ++piece_;
+  before_ += text_.size();
+  text_ = text;
+  at_ = 0;
+  return true;
+}
+
 void GmlTokens::skipSpace() {
   // A line of which # is the first character is a comment.
-  while (at_ < text_.size()) {
+  while (hasMore()) {
     const char byte = text_[at_];
     if (byte == '\n' || (byte == '\r' && (at_ + 1 == text_.size() || text_[at_ + 1] != '\n'))) {
       ++line_;
-      lineStart_ = ++at_;
+      lineStart_ = before_ + ++at_;
     } else if (isBlank(byte)) {
       ++at_;
     } else if (byte == '#') {
+      // Pieces end with lines.
       while (at_ < text_.size() && text_[at_] != '\n' && text_[at_] != '\r') ++at_;
     } else {
       return;
@@ -36,20 +47,31 @@ void GmlTokens::skipSpace() {
 
 GmlTokens::Token GmlTokens::takeString() {
   Token token{Kind::kString, {}, place()};
-  const std::uint64_t begin = ++at_;
-  while (at_ < text_.size() && text_[at_] != '"') {
-    if (text_[at_++] != '\n') continue;
+  std::uint64_t begin = ++at_;
+  std::string* joined = nullptr;
+  for (;;) {
+    if (at_ == text_.size()) {
+      if (!joined) joined = &joined_.emplace_back();
+      *joined += text_.substr(begin);
+      if (!nextPiece()) failAt(token.place, "a quote that is not closed");
+      begin = 0;
+    }
+    const char byte = text_[at_++];
+    if (byte == '"') break;
+    if (byte != '\n') continue;
     ++line_;
-    lineStart_ = at_;
+    lineStart_ = before_ + at_;
   }
-  if (at_ == text_.size()) failAt(token.place, "a quote that is not closed");
-  token.text = text_.substr(begin, at_++ - begin);
+  token.text = text_.substr(begin, at_ - 1 - begin);
+  if (!joined) return token;
+  *joined += token.text;
+  token.text = *joined;
   return token;
 }
 
 GmlTokens::Token GmlTokens::next() {
   skipSpace();
-  if (at_ == text_.size()) return {Kind::kEnd, {}, place()};
+  if (!hasMore()) return {Kind::kEnd, {}, place()};
   const char byte = text_[at_];
   if (byte == '"') return takeString();
   Token token{Kind::kOpen, text_.substr(at_, 1), place()};

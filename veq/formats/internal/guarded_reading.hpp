@@ -5,8 +5,10 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string_view>
 
 #include "veq/base/export.hpp"
+#include "veq/base/internal/byte_stream.hpp"
 #include "veq/formats/internal/read_context.hpp"
 #include "veq/formats/reading.hpp"
 #include "veq/network/internal/network_draft.hpp"
@@ -21,5 +23,9 @@ namespace veq::internal {
 [[nodiscard]] VEQ_EXPORT Reading guardedReading(
     const ReadOptions& options, std::uint64_t bytes,
     const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read);
+
+/// Reads any format that the core knows. The name serves its suffix alone.
+[[nodiscard]] VEQ_EXPORT Reading readStream(ByteStream& bytes, const ReadOptions& options,
+                                            std::string_view name);
 
 }  // namespace veq::internal

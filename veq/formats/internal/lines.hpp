@@ -5,12 +5,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <optional>
 #include <string_view>
 
 #include "veq/base/internal/digit_text.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 #include "veq/base/result.hpp"
+#include "veq/formats/internal/text_input.hpp"
 
 namespace veq::internal {
 
@@ -24,50 +26,14 @@ namespace veq::internal {
   return text;
 }
 
-/// The lines of a text, which end with LF, CR LF, or, where there is no LF at all, CR.
-class LineReader {
- public:
-  explicit LineReader(std::string_view text)
-      : begin_(text.data()),
-        at_(text.data()),
-        end_(text.data() + text.size()),
-        newline_(text.find('\n') == text.npos && text.find('\r') != text.npos ? '\r' : '\n') {}
-
-  /// Goes to the next line; false behind the last one.
-  bool next() {
-    if (at_ == end_) return false;
-    ++number_;
-    const auto left = static_cast<std::size_t>(end_ - at_);
-    const auto* newline = static_cast<const char*>(std::memchr(at_, newline_, left));
-    line_ = {at_, newline ? static_cast<std::size_t>(newline - at_) : left};
-    at_ = newline ? newline + 1 : end_;
-    if (!line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
-    return true;
-  }
-  [[nodiscard]] std::string_view line() const { return line_; }
-  /// The bytes up to behind this line.
-  [[nodiscard]] std::uint64_t position() const { return static_cast<std::uint64_t>(at_ - begin_); }
-  /// From 1.
-  [[nodiscard]] std::uint64_t number() const { return number_; }
-  /// The place of something that stands in this line.
-  [[nodiscard]] Place placeOf(const char* at) const {
-    return {number_, static_cast<std::uint64_t>(at - line_.data()) + 1};
-  }
-  [[nodiscard]] Place place() const { return {number_, 1}; }
-
- private:
-  const char* begin_;
-  const char* at_;
-  const char* end_;
-  char newline_;
-  std::string_view line_;
-  std::uint64_t number_ = 0;
-};
-
 /// Walks once over a line.
 class LineCursor {
  public:
-  explicit LineCursor(std::string_view line) : at_(line.data()), end_(line.data() + line.size()) {}
+  explicit LineCursor(std::string_view line) : LineCursor(line, line.data() + line.size()) {}
+  /// A line that something follows which is part of no number, in memory that goes on up to there:
+  /// numbers are read faster where they are not the last bytes.
+  LineCursor(std::string_view line, const char* readable)
+      : at_(line.data()), end_(line.data() + line.size()), readable_(readable) {}
 
   [[nodiscard]] const char* at() const { return at_; }
   [[nodiscard]] bool atEnd() const { return at_ == end_; }
@@ -107,7 +73,7 @@ class LineCursor {
     if (at != end_ && (*at == '-' || *at == '+')) ++at;
     std::int64_t value = 0;
     const char* const digits = at;
-    if (kEightDigitsAtOnce && end_ - at >= 8) {
+    if (kEightDigitsAtOnce && readable_ - at >= 8) {
       const Digits first = leadingDigits(at);
       value = static_cast<std::int64_t>(first.value);
       at += first.count;
@@ -123,7 +89,7 @@ class LineCursor {
   }
   /// A word that is a number. Nothing, and nothing consumed, where there is another word.
   std::optional<double> readNumber() {
-    TextScanner scanner(rest());
+    TextScanner scanner({at_, static_cast<std::size_t>(readable_ - at_)});
     const std::optional<double> value = scanner.readDouble();
     if (!value) return std::nullopt;
     const char* const behind = at_ + scanner.position();
@@ -135,6 +101,76 @@ class LineCursor {
  private:
   const char* at_;
   const char* end_;
+  const char* readable_;
+};
+
+/// The lines of a text, which end with LF, CR LF, or, where there is no LF at all, CR.
+class LineReader {
+ public:
+  explicit LineReader(std::string_view text) { begin(text); }
+  /// Of a text that is read while it arrives, and outlives this.
+  explicit LineReader(TextInput& input) : input_(&input) { begin(input.piece(0)); }
+
+  /// Goes to the next line; false behind the last one.
+  bool next() {
+    if (at_ == end_ && !nextPiece()) return false;
+    ++number_;
+    const auto left = static_cast<std::size_t>(end_ - at_);
+    const auto* newline = static_cast<const char*>(std::memchr(at_, newline_, left));
+    line_ = {at_, newline ? static_cast<std::size_t>(newline - at_) : left};
+    at_ = newline ? newline + 1 : end_;
+    if (!line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
+    return true;
+  }
+  [[nodiscard]] std::string_view line() const { return line_; }
+  /// At the beginning of the line.
+  [[nodiscard]] LineCursor cursor() const { return {line_, end_}; }
+  /// The bytes up to behind this line.
+  [[nodiscard]] std::uint64_t position() const {
+    return before_ + static_cast<std::uint64_t>(at_ - begin_);
+  }
+  /// From 1.
+  [[nodiscard]] std::uint64_t number() const { return number_; }
+  /// The place of something that stands in this line.
+  [[nodiscard]] Place placeOf(const char* at) const {
+    return {number_, static_cast<std::uint64_t>(at - line_.data()) + 1};
+  }
+  [[nodiscard]] Place place() const { return {number_, 1}; }
+  /// The place of what may be a piece of this line; otherwise that of the line.
+  [[nodiscard]] Place placeOf(std::string_view piece) const {
+    const std::less<> before;
+    const bool isHere =
+        !before(piece.data(), line_.data()) && !before(line_.data() + line_.size(), piece.data());
+    return isHere ? placeOf(piece.data()) : place();
+  }
+
+ private:
+  void begin(std::string_view text) {
+    const bool hasOnlyCr = text.find('\n') == text.npos && text.find('\r') != text.npos;
+    newline_ = hasOnlyCr ? '\r' : '\n';
+    take(text);
+  }
+  void take(std::string_view text) {
+    begin_ = at_ = text.data();
+    end_ = at_ + text.size();
+  }
+  bool nextPiece() {
+    const std::string_view text = input_ ? input_->piece(++piece_) : std::string_view();
+    if (text.empty()) return false;
+    before_ = position();
+    take(text);
+    return true;
+  }
+
+  TextInput* input_ = nullptr;
+  std::size_t piece_ = 0;
+  std::uint64_t before_ = 0;
+  const char* begin_ = nullptr;
+  const char* at_ = nullptr;
+  const char* end_ = nullptr;
+  char newline_ = '\n';
+  std::string_view line_;
+  std::uint64_t number_ = 0;
 };
 
 /// The whole text as a number; nothing where it is none.

@@ -32,20 +32,21 @@ constexpr std::uint64_t kLinesAtOnce = 4096;
 
 /// What comes out of the lines, with ends that are integers.
 struct IntegerEdges {
-  RawVector<std::int64_t> from;
-  RawVector<std::int64_t> to;
+  /// As they would be in memory as signed integers.
+  RawVector<std::uint64_t> from;
+  RawVector<std::uint64_t> to;
   WeightColumn weights;
 };
 
 /// Reads a list of two integers a line, with a weight or without, quickly; nothing where a line is
 /// anything else.
-std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListShape& shape,
+std::optional<IntegerEdges> readIntegerEdges(TextInput& text, const ListShape& shape,
                                              ReadContext& context) {
   if (shape.headerLine != 0 || shape.separator == '"') return std::nullopt;
   const bool weighted = shape.weight == 2;
   const char separator = shape.separator == '\t' ? ' ' : shape.separator;
   IntegerEdges edges;
-  const std::size_t usual = text.size() / 16;
+  const std::uint64_t usual = text.expectedSize() / 8;
   edges.from.reserve(usual);
   edges.to.reserve(usual);
   if (weighted) edges.weights.reserve(usual);
@@ -61,7 +62,7 @@ std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListSh
   LineReader lines(text);
   while (lines.next()) {
     if (lines.number() % kLinesAtOnce == 0) context.pace.reach(lines.position());
-    LineCursor cursor(lines.line());
+    LineCursor cursor = lines.cursor();
     cursor.skipBlanks();
     const std::optional<std::int64_t> from = integer(cursor);
     if (!from) {
@@ -76,19 +77,21 @@ std::optional<IntegerEdges> readIntegerEdges(std::string_view text, const ListSh
       const char* const begin = cursor.at();
       const std::optional<double> weight = cursor.readNumber();
       if (!weight) return std::nullopt;
-      edges.weights.append(*weight, static_cast<std::size_t>(cursor.at() - begin));
+      if (edges.weights.append(*weight, static_cast<std::size_t>(cursor.at() - begin))) {
+        edges.weights.setPlace(lines.placeOf(begin));
+      }
     }
     cursor.skipBlanks();
     if (!cursor.atEnd()) return std::nullopt;
-    edges.from.push_back(*from);
-    edges.to.push_back(*to);
+    edges.from.push_back(static_cast<std::uint64_t>(*from));
+    edges.to.push_back(static_cast<std::uint64_t>(*to));
   }
   return edges;
 }
 
 /// A list as it lies there, in which the line of what is wrong is looked for once something is.
 struct ListText {
-  std::string_view text;
+  TextInput& text;
   const ListShape& shape;
 
   /// The first line for whose ends `isIt` holds.
@@ -101,7 +104,9 @@ struct ListText {
       if (lines.number() == shape.headerLine || isListComment(lines.line())) continue;
       splitter.split(lines.line(), fields);
       for (const std::size_t column : {shape.source, shape.target}) {
-        if (column < fields.size() && isIt(fields[column], column)) return lines.place();
+        if (column < fields.size() && isIt(fields[column], column)) {
+          return lines.placeOf(fields[column]);
+        }
       }
     }
     return {};
@@ -129,11 +134,8 @@ struct ListText {
   void requireVertices(std::uint64_t vertices, const ReadContext& context) const {
     if (vertices <= context.mostVertices()) return;
     std::unordered_set<std::string_view> seen;
-    // Fields lie in the text, unless they have quotes inside.
     context.requireVertices(vertices, placeWhere([&](std::string_view field, std::size_t) {
-                              const bool isInText = field.data() >= text.data() &&
-                                                    field.data() < text.data() + text.size();
-                              if (isInText && !field.empty()) seen.insert(field);
+                              if (!field.empty()) seen.insert(field);
                               return seen.size() > context.mostVertices();
                             }));
   }
@@ -145,11 +147,12 @@ void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
 }
 
 /// Ends that are to be indices as they stand.
-void takeAsIndices(NetworkDraft& draft, const RawVector<std::int64_t>& from,
-                   const RawVector<std::int64_t>& to, const ListText& list, ReadContext& context) {
+void takeAsIndices(NetworkDraft& draft, RawVector<std::uint64_t> from, RawVector<std::uint64_t> to,
+                   const ListText& list, ReadContext& context) {
   std::int64_t most = -1;
-  for (const RawVector<std::int64_t>* ends : {&from, &to}) {
-    for (const std::int64_t end : *ends) {
+  for (const RawVector<std::uint64_t>* ends : {&from, &to}) {
+    for (const std::uint64_t unsignedEnd : *ends) {
+      const auto end = static_cast<std::int64_t>(unsignedEnd);
       if (end < 0) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is no index");
       most = std::max(most, end);
     }
@@ -158,18 +161,19 @@ void takeAsIndices(NetworkDraft& draft, const RawVector<std::int64_t>& from,
     context.requireVertices(static_cast<std::uint64_t>(most) + 1, list.placeOfId(most));
   }
   draft.vertexCount = static_cast<std::uint64_t>(most) + 1;
-  draft.from = asIndices(from);
-  draft.to = asIndices(to);
+  draft.from = std::move(from);
+  draft.to = std::move(to);
 }
 
 /// Two kinds of vertices, each numbered from 1 on its own.
-void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
-                  RawVector<std::int64_t>& to, const ListText& list, ReadContext& context) {
+void takeTwoModes(NetworkDraft& draft, RawVector<std::uint64_t> from, RawVector<std::uint64_t> to,
+                  const ListText& list, ReadContext& context) {
   const ListShape& shape = list.shape;
   std::uint64_t sizes[2] = {shape.firstMode, shape.secondMode};
-  const RawVector<std::int64_t>* const sides[2] = {&from, &to};
+  const RawVector<std::uint64_t>* const sides[2] = {&from, &to};
   for (int side = 0; side < 2; ++side) {
-    for (const std::int64_t end : *sides[side]) {
+    for (const std::uint64_t unsignedEnd : *sides[side]) {
+      const auto end = static_cast<std::int64_t>(unsignedEnd);
       if (end < 1) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is below 1");
       sizes[side] = std::max(sizes[side], static_cast<std::uint64_t>(end));
     }
@@ -184,30 +188,29 @@ void takeTwoModes(NetworkDraft& draft, const RawVector<std::int64_t>& from,
     context.requireVertices(all, place.line > 0 ? place : list.placeOfComment(most));
   }
   draft.vertexCount = sizes[0] + sizes[1];
-  RawVector<std::uint64_t> sources = asIndices(from);
-  RawVector<std::uint64_t> targets = asIndices(to);
-  for (std::uint64_t& index : sources) --index;
-  for (std::uint64_t& index : targets) index += sizes[0] - 1;
-  draft.from = std::move(sources);
-  draft.to = std::move(targets);
+  for (std::uint64_t& index : from) --index;
+  for (std::uint64_t& index : to) index += sizes[0] - 1;
+  draft.from = std::move(from);
+  draft.to = std::move(to);
   draft.properties.vertices.set("Mode", modeColumn(sizes[0], draft.vertexCount));
 }
 
 /// Ends behind the given number of edges name vertices alone.
-void takeIntegerEnds(NetworkDraft& draft, RawVector<std::int64_t> from, RawVector<std::int64_t> to,
-                     std::uint64_t edges, const ListText& list, ReadContext& context) {
+void takeIntegerEnds(NetworkDraft& draft, RawVector<std::uint64_t> from,
+                     RawVector<std::uint64_t> to, std::uint64_t edges, const ListText& list,
+                     ReadContext& context) {
   if (context.options.idsAreIndices || list.shape.twoModes) {
     from.resize(edges);
     to.resize(edges);
-    return list.shape.twoModes ? takeTwoModes(draft, from, to, list, context)
-                               : takeAsIndices(draft, from, to, list, context);
+    const auto take = list.shape.twoModes ? takeTwoModes : takeAsIndices;
+    return take(draft, std::move(from), std::move(to), list, context);
   }
   setIds(draft, numberVertices(from, to));
   list.requireVertices(draft.vertexCount, context);
   from.resize(edges);
   to.resize(edges);
-  draft.from = asIndices(from);
-  draft.to = asIndices(to);
+  draft.from = std::move(from);
+  draft.to = std::move(to);
 }
 
 bool isDirected(const ListShape& shape, const ReadContext& context) {
@@ -217,7 +220,7 @@ bool isDirected(const ListShape& shape, const ReadContext& context) {
 /// Reads any list, field by field.
 class FieldReader {
  public:
-  FieldReader(std::string_view text, ListShape shape, ReadContext& context)
+  FieldReader(TextInput& text, ListShape shape, ReadContext& context)
       : text_(text),
         lines_(text),
         shape_(std::move(shape)),
@@ -305,7 +308,9 @@ class FieldReader {
                " is taken for 1";
       });
     }
-    if (weights_.size() == edges_) weights_.append(weight.value_or(1.0), cell.size());
+    if (weights_.size() == edges_ && weights_.append(weight.value_or(1.0), cell.size())) {
+      weights_.setPlace(lines_.placeOf(cell));
+    }
   }
 
   void addType(std::string_view cell) {
@@ -349,15 +354,16 @@ class FieldReader {
       return;
     }
     const auto idsOf = [&](const RawVector<std::uint64_t>& ends) {
-      RawVector<std::int64_t> numbers(ends.size());
-      std::transform(ends.begin(), ends.end(), numbers.begin(),
-                     [&](std::uint64_t index) { return (*ids)[index]; });
+      RawVector<std::uint64_t> numbers(ends.size());
+      std::transform(ends.begin(), ends.end(), numbers.begin(), [&](std::uint64_t index) {
+        return static_cast<std::uint64_t>((*ids)[index]);
+      });
       return numbers;
     };
-    RawVector<std::int64_t> sources = idsOf(from);
-    RawVector<std::int64_t> targets = idsOf(to);
+    RawVector<std::uint64_t> sources = idsOf(from);
+    RawVector<std::uint64_t> targets = idsOf(to);
     for (const std::string_view name : isolated_) {
-      sources.push_back(*LineCursor(name).readInteger());
+      sources.push_back(static_cast<std::uint64_t>(*LineCursor(name).readInteger()));
       targets.push_back(sources.back());
     }
     takeIntegerEnds(draft, std::move(sources), std::move(targets), edges_, list, context_);
@@ -376,7 +382,7 @@ class FieldReader {
     return numbers;
   }
 
-  std::string_view text_;
+  TextInput& text_;
   LineReader lines_;
   ListShape shape_;
   FieldSplitter splitter_;
@@ -393,8 +399,8 @@ class FieldReader {
 
 }  // namespace
 
-NetworkDraft readList(std::string_view text, ReadContext& context) {
-  std::optional<ListShape> shape = shapeOfList(text);
+NetworkDraft readList(TextInput& text, ReadContext& context) {
+  std::optional<ListShape> shape = shapeOfList(LineReader(text));
   if (!shape) {
     failAt({1, 1}, "no list of edges: no line has two columns");
   }

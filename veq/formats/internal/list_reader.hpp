@@ -1,8 +1,7 @@
 #pragma once
 
-#include <string_view>
-
 #include "veq/formats/internal/read_context.hpp"
+#include "veq/formats/internal/text_input.hpp"
 #include "veq/network/internal/network_draft.hpp"
 
 namespace veq::internal {
@@ -11,6 +10,6 @@ namespace veq::internal {
 /// semicolons. Where all ends are integers the vertices are these, in ascending order, with a
 /// column "Id"; otherwise they are the names, in the order of their first appearance. The draft
 /// takes nothing from the text, which may go. Throws Error.
-[[nodiscard]] NetworkDraft readList(std::string_view text, ReadContext& context);
+[[nodiscard]] NetworkDraft readList(TextInput& text, ReadContext& context);
 
 }  // namespace veq::internal

@@ -5,8 +5,6 @@
 #include <memory>
 #include <utility>
 
-#include "veq/formats/internal/lines.hpp"
-
 namespace veq::internal {
 namespace {
 
@@ -188,10 +186,9 @@ bool isListComment(std::string_view line) {
   return text.empty() || text.front() == '#' || text.front() == '%' || text.substr(0, 2) == "//";
 }
 
-std::optional<ListShape> shapeOfList(std::string_view text) {
+std::optional<ListShape> shapeOfList(LineReader lines) {
   ListShape shape;
   CommentReader comments;
-  LineReader lines(text);
   std::string_view first;
   std::string_view second;
   std::uint64_t firstLine = 0;

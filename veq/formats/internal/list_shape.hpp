@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/read_context.hpp"
 
 namespace veq::internal {
@@ -59,6 +60,6 @@ struct ListShape {
 [[nodiscard]] bool isListComment(std::string_view line);
 
 /// Nothing where no line holds two fields.
-[[nodiscard]] std::optional<ListShape> shapeOfList(std::string_view text);
+[[nodiscard]] std::optional<ListShape> shapeOfList(LineReader lines);
 
 }  // namespace veq::internal

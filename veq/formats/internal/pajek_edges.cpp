@@ -69,9 +69,11 @@ void PajekEdges::doubleUndirected() {
     doubled.begin(true, runs_[run].relation, runs_[run].relationName);
     for (std::uint64_t edge = runs_[run].first; edge < endOf(run); ++edge) {
       if (hasLayers_) doubled.layer_ = layers_[edge];
-      doubled.append(from_[edge], to_[edge], weights_.at(edge), WeightColumn::kUnknownLength);
+      doubled.append(from_[edge], to_[edge], weights_.at(edge), WeightColumn::kUnknownLength,
+                     weights_.place());
       if (runs_[run].arcs || from_[edge] == to_[edge]) continue;
-      doubled.append(to_[edge], from_[edge], weights_.at(edge), WeightColumn::kUnknownLength);
+      doubled.append(to_[edge], from_[edge], weights_.at(edge), WeightColumn::kUnknownLength,
+                     weights_.place());
     }
   }
   *this = std::move(doubled);

@@ -20,10 +20,11 @@ class PajekEdges {
   void setLayer(std::int64_t layer);
 
   /// Vertices are numbered from 0.
-  void append(std::uint64_t from, std::uint64_t to, double weight, std::size_t length) {
+  void append(std::uint64_t from, std::uint64_t to, double weight, std::size_t length,
+              Place place) {
     from_.push_back(from);
     to_.push_back(to);
-    weights_.append(weight, length);
+    if (weights_.append(weight, length)) weights_.setPlace(place);
     if (hasLayers_) layers_.resize(from_.size(), layer_);
   }
   void reserve(std::uint64_t edges);

@@ -1,7 +1,6 @@
 #include "veq/formats/internal/pajek_sections.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -9,9 +8,10 @@
 #include <vector>
 
 #include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/pajek_columns.hpp"
 #include "veq/formats/internal/pajek_edges.hpp"
+#include "veq/formats/internal/pajek_section_names.hpp"
 #include "veq/formats/internal/pajek_vertices.hpp"
-#include "veq/formats/internal/text_columns.hpp"
 
 namespace veq::internal {
 namespace {
@@ -26,50 +26,6 @@ enum NoteCode : unsigned {
   kBeforeSections
 };
 
-enum class Section {
-  kNone,
-  kLeftOut,
-  kNetwork,
-  kVertices,
-  kArcs,
-  kEdges,
-  kArcsList,
-  kEdgesList,
-  kMatrix,
-  kIntra,
-  kLinks,
-  kBipartite,
-  kColumn,
-};
-
-struct SectionName {
-  std::string_view word;
-  Section section;
-};
-constexpr std::array<SectionName, 16> kSections{{{"network", Section::kNetwork},
-                                                 {"vertices", Section::kVertices},
-                                                 {"arcs", Section::kArcs},
-                                                 {"arc", Section::kArcs},
-                                                 {"edges", Section::kEdges},
-                                                 {"edge", Section::kEdges},
-                                                 {"arcslist", Section::kArcsList},
-                                                 {"arclist", Section::kArcsList},
-                                                 {"edgeslist", Section::kEdgesList},
-                                                 {"edgelist", Section::kEdgesList},
-                                                 {"matrix", Section::kMatrix},
-                                                 {"intra", Section::kIntra},
-                                                 {"links", Section::kLinks},
-                                                 {"bipartite", Section::kBipartite},
-                                                 {"partition", Section::kColumn},
-                                                 {"vector", Section::kColumn}}};
-
-Section sectionOf(std::string_view word) {
-  for (const SectionName& each : kSections) {
-    if (sameWord(each.word, word)) return each.section;
-  }
-  return Section::kLeftOut;
-}
-
 std::string_view withoutQuotes(std::string_view text) {
   text = withoutBlanks(text);
   if (text.size() >= 2 && text.front() == '"' && text.back() == '"') {
@@ -80,14 +36,14 @@ std::string_view withoutQuotes(std::string_view text) {
 
 class PajekSections {
  public:
-  PajekSections(std::string_view text, ReadContext& context) : lines_(text), context_(context) {
-    edges_.reserve(text.size() / 16);
+  PajekSections(TextInput& text, ReadContext& context) : lines_(text), context_(context) {
+    edges_.reserve(text.expectedSize() / 16);
   }
 
   NetworkDraft read() {
     while (!ended_ && lines_.next()) {
       if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
-      LineCursor cursor(lines_.line());
+      LineCursor cursor = lines_.cursor();
       cursor.skipBlanks();
       if (cursor.atEnd() || cursor.startsWith('%') || cursor.startsWith('#')) continue;
       if (cursor.rest().substr(0, 2) == "/*") continue;
@@ -104,7 +60,8 @@ class PajekSections {
   // Headers
 
   void readHeader(LineCursor cursor) {
-    finishColumn();
+    // What follows a column belongs to no section until one begins.
+    if (columns_.end()) section_ = PajekSection::kNone;
     const char* const begin = cursor.at();
     while (!cursor.atEnd() && !isBlank(*cursor.at()) && *cursor.at() != ':') {
       cursor = LineCursor(cursor.rest().substr(1));
@@ -112,35 +69,38 @@ class PajekSections {
     const std::string_view word(begin, static_cast<std::size_t>(cursor.at() - begin));
     cursor.skipBlanks();
     // The size of a partition or vector stands in a header of its own.
-    if (section_ == Section::kColumn && sectionOf(word) == Section::kVertices) return;
+    if (section_ == PajekSection::kColumn && pajekSectionOf(word) == PajekSection::kVertices)
+      return;
     // So does that of a cluster or permutation.
-    if (section_ == Section::kLeftOut && count_ && sectionOf(word) == Section::kVertices) return;
-    section_ = sectionOf(word);
+    if (section_ == PajekSection::kLeftOut && count_ &&
+        pajekSectionOf(word) == PajekSection::kVertices)
+      return;
+    section_ = pajekSectionOf(word);
     switch (section_) {
-      case Section::kNetwork:
+      case PajekSection::kNetwork:
         return readNetworkHeader(cursor);
-      case Section::kVertices:
+      case PajekSection::kVertices:
         return readVerticesHeader(cursor);
-      case Section::kArcs:
-      case Section::kArcsList:
+      case PajekSection::kArcs:
+      case PajekSection::kArcsList:
         return beginEdges(true, cursor);
-      case Section::kEdges:
-      case Section::kEdgesList:
+      case PajekSection::kEdges:
+      case PajekSection::kEdgesList:
         return beginEdges(false, cursor);
-      case Section::kMatrix:
+      case PajekSection::kMatrix:
         return beginMatrix(cursor);
-      case Section::kIntra:
-      case Section::kLinks:
+      case PajekSection::kIntra:
+      case PajekSection::kLinks:
         noteFirst(firstEdges_);
         context_.noteEach(NoteKind::kTaken, lines_.place(),
                           "the lines of *" + std::string(word) + " are taken for edges");
         return edges_.begin(false, std::nullopt, {});
-      case Section::kBipartite:
+      case PajekSection::kBipartite:
         return readBipartiteHeader(cursor);
-      case Section::kColumn:
-        return beginColumn(word, cursor);
-      case Section::kLeftOut:
-      case Section::kNone:
+      case PajekSection::kColumn:
+        return columns_.begin(word, withoutQuotes(cursor.rest()), lines_.place());
+      case PajekSection::kLeftOut:
+      case PajekSection::kNone:
         context_.noteEach(NoteKind::kLeftOut, lines_.place(),
                           "the section *" + std::string(word) + " is left out");
     }
@@ -169,7 +129,8 @@ class PajekSections {
     if (*count < 0) failAt(lines_.placeOf(cursor.at()), "a negative number of vertices");
     const auto vertices = static_cast<std::uint64_t>(*count);
     if (count_ && *count_ != vertices) return beginAnotherNetwork();
-    context_.requireVertices(vertices, lines_.place());
+    context_.requireVerticesSoFar(vertices, lines_.place());
+    countPlace_ = lines_.place();
     if (largestEnd_ > vertices) failOutside(largestEnd_, vertices, largestPlace_);
     count_ = vertices;
     cursor.skipBlanks();
@@ -215,29 +176,29 @@ class PajekSections {
 
   void readLine(LineCursor& cursor) {
     switch (section_) {
-      case Section::kVertices:
+      case PajekSection::kVertices:
         return readVertex();
-      case Section::kArcs:
-      case Section::kEdges:
-      case Section::kLinks:
-      case Section::kBipartite:
+      case PajekSection::kArcs:
+      case PajekSection::kEdges:
+      case PajekSection::kLinks:
+      case PajekSection::kBipartite:
         return readEdge(cursor);
-      case Section::kIntra:
+      case PajekSection::kIntra:
         return readLayerEdge(cursor);
-      case Section::kArcsList:
-      case Section::kEdgesList:
+      case PajekSection::kArcsList:
+      case PajekSection::kEdgesList:
         return readList(cursor);
-      case Section::kMatrix:
+      case PajekSection::kMatrix:
         return readMatrixLine(cursor);
-      case Section::kColumn:
-        return column_->set(columnRow_++, withoutBlanks(lines_.line()));
-      case Section::kNone:
+      case PajekSection::kColumn:
+        return columns_.addCell(withoutBlanks(lines_.line()));
+      case PajekSection::kNone:
         context_.note(kBeforeSections, NoteKind::kLeftOut, lines_.place(), [&] {
           return "what stands before the first section is left out: " + shown(lines_.line());
         });
         return;
-      case Section::kNetwork:
-      case Section::kLeftOut:
+      case PajekSection::kNetwork:
+      case PajekSection::kLeftOut:
         return;
     }
   }
@@ -280,7 +241,7 @@ class PajekSections {
     const char* const begin = cursor.at();
     const std::optional<double> weight = cursor.readNumber();
     edges_.append(source, target, weight.value_or(1.0),
-                  static_cast<std::size_t>(cursor.at() - begin));
+                  static_cast<std::size_t>(cursor.at() - begin), lines_.placeOf(begin));
     cursor.skipBlanks();
     if (!cursor.atEnd()) {
       context_.note(kFurtherWords, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
@@ -304,7 +265,8 @@ class PajekSections {
       const std::optional<std::int64_t> end = cursor.readInteger();
       if (!end) break;
       // A negative end marks a line of weight -1.
-      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0);
+      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0,
+                    place);
     }
     if (cursor.atEnd() && first) return;
     context_.note(kNoEdge, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
@@ -318,7 +280,7 @@ class PajekSections {
     if (!count_) failAt(lines_.place(), "a matrix needs a number of vertices before it");
     requireWholeMatrix();
     rows_ = firstMode_.value_or(*count_);
-    columns_ = firstMode_ ? *count_ - *firstMode_ : *count_;
+    rowLength_ = firstMode_ ? *count_ - *firstMode_ : *count_;
     row_ = 0;
     cell_ = 0;
     beginEdges(!firstMode_, cursor);
@@ -335,17 +297,18 @@ class PajekSections {
       }
       if (*value != 0.0) {
         const std::uint64_t target = cell_ + (firstMode_ ? rows_ : 0);
-        edges_.append(row_, target, *value, static_cast<std::size_t>(cursor.at() - at));
+        edges_.append(row_, target, *value, static_cast<std::size_t>(cursor.at() - at),
+                      lines_.placeOf(at));
       }
-      if (++cell_ < columns_) continue;
+      if (++cell_ < rowLength_) continue;
       cell_ = 0;
       ++row_;
     }
   }
 
-  [[nodiscard]] bool isMatrixWhole() const { return columns_ == 0 || row_ == rows_; }
+  [[nodiscard]] bool isMatrixWhole() const { return rowLength_ == 0 || row_ == rows_; }
   [[nodiscard]] std::string matrixSize() const {
-    return std::to_string(rows_) + " times " + std::to_string(columns_);
+    return std::to_string(rows_) + " times " + std::to_string(rowLength_);
   }
   void requireWholeMatrix() const {
     if (isMatrixWhole()) return;
@@ -353,42 +316,13 @@ class PajekSections {
            "a matrix of " + matrixSize() + " numbers ends in row " + std::to_string(row_ + 1));
   }
 
-  // Partitions and vectors
-
-  void beginColumn(std::string_view word, LineCursor cursor) {
-    const std::string_view name = withoutQuotes(cursor.rest());
-    column_.emplace(std::string(name.empty() ? word : name));
-    columnRow_ = 0;
-    columnPlace_ = lines_.place();
-  }
-
-  void finishColumn() {
-    if (!column_ || columnRow_ == 0) return;
-    columnsRead_.push_back({std::move(*column_), columnRow_, columnPlace_});
-    column_.reset();
-    section_ = Section::kNone;
-  }
-
-  void setColumns(NetworkDraft& draft) {
-    for (const ColumnRead& read : columnsRead_) {
-      const std::string key = "\"" + read.column.key() + "\"";
-      if (read.rows != draft.vertexCount) {
-        context_.noteEach(NoteKind::kLeftOut, read.place,
-                          key + " has " + std::to_string(read.rows) + " values for " +
-                              std::to_string(draft.vertexCount) + " vertices and is left out");
-        continue;
-      }
-      context_.noteEach(NoteKind::kTaken, read.place,
-                        key + " is taken for a property of the vertices");
-      draft.properties.vertices.set(read.column.key(), read.column.finish(read.rows));
-    }
-  }
-
   NetworkDraft finish() {
-    finishColumn();
+    columns_.end();
     requireWholeMatrix();
     NetworkDraft draft;
-    if (!count_) {
+    if (count_) {
+      context_.requireVertices(*count_, countPlace_);
+    } else {
       const Place place = noCount_.value_or(firstArcs_.value_or(firstEdges_.value_or(Place{1, 1})));
       context_.note(kNoCount, NoteKind::kTaken, place, [&] {
         return "no number of vertices: " + std::to_string(largestEnd_) + " from the lines";
@@ -404,21 +338,16 @@ class PajekSections {
     if (firstMode_) {
       draft.properties.vertices.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
     }
-    setColumns(draft);
+    columns_.finish(draft, context_);
     return draft;
   }
 
-  struct ColumnRead {
-    TextColumn column;
-    std::uint64_t rows;
-    Place place;
-  };
-
   LineReader lines_;
   ReadContext& context_;
-  Section section_ = Section::kNone;
+  PajekSection section_ = PajekSection::kNone;
   bool ended_ = false;
   std::optional<std::uint64_t> count_;
+  Place countPlace_;
   std::optional<std::uint64_t> firstMode_;
   std::uint64_t largestEnd_ = 0;
   Place largestPlace_;
@@ -428,19 +357,16 @@ class PajekSections {
   PajekVertices vertices_;
   PajekEdges edges_;
   std::uint64_t rows_ = 0;
-  std::uint64_t columns_ = 0;
+  std::uint64_t rowLength_ = 0;
   std::uint64_t row_ = 0;
   std::uint64_t cell_ = 0;
   Place matrixPlace_;
-  std::optional<TextColumn> column_;
-  std::uint64_t columnRow_ = 0;
-  Place columnPlace_;
-  std::vector<ColumnRead> columnsRead_;
+  PajekColumns columns_;
 };
 
 }  // namespace
 
-NetworkDraft readPajekSections(std::string_view text, ReadContext& context) {
+NetworkDraft readPajekSections(TextInput& text, ReadContext& context) {
   return PajekSections(text, context).read();
 }
 

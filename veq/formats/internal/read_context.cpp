@@ -49,9 +49,11 @@ std::uint64_t ReadContext::mostVertices() const {
 
 void ReadContext::requireVertices(std::uint64_t vertices, Place place) const {
   if (vertices <= mostVertices()) return;
-  failAt(place, std::to_string(vertices) + " vertices, more than the " +
-                    std::to_string(mostVertices()) + " that a text of " + std::to_string(bytes_) +
-                    " bytes may have");
+  std::string text = std::to_string(vertices) + " vertices, more than the " +
+                     std::to_string(mostVertices()) + " that ";
+  text += options.mostVertices ? "are allowed"
+                               : "a text of " + std::to_string(bytes_) + " bytes may have";
+  failAt(place, std::move(text));
 }
 
 }  // namespace veq::internal

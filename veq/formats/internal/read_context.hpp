@@ -52,7 +52,22 @@ class VEQ_EXPORT ReadContext {
 
   /// An error where the text asks for more vertices than it may.
   void requireVertices(std::uint64_t vertices, Place place) const;
+  /// The same for a text that goes on, where its length may yet allow them; to be followed by the
+  /// other.
+  void requireVerticesSoFar(std::uint64_t vertices, Place place) const {
+    if (!growing_ || options.mostVertices) requireVertices(vertices, place);
+  }
   [[nodiscard]] std::uint64_t mostVertices() const;
+
+  /// How many bytes the text has.
+  void setBytes(std::uint64_t bytes) { bytes_ = bytes; }
+  /// Nobody knows: they are counted as they come.
+  void expectMore() {
+    growing_ = true;
+    bytes_ = 0;
+  }
+  void addBytes(std::uint64_t bytes) { bytes_ += bytes; }
+  void expectNoMore() { growing_ = false; }
 
   /// In the order of their places, those without one last.
   [[nodiscard]] std::vector<Note> takeNotes();
@@ -62,6 +77,7 @@ class VEQ_EXPORT ReadContext {
   void keep(Note note);
 
   std::uint64_t bytes_;
+  bool growing_ = false;
   std::vector<Note> notes_;
   std::uint64_t furtherNotes_ = 0;
   /// For each code the number of its note, from 1, or 0.

@@ -80,12 +80,14 @@ Shared<PropertyColumn> TextColumn::finish(std::uint64_t rows) const {
   return std::make_shared<GenericArray>(std::move(values));
 }
 
-void WeightColumn::look(double weight) {
+bool WeightColumn::look(double weight) {
   const float kept = weights_.back();
-  if (static_cast<double>(kept) == weight) return;
+  if (static_cast<double>(kept) == weight) return false;
   std::string text;
   appendShortest(text, kept);
-  if (leadingDouble(text) != weight) inexact_.push_back({weights_.size() - 1, weight});
+  if (leadingDouble(text) == weight) return false;
+  inexact_.push_back({weights_.size() - 1, weight});
+  return inexact_.size() == 1;
 }
 
 double WeightColumn::at(std::uint64_t edge) const {
@@ -100,7 +102,7 @@ void WeightColumn::finish(NetworkDraft& draft, ReadContext& context, unsigned no
   if (!inexact_.empty()) {
     const Exact& first = inexact_.front();
     const bool keep = context.options.keepWeights;
-    context.note(noteCode, keep ? NoteKind::kTaken : NoteKind::kRepaired, {}, [&] {
+    context.note(noteCode, keep ? NoteKind::kTaken : NoteKind::kRepaired, place_, [&] {
       std::string text = std::to_string(inexact_.size());
       text += inexact_.size() == 1 ? " weight is rounded to 32 bits: that of edge "
                                    : " weights are rounded to 32 bits: that of edge ";

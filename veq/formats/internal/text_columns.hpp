@@ -60,13 +60,16 @@ class VEQ_EXPORT WeightColumn {
   /// For a weight that comes from no text.
   static constexpr std::size_t kUnknownLength = SIZE_MAX;
 
-  /// The next edge's weight, with the length of its text.
-  void append(double weight, std::size_t length) {
+  /// The next edge's weight, with the length of its text. Answers whether it is the first that a
+  /// float does not hold, whose place is then to be told.
+  bool append(double weight, std::size_t length) {
     weights_.push_back(static_cast<float>(weight));
     differsFromOne_ |= weight != 1.0;
     // A float holds every decimal of six digits.
-    if (length > kSafeLength) look(weight);
+    return length > kSafeLength && look(weight);
   }
+  void setPlace(Place place) { place_ = place; }
+  [[nodiscard]] Place place() const { return place_; }
   void reserve(std::uint64_t edges) { weights_.reserve(edges); }
   [[nodiscard]] std::uint64_t size() const { return weights_.size(); }
   /// As the text says it where a float does not.
@@ -87,10 +90,11 @@ class VEQ_EXPORT WeightColumn {
   };
   static constexpr std::size_t kSafeLength = 6;
 
-  void look(double weight);
+  bool look(double weight);
 
   Weights weights_;
   std::vector<Exact> inexact_;
+  Place place_;
   bool differsFromOne_ = false;
 };
 

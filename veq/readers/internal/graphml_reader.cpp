@@ -1,34 +1,31 @@
 #include "veq/readers/internal/graphml_reader.hpp"
 
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
 #include <type_traits>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
-#include "veq/base/encodings.hpp"
-#include "veq/formats/internal/lines.hpp"
+#include "veq/base/internal/name_table.hpp"
 #include "veq/formats/internal/text_columns.hpp"
-#include "veq/numeric/generic_array.hpp"
-#include "veq/numeric/vector_arrays.hpp"
+#include "veq/readers/internal/graphml_columns.hpp"
+#include "veq/readers/internal/text_store.hpp"
+#include "veq/readers/internal/xml_pieces.hpp"
 
 namespace veq::readers {
 namespace {
 
+using internal::NameTable;
 using internal::NetworkDraft;
 using internal::RawVector;
 using internal::ReadContext;
-using internal::TextColumn;
 
 enum NoteCode : unsigned {
   kRounded,
+  kRoundedVertex,
   kMixed,
   kNested,
   kHyperedge,
@@ -37,120 +34,208 @@ enum NoteCode : unsigned {
   kNestedData,
   kSecondGraph,
   kNoWeight,
+  kNoVertexWeight,
   kEncoding
 };
 
-/// The name of an element without its namespace.
-std::string_view localName(const pugi::xml_node& node) {
-  const std::string_view name = node.name();
-  const std::size_t colon = name.find(':');
-  return colon == name.npos ? name : name.substr(colon + 1);
-}
+/// Nodes by their ids, and the ends of edges, which may come before their nodes.
+class Ends {
+ public:
+  explicit Ends(const XmlPieces& pieces) : pieces_(pieces) {}
 
-/// What a key declares.
-struct Key {
-  bool ofVertices = false;
-  bool ofEdges = false;
-  std::string name;
-  bool isText = false;
-  bool isWeight = false;
-  /// 2 or 3 for vectors, which GraphML itself does not know.
-  std::size_t dimensions = 0;
-  std::string_view byDefault;
-};
+  /// False where there is one of this id.
+  bool addVertex(std::string_view id) {
+    const std::uint64_t index = ids_.size();
+    const std::string_view kept = texts_.kept(id);
+    if (indices_.insert(kept, index) != index) return false;
+    ids_.push_back(kept);
+    return true;
+  }
+  /// The ids must stay until endPiece().
+  void addEdge(std::string_view source, std::string_view target) {
+    pending_.push_back(source);
+    pending_.push_back(target);
+  }
+  void endPiece() {
+    std::size_t end = 0;
+    indices_.forEach(pending_, [&](const NameTable::Hashed& id) {
+      const std::optional<std::uint64_t> index = indices_.find(id);
+      if (!index) {
+        early_.push_back(
+            {texts_.kept(id.name), 2 * from_.size() - end, pieces_.placeOf(id.name.data())});
+      }
+      (end == 0 ? from_ : to_).push_back(index.value_or(0));
+      end = 1 - end;
+    });
+    pending_.clear();
+  }
+  /// Finds the nodes of the ends that came before them.
+  void finish(NetworkDraft& draft) {
+    for (const Early& end : early_) {
+      const std::optional<std::uint64_t> index = indices_.find(end.id);
+      if (!index) {
+        internal::failAt(end.place,
+                         "an edge of node " + internal::shown(end.id) + ", which is not there");
+      }
+      (end.end % 2 == 0 ? from_ : to_)[end.end / 2] = *index;
+    }
+    draft.vertexCount = ids_.size();
+    draft.from = std::move(from_);
+    draft.to = std::move(to_);
+  }
 
-/// The values under one key of vertices or edges.
-struct Column {
-  explicit Column(const Key* declared) : key(declared), cells(declared->name) {}
+  [[nodiscard]] std::uint64_t edgeCount() const { return from_.size() + pending_.size() / 2; }
+  [[nodiscard]] const std::vector<std::string_view>& ids() const { return ids_; }
 
-  const Key* key;
-  TextColumn cells;
+ private:
+  struct Early {
+    std::string_view id;
+    /// Twice the edge, and one more for its target.
+    std::uint64_t end;
+    Place place;
+  };
+
+  const XmlPieces& pieces_;
+  TextStore texts_;
+  std::vector<std::string_view> ids_;
+  NameTable indices_;
+  std::vector<std::string_view> pending_;
+  RawVector<std::uint64_t> from_;
+  RawVector<std::uint64_t> to_;
+  std::vector<Early> early_;
 };
 
 class GraphMlReader {
  public:
-  GraphMlReader(std::string bytes, ReadContext& context)
-      : bytes_(std::move(bytes)), context_(context) {}
+  GraphMlReader(internal::ByteStream& bytes, ReadContext& context)
+      : context_(context),
+        pieces_(bytes, context, kEncoding),
+        ends_(pieces_),
+        vertexColumns_(true, context, kRoundedVertex, kNoVertexWeight),
+        edgeColumns_(false, context, kRounded, kNoWeight) {}
 
   NetworkDraft read() {
-    const pugi::xml_encoding encoding = decode();
-    const pugi::xml_parse_result parsed = document_.load_buffer_inplace(
-        bytes_.data(), bytes_.size(), pugi::parse_default | pugi::parse_ws_pcdata_single, encoding);
-    if (parsed.status == pugi::status_out_of_memory) throw std::bad_alloc();
-    // The bytes have been changed by the parser, but each line still ends where it did.
-    if (!parsed)
-      internal::failAt(placeAt(parsed.offset), std::string("XML: ") + parsed.description());
-    const pugi::xml_node root = document_.document_element();
-    if (localName(root) != "graphml") internal::failAt({}, "XML, but no GraphML");
-    pugi::xml_node graph;
-    for (const pugi::xml_node& child : root.children()) {
-      const std::string_view name = localName(child);
-      if (name == "key") readKey(child);
-      if (name != "graph") continue;
-      if (graph) {
-        note(kSecondGraph, NoteKind::kLeftOut, child.name(), "a second graph is left out");
-      } else {
-        graph = child;
-      }
+    while (const pugi::xml_node root = pieces_.next()) {
+      context_.pace.reach(pieces_.position());
+      if (localName(root) != "graphml") fail(root, "XML, but no GraphML");
+      root_ = placeOf(root);
+      readRoot(root);
+      ends_.endPiece();
     }
-    if (!graph) internal::failAt({}, "GraphML without a graph");
-    readGraph(graph);
+    if (!hasGraph_) internal::failAt(root_, "GraphML without a graph");
     return finish();
   }
 
  private:
-  struct Edge {
-    std::string_view source;
-    std::string_view target;
-    bool directed;
-  };
-
-  /// The parser takes whatever has no other mark for UTF-8, whether it is that or not.
-  pugi::xml_encoding decode() {
-    const std::string_view start = std::string_view(bytes_).substr(0, 4);
-    const bool isWide = start.find('\0') != start.npos || start.substr(0, 2) == "\xFF\xFE" ||
-                        start.substr(0, 2) == "\xFE\xFF";
-    if (isWide || isUtf8(bytes_)) return pugi::encoding_auto;
-    const std::string_view declaration = std::string_view(bytes_).substr(0, bytes_.find("?>"));
-    if (declaration.find("encoding=\"ISO-8859-1\"") == declaration.npos) {
-      note(kEncoding, NoteKind::kTaken, bytes_.data(),
-           "not UTF-8: the text is taken for ISO-8859-1");
+  void readRoot(const pugi::xml_node& root) {
+    bool isFirst = true;
+    for (const pugi::xml_node& child : root.children()) {
+      const std::string_view name = localName(child);
+      if (name == "key") keys_.declare(child);
+      if (name != "graph") continue;
+      if (!isFirst) note(kSecondGraph, NoteKind::kLeftOut, child, "a second graph is left out");
+      if (isFirst && !pieces_.goesOn()) readHeader(child);
+      if (isFirst) readElements(child);
+      isFirst = false;
     }
-    std::string utf8;
-    for (const char byte : bytes_) {
-      const auto code = static_cast<unsigned char>(byte);
-      if (code < 0x80) {
-        utf8 += byte;
-      } else {
-        utf8 += static_cast<char>(0xC0 | code >> 6);
-        utf8 += static_cast<char>(0x80 | (code & 0x3F));
+  }
+
+  void readHeader(const pugi::xml_node& graph) {
+    hasGraph_ = true;
+    directed_ = std::string_view(graph.attribute("edgedefault").as_string()) == "directed";
+    context_.title = graph.attribute("id").as_string();
+  }
+
+  void readElements(const pugi::xml_node& graph) {
+    for (const pugi::xml_node& child : graph.children()) {
+      const std::string_view name = localName(child);
+      if (name == "edge") {
+        readEdge(child);
+      } else if (name == "node") {
+        readVertex(child);
+      } else if (name == "hyperedge") {
+        note(kHyperedge, NoteKind::kLeftOut, child, "an edge of more than two ends is left out");
       }
     }
-    bytes_ = std::move(utf8);
-    return pugi::encoding_utf8;
   }
 
-  /// Where something stands that the parser has left in the bytes, as it does unless it had to
-  /// change their encoding.
-  [[nodiscard]] Place placeOf(const char* at) const {
-    if (at < bytes_.data() || at >= bytes_.data() + bytes_.size()) return {};
-    return placeAt(at - bytes_.data());
+  void readVertex(const pugi::xml_node& node) {
+    const std::uint64_t row = ends_.ids().size();
+    const std::string_view id = node.attribute("id").as_string();
+    if (!ends_.addVertex(id)) fail(node, "a second node " + internal::shown(id));
+    readData(node, row, vertexColumns_);
   }
 
-  [[nodiscard]] Place placeAt(std::ptrdiff_t offset) const {
-    const auto length =
-        std::min(static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0)), bytes_.size());
-    const auto end = bytes_.begin() + static_cast<std::ptrdiff_t>(length);
-    return {static_cast<std::uint64_t>(std::count(bytes_.begin(), end, '\n')) + 1, 0};
+  void readEdge(const pugi::xml_node& node) {
+    const std::uint64_t row = ends_.edgeCount();
+    std::string_view source;
+    std::string_view target;
+    bool directed = directed_;
+    for (const pugi::xml_attribute& attribute : node.attributes()) {
+      const std::string_view name = attribute.name();
+      if (name == "source") {
+        source = attribute.value();
+      } else if (name == "target") {
+        target = attribute.value();
+      } else if (name == "directed") {
+        directed = attribute.as_bool();
+      } else if (name == "sourceport" || name == "targetport") {
+        note(kPort, NoteKind::kLeftOut, node, "the ports of edges are left out");
+      }
+    }
+    if (!source.data() || !target.data()) fail(node, "an edge without a source or a target");
+    ends_.addEdge(source, target);
+    hasDirected_ |= directed;
+    if (!directed && !firstUndirected_) firstUndirected_ = placeOf(node);
+    readData(node, row, edgeColumns_);
+  }
+
+  void readData(const pugi::xml_node& node, std::uint64_t row, GraphMlColumns& columns) {
+    for (const pugi::xml_node& child : node.children()) {
+      const std::string_view name = localName(child);
+      if (name == "data") {
+        readValue(child, row, columns);
+      } else if (name == "graph") {
+        note(kNested, NoteKind::kLeftOut, child, "a graph inside a node or an edge is left out");
+      } else if (name == "port") {
+        note(kPort, NoteKind::kLeftOut, child, "the ports of edges are left out");
+      }
+    }
+    columns.endRow(row, [&] { return placeOf(node); });
+  }
+
+  void readValue(const pugi::xml_node& data, std::uint64_t row, GraphMlColumns& columns) {
+    const std::string_view id = data.attribute("key").as_string();
+    const GraphMlKey* const key = keys_.find(id);
+    if (!key) {
+      note(kUnknownKey, NoteKind::kLeftOut, data, [&] {
+        return "data of the key " + internal::shown(id) + ", which is not declared, is left out";
+      });
+    } else if (data.first_child().type() == pugi::node_element) {
+      note(kNestedData, NoteKind::kLeftOut, data, "data that is XML itself is left out");
+    } else {
+      columns.set(*key, row, textOf(data), [&] { return placeOf(data); });
+    }
+  }
+
+  /// All text of an element, which comments and CDATA may cut into pieces.
+  std::string_view textOf(const pugi::xml_node& data) {
+    const pugi::xml_node first = data.first_child();
+    if (!first) return "";
+    if (!first.next_sibling()) return first.value();
+    joined_.clear();
+    for (const pugi::xml_node& piece : data.children()) joined_ += piece.value();
+    return joined_;
   }
 
   /// Of the first case alone the line is looked for and the text, or what makes it, asked.
   template <class Text>
-  void note(unsigned code, NoteKind kind, const char* at, const Text& text) {
+  void note(unsigned code, NoteKind kind, const pugi::xml_node& node, const Text& text) {
     const bool isFirst = code >= noted_.size() || !noted_[code];
     if (code >= noted_.size()) noted_.resize(code + 1);
     noted_[code] = true;
-    context_.note(code, kind, isFirst ? placeOf(at) : Place{}, [&text]() -> std::string {
+    const Place place = isFirst ? placeOf(node) : Place{};
+    context_.note(code, kind, place, [&text]() -> std::string {
       if constexpr (std::is_invocable_v<const Text&>) {
         return text();
       } else {
@@ -159,266 +244,66 @@ class GraphMlReader {
     });
   }
 
-  void readKey(const pugi::xml_node& node) {
-    Key key;
-    const std::string_view of = node.attribute("for").as_string("all");
-    key.ofVertices = of == "node" || of == "all";
-    key.ofEdges = of == "edge" || of == "all";
-    const std::string_view id = node.attribute("id").as_string();
-    const std::string_view name = node.attribute("attr.name").as_string();
-    key.name = std::string(name.empty() ? id : name);
-    const std::string_view type = node.attribute("attr.type").as_string("string");
-    key.isText = type == "string" || type == "boolean";
-    const std::string_view kind = node.attribute("veq:kind").as_string();
-    key.dimensions = kind == "vector2d" ? 2 : kind == "vector3d" ? 3 : 0;
-    key.isWeight = kind == "weight" || (of == "edge" && name == "weight" && !key.isText);
-    for (const pugi::xml_node& child : node.children()) {
-      if (localName(child) == "default") key.byDefault = child.text().get();
-    }
-    declared_.push_back(std::make_unique<Key>(std::move(key)));
-    keys_.insert_or_assign(id, declared_.back().get());
+  /// That of the bracket before its name.
+  [[nodiscard]] Place placeOf(const pugi::xml_node& node) const {
+    return pieces_.placeOf(node.name() - 1);
   }
-
-  void readGraph(const pugi::xml_node& graph) {
-    directed_ = std::string_view(graph.attribute("edgedefault").as_string()) == "directed";
-    context_.title = graph.attribute("id").as_string();
-    std::uint64_t elements = 0;
-    for (const pugi::xml_node& child : graph.children()) {
-      const std::string_view name = localName(child);
-      if (name == "node") {
-        readVertex(child);
-      } else if (name == "edge") {
-        readEdge(child);
-      } else if (name == "hyperedge") {
-        note(kHyperedge, NoteKind::kLeftOut, child.name(),
-             "an edge of more than two ends is left out");
-      }
-      if (++elements % 4096 == 0) context_.pace.reach(elements);
-    }
-  }
-
-  void readVertex(const pugi::xml_node& node) {
-    const std::uint64_t row = ids_.size();
-    const std::string_view id = node.attribute("id").as_string();
-    if (!indices_.try_emplace(id, row).second) {
-      internal::failAt(placeOf(node.name()), "a second node " + internal::shown(id));
-    }
-    ids_.push_back(id);
-    readData(node, row, true);
-  }
-
-  void readEdge(const pugi::xml_node& node) {
-    const std::uint64_t row = edges_.size();
-    const pugi::xml_attribute own = node.attribute("directed");
-    if (node.attribute("sourceport") || node.attribute("targetport")) {
-      note(kPort, NoteKind::kLeftOut, node.name(), "the ports of edges are left out");
-    }
-    edges_.push_back({node.attribute("source").as_string(), node.attribute("target").as_string(),
-                      own ? own.as_bool() : directed_});
-    readData(node, row, false);
-  }
-
-  void readData(const pugi::xml_node& node, std::uint64_t row, bool ofVertices) {
-    for (const pugi::xml_node& child : node.children()) {
-      const std::string_view name = localName(child);
-      if (name == "data") {
-        readValue(child, row, ofVertices);
-      } else if (name == "graph") {
-        note(kNested, NoteKind::kLeftOut, child.name(),
-             "a graph inside a node or an edge is left out");
-      } else if (name == "port") {
-        note(kPort, NoteKind::kLeftOut, child.name(), "the ports of edges are left out");
-      }
-    }
-  }
-
-  void readValue(const pugi::xml_node& data, std::uint64_t row, bool ofVertices) {
-    const std::string_view id = data.attribute("key").as_string();
-    const auto key = keys_.find(id);
-    if (key == keys_.end()) {
-      note(kUnknownKey, NoteKind::kLeftOut, data.name(), [&] {
-        return "data of the key " + internal::shown(id) + ", which is not declared, is left out";
-      });
-      return;
-    }
-    if (data.first_child().type() == pugi::node_element) {
-      note(kNestedData, NoteKind::kLeftOut, data.name(), "data that is XML itself is left out");
-      return;
-    }
-    columnOf(*key->second, ofVertices).cells.set(row, textOf(data));
-  }
-
-  /// All text of an element, which comments and CDATA may cut into pieces.
-  std::string_view textOf(const pugi::xml_node& data) {
-    const pugi::xml_node first = data.first_child();
-    if (!first) return "";
-    if (!first.next_sibling()) return first.value();
-    auto whole = std::make_unique<std::string>();
-    for (const pugi::xml_node& piece : data.children()) *whole += piece.value();
-    texts_.push_back(std::move(whole));
-    return *texts_.back();
-  }
-
-  Column& columnOf(const Key& key, bool ofVertices) {
-    std::vector<Column>& columns = ofVertices ? vertexColumns_ : edgeColumns_;
-    // Data comes in the same order again and again.
-    for (std::size_t tried = 0; tried < columns.size(); ++tried) {
-      std::size_t& next = ofVertices ? nextVertexColumn_ : nextEdgeColumn_;
-      const std::size_t place = (next + tried) % columns.size();
-      if (columns[place].key != &key) continue;
-      next = place + 1;
-      return columns[place];
-    }
-    columns.emplace_back(&key);
-    return columns.back();
+  [[noreturn]] void fail(const pugi::xml_node& node, std::string text) const {
+    internal::failAt(placeOf(node), std::move(text));
   }
 
   NetworkDraft finish() {
     NetworkDraft draft;
-    draft.vertexCount = ids_.size();
-    draft.directed =
-        std::any_of(edges_.begin(), edges_.end(), [](const Edge& edge) { return edge.directed; }) ||
-        (edges_.empty() && directed_);
-    setEnds(draft);
-    setColumns(vertexColumns_, true, ids_.size(), draft);
-    setColumns(edgeColumns_, false, edges_.size(), draft);
+    const std::uint64_t edges = ends_.edgeCount();
+    ends_.finish(draft);
+    draft.directed = hasDirected_ || (!firstUndirected_ && directed_);
+    if (hasDirected_ && firstUndirected_) {
+      context_.note(kMixed, NoteKind::kRepaired, *firstUndirected_, [] {
+        return std::string("directed and undirected edges: all are taken for directed");
+      });
+    }
+    vertexColumns_.finish(keys_, draft.vertexCount, draft);
+    edgeColumns_.finish(keys_, edges, draft);
     setIds(draft);
     return draft;
   }
 
-  void setEnds(NetworkDraft& draft) {
-    RawVector<std::uint64_t> from;
-    RawVector<std::uint64_t> to;
-    from.reserve(edges_.size());
-    to.reserve(edges_.size());
-    const char* mixed = nullptr;
-    for (const Edge& edge : edges_) {
-      from.push_back(indexOf(edge.source));
-      to.push_back(indexOf(edge.target));
-      if (!mixed && edge.directed != draft.directed) mixed = edge.source.data();
-    }
-    if (mixed) {
-      note(kMixed, NoteKind::kRepaired, mixed,
-           "directed and undirected edges: all are taken for directed");
-    }
-    draft.from = std::move(from);
-    draft.to = std::move(to);
-  }
-
-  [[nodiscard]] std::uint64_t indexOf(std::string_view id) const {
-    const auto at = indices_.find(id);
-    if (at == indices_.end()) {
-      internal::failAt(placeOf(id.data()),
-                       "an edge of node " + internal::shown(id) + ", which is not there");
-    }
-    return at->second;
-  }
-
-  void setColumns(const std::vector<Column>& columns, bool ofVertices, std::uint64_t rows,
-                  NetworkDraft& draft) {
-    addDefaults(ofVertices, rows);
-    PropertyTable& table = ofVertices ? draft.properties.vertices : draft.properties.edges;
-    for (const Column& column : columns) {
-      const Key& key = *column.key;
-      if (key.isWeight) {
-        setWeights(column, ofVertices, rows, draft);
-      } else if (key.dimensions != 0) {
-        table.set(key.name, vectors(column, rows));
-      } else {
-        table.set(key.name,
-                  key.isText ? column.cells.finishAsText(rows) : column.cells.finish(rows));
-      }
-    }
-  }
-
-  void addDefaults(bool ofVertices, std::uint64_t rows) {
-    for (const std::unique_ptr<Key>& key : declared_) {
-      if (key->byDefault.empty() || !(ofVertices ? key->ofVertices : key->ofEdges)) continue;
-      TextColumn& cells = columnOf(*key, ofVertices).cells;
-      for (std::uint64_t row = 0; row < rows; ++row) {
-        if (!cells.at(row).data()) cells.set(row, key->byDefault);
-      }
-    }
-  }
-
-  void setWeights(const Column& column, bool ofVertices, std::uint64_t rows, NetworkDraft& draft) {
-    internal::WeightColumn weights;
-    for (std::uint64_t row = 0; row < rows; ++row) {
-      const std::string_view cell = internal::withoutBlanks(column.cells.at(row));
-      const std::optional<double> weight = internal::wholeNumber(cell);
-      if (!weight) {
-        const std::string_view where = ofVertices ? ids_[row] : edges_[row].source;
-        note(kNoWeight, NoteKind::kRepaired, where.data(), "no weight is taken for 1");
-      }
-      weights.append(weight.value_or(1.0), cell.size());
-    }
-    if (ofVertices) {
-      draft.verticesWeights = weights.take();
-    } else {
-      weights.finish(draft, context_, kRounded);
-    }
-  }
-
-  static Shared<PropertyColumn> vectors(const Column& column, std::uint64_t rows) {
-    std::array<std::vector<double>, 3> axes;
-    for (std::uint64_t row = 0; row < rows; ++row) {
-      const std::string_view cell = column.cells.at(row);
-      internal::LineCursor cursor(cell.data() ? cell : std::string_view(""));
-      for (std::vector<double>& axis : axes) {
-        cursor.skipBlanks();
-        axis.push_back(cursor.readNumber().value_or(0.0));
-      }
-    }
-    if (column.key->dimensions == 3) {
-      return VEQVector3dArray::initWithXd_Yd_Zd_count(axes[0].data(), axes[1].data(),
-                                                      axes[2].data(), rows);
-    }
-    Shared<VEQVector2dArray> plane =
-        VEQVector2dArray::initWithSize_precision(rows, kDoublePrecision);
-    for (std::uint64_t row = 0; row < rows; ++row) {
-      plane->setVector_atIndex({axes[0][row], axes[1][row]}, row);
-    }
-    return plane;
-  }
-
   /// The ids are the names where there are no others; ids that only count say nothing.
   void setIds(NetworkDraft& draft) const {
+    const std::vector<std::string_view>& ids = ends_.ids();
     const bool onlyCount = [&] {
-      for (std::uint64_t row = 0; row < ids_.size(); ++row) {
-        if (ids_[row] != "n" + std::to_string(row)) return false;
+      for (std::uint64_t row = 0; row < ids.size(); ++row) {
+        if (ids[row] != "n" + std::to_string(row)) return false;
       }
       return true;
     }();
     if (onlyCount) return;
     const char* const key = draft.properties.vertices.contains("Name") ? "Id" : "Name";
     if (!draft.properties.vertices.contains(key)) {
-      draft.properties.vertices.set(key, internal::nameColumn(ids_, ids_.size()));
+      draft.properties.vertices.set(key, internal::nameColumn(ids, ids.size()));
     }
   }
 
-  std::string bytes_;
   ReadContext& context_;
-  pugi::xml_document document_;
-  /// In their order, and by their ids.
-  std::vector<std::unique_ptr<Key>> declared_;
-  std::unordered_map<std::string_view, const Key*> keys_;
+  XmlPieces pieces_;
+  Ends ends_;
+  GraphMlKeys keys_;
+  GraphMlColumns vertexColumns_;
+  GraphMlColumns edgeColumns_;
+  Place root_;
+  bool hasGraph_ = false;
   bool directed_ = false;
-  std::vector<std::string_view> ids_;
-  std::unordered_map<std::string_view, std::uint64_t> indices_;
-  std::vector<Edge> edges_;
-  std::vector<Column> vertexColumns_;
-  std::vector<Column> edgeColumns_;
-  std::size_t nextVertexColumn_ = 0;
-  std::size_t nextEdgeColumn_ = 0;
-  std::vector<std::unique_ptr<std::string>> texts_;
+  bool hasDirected_ = false;
+  std::optional<Place> firstUndirected_;
+  std::string joined_;
   /// For each code whether it has been noted.
   std::vector<bool> noted_;
 };
 
 }  // namespace
 
-NetworkDraft readGraphMl(std::string bytes, ReadContext& context) {
-  return GraphMlReader(std::move(bytes), context).read();
+NetworkDraft readGraphMl(internal::ByteStream& bytes, ReadContext& context) {
+  return GraphMlReader(bytes, context).read();
 }
 
 }  // namespace veq::readers

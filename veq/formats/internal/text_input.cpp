@@ -1,0 +1,101 @@
+#include "veq/formats/internal/text_input.hpp"
+
+#include <optional>
+#include <utility>
+
+#include "veq/base/internal/encodings.hpp"
+
+namespace veq::internal {
+namespace {
+
+constexpr unsigned kEncodingCode = 60;
+
+bool hasUtf16Mark(std::string_view bytes) {
+  return bytes.substr(0, 2) == "\xFF\xFE" || bytes.substr(0, 2) == "\xFE\xFF";
+}
+
+}  // namespace
+
+std::string decoded(std::string bytes, ReadContext& context) {
+  const auto takenForLatin1 = [&](NoteKind kind, const char* why) {
+    context.note(kEncodingCode, kind, {1, 1},
+                 [&] { return std::string(why) + ": the text is taken for ISO-8859-1"; });
+    return utf8FromLatin1(bytes);
+  };
+  if (isValidUtf8(bytes)) {
+    const std::string_view text = withoutByteOrderMark(bytes);
+    if (text.size() != bytes.size()) bytes.erase(0, bytes.size() - text.size());
+    return bytes;
+  }
+  // A copy, because a mark that is broken leaves the bytes to be taken otherwise.
+  if (std::optional<std::string> text = decodeAutomatically(std::string(bytes))) {
+    return hasUtf16Mark(bytes) ? std::move(*text) : takenForLatin1(NoteKind::kTaken, "not UTF-8");
+  }
+  bytes.erase(0, hasUtf16Mark(bytes) ? 2 : 3);
+  return takenForLatin1(NoteKind::kRepaired,
+                        "what follows the byte-order mark is not what the mark says");
+}
+
+TextInput::TextInput(ByteStream& bytes, ReadContext& context) : context_(&context) {
+  const std::string_view head = bytes.head();
+  // What has no lines or is none of ASCII's kin is decoded as a whole.
+  const bool hasPieces = bytes.expected() == 0 && head.size() >= bytes.pieceSize() &&
+                         head.find('\n') != head.npos && !hasUtf16Mark(head);
+  if (!hasPieces) {
+    std::string all = bytes.takeRest();
+    context.setBytes(all.size());
+    pieces_.push_back(decoded(std::move(all), context));
+    return;
+  }
+  bytes_ = &bytes;
+  context.expectMore();
+}
+
+std::string_view TextInput::piece(std::size_t index) {
+  while (bytes_ && index >= pieces_.size() && readPiece()) {
+  }
+  if (index == 0 && pieces_.empty()) return only_;
+  if (index >= pieces_.size()) return {};
+  return std::string_view(pieces_[index]).substr(index == 0 ? mark_ : 0);
+}
+
+bool TextInput::readPiece() {
+  std::string piece = std::move(begun_);
+  begun_.clear();
+  std::size_t end = piece.npos;
+  while (end == piece.npos) {
+    const std::size_t filled = piece.size();
+    piece.resize(filled + bytes_->pieceSize());
+    const std::size_t count = bytes_->read(piece.data() + filled, bytes_->pieceSize());
+    piece.resize(filled + count);
+    context_->addBytes(count);
+    if (count == 0) {
+      bytes_ = nullptr;
+      context_->expectNoMore();
+      break;
+    }
+    end = std::string_view(piece).substr(filled).rfind('\n');
+    if (end == piece.npos) continue;
+    begun_ = piece.substr(filled + end + 1);
+    piece.resize(filled + end + 1);
+  }
+  if (piece.empty()) return false;
+  const bool isValid = isValidUtf8(piece);
+  if (pieces_.empty()) mark_ = piece.size() - withoutByteOrderMark(piece).size();
+  pieces_.push_back(std::move(piece));
+  if (!isValid) throw NotUtf8{takeBytes()};
+  return true;
+}
+
+std::string TextInput::takeBytes() {
+  std::string bytes;
+  for (std::string& piece : pieces_) {
+    bytes += piece;
+    std::string().swap(piece);
+  }
+  bytes += begun_;
+  if (bytes_) bytes += bytes_->takeRest();
+  return bytes;
+}
+
+}  // namespace veq::internal
