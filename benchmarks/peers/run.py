@@ -48,7 +48,7 @@ class Line:
 
 def size_of(call):
     """The most vertices, edges or numbers that a call speaks of."""
-    sizes = re.findall(r"\b[mn]=([0-9.e]+)|/([0-9.e]+)\.(?:net|xnet|edges|el|graphml|gml|mtx)\b", call)
+    sizes = re.findall(r"\b[mn]=([0-9.e]+)|/([0-9.e]+)\.(?:net|xnet|edges|el|graphml|gml|mtx|veqa)\b", call)
     return max((float(a or b) for a, b in sizes), default=0)
 
 
@@ -198,6 +198,9 @@ def any_file(work):
             read = f"read_any file={file(suffix)}"
             yield Line("any file", f"{name}, {size} edges", read,
                        [Peer("veq", f"read_{name.lower()} file={file(suffix)}", 1.1, "published")])
+        archive = f"read_archive_file file={file('veqa')}"
+        yield Line("any file", f"archive, {size} edges", f"read_any file={file('veqa')}",
+                   [Peer("veq", archive, 1.1, "published")])
         indices = f"read_indices file={file('el')}" + few
         yield Line("any file", f"list, {size} edges", f"read_any file={file('el')}",
                    [Peer("igraph", indices, 0.15, "edgelist, its fastest")])
@@ -228,6 +231,7 @@ def files(runner, work, lines):
         runner.once("base", f"write_file format=net m={size} out={work}/{size}.net reps=1")
         runner.once("base", f"write_file format=edges m={size} out={work}/{size}.edges reps=1")
         runner.once("veq", f"write_xnet m={size} out={work}/{size}.xnet reps=1")
+        runner.once("veq", f"write_archive_file m={size} out={work}/{size}.veqa reps=1")
         for suffix in ("el", "graphml", "gml", "mtx"):
             named = int(suffix in ("graphml", "gml"))
             runner.once("veq", f"write_any m={size} named={named} out={work}/{size}.{suffix} reps=1")

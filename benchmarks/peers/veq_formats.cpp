@@ -155,6 +155,24 @@ bool readArchive(const Arguments& arguments, Measurement& measurement) {
   return true;
 }
 
+/// A file of the published kind.
+bool writeArchiveFile(const Arguments& arguments, Measurement& measurement) {
+  VEQKeyedArchiver archiver;
+  namedNetworkOf(edgesOf(arguments, true))->encodeWithCoder(archiver);
+  const std::string path = arguments.text("out");
+  measurement.time([&] { return veq::writeFile(path, archiver.bytes()).hasValue(); },
+                   [](bool written) { return written; });
+  return true;
+}
+
+bool readArchiveFile(const Arguments& arguments, Measurement& measurement) {
+  return measureReading(arguments, measurement, [](const std::string& path) {
+    const std::string bytes = contentsOf(path);
+    VEQKeyedUnarchiver unarchiver(bytes);
+    return VEQNetwork::initWithCoder(unarchiver);
+  });
+}
+
 }  // namespace
 
 std::vector<Task> formatTasks() {
@@ -169,7 +187,9 @@ std::vector<Task> formatTasks() {
           {"encode_numbers", encodeNumbers},
           {"decode_numbers", decodeNumbers},
           {"write_archive", writeArchive},
-          {"read_archive", readArchive}};
+          {"read_archive", readArchive},
+          {"write_archive_file", writeArchiveFile},
+          {"read_archive_file", readArchiveFile}};
 }
 
 }  // namespace bench
