@@ -1,5 +1,6 @@
 #include <fstream>
 
+#include "veq/base/files.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/formats/writing.hpp"
 #include "veq_tasks.hpp"
