@@ -188,6 +188,21 @@ def test_tables_of_others():
     assert veq.Network(table["source"], table["target"]).num_edges == 2
 
 
+@pytest.mark.parametrize("library", ["pandas", "polars", "pyarrow"])
+def test_columns_of_every_library_go_in(library):
+    module = pytest.importorskip(library)
+    column = module.array if library == "pyarrow" else module.Series
+    network = veq.Network(column([0, 1]), column([1, 2]), edge_weights=column([0.5, 2.0]))
+    network.vertex_data["Age"] = column([31, 45, 27])
+    network.vertex_data["Name"] = column(["Ada", None, "Bob"])
+    assert network.edges.tolist() == [[0, 1], [1, 2]]
+    assert network.edge_weights.tolist() == [0.5, 2]
+    assert network.vertex_data["Age"].tolist() == [31, 45, 27]
+    assert network.vertex_data["Name"].tolist() == ["Ada", None, "Bob"]
+    with pytest.raises(ValueError, match="^edge 1: source -1$"):
+        veq.Network(column([0, -1]), column([1, 2]))
+
+
 def test_plot():
     matplotlib = pytest.importorskip("matplotlib")
     matplotlib.use("Agg")

@@ -73,6 +73,13 @@ def prepared(values: ArrayLike | Sequence[object], what: str) -> Column | list[o
         if array.ndim != 1:
             raise ValueError(f"{what}: an array of shape {array.shape}")
         listed = array.tolist()
+        if hasattr(
+            values, "isna"
+        ):  # What is missing in a column of pandas is NaN among texts, too.
+            listed = [
+                None if missing else value
+                for value, missing in zip(listed, values.isna(), strict=True)
+            ]
     kinds = set(map(type, listed))
     numbers = _alike(listed) if kinds == {int} else None
     if numbers is not None:
