@@ -2,9 +2,10 @@
 """Measures the library beside the peers that were built, and prints one table of ratios.
 
     run.py DIRECTORY [--only TASK[,TASK]] [--smallest SIZE] [--largest SIZE] [--rounds N] [--quick]
-           [--cpu N] [--work DIRECTORY] [--markdown]
+           [--cpu N] [--work DIRECTORY] [--markdown] [--against PROGRAM]
 
-DIRECTORY holds the programs. --largest leaves out the lines with more vertices, edges or numbers,
+DIRECTORY holds the programs. --against compares with this library's own program of another revision alone,
+in the lines that it offers: results must be equal, and the bar is 1.02. --largest leaves out the lines with more vertices, edges or numbers,
 --smallest those with fewer, --quick those with more than 1e5, for a look. Every line of the table compares medians of one run:
 the programs of a line take turns, `rounds` times, on one core. A bar is the largest ratio of our
 figure to the peer's that is good enough. Where results must be equal, the checksums are compared.
@@ -21,6 +22,8 @@ import time
 
 # Peers take seconds for a call of this size, so that fewer repetitions do.
 LARGE = 1e7
+# What a program ends with that does not offer a task.
+NOT_OFFERED = 3
 
 
 @dataclasses.dataclass
@@ -238,10 +241,11 @@ def files(runner, work, lines):
 
 
 class Runner:
-    def __init__(self, directory, cpu):
+    def __init__(self, directory, cpu, against):
         self.pin = ["taskset", "-c", cpu]
         names = ("veq", "base", "igraph", "boost", "networkx")
         programs = {name: os.path.join(directory, name + "_bench") for name in names}
+        programs["before"] = against
         self.programs = {n: p for n, p in programs.items() if os.path.exists(p)}
         for name in names:
             if name not in self.programs:
@@ -250,7 +254,7 @@ class Runner:
     def once(self, program, call):
         """One process: (figures by name, checksum). The time is in seconds."""
         command = [*self.pin, self.programs[program], *call.split()]
-        if program != "veq" and "reps=" not in call and size_of(call) >= LARGE:
+        if program not in ("veq", "before") and "reps=" not in call and size_of(call) >= LARGE:
             command.append("reps=3")
         row = subprocess.run(command, check=True, capture_output=True, text=True).stdout
         _, parameters, median, _, _, _, checksum = row.strip().split(",")
@@ -264,8 +268,9 @@ class Runner:
         figure = line.figure or "seconds"
         measured = [[] for _ in calls]
         checksums = [None for _ in calls]
-        for _ in range(rounds):
-            for i, (program, call) in enumerate(calls):
+        for round in range(rounds):
+            turns = list(enumerate(calls))
+            for i, (program, call) in turns if round % 2 == 0 else reversed(turns):
                 figures, checksums[i] = self.once(program, call)
                 measured[i].append(float(figures[figure]))
         medians = [statistics.median(m) for m in measured]
@@ -274,6 +279,19 @@ class Runner:
                 raise SystemExit(f"{line.name}: {peer.program} has another result: "
                                  f"{checksum} instead of {checksums[0]}")
         return medians[0], list(zip(peers, medians[1:]))
+
+
+    def offers(self, program, line):
+        command = [*self.pin, self.programs[program], *line.call.split(), "reps=1"]
+        return subprocess.run(command, capture_output=True).returncode != NOT_OFFERED
+
+
+def against(runner, lines):
+    """The lines that the other revision offers, with it alone beside them."""
+    for line in lines:
+        if runner.offers("before", line):
+            same = "write" not in line.call  # what is written may be said in other words
+            yield dataclasses.replace(line, limit=0, peers=[Peer("before", line.call, 1.02, same=same)])
 
 
 def shown(value, figure):
@@ -296,12 +314,13 @@ def main():
     options.add_argument("--cpu", default="1")
     options.add_argument("--work", default="")
     options.add_argument("--markdown", action="store_true")
+    options.add_argument("--against", default="")
     options = options.parse_args()
     if options.quick:
         options.largest = min(options.largest, 1e5)
     begin = time.monotonic()
     only = [name for name in options.only.split(",") if name]
-    runner = Runner(options.directory, options.cpu)
+    runner = Runner(options.directory, options.cpu, options.against)
 
     with tempfile.TemporaryDirectory() as temporary:
         work = options.work or temporary
@@ -311,6 +330,8 @@ def main():
         lines = [l for l in lines if not only or l.group in only]
         lines = [l for l in lines if options.smallest <= l.size <= options.largest]
         files(runner, work, lines)
+        if options.against:
+            lines = against(runner, lines)
         table = (lambda *cells: print("| " + " | ".join(cells) + " |", flush=True)) \
             if options.markdown else \
             (lambda *cells: print("%-24s %-32s %10s  %-28s %10s %8s %7s %s" % cells, flush=True))
