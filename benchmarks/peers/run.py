@@ -287,9 +287,10 @@ class Runner:
 
 
 def against(runner, lines):
-    """The lines that the other revision offers, with it alone beside them."""
+    """The lines that the other revision offers, with it alone beside them. What is good when it is large, such
+    as a speed, is a time in another line."""
     for line in lines:
-        if runner.offers("before", line):
+        if line.limit >= 0 and runner.offers("before", line):
             same = "write" not in line.call  # what is written may be said in other words
             yield dataclasses.replace(line, limit=0, peers=[Peer("before", line.call, 1.02, same=same)])
 

@@ -1,17 +1,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "tests/support/log_capture.hpp"
 #include "tests/support/thrown_text.hpp"
+#include "veq/natural/internal/core_of.hpp"
 #include "veq/network.hpp"
 #include "veq/questions.hpp"
+#include "veq/questions/internal/strong_components.hpp"
 
 namespace veq::test {
 namespace {
@@ -415,6 +419,40 @@ TEST(QuestionsTest, LongOnesCanBeStopped) {
   expectStopped(componentNetworks(network, Connection::kWeak, {.progress = stopped()}));
   expectStopped(largestComponent(network, Connection::kWeak, {.progress = stopped()}));
   expectStopped(pageRank(network, {.progress = stopped()}));
+  expectStopped(components(network, Connection::kWeak, stopped()));
+  expectStopped(components(network, Connection::kStrong, stopped()));
+  expectStopped(triangles(network, stopped()));
+  expectStopped(countTriangles(network, stopped()));
+  expectStopped(localClustering(network, stopped()));
+  expectStopped(averageClustering(network, WithoutPairs::kZero, stopped()));
+  expectStopped(transitivity(network, stopped()));
+  expectStopped(coreNumbers(network, Direction::kAll, stopped()));
+}
+
+// Vertices are told of in thousands, wherever the search is, and an observer that ends the work
+// does so at once.
+TEST(QuestionsTest, ComponentsAreFollowedWhileTheyAreFound) {
+  constexpr std::uint64_t kLength = 40'000;
+  for (const bool strong : {false, true}) {
+    const Network network = path(kLength - 1, strong);
+    const internal::AdjacencyStore& store = internal::coreOf(network).store;
+    std::vector<std::uint64_t> told;
+    Progress progress;
+    progress.observer = [&](std::uint64_t done, std::uint64_t all) {
+      EXPECT_EQ(all, kLength);
+      told.push_back(done);
+      if (told.size() == 3) throw std::runtime_error("enough");
+    };
+    const auto find = [&] {
+      internal::Pace pace(progress, kLength, std::chrono::milliseconds(0));
+      return store.visit([&](const auto& topology) {
+        return internal::componentsOf(store, topology, strong, &pace).sizes.size();
+      });
+    };
+    EXPECT_EQ(find(), strong ? kLength : 1U);
+    EXPECT_THAT(told, ElementsAre(16'384, 32'768));
+    EXPECT_THROW(find(), std::runtime_error);
+  }
 }
 
 }  // namespace

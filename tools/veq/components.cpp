@@ -125,18 +125,24 @@ void runComponents(const ComponentsArguments& arguments) {
   const VEQNetwork& network = *loaded.network;
   const Network value(loaded.network);
   ComponentLabels labels;
-  watch("finding components", [&] { labels = components(value); });
+  watch("finding components", [&](const Progress& progress) {
+    labels = made(components(value, Connection::kWeak, progress));
+  });
   std::ostream& out = reportFor(outputs);
   answer(out, loaded.name, network, labels.sizes.size(), sizesOf(labels), arguments);
   out.flush();
   if (!arguments.largest.file.empty()) {
     std::optional<Network> largest;
-    watch("making the largest component", [&] { largest = made(largestComponent(value)).network; });
+    watch("making the largest component", [&](const Progress& progress) {
+      largest = made(largestComponent(value, Connection::kWeak, {.progress = progress})).network;
+    });
     saveNetwork(largest->published(), arguments.largest);
   }
   if (arguments.splitDirectory.empty()) return;
   std::vector<DerivedNetwork> parts;
-  watch("making the components", [&] { parts = made(componentNetworks(value)); });
+  watch("making the components", [&](const Progress& progress) {
+    parts = made(componentNetworks(value, Connection::kWeak, {.progress = progress}));
+  });
   splitInto(arguments.splitDirectory, arguments.largest.to, parts,
             {arguments.input.file, arguments.largest.file});
 }

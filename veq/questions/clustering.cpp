@@ -2,6 +2,7 @@
 
 #include <limits>
 
+#include "veq/natural/internal/making.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -11,8 +12,11 @@ using internal::AdjacencyStore;
 using internal::Block;
 using internal::CoreAccess;
 using internal::NetworkCore;
+using internal::Pace;
 using internal::SideLists;
+using internal::SparsePace;
 using internal::Topology;
+using internal::untilStopped;
 
 namespace {
 
@@ -22,11 +26,12 @@ namespace {
 template <class Index>
 class Neighbourhoods {
  public:
-  Neighbourhoods(const AdjacencyStore& store, const Topology<Index>& topology)
+  Neighbourhoods(const AdjacencyStore& store, const Topology<Index>& topology, Pace& pace)
       : lists_(store, topology, Direction::kAll),
         degrees_(store.vertexCount()),
         starts_(store.vertexCount() + 1),
-        marks_(store.vertexCount()) {
+        marks_(store.vertexCount()),
+        pace_(&pace) {
     const std::uint64_t n = store.vertexCount();
     for (std::uint64_t v = 0; v < n; ++v) {
       forEachOther(v, [&](std::uint64_t) { ++degrees_[v]; });
@@ -53,6 +58,7 @@ class Neighbourhoods {
     const std::uint64_t n = degrees_.size();
     marks_ = Block<Index>(n);
     for (std::uint64_t a = 0; a < n; ++a) {
+      pace_.advance(starts_[a + 1] - starts_[a]);
       if (starts_[a + 1] - starts_[a] < 2) continue;
       const auto mark = static_cast<Index>(a + 1);
       for (std::uint64_t i = starts_[a]; i < starts_[a + 1]; ++i) marks_[higher_[i]] = mark;
@@ -74,6 +80,7 @@ class Neighbourhoods {
   template <class F>
   void forEachOther(std::uint64_t vertex, F f) {
     const auto mark = static_cast<Index>(++round_);
+    pace_.advance(lists_.count(vertex));
     lists_.forEachNeighbour(vertex, [&](std::uint64_t other) {
       if (other == vertex || marks_[other] == mark) return;
       marks_[other] = mark;
@@ -87,7 +94,16 @@ class Neighbourhoods {
   Block<Index> marks_;
   std::uint64_t round_ = 0;
   Block<Index> higher_;
+  SparsePace pace_;
 };
+
+// Both ends of each edge are looked at twice before the triangles, of which each edge may be a
+// side.
+Pace paceOf(const NetworkCore& core, const Progress& progress) {
+  Pace pace(progress, 5 * core.store.edgeCount());
+  pace.reach(0);
+  return pace;
+}
 
 // What is known of triangles once all were met.
 struct TriangleCounts {
@@ -103,14 +119,15 @@ struct TriangleCounts {
   }
 };
 
-TriangleCounts triangleCountsOf(const Network& network) {
+TriangleCounts triangleCountsOf(const Network& network, const Progress& progress) {
   const NetworkCore& core = CoreAccess::of(*network.published());
+  Pace pace = paceOf(core, progress);
   TriangleCounts corners;
   const std::uint64_t n = core.store.vertexCount();
   corners.triangles.resize(n);
   corners.degrees.resize(n);
   core.store.visit([&](const auto& topology) {
-    Neighbourhoods neighbourhoods(core.store, topology);
+    Neighbourhoods neighbourhoods(core.store, topology, pace);
     neighbourhoods.forEachTriangle([&](std::uint64_t a, std::uint64_t b, std::uint64_t c) {
       ++corners.triangles[a];
       ++corners.triangles[b];
@@ -123,53 +140,84 @@ TriangleCounts triangleCountsOf(const Network& network) {
 
 }  // namespace
 
+Result<std::vector<std::uint64_t>> triangles(const Network& network, const Progress& progress) {
+  return untilStopped([&]() -> Result<std::vector<std::uint64_t>> {
+    return triangleCountsOf(network, progress).triangles;
+  });
+}
+
+Result<std::uint64_t> countTriangles(const Network& network, const Progress& progress) {
+  const NetworkCore& core = CoreAccess::of(*network.published());
+  return untilStopped([&]() -> Result<std::uint64_t> {
+    Pace pace = paceOf(core, progress);
+    return core.store.visit([&](const auto& topology) {
+      std::uint64_t count = 0;
+      Neighbourhoods neighbourhoods(core.store, topology, pace);
+      neighbourhoods.forEachTriangle([&](auto...) { ++count; });
+      return count;
+    });
+  });
+}
+
+Result<std::vector<double>> localClustering(const Network& network, const Progress& progress) {
+  return untilStopped([&]() -> Result<std::vector<double>> {
+    const TriangleCounts corners = triangleCountsOf(network, progress);
+    std::vector<double> result(corners.degrees.size());
+    for (std::uint64_t v = 0; v < result.size(); ++v) result[v] = corners.clustering(v);
+    return result;
+  });
+}
+
+Result<double> averageClustering(const Network& network, WithoutPairs withoutPairs,
+                                 const Progress& progress) {
+  return untilStopped([&]() -> Result<double> {
+    const TriangleCounts corners = triangleCountsOf(network, progress);
+    double sum = 0;
+    std::uint64_t count = 0;
+    for (std::uint64_t v = 0; v < corners.degrees.size(); ++v) {
+      if (withoutPairs == WithoutPairs::kLeftOut && corners.degrees[v] < 2) continue;
+      sum += corners.clustering(v);
+      ++count;
+    }
+    if (count == 0) return std::numeric_limits<double>::quiet_NaN();
+    return sum / static_cast<double>(count);
+  });
+}
+
+Result<double> transitivity(const Network& network, const Progress& progress) {
+  const NetworkCore& core = CoreAccess::of(*network.published());
+  return untilStopped([&]() -> Result<double> {
+    Pace pace = paceOf(core, progress);
+    std::uint64_t count = 0;
+    double pairs = 0;
+    core.store.visit([&](const auto& topology) {
+      Neighbourhoods neighbourhoods(core.store, topology, pace);
+      neighbourhoods.forEachTriangle([&](auto...) { ++count; });
+      for (std::uint64_t v = 0; v < core.store.vertexCount(); ++v) {
+        const auto k = static_cast<double>(neighbourhoods.degree(v));
+        if (k >= 2) pairs += k * (k - 1) / 2;
+      }
+    });
+    return pairs == 0 ? 0 : 3 * static_cast<double>(count) / pairs;
+  });
+}
+
 std::vector<std::uint64_t> triangles(const Network& network) {
-  return triangleCountsOf(network).triangles;
+  return triangles(network, Progress()).value();
 }
 
 std::uint64_t countTriangles(const Network& network) {
-  const NetworkCore& core = CoreAccess::of(*network.published());
-  std::uint64_t count = 0;
-  core.store.visit([&](const auto& topology) {
-    Neighbourhoods neighbourhoods(core.store, topology);
-    neighbourhoods.forEachTriangle([&](auto...) { ++count; });
-  });
-  return count;
+  return countTriangles(network, Progress()).value();
 }
 
 std::vector<double> localClustering(const Network& network) {
-  const TriangleCounts corners = triangleCountsOf(network);
-  std::vector<double> result(corners.degrees.size());
-  for (std::uint64_t v = 0; v < result.size(); ++v) result[v] = corners.clustering(v);
-  return result;
+  return localClustering(network, Progress()).value();
 }
 
 double averageClustering(const Network& network, WithoutPairs withoutPairs) {
-  const TriangleCounts corners = triangleCountsOf(network);
-  double sum = 0;
-  std::uint64_t count = 0;
-  for (std::uint64_t v = 0; v < corners.degrees.size(); ++v) {
-    if (withoutPairs == WithoutPairs::kLeftOut && corners.degrees[v] < 2) continue;
-    sum += corners.clustering(v);
-    ++count;
-  }
-  if (count == 0) return std::numeric_limits<double>::quiet_NaN();
-  return sum / static_cast<double>(count);
+  return averageClustering(network, withoutPairs, Progress()).value();
 }
 
-double transitivity(const Network& network) {
-  const NetworkCore& core = CoreAccess::of(*network.published());
-  std::uint64_t count = 0;
-  double pairs = 0;
-  core.store.visit([&](const auto& topology) {
-    Neighbourhoods neighbourhoods(core.store, topology);
-    neighbourhoods.forEachTriangle([&](auto...) { ++count; });
-    for (std::uint64_t v = 0; v < core.store.vertexCount(); ++v) {
-      const auto k = static_cast<double>(neighbourhoods.degree(v));
-      if (k >= 2) pairs += k * (k - 1) / 2;
-    }
-  });
-  return pairs == 0 ? 0 : 3 * static_cast<double>(count) / pairs;
-}
+double transitivity(const Network& network) { return transitivity(network, Progress()).value(); }
 
 }  // namespace veq

@@ -9,6 +9,8 @@
 #include <vector>
 
 #include "veq/base/export.hpp"
+#include "veq/base/progress.hpp"
+#include "veq/base/result.hpp"
 #include "veq/natural/network.hpp"
 
 namespace veq {
@@ -42,5 +44,26 @@ enum class WithoutPairs {
 /// such pairs. (Newman, Strogatz and Watts, 2001.) O(m^1.5) at most.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT double transitivity(const Network& network);
+
+/// \name For who follows them or may stop them
+/// The same; the only error is a stop.
+/// @{
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<std::vector<std::uint64_t>> triangles(const Network& network,
+                                                                      const Progress& progress);
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<std::uint64_t> countTriangles(const Network& network,
+                                                              const Progress& progress);
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<std::vector<double>> localClustering(const Network& network,
+                                                                     const Progress& progress);
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<double> averageClustering(const Network& network,
+                                                          WithoutPairs withoutPairs,
+                                                          const Progress& progress);
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<double> transitivity(const Network& network,
+                                                     const Progress& progress);
+/// @}
 
 }  // namespace veq

@@ -47,14 +47,23 @@ std::vector<std::uint64_t> membersOf(const Components<Index>& components, std::u
 }  // namespace
 
 ComponentLabels components(const Network& network, Connection connection) {
+  return components(network, connection, Progress()).value();
+}
+
+Result<ComponentLabels> components(const Network& network, Connection connection,
+                                   const Progress& progress) {
   const internal::AdjacencyStore& store = coreOf(network).store;
-  return store.visit([&](const auto& topology) {
-    auto found = componentsOf(store, topology, connection == Connection::kStrong);
-    ComponentLabels labels;
-    labels.sizes = std::move(found.sizes);
-    labels.labels.resize(store.vertexCount());
-    for (std::uint64_t v = 0; v < labels.labels.size(); ++v) labels.labels[v] = found.of(v);
-    return labels;
+  return internal::untilStopped([&]() -> Result<ComponentLabels> {
+    Pace pace(progress, store.vertexCount());
+    pace.reach(0);
+    return store.visit([&](const auto& topology) {
+      auto found = componentsOf(store, topology, connection == Connection::kStrong, &pace);
+      ComponentLabels labels;
+      labels.sizes = std::move(found.sizes);
+      labels.labels.resize(store.vertexCount());
+      for (std::uint64_t v = 0; v < labels.labels.size(); ++v) labels.labels[v] = found.of(v);
+      return labels;
+    });
   });
 }
 
@@ -63,10 +72,11 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
   const NetworkCore& core = coreOf(network);
   const bool strong = connection == Connection::kStrong;
   return internal::untilStopped([&]() -> Result<std::vector<DerivedNetwork>> {
-    Pace pace(options.progress, core.store.edgeCount());
+    Pace pace(options.progress, core.store.vertexCount() + core.store.edgeCount());
     pace.reach(0);
     const Partition parts = core.store.visit([&](const auto& topology) {
-      return Partition(componentsOf(core.store, topology, strong), topology, core.store.edgeCount(),
+      return Partition(componentsOf(core.store, topology, strong, &pace), topology,
+                       core.store.edgeCount(),
                        strong ? Partition::CrossEdges::kPossible : Partition::CrossEdges::kNone);
     });
     std::vector<DerivedNetwork> result;
@@ -82,10 +92,11 @@ Result<DerivedNetwork> largestComponent(const Network& network, Connection conne
                                         const ChangeOptions& options) {
   const NetworkCore& core = coreOf(network);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
-    Pace pace(options.progress, core.store.edgeCount());
+    Pace pace(options.progress, core.store.vertexCount() + core.store.edgeCount());
     pace.reach(0);
     std::vector<std::uint64_t> members = core.store.visit([&](const auto& topology) {
-      const auto found = componentsOf(core.store, topology, connection == Connection::kStrong);
+      const auto found =
+          componentsOf(core.store, topology, connection == Connection::kStrong, &pace);
       // Of several largest ones the first.
       const auto largest = std::max_element(found.sizes.begin(), found.sizes.end());
       if (largest == found.sizes.end()) return std::vector<std::uint64_t>();

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "veq/base/export.hpp"
+#include "veq/base/progress.hpp"
 #include "veq/base/result.hpp"
 #include "veq/natural/network.hpp"
 
@@ -28,6 +29,12 @@ struct ComponentLabels {
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT ComponentLabels components(const Network& network,
                                                     Connection connection = Connection::kWeak);
+
+/// The same for who follows it or may stop it. The only error is a stop.
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<ComponentLabels> components(const Network& network,
+                                                            Connection connection,
+                                                            const Progress& progress);
 
 /// The components as networks of their own, in the order of their numbers, with the weights and
 /// columns of their vertices and edges, which keep their order. An edge from one strong component

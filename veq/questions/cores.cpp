@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "veq/base/internal/memory.hpp"
+#include "veq/natural/internal/making.hpp"
 #include "veq/natural/internal/sides.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -12,7 +13,9 @@ using internal::AdjacencyStore;
 using internal::Block;
 using internal::CoreAccess;
 using internal::NetworkCore;
+using internal::Pace;
 using internal::SideLists;
+using internal::SparsePace;
 using internal::Topology;
 
 namespace {
@@ -24,10 +27,11 @@ template <class Index>
 class CoreDecomposition {
  public:
   CoreDecomposition(const AdjacencyStore& store, const Topology<Index>& topology,
-                    Direction direction)
+                    Direction direction, Pace& pace)
       : count_(store.vertexCount()),
         dependents_(store, topology, internal::turned(direction)),
-        left_(count_) {
+        left_(count_),
+        pace_(&pace) {
     const SideLists<Index> lists(store, topology, direction);
     for (std::uint64_t v = 0; v < count_; ++v) {
       std::uint64_t degree = lists.count(v);
@@ -47,6 +51,7 @@ class CoreDecomposition {
       for (; done < removedCount_; ++done) {
         prefetchAhead(done);
         cores[removed_[done]] = k;
+        pace_.advance(1);
         removeVertex(removed_[done], k);
       }
     }
@@ -91,14 +96,24 @@ class CoreDecomposition {
   std::uint64_t remainingCount_ = count_;
   Block<Index> removed_;
   std::uint64_t removedCount_ = 0;
+  SparsePace pace_;
 };
 
 }  // namespace
 
 std::vector<std::uint64_t> coreNumbers(const Network& network, Direction direction) {
+  return coreNumbers(network, direction, Progress()).value();
+}
+
+Result<std::vector<std::uint64_t>> coreNumbers(const Network& network, Direction direction,
+                                               const Progress& progress) {
   const NetworkCore& core = CoreAccess::of(*network.published());
-  return core.store.visit([&](const auto& topology) {
-    return CoreDecomposition(core.store, topology, direction).run();
+  return internal::untilStopped([&]() -> Result<std::vector<std::uint64_t>> {
+    Pace pace(progress, core.store.vertexCount());
+    pace.reach(0);
+    return core.store.visit([&](const auto& topology) {
+      return CoreDecomposition(core.store, topology, direction, pace).run();
+    });
   });
 }
 

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "veq/base/export.hpp"
+#include "veq/base/progress.hpp"
+#include "veq/base/result.hpp"
 #include "veq/natural/network.hpp"
 
 namespace veq {
@@ -18,5 +20,11 @@ namespace veq {
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT std::vector<std::uint64_t> coreNumbers(
     const Network& network, Direction direction = Direction::kAll);
+
+/// The same for who follows it or may stop it. The only error is a stop.
+/// \ingroup ask
+[[nodiscard]] VEQ_EXPORT Result<std::vector<std::uint64_t>> coreNumbers(const Network& network,
+                                                                        Direction direction,
+                                                                        const Progress& progress);
 
 }  // namespace veq

@@ -94,8 +94,10 @@ Connection connectionNamed(std::string_view connection) {
 
 Tuple<IntArray, IntArray> componentLabels(const BoundNetwork& bound, std::string_view connection) {
   const Connection how = connectionNamed(connection);
-  ComponentLabels made =
-      reading(bound, [how](const Network& network) { return components(network, how); });
+  Follow follow{nb::none()};
+  const Progress progress = follow.progress();
+  ComponentLabels made = reading(
+      bound, [&](const Network& network) { return components(network, how, progress).value(); });
   return nb::make_tuple(arrayOf(std::move(made.labels)), arrayOf(std::move(made.sizes)));
 }
 

@@ -9,27 +9,50 @@
 namespace veq::python {
 namespace {
 
-// A question of the network alone, with one answer for each vertex, or one for all.
-template <auto kQuestion>
-auto each(const BoundNetwork& bound) {
-  return arrayOf(reading(bound, [](const Network& network) { return kQuestion(network); }));
-}
+// A question of the network alone, with one answer for all vertices.
 template <auto kQuestion>
 auto one(const BoundNetwork& bound) {
   return reading(bound, [](const Network& network) { return kQuestion(network); });
+}
+
+// One that may take long, so that an interrupt ends it.
+template <class Ask>
+auto followed(const BoundNetwork& bound, Ask ask) {
+  Follow follow{nb::none()};
+  const Progress progress = follow.progress();
+  return reading(bound, [&](const Network& network) { return ask(network, progress).value(); });
+}
+
+IntArray trianglesOf(const BoundNetwork& bound) {
+  return arrayOf(followed(bound, [](const auto&... asked) { return triangles(asked...); }));
+}
+
+std::uint64_t allTriangles(const BoundNetwork& bound) {
+  return followed(bound, [](const auto&... asked) { return countTriangles(asked...); });
+}
+
+FloatArray clusteringOf(const BoundNetwork& bound) {
+  return arrayOf(followed(bound, [](const auto&... asked) { return localClustering(asked...); }));
+}
+
+double transitivityOf(const BoundNetwork& bound) {
+  return followed(bound, [](const auto&... asked) { return transitivity(asked...); });
 }
 
 double average(const BoundNetwork& bound, std::string_view withoutPairs) {
   const auto how =
       named<WithoutPairs>(withoutPairs, "without_pairs",
                           {{"zero", WithoutPairs::kZero}, {"left out", WithoutPairs::kLeftOut}});
-  return reading(bound, [how](const Network& network) { return averageClustering(network, how); });
+  return followed(bound, [how](const Network& network, const Progress& progress) {
+    return averageClustering(network, how, progress);
+  });
 }
 
 IntArray cores(const BoundNetwork& bound, std::string_view mode) {
   const Direction direction = directionNamed(mode);
-  return arrayOf(
-      reading(bound, [&](const Network& network) { return coreNumbers(network, direction); }));
+  return arrayOf(followed(bound, [direction](const Network& network, const Progress& progress) {
+    return coreNumbers(network, direction, progress);
+  }));
 }
 
 IntArray degreeCounts(const BoundNetwork& bound, std::string_view mode) {
@@ -89,11 +112,11 @@ Tuple<FloatArray, std::uint64_t, double, bool> rank(const BoundNetwork& bound, d
 }  // namespace
 
 void bindQuestions(nb::module_& m) {
-  m.def("triangles", &each<triangles>, nb::arg("network"));
-  m.def("count_triangles", &one<countTriangles>, nb::arg("network"));
-  m.def("local_clustering", &each<localClustering>, nb::arg("network"));
+  m.def("triangles", &trianglesOf, nb::arg("network"));
+  m.def("count_triangles", &allTriangles, nb::arg("network"));
+  m.def("local_clustering", &clusteringOf, nb::arg("network"));
   m.def("average_clustering", &average, nb::arg("network"), nb::arg("without_pairs"));
-  m.def("transitivity", &one<transitivity>, nb::arg("network"));
+  m.def("transitivity", &transitivityOf, nb::arg("network"));
   m.def("core_numbers", &cores, nb::arg("network"), nb::arg("mode"));
   m.def("degree_distribution", &degreeCounts, nb::arg("network"), nb::arg("mode"));
   m.def("strength_distribution", &strengthCounts, nb::arg("network"), nb::arg("mode"));

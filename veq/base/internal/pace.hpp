@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <utility>
 
 #include "veq/base/progress.hpp"
 
@@ -52,6 +53,25 @@ class Pace {
   std::chrono::milliseconds interval_;
   std::uint64_t passed_ = 0;
   Clock::time_point last_ = Clock::now();
+};
+
+/// A Pace for work of very many small pieces, which is asked once for a few thousand of them;
+/// without one nothing is.
+class SparsePace {
+ public:
+  /// In most pieces of work nobody follows, which costs least.
+  explicit SparsePace(Pace* pace) : pace_(pace && pace->isWatched() ? pace : nullptr) {}
+
+  void advance(std::uint64_t more) {
+    passed_ += more;
+    if (pace_ && passed_ >= kPieces) pace_->advance(std::exchange(passed_, 0));
+  }
+
+ private:
+  static constexpr std::uint64_t kPieces = std::uint64_t{1} << 14;
+
+  Pace* pace_;
+  std::uint64_t passed_ = 0;
 };
 
 /// Calls f(begin, end) for one tile of many elements after the other. Pace is asked between them,

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/pace.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
 #include "veq/numeric/number_array.hpp"
 
@@ -30,8 +31,9 @@ struct Components {
 template <class Index>
 class ComponentSearch {
  public:
-  ComponentSearch(const Topology<Index>& topology, std::uint64_t vertices)
-      : topology_(topology), labels_(vertices) {
+  /// A pace is told of vertices.
+  ComponentSearch(const Topology<Index>& topology, std::uint64_t vertices, Pace* pace = nullptr)
+      : topology_(topology), labels_(vertices), pace_(pace) {
     reached_.resize(vertices);
   }
 
@@ -48,14 +50,21 @@ class ComponentSearch {
   std::uint64_t labelFrom(std::uint64_t start, std::uint64_t label) {
     count_ = 0;
     reach(start, label);
-    for (std::uint64_t i = 0; i < count_; ++i) {
-      fetchAhead(topology_.out, i);
-      for (const Index neighbour : topology_.out.neighbours(reached_[i])) reach(neighbour, label);
-      if (!topology_.in) continue;
-      fetchAhead(*topology_.in, i);
-      for (const Index neighbour : topology_.in->neighbours(reached_[i])) reach(neighbour, label);
+    constexpr std::uint64_t kVerticesAtOnce = 1024;
+    for (std::uint64_t i = 0; i < count_;) {
+      const std::uint64_t end = std::min(count_, i + kVerticesAtOnce);
+      pace_.advance(end - i);
+      for (; i < end; ++i) reachNeighbours(i, label);
     }
     return count_;
+  }
+
+  void reachNeighbours(std::uint64_t i, std::uint64_t label) {
+    fetchAhead(topology_.out, i);
+    for (const Index neighbour : topology_.out.neighbours(reached_[i])) reach(neighbour, label);
+    if (!topology_.in) return;
+    fetchAhead(*topology_.in, i);
+    for (const Index neighbour : topology_.in->neighbours(reached_[i])) reach(neighbour, label);
   }
 
   void reach(std::uint64_t vertex, std::uint64_t label) {
@@ -80,6 +89,7 @@ class ComponentSearch {
   Block<Index> labels_;
   Block<Index> reached_;  // The vertices of the component, in the order in which they were reached.
   std::uint64_t count_ = 0;
+  SparsePace pace_;
 };
 
 /// Vertices and edges of one component, in the order of their indices, which stand in the first

@@ -17,8 +17,10 @@ namespace veq::internal {
 template <class Index>
 class StrongComponentSearch {
  public:
-  StrongComponentSearch(const Topology<Index>& topology, std::uint64_t vertices)
-      : lists_(topology.out), met_(vertices), lowest_(vertices), labels_(vertices) {}
+  /// A pace is told of vertices.
+  StrongComponentSearch(const Topology<Index>& topology, std::uint64_t vertices,
+                        Pace* pace = nullptr)
+      : lists_(topology.out), met_(vertices), lowest_(vertices), labels_(vertices), pace_(pace) {}
 
   Components<Index> run() && {
     for (std::uint64_t v = 0; v < met_.size(); ++v) {
@@ -53,6 +55,7 @@ class StrongComponentSearch {
   }
 
   void meet(std::uint64_t vertex) {
+    pace_.advance(1);
     met_[vertex] = lowest_[vertex] = static_cast<Index>(++clock_);
     waiting_.push_back(static_cast<Index>(vertex));
     way_.push_back({static_cast<Index>(vertex), 0});
@@ -97,16 +100,18 @@ class StrongComponentSearch {
   std::vector<Step> way_;
   std::uint64_t clock_ = 0;
   std::uint64_t count_ = 0;
+  SparsePace pace_;
 };
 
 /// Weakly or strongly connected ones; the same in an undirected network.
 template <class Index>
 [[nodiscard]] Components<Index> componentsOf(const AdjacencyStore& store,
-                                             const Topology<Index>& topology, bool strong) {
+                                             const Topology<Index>& topology, bool strong,
+                                             Pace* pace = nullptr) {
   if (strong && store.directed()) {
-    return StrongComponentSearch<Index>(topology, store.vertexCount()).run();
+    return StrongComponentSearch<Index>(topology, store.vertexCount(), pace).run();
   }
-  return ComponentSearch<Index>(topology, store.vertexCount()).run();
+  return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
 }
 
 }  // namespace veq::internal
