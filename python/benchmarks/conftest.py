@@ -1,11 +1,15 @@
 """What all benchmarks share: one network of a million edges, as every library has it."""
 
+import os
+
 import numpy as np
 import pytest
 
 import veq
 
-VERTICES, EDGES = 200_000, 1_000_000
+# Fewer for a quick look.
+EDGES = int(os.environ.get("VEQ_BENCH_EDGES", "1_000_000"))
+VERTICES = EDGES // 5
 
 
 @pytest.fixture(scope="session")

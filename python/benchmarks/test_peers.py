@@ -7,7 +7,7 @@ import pytest
 
 import veq
 
-from .conftest import VERTICES
+from .conftest import EDGES, VERTICES
 
 igraph = pytest.importorskip("igraph")
 networkx = pytest.importorskip("networkx")
@@ -15,7 +15,7 @@ rustworkx = pytest.importorskip("rustworkx")
 networkit = pytest.importorskip("networkit")
 networkit.setNumberOfThreads(1)
 
-AGENTS, STEPS = 100, 10_000
+AGENTS, STEPS = 100, EDGES // 100
 BUILD = {
     "veq": lambda ends: veq.Network(*ends, n=VERTICES),
     "igraph": lambda ends: igraph.Graph(n=VERTICES, edges=ends.T),
