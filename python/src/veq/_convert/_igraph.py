@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from itertools import chain
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
@@ -26,7 +27,8 @@ def to_igraph(network: Network) -> Any:
 
 
 def from_igraph(cls: type[Network], graph: Any, other: Other) -> Network:
-    ends = np.array(graph.get_edgelist(), dtype=np.int64).reshape(-1, 2)
+    flat = chain.from_iterable(graph.get_edgelist())
+    ends = np.fromiter(flat, np.int64, 2 * graph.ecount()).reshape(-1, 2)
     vertices = {
         "Name" if key == _NAME else key: list(graph.vs[key]) for key in graph.vs.attributes()
     }
