@@ -74,7 +74,7 @@ Place placeOf(std::string_view word, TextInput* text) {
   return {};
 }
 
-Result<Network> networkOf(NetworkDraft draft, ReadContext& context, TextInput* text) {
+void noteReservedKeys(const NetworkDraft& draft, ReadContext& context, TextInput* text) {
   for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
       if (draft.columnsAreReady || !internal::isReservedKey(key)) continue;
@@ -85,6 +85,9 @@ Result<Network> networkOf(NetworkDraft draft, ReadContext& context, TextInput* t
                    });
     }
   }
+}
+
+Result<Network> networkOf(NetworkDraft draft) {
   const std::uint64_t vertices = draft.vertexCount;
   const std::uint64_t edges = draft.from.all().size();
   const std::uint64_t vertexWeights =
@@ -111,7 +114,7 @@ Result<Network> readArchive(const std::string& bytes, ReadContext& context) {
   internal::ArchivedEnds ends;
   NetworkDraft draft = internal::draftOfArchive(archive, ends);
   context.requireVertices(draft.vertexCount, {});
-  return networkOf(std::move(draft), context, nullptr);
+  return networkOf(std::move(draft));
 }
 
 Error compressed(std::string_view how) {
@@ -145,11 +148,16 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
         "LGL, which has the one end of its edges in lines that other lists have as comments, is "
         "not read; NCOL holds the same");
   }
-  TextInput text(bytes, context);
-  if (!format) format = internal::formatOfText(text, name);
+  // The text goes before the network comes.
+  std::optional<TextInput> text(std::in_place, bytes, context);
+  if (!format) format = internal::formatOfText(*text, name);
   if (!format) return Error(ErrorKind::kFormat, "no format that is known");
   for (const TextReader& reader : kTextReaders) {
-    if (reader.format == *format) return networkOf(reader.read(text, context), context, &text);
+    if (reader.format != *format) continue;
+    NetworkDraft draft = reader.read(*text, context);
+    noteReservedKeys(draft, context, &*text);
+    text.reset();
+    return networkOf(std::move(draft));
   }
   if (*format == FileFormat::kGraphMl) {
     return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers");
@@ -162,7 +170,8 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
 namespace internal {
 
 Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
-  return networkOf(std::move(draft), context, nullptr);
+  noteReservedKeys(draft, context, nullptr);
+  return networkOf(std::move(draft));
 }
 
 Reading guardedReading(

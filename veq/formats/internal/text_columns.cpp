@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -31,6 +32,19 @@ std::optional<double> plainNumber(std::string_view text) {
   // What has neither a point nor an exponent is an integer, and one such as "007" is a text.
   if (text.find_first_of(".eE") == text.npos) return std::nullopt;
   return wholeNumber(text);
+}
+
+/// Whether a number is written with up to six digits, before or behind a point and up to zeros at
+/// its end: every float is the nearest to one such decimal. No answer but a slow one where it says
+/// no.
+bool hasFewDigits(double weight) {
+  constexpr double kMillion = 1e6;
+  if (!(weight < kMillion)) return false;
+  // The quotient of two integers is rounded as the decimal is that they stand for.
+  auto digits = static_cast<std::uint64_t>(weight * kMillion + 0.5);
+  if (static_cast<double>(digits) / kMillion != weight) return false;
+  while (digits >= 1'000'000 && digits % 10 == 0) digits /= 10;
+  return digits < 1'000'000;
 }
 
 enum class CellKind { kInteger, kNumber, kText };
@@ -82,7 +96,7 @@ Shared<PropertyColumn> TextColumn::finish(std::uint64_t rows) const {
 
 bool WeightColumn::look(double weight) {
   const float kept = weights_.back();
-  if (static_cast<double>(kept) == weight) return false;
+  if (static_cast<double>(kept) == weight || hasFewDigits(std::abs(weight))) return false;
   std::string text;
   appendShortest(text, kept);
   if (leadingDouble(text) == weight) return false;
