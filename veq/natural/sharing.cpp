@@ -63,8 +63,10 @@ void writeLists(ImageWriter& image, const AdjacencyRows<Index>& lists, std::uint
   std::uint64_t nextLook = kTile;
   for (std::uint64_t v = 0; rows && v < vertices; ++v) {
     rows[v] = {next, static_cast<Index>(lists.count(v))};
-    std::ranges::copy(lists.neighbours(v), neighbours + next);
-    std::ranges::copy(lists.edges(v), edges + next);
+    const auto to = lists.neighbours(v);
+    const auto of = lists.edges(v);
+    std::copy(to.begin(), to.end(), neighbours + next);
+    std::copy(of.begin(), of.end(), edges + next);
     next += rows[v].count;
     if (v + next < nextLook) continue;
     pace.reach(image.size());
