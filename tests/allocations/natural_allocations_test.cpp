@@ -96,6 +96,30 @@ TEST(NaturalAllocations, OfOneMoreEdgeLeaveTheBuilderAsItWas) {
   }
 }
 
+TEST(NaturalAllocations, OfOneMoreEdgeByNameLeaveTheBuilderAsItWas) {
+  // So long that they lie nowhere but in memory of their own.
+  const std::string first(40, 'a');
+  const std::string second(40, 'b');
+  for (const bool weighted : {false, true}) {
+    const std::uint64_t failures = forEachFailingAllocation(
+        [&] {
+          NetworkBuilder builder;
+          builder.addEdge(0, 1);
+          return builder;
+        },
+        [&](NetworkBuilder& builder) {
+          weighted ? builder.addEdge(first, second, 0.5) : builder.addEdge(first, second);
+        },
+        [&](NetworkBuilder& builder, bool failed) {
+          EXPECT_EQ(builder.countEdges(), failed ? 1U : 2U);
+          EXPECT_EQ(builder.countVertices(), failed ? 2U : 4U);
+          // Where they were not added, the other one gets the next place.
+          EXPECT_EQ(builder.vertexNamed(second), failed ? 2U : 3U);
+        });
+    EXPECT_GE(failures, 4U);
+  }
+}
+
 TEST(NaturalAllocations, OfChangesLeaveNothing) {
   expectThatFailuresChangeNothing([](const Network& n) { static_cast<void>(n.copy()); });
   expectThatFailuresChangeNothing([](const Network& n) { static_cast<void>(n.asDirected()); });

@@ -275,5 +275,23 @@ TEST(NetworkBuilderTest, RefusesWhatIsNoIndex) {
   EXPECT_EQ(errorOf(builder.build({.vertices = 1})), "2 vertices were added, not 1");
 }
 
+// All vertices that there may be but one; no network is made of them.
+TEST(NetworkBuilderTest, IsAsItWasWhereAVertexIsOneTooMany) {
+  constexpr std::uint64_t kAlmost = (std::uint64_t{1} << 63) - 2;
+  NetworkBuilder builder;
+  builder.addVertices(kAlmost);
+  EXPECT_THROW(builder.addVertices(2), std::bad_alloc);
+  EXPECT_EQ(builder.countVertices(), kAlmost);
+  EXPECT_THROW(builder.addEdge("a", "b"), std::bad_alloc);
+  EXPECT_EQ(builder.countVertices(), kAlmost);
+  EXPECT_THROW(builder.addEdge("a", "b", 0.5), std::bad_alloc);
+  EXPECT_EQ(builder.countEdges(), 0U);
+  EXPECT_EQ(builder.vertexNamed("c"), kAlmost);
+  // Neither is there in spite of having been asked for.
+  EXPECT_THROW(builder.vertexNamed("a"), std::bad_alloc);
+  EXPECT_THROW(builder.vertexNamed("b"), std::bad_alloc);
+  EXPECT_THROW(builder.vertexNamed("b"), std::bad_alloc);
+}
+
 }  // namespace
 }  // namespace veq::test

@@ -169,7 +169,10 @@ Result<NamedEnds> lookedUp(std::span<const std::string> sources,
   });
   if (unknown > 1) text += ", and " + std::to_string(unknown - 1) + " more";
   if (unknown > 0) return argumentError(std::move(text));
-  ends.names.assign(names.begin(), names.end());
+  ends.names.reserve(names.size());
+  internal::forEachTile(names.size(), &pace, [&](std::uint64_t begin, std::uint64_t end) {
+    for (std::uint64_t i = begin; i < end; ++i) ends.names.emplace_back(names[i]);
+  });
   return ends;
 }
 

@@ -31,7 +31,12 @@ void reserveOneMore(Vector& values) {
 Shared<GenericArray> nameColumn(const std::map<std::string, std::uint64_t, std::less<>>& named,
                                 std::uint64_t vertices, internal::Pace& pace) {
   constexpr std::uint64_t kTile = std::uint64_t{1} << 16;
-  std::vector<PropertyValue> names(vertices);
+  std::vector<PropertyValue> names;
+  names.reserve(vertices);
+  while (names.size() < vertices) {
+    names.resize(std::min<std::uint64_t>(vertices, names.size() + kTile));
+    pace.reach(0);
+  }
   std::uint64_t taken = 0;
   for (const auto& [name, vertex] : named) {
     names[vertex] = name;
@@ -50,8 +55,14 @@ std::uint64_t NetworkBuilder::addVertices(std::uint64_t count) {
 std::uint64_t NetworkBuilder::vertexNamed(std::string_view name) {
   const auto at = named_.find(name);
   if (at != named_.end()) return at->second;
-  named_.emplace(name, vertices_);
-  return addVertices(1);
+  const std::uint64_t vertex = addVertices(1);
+  try {
+    named_.emplace(name, vertex);
+  } catch (...) {
+    vertices_ = vertex;
+    throw;
+  }
+  return vertex;
 }
 
 std::uint64_t NetworkBuilder::addEdge(std::uint64_t source, std::uint64_t target) {
@@ -84,14 +95,26 @@ std::uint64_t NetworkBuilder::addEdge(std::uint64_t source, std::uint64_t target
 }
 
 std::uint64_t NetworkBuilder::addEdge(std::string_view source, std::string_view target) {
-  const std::uint64_t from = vertexNamed(source);
-  return addEdge(from, vertexNamed(target));
+  return addNamed(source, target, nullptr);
 }
 
 std::uint64_t NetworkBuilder::addEdge(std::string_view source, std::string_view target,
                                       double weight) {
-  const std::uint64_t from = vertexNamed(source);
-  return addEdge(from, vertexNamed(target), weight);
+  return addNamed(source, target, &weight);
+}
+
+std::uint64_t NetworkBuilder::addNamed(std::string_view source, std::string_view target,
+                                       const double* weight) {
+  const std::uint64_t before = vertices_;
+  try {
+    const std::uint64_t from = vertexNamed(source);
+    const std::uint64_t to = vertexNamed(target);
+    return weight ? addEdge(from, to, *weight) : addEdge(from, to);
+  } catch (...) {
+    std::erase_if(named_, [before](const auto& named) { return named.second >= before; });
+    vertices_ = before;
+    throw;
+  }
 }
 
 Result<Network> NetworkBuilder::build(BuildOptions options) const {

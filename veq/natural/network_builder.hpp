@@ -15,7 +15,8 @@
 namespace veq {
 
 /// Collects vertices and edges until a network is built of them, which may be done more than once.
-/// There are as many vertices as were added, and at least as many as the edges ask for.
+/// There are as many vertices as were added, and at least as many as the edges ask for. What throws
+/// leaves the builder as it was.
 /// \ingroup build
 class VEQ_EXPORT NetworkBuilder {
  public:
@@ -44,6 +45,8 @@ class VEQ_EXPORT NetworkBuilder {
   [[nodiscard]] Result<Network> build(BuildOptions options = {}) const;
 
  private:
+  std::uint64_t addNamed(std::string_view source, std::string_view target, const double* weight);
+
   std::uint64_t vertices_ = 0;
   std::vector<std::uint64_t> sources_;
   std::vector<std::uint64_t> targets_;

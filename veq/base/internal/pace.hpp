@@ -16,9 +16,11 @@ struct Stopped {};
 /// not in hot loops.
 class Pace {
  public:
-  static constexpr std::chrono::milliseconds kInterval{50};
+  /// How long an observer is left alone. Tests set it to 0, to be told at every look.
+  static inline std::chrono::milliseconds usualInterval{50};
 
-  Pace(const Progress& progress, std::uint64_t all, std::chrono::milliseconds interval = kInterval)
+  Pace(const Progress& progress, std::uint64_t all,
+       std::chrono::milliseconds interval = usualInterval)
       : progress_(progress), all_(all), interval_(interval) {}
 
   /// Whether anybody would see or stop the work.
