@@ -185,12 +185,18 @@ INSTANTIATE_TEST_SUITE_P(Groups, WalkersAndWatchers, testing::Bool(), [](const a
   return std::string(parameter.param ? "WithMemory" : "Plain");
 });
 
+Indices oneAtEachVertex() {
+  Indices start(kAgents);
+  std::iota(start.begin(), start.end(), 0);
+  return start;
+}
+
 /// A group whose log is folded all the time.
 class Folding final : public VEQNetworkAgentsGroup {
  public:
   explicit Folding(Shared<const VEQNetwork> network)
       : VEQNetworkAgentsGroup(
-            std::make_unique<internal::GroupState>(std::move(network), Indices(kAgents))) {
+            std::make_unique<internal::GroupState>(std::move(network), oneAtEachVertex())) {
     state().history = internal::WalkHistory<std::uint32_t>(100, kAgents, 0, {.log = 0});
   }
 };
