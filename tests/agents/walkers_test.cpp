@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -401,6 +402,7 @@ TEST(Walkers, BeginAtVerticesDrawnByTwoNumbersEach) {
   EXPECT_EQ(Walkers::startsByDegree(star, 3, &random).value(), (Indices{0, 4, 0}));
   seed(5);
   EXPECT_EQ(Walkers::uniformStarts(ten, 3).value(), (Indices{2, 9, 1}));
+  EXPECT_THROW(static_cast<void>(Walkers::uniformStarts(ten, UINT64_MAX)), std::bad_alloc);
   EXPECT_EQ(errorText(Walkers::uniformStarts(Network(networkOf(0, {}, false)), 1)),
             "the network has no vertices");
   EXPECT_EQ(errorText(Walkers::startsByDegree(ten, 1)), "the network has no edges");

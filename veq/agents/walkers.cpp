@@ -12,6 +12,7 @@
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/agents/internal/walks.hpp"
 #include "veq/agents/internal/weight_sums.hpp"
+#include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/number_text.hpp"
 #include "veq/models/internal/random_source.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -103,6 +104,8 @@ Result<std::vector<std::uint64_t>> drawStarts(std::uint64_t agents, RandomState*
                                               StartOf startOf) {
   const Uint128 draws = Uint128{agents} * 2;
   if (auto error = drawsError(random, draws)) return *error;
+  // Where sizes have 32 bits, a vector would take what is left of a larger number.
+  internal::requireMemory(agents, sizeof(std::uint64_t));
   std::vector<std::uint64_t> starts(agents);
   RandomState state = internal::StateAccess::make(RandomSource(random).take(draws));
   for (std::uint64_t& start : starts) start = startOf(state);
