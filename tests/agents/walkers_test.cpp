@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -11,10 +12,12 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "tests/support/agents.hpp"
 #include "tests/support/thrown_text.hpp"
+#include "veq/base/internal/pace.hpp"
 
 namespace veq::test {
 namespace {
@@ -286,6 +289,33 @@ TEST(Walkers, EndWhereASubstreamDoes) {
   EXPECT_EQ(outcome.end, WalkEnd::kDraws);
   EXPECT_EQ(outcome.steps, 5U);
   EXPECT_EQ(random.drawsLeft(), 0U);
+  // A step takes two: there are as many for one of them, and too few for any.
+  random = seeded(1).substream(0).after(RandomState::kSubstreamSpacing - 2);
+  EXPECT_EQ(held.walk(options).value().steps, 1U);
+  random = seeded(1).substream(0).after(RandomState::kSubstreamSpacing - 1);
+  const WalkOutcome none = held.walk(options).value();
+  EXPECT_EQ(none.end, WalkEnd::kDraws);
+  EXPECT_EQ(none.steps, 0U);
+  EXPECT_EQ(random.drawsLeft(), 1U);
+}
+
+// Nobody knows how much there is to do before it is done.
+TEST(Walkers, WithoutANumberOfStepsHaveNoWorkToTellOf) {
+  const auto usual = std::exchange(internal::Pace::usualInterval, std::chrono::milliseconds(0));
+  const Shared<VEQNetworkAgentsGroup> group = groupAt(sixLinks().published(), {0});
+  std::uint64_t calls = 0;
+  WalkOptions options;
+  options.target = 1.0;
+  options.progress.observer = [&](std::uint64_t, std::uint64_t all) {
+    EXPECT_EQ(all, 0U);
+    EXPECT_EQ(group->currentWork(), 0);
+    ++calls;
+  };
+  const WalkOutcome outcome = Walkers(group).walk(options).value();
+  internal::Pace::usualInterval = usual;
+  EXPECT_GE(calls, 1U);
+  EXPECT_EQ(outcome.end, WalkEnd::kTarget);
+  EXPECT_EQ(group->currentWork(), static_cast<std::int64_t>(outcome.steps));
 }
 
 TEST(Walkers, AreStoppedAfterAWholeStepAndMoveTheSequenceByAllSteps) {
@@ -430,6 +460,7 @@ TEST(Walkers, SayWhyTheyCannotBe) {
   EXPECT_EQ(errorText(Walkers::withMemory(sixLinks(), Indices{4}, {{1}, {}, {}})),
             "start 0: vertex 4 of 4");
   EXPECT_EQ(why({{1}, {}, Network(networkOf(3, {{0, 1}}, false))}), "none");
+  EXPECT_EQ(why({{1}, {}, Network(networkOf(4, {{0, 1}}, false))}), "none");
   const auto tooMuch = Walkers::withMemory(sixLinks(), three, {{UINT64_MAX}, {}, {}});
   ASSERT_FALSE(tooMuch);
   EXPECT_EQ(tooMuch.error().kind(), ErrorKind::kMemory);

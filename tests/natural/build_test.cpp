@@ -231,6 +231,7 @@ TEST(NetworkBuilderTest, CollectsEdgesAndVertices) {
   slow.vertexCount = 8;
   slow.edges = {{0, 4}, {1, 1}};
   expectSame(*builder.build().value().published(), slow);
+  expectSame(*builder.build({.vertices = 8}).value().published(), slow);
   slow.vertexCount = 9;
   slow.directed = true;
   expectSame(*builder.build({.vertices = 9, .directed = true}).value().published(), slow);
