@@ -221,6 +221,15 @@ TEST(ReadingLists, TellsOfWeightsThatAFloatDoesNotHold) {
               ElementsAre("0.5", "16777217"));
 }
 
+TEST(ReadingLists, KnowsWhichDecimalsAFloatHolds) {
+  EXPECT_THAT(notesOf(read("1 2 9.401956\n2 3 15.999999\n3 4 1234.560000\n4 5 0.000001\n")),
+              IsEmpty());
+  // From 16 on floats lie 2^-19, almost 0.000002, apart.
+  EXPECT_THAT(notesOf(read("1 2 9.401956\n2 3 16.000001\n")),
+              ElementsAre("2:5 repaired x1: 1 weight is rounded to 32 bits: that of edge 1 from "
+                          "16.000001 to 16.000002"));
+}
+
 TEST(ReadingLists, MakesTheFirstNoteTheErrorWhereStrict) {
   ReadOptions options;
   options.strict = true;

@@ -34,15 +34,17 @@ std::optional<double> plainNumber(std::string_view text) {
   return wholeNumber(text);
 }
 
-/// Whether a number is written with up to six digits, before or behind a point and up to zeros at
-/// its end: every float is the nearest to one such decimal. No answer but a slow one where it says
-/// no.
+/// Whether a number has up to six decimals and up to six digits, but for zeros, or is small: the
+/// shortest text of the nearest float is that decimal. Where it says no, this need not be
+/// otherwise.
 bool hasFewDigits(double weight) {
   constexpr double kMillion = 1e6;
   if (!(weight < kMillion)) return false;
   // The quotient of two integers is rounded as the decimal is that they stand for.
   auto digits = static_cast<std::uint64_t>(weight * kMillion + 0.5);
   if (static_cast<double>(digits) / kMillion != weight) return false;
+  // Below 16 floats lie closer than such decimals, so that each is the nearest to one at most.
+  if (weight < 16) return true;
   while (digits >= 1'000'000 && digits % 10 == 0) digits /= 10;
   return digits < 1'000'000;
 }
