@@ -99,8 +99,9 @@ void checkPieces(std::string_view bytes, const ReadStream& read, std::optional<F
   options.format = format;
   options.mostVertices = kManyVertices;
   options.mostBytes = 1 << 16;
+  // The format is seen in the first piece, which must not be too small for that.
   const std::size_t piece =
-      1 + (bytes.empty() ? 0 : static_cast<unsigned char>(bytes.front()) % 64);
+      (format ? 1 : 4096) + (bytes.empty() ? 0 : static_cast<unsigned char>(bytes.front()) % 64);
   internal::ByteStream whole{std::string(bytes)};
   std::string_view left = bytes;
   internal::ByteStream pieces(

@@ -44,7 +44,7 @@ std::string allOf(const Reading& reading) {
 
 void expectTheSame(const std::string& text) {
   const std::string whole = allOf(readNetworkText(text));
-  for (const std::size_t piece : {1, 2, 3, 7, 16, 64}) {
+  for (const std::size_t piece : {1U, 2U, 3U, 7U, 16U, 64U}) {
     EXPECT_EQ(allOf(readByPieces(text, piece)), whole) << "pieces of " << piece << ":\n" << text;
   }
 }

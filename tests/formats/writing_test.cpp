@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -159,6 +160,16 @@ TEST(Writing, RefusesNamesThatAFormatCannotHold) {
   const Result<std::string> text = networkText(networkOf(std::move(network)), FileFormat::kPajek);
   ASSERT_FALSE(text);
   EXPECT_EQ(text.error().text(), "Pajek cannot hold a name beyond ISO-8859-1");
+}
+
+TEST(Writing, RefusesAWeightThatMatrixMarketCannotHold) {
+  Owned<VEQNetwork> network = path3();
+  network->setEdgesWeightValues(
+      VEQNumberArray::ofFloats({1, std::numeric_limits<float>::infinity()}));
+  const Result<std::string> text =
+      networkText(networkOf(std::move(network)), FileFormat::kMatrixMarket);
+  ASSERT_FALSE(text);
+  EXPECT_EQ(text.error().text(), "Matrix Market cannot hold the weight of edge 1, which is inf");
 }
 
 TEST(Writing, StopsAndLeavesTheOldFile) {

@@ -85,6 +85,15 @@ TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
               testing::StartsWith("error 5:3 XML: "));
 }
 
+TEST(ReadingGraphMl, RefusesACharacterOfCodeZero) {
+  const std::string zero(1, '\0');
+  ReadOptions options;
+  options.format = FileFormat::kGraphMl;
+  const Reading reading = readers::readNetworkText(
+      graphMl("<graph><node id=\"a\"/>" + zero + "<node id=\"b\"/></graph>"), options);
+  EXPECT_EQ(summaryOf(reading), "error 3:22 XML: a character with the code 0");
+}
+
 TEST(ReadingGraphMl, TakesWhatIsNoUtf8ForLatin1) {
   // A letter of one byte in a name and in a key that is not declared.
   const std::string graph =

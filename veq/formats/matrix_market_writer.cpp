@@ -1,13 +1,30 @@
 #include <algorithm>
+#include <cmath>
+#include <string>
+#include <utility>
 
 #include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/writers.hpp"
 
 namespace veq::internal {
+namespace {
+
+void requireFinite(const HeldWeights& weights) {
+  const auto wrong = std::find_if_not(weights.begin(), weights.end(),
+                                      [](float weight) { return std::isfinite(weight); });
+  if (wrong == weights.end()) return;
+  std::string text = "Matrix Market cannot hold the weight of edge ";
+  appendInteger(text, static_cast<std::uint64_t>(wrong - weights.begin()));
+  appendShortest(text += ", which is ", *wrong);
+  throw Error(ErrorKind::kUnsupported, std::move(text));
+}
+
+}  // namespace
 
 /// Of an undirected edge the entry below the diagonal stands for both.
 void writeMatrixMarket(const NetworkCore& core, TextOutput& out) {
   const bool directed = core.store.directed();
+  if (core.edgesWeights) requireFinite(*core.edgesWeights);
   out.text.append("%%MatrixMarket matrix coordinate ")
       .append(core.edgesWeights ? "real " : "pattern ")
       .append(directed ? "general\n" : "symmetric\n");

@@ -167,6 +167,11 @@ pugi::xml_node XmlPieces::made(std::size_t size) {
 }
 
 pugi::xml_parse_result XmlPieces::parse(std::size_t size, bool opened, bool closed) {
+  // Which XML forbids, and where the parser would end.
+  const std::size_t zero = std::string_view(ahead_).substr(0, size).find('\0');
+  if (zero != ahead_.npos) {
+    internal::failAt(placeAt(zero), "XML: a character with the code 0");
+  }
   text_.assign(opened ? kOpened : "");
   prefix_ = text_.size();
   text_.append(ahead_, 0, size);
