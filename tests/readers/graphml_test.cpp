@@ -169,7 +169,7 @@ TEST(ReadingGraphMl, GivesByPiecesWhatTheWholeTextGives) {
   };
   for (const std::string& text : texts) {
     const Reading whole = read(text);
-    for (const std::size_t piece : {1, 5, 16, 60, 100}) {
+    for (const std::size_t piece : {1U, 5U, 16U, 60U, 100U}) {
       const Reading pieces = readByPieces(text, piece);
       EXPECT_EQ(summaryOf(pieces), summaryOf(whole)) << piece;
       EXPECT_EQ(notesOf(pieces), notesOf(whole)) << piece;
