@@ -45,25 +45,26 @@ enum class WithoutPairs {
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT double transitivity(const Network& network);
 
-/// \name For who follows them or may stop them
-/// The same; the only error is a stop.
-/// @{
+/// triangles(network) for who follows it or may stop it. The only error is a stop.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<std::vector<std::uint64_t>> triangles(const Network& network,
                                                                       const Progress& progress);
+/// countTriangles(network) for who follows it or may stop it. The only error is a stop.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<std::uint64_t> countTriangles(const Network& network,
                                                               const Progress& progress);
+/// localClustering(network) for who follows it or may stop it. The only error is a stop.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<std::vector<double>> localClustering(const Network& network,
                                                                      const Progress& progress);
+/// averageClustering(network) for who follows it or may stop it. The only error is a stop.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<double> averageClustering(const Network& network,
                                                           WithoutPairs withoutPairs,
                                                           const Progress& progress);
+/// transitivity(network) for who follows it or may stop it. The only error is a stop.
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<double> transitivity(const Network& network,
                                                      const Progress& progress);
-/// @}
 
 }  // namespace veq
