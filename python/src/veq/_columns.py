@@ -73,12 +73,12 @@ def prepared(values: ArrayLike | Sequence[object], what: str) -> Column | list[o
         if array.ndim != 1:
             raise ValueError(f"{what}: an array of shape {array.shape}")
         listed = array.tolist()
-        if hasattr(
-            values, "isna"
-        ):  # What is missing in a column of pandas is NaN among texts, too.
+        # What is missing in a column of pandas is NaN among texts, too.
+        are_missing = getattr(values, "isna", None)
+        if are_missing is not None:
             listed = [
                 None if missing else value
-                for value, missing in zip(listed, values.isna(), strict=True)
+                for value, missing in zip(listed, are_missing(), strict=True)
             ]
     kinds = set(map(type, listed))
     numbers = _alike(listed) if kinds == {int} else None
