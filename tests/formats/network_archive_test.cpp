@@ -204,6 +204,24 @@ TEST(NetworkArchive, RefusesWhatDoesNotGoTogether) {
             "the archive has 2 weights for 1 edges");
 }
 
+// The map's head is one byte, and so is that of each key; a number is one, an array of ends eleven.
+TEST(NetworkArchive, SaysWhichByteIsWrong) {
+  const auto place = [](const std::string& bytes) {
+    ReadOptions options;
+    options.format = FileFormat::kArchive;
+    return summaryOf(readBytes(bytes, options)).substr(0, 13);
+  };
+  EXPECT_EQ(place(smallArchive("VEQ.network.version", "03")), "error 1:3 an ");
+  EXPECT_EQ(place(smallArchive("VEQ.network.vertices", "1b 4000000000000000")), "error 1:46 46");
+  EXPECT_EQ(place(smallArchive("VEQ.network.from", "d847 48 0700000000000000")), "error 1:68 an");
+  EXPECT_EQ(place(smallArchive("VEQ.network.to", "d847 40")), "error 1:96 th");
+  EXPECT_EQ(place(smallArchive("VEQ.network.edgeWeights", "d855 48 0000003f 0000003f")),
+            "error 1:122 t");
+  // The key that would follow ends with the file.
+  EXPECT_EQ(place(smallArchive().substr(0, 100)), "error 1:96 no");
+  EXPECT_EQ(place(""), "error 1:1 not");
+}
+
 TEST(NetworkArchive, FewBytesCannotAskForManyVertices) {
   // 2^62 and 2 000 000 vertices; the texts are of 259 and 255 bytes.
   const std::string huge = smallArchive("VEQ.network.vertices", "1b 4000000000000000");

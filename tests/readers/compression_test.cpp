@@ -52,14 +52,22 @@ TEST(ReadingCompressed, ReadsPiecesBehindEachOther) {
 
 TEST(ReadingCompressed, RefusesWhatEndsTooEarlyOrIsDamaged) {
   const std::string gzip = zipped("1 2\n2 3\n");
-  EXPECT_EQ(summaryOf(read(gzip.substr(0, gzip.size() - 9))),
-            "error 0:0 what gzip has compressed ends too early");
+  EXPECT_EQ(
+      summaryOf(read(gzip.substr(0, gzip.size() - 9))),
+      "error 1:" + std::to_string(gzip.size() - 8) + " what gzip has compressed ends too early");
   const std::string zstd = zstded("1 2\n2 3\n");
   EXPECT_EQ(summaryOf(read(zstd.substr(0, zstd.size() - 1))),
-            "error 0:0 what zstd has compressed ends too early");
+            "error 1:" + std::to_string(zstd.size()) + " what zstd has compressed ends too early");
   std::string damaged = gzip;
   damaged[damaged.size() - 6] ^= 1;  // A byte of the checksum.
-  EXPECT_EQ(summaryOf(read(damaged)), "error 0:0 what gzip has compressed is damaged");
+  // Behind the checksum, which four bytes of the length follow.
+  EXPECT_EQ(summaryOf(read(damaged)),
+            "error 1:" + std::to_string(gzip.size() - 3) + " what gzip has compressed is damaged");
+  // The second of two frames has no magic number.
+  std::string second = zstd;
+  second[0] ^= 1;
+  EXPECT_EQ(summaryOf(read(zstd + second)),
+            "error 1:" + std::to_string(zstd.size() + 1) + " what zstd has compressed is damaged");
   for (std::size_t length = 0; length < gzip.size(); ++length) {
     EXPECT_FALSE(read(gzip.substr(0, length)));
   }
@@ -75,27 +83,32 @@ TEST(ReadingCompressed, ReadsWhatIsLongerThanAPiece) {
   }
   // Zeros fill the last block of a tape.
   EXPECT_EQ(summaryOf(read(zipped("1 2\n") + std::string(1000, '\0'))), "undirected 2: 0>1");
-  EXPECT_EQ(summaryOf(read(zipped("1 2\n") + "xx")),
-            "error 0:0 what gzip has compressed is damaged");
+  const std::string whole = zipped("1 2\n");
+  EXPECT_EQ(summaryOf(read(whole + "xx")),
+            "error 1:" + std::to_string(whole.size() + 3) + " what gzip has compressed is damaged");
 }
 
 TEST(ReadingCompressed, RefusesBombs) {
   const std::string zeros(50'000'000, ' ');
   ReadOptions options;
   options.mostBytes = 1'000'000;
-  EXPECT_EQ(summaryOf(read(zipped(zeros), options)),
-            "error 0:0 decompressed it has more than the 1000000 bytes that it may");
-  EXPECT_EQ(summaryOf(read(zstded(zeros), options)),
-            "error 0:0 decompressed it has more than the 1000000 bytes that it may");
+  for (const std::string& bomb : {zipped(zeros), zstded(zeros)}) {
+    const Reading reading = read(bomb, options);
+    ASSERT_FALSE(reading);
+    EXPECT_EQ(reading.error().text(),
+              "decompressed it has more than the 1000000 bytes that it may");
+    EXPECT_EQ(reading.error().place()->line, 1U);
+    EXPECT_LE(reading.error().place()->column, bomb.size() + 1);
+  }
 }
 
 TEST(ReadingCompressed, NamesWhatItDoesNotRead) {
   EXPECT_EQ(summaryOf(read(zipped(zstded("1 2\n")))),
-            "error 0:0 compressed twice; decompress it first");
+            "error 1:1 compressed twice; decompress it first");
   EXPECT_EQ(summaryOf(read("BZh91AY")),
-            "error 0:0 compressed by bzip2, which is not read; decompress it first");
+            "error 1:1 compressed by bzip2, which is not read; decompress it first");
   EXPECT_EQ(summaryOf(readNetworkText(zipped("1 2\n"))),
-            "error 0:0 compressed by gzip, which the library veq::readers reads");
+            "error 1:1 compressed by gzip, which the library veq::readers reads");
 }
 
 }  // namespace

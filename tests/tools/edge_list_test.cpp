@@ -60,7 +60,7 @@ TEST(EdgeLists, AreRefusedForTheFirstRepairWhereStrict) {
 }
 
 TEST(EdgeLists, ThatAreNoneSayWhy) {
-  EXPECT_EQ(read("").notes, "veq: FILE: the file is empty\n");
+  EXPECT_EQ(read("").notes, "veq: FILE:1: the file is empty\n");
   EXPECT_EQ(read("word\n").notes, "veq: FILE:1: no list of edges: no line has two columns\n");
 }
 

@@ -59,7 +59,7 @@ TEST(ProgramErrors, AFileIsWhatItHoldsWhateverItsSuffix) {
               std::string::npos);
   }
   const std::string file = directory.write("word", "word\n");
-  EXPECT_EQ(errorOf({"info", file}, 1), "veq: " + file + ": no format that is known\n");
+  EXPECT_EQ(errorOf({"info", file}, 1), "veq: " + file + ":1: no format that is known\n");
 }
 
 TEST(ProgramErrors, AnOutputWithoutAKnownSuffixIsRefusedBeforeAnythingIsDone) {
@@ -81,7 +81,7 @@ TEST(ProgramErrors, AnOutputWithoutAKnownSuffixIsRefusedBeforeAnythingIsDone) {
 TEST(ProgramErrors, StandardOutputNeedsAFormat) {
   EXPECT_EQ(errorOf({"convert", VEQ_DATA "/karate.xnet", "-"}, 1),
             "veq: standard output: has no suffix; --to FORMAT names the format\n");
-  EXPECT_EQ(errorOf({"info", "-"}, 1), "veq: standard input: the file is empty\n");
+  EXPECT_EQ(errorOf({"info", "-"}, 1), "veq: standard input:1: the file is empty\n");
   EXPECT_EQ(errorOf({"info", "--from", "word", "-"}, 2),
             "veq: --from needs xnet, pajek, list, matrix-market, gml, graphml or archive, not word "
             "(see veq info --help)\n");

@@ -6,6 +6,7 @@
 
 #include "veq/base/result.hpp"
 #include "veq/formats/internal/archive_keys.hpp"
+#include "veq/formats/internal/cbor_reader.hpp"
 #include "veq/formats/internal/property_cbor.hpp"
 
 namespace veq::internal {
@@ -13,10 +14,12 @@ namespace {
 
 constexpr std::uint64_t kNewestVersion = 2;
 
-[[noreturn]] void fail(std::string text) { throw Error(ErrorKind::kFormat, std::move(text)); }
+[[noreturn]] void fail(std::string text, std::string_view key) {
+  throw ArchiveError(std::move(text), key);
+}
 
 [[noreturn]] void failEntry(std::string_view key) {
-  fail("the archive's entry \"" + std::string(key) + "\" is missing or not what it should be");
+  fail("the archive's entry \"" + std::string(key) + "\" is missing or not what it should be", key);
 }
 
 /// What the archive has under the key, which it must have.
@@ -37,33 +40,41 @@ Weights weights(VEQKeyedUnarchiver& archive, std::string_view key) {
   return std::move(*weightsOf(array.get()));
 }
 
-void requireAsMany(const Weights& weights, std::uint64_t count, std::string_view whose) {
-  if (weights.size() == count) return;
-  fail("the archive has " + std::to_string(weights.size()) + " weights for " +
-       std::to_string(count) + " " + std::string(whose));
+void requireAsMany(const std::optional<Weights>& weights, std::uint64_t count,
+                   std::string_view whose, std::string_view key) {
+  if (!weights || weights->size() == count) return;
+  fail("the archive has " + std::to_string(weights->size()) + " weights for " +
+           std::to_string(count) + " " + std::string(whose),
+       key);
 }
 
-void requireSound(const NetworkDraft& draft) {
-  if (draft.from.all().size() != draft.to.all().size()) {
-    fail("the archive has " + std::to_string(draft.from.all().size()) + " sources of edges and " +
-         std::to_string(draft.to.all().size()) + " targets");
+struct KeyedEnds {
+  const IndexList& ends;
+  std::string_view key;
+};
+
+void requireSound(const KeyedEnds& from, const KeyedEnds& to, std::uint64_t vertices) {
+  if (from.ends.all().size() != to.ends.all().size()) {
+    fail("the archive has " + std::to_string(from.ends.all().size()) + " sources of edges and " +
+             std::to_string(to.ends.all().size()) + " targets",
+         to.key);
   }
-  for (const IndexList* ends : {&draft.from, &draft.to}) {
-    for (const std::uint64_t end : ends->all()) {
-      if (end < draft.vertexCount) continue;
+  for (const KeyedEnds* side : {&from, &to}) {
+    for (const std::uint64_t end : side->ends.all()) {
+      if (end < vertices) continue;
       fail("an edge of the archive ends at vertex " + std::to_string(end) + ", and there are " +
-           std::to_string(draft.vertexCount));
+               std::to_string(vertices),
+           side->key);
     }
   }
-  if (draft.verticesWeights) requireAsMany(*draft.verticesWeights, draft.vertexCount, "vertices");
-  if (draft.edgesWeights) requireAsMany(*draft.edgesWeights, draft.from.all().size(), "edges");
 }
 
 NetworkDraft draftOfVersion2(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
   using namespace archive2;
   const auto version = required(archive.decodeCount(kVersion), kVersion);
   if (version != kNewestVersion) {
-    fail("an archive of version " + std::to_string(version) + ", where 2 is the newest known");
+    fail("an archive of version " + std::to_string(version) + ", where 2 is the newest known",
+         kVersion);
   }
   NetworkDraft draft;
   draft.directed = required(archive.decodeBool(kDirected), kDirected);
@@ -78,7 +89,9 @@ NetworkDraft draftOfVersion2(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
                       required(archive.decodePropertyTable(kEdgeProperties), kEdgeProperties)};
   // Also those under keys that setters keep for weights and ends.
   draft.columnsAreReady = true;
-  requireSound(draft);
+  requireSound({draft.from, kFrom}, {draft.to, kTo}, draft.vertexCount);
+  requireAsMany(draft.verticesWeights, draft.vertexCount, "vertices", kVertexWeights);
+  requireAsMany(draft.edgesWeights, draft.from.all().size(), "edges", kEdgeWeights);
   return draft;
 }
 
@@ -98,7 +111,7 @@ NetworkDraft draftOfVersion1(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
   draft.from = IndexList(*ends.from);
   draft.to = IndexList(*ends.to);
   const auto count = countVertices(0, draft.from.all(), draft.to.all());
-  if (!count) fail("an index of the archive cannot be");
+  if (!count) fail("an index of the archive cannot be", kFromList);
   draft.vertexCount = *count;
   // Archives have these whether the network is weighted or not, one for each of all vertices.
   if (const auto each = archive.decodeNumberArray(kVerticesWeights)) {
@@ -109,7 +122,9 @@ NetworkDraft draftOfVersion1(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
   }
   if (vertexWeighted) draft.verticesWeights = weights(archive, kVerticesWeights);
   if (edgeWeighted) draft.edgesWeights = weights(archive, kEdgesWeights);
-  requireSound(draft);
+  requireSound({draft.from, kFromList}, {draft.to, kToList}, draft.vertexCount);
+  requireAsMany(draft.verticesWeights, draft.vertexCount, "vertices", kVerticesWeights);
+  requireAsMany(draft.edgesWeights, draft.from.all().size(), "edges", kEdgesWeights);
   return draft;
 }
 
@@ -149,8 +164,22 @@ void writeArchive(const NetworkCore& core, VEQKeyedArchiver& out) {
 bool hasVersion(const VEQKeyedUnarchiver& archive) { return archive.has(archive2::kVersion); }
 
 NetworkDraft draftOfArchive(VEQKeyedUnarchiver& archive, ArchivedEnds& ends) {
-  if (!archive.isValid()) fail("not a whole archive");
+  if (!archive.isValid()) fail("not a whole archive", {});
   return hasVersion(archive) ? draftOfVersion2(archive, ends) : draftOfVersion1(archive, ends);
+}
+
+Place placeInArchive(std::string_view bytes, std::string_view key) {
+  if (!key.empty()) {
+    const std::size_t at = bytes.find(key);
+    return {1, at == bytes.npos ? 1 : at + 1};
+  }
+  CborReader in(bytes);
+  const auto head = in.readHead();
+  if (head && head->major == CborMajor::kMap) {
+    for (std::uint64_t i = 0; i < head->argument && in.readString() && in.skipItem(); ++i) {
+    }
+  }
+  return {1, bytes.size() - in.rest().size() + 1};
 }
 
 }  // namespace veq::internal

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "veq/base/internal/byte_stream.hpp"
+#include "veq/formats/internal/archive_keys.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/gml.hpp"
 #include "veq/formats/internal/guarded_reading.hpp"
@@ -32,22 +33,42 @@ using internal::ReadContext;
 using internal::TextInput;
 
 constexpr unsigned kReservedCode = 61;
+/// The place of what is wrong with a file as a whole.
+constexpr Place kBeginning{1, 1};
 
-NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
-  internal::XnetFailure failure;
-  std::optional<NetworkDraft> draft = internal::readXnet(text, &failure);
-  if (!draft) {
-    internal::failAt(failure.place, failure.atEnd
-                                        ? "an index or a number of vertices that cannot be"
-                                        : "no number of vertices, or an empty name or key");
-  }
+/// The number of weights must be that of what the section is of.
+void requireAsMany(const std::optional<internal::Weights>& weights, std::uint64_t count,
+                   std::string_view section, TextInput& text) {
+  if (!weights || weights->size() == count) return;
+  Place last = kBeginning;
   internal::LineReader lines(text);
-  while (draft->vertexCount > context.mostVertices() && lines.next()) {
-    if (internal::sameWord(lines.line().substr(0, 9), "#vertices")) {
-      context.requireVertices(draft->vertexCount, lines.place());
+  while (lines.next()) {
+    const std::string_view line = lines.line();
+    if (line.substr(0, 1) == "#" && internal::sameWord(line.substr(1, section.size()), section)) {
+      last = lines.place();
     }
   }
-  context.requireVertices(draft->vertexCount, {});
+  internal::failAt(last, std::to_string(weights->size()) + " weights for " + std::to_string(count) +
+                             " " + std::string(section));
+}
+
+NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
+  std::optional<Place> stopped;
+  std::optional<NetworkDraft> draft = internal::readXnet(text, &stopped);
+  if (stopped) internal::failAt(*stopped, "no number of vertices, or an empty name or key");
+  if (!draft || draft->vertexCount > context.mostVertices()) {
+    const internal::XnetNumber cause = internal::causeOfVertices(text);
+    if (!draft) {
+      internal::failAt(cause.place, (cause.isEnd ? "an index that cannot be: "
+                                                 : "a number of vertices that cannot be: ") +
+                                        internal::shown(cause.text));
+    }
+    const std::string number(cause.text);
+    context.requireVertices(draft->vertexCount, cause.place,
+                            cause.isEnd ? "an index of " + number : number + " vertices");
+  }
+  requireAsMany(draft->verticesWeights, draft->vertexCount, "vertices", text);
+  requireAsMany(draft->edgesWeights, draft->from.all().size(), "edges", text);
   return std::move(*draft);
 }
 
@@ -90,15 +111,6 @@ void noteReservedKeys(const NetworkDraft& draft, ReadContext& context, TextInput
 Result<Network> networkOf(NetworkDraft draft) {
   const std::uint64_t vertices = draft.vertexCount;
   const std::uint64_t edges = draft.from.all().size();
-  const std::uint64_t vertexWeights =
-      draft.verticesWeights ? draft.verticesWeights->size() : vertices;
-  const std::uint64_t edgeWeights = draft.edgesWeights ? draft.edgesWeights->size() : edges;
-  if (vertexWeights != vertices || edgeWeights != edges) {
-    return Error(ErrorKind::kFormat, std::to_string(vertexWeights) + " weights for " +
-                                         std::to_string(vertices) + " vertices, " +
-                                         std::to_string(edgeWeights) + " for " +
-                                         std::to_string(edges) + " edges");
-  }
   Owned<VEQNetwork> network =
       internal::CoreAccess::make([&] { return std::optional<NetworkDraft>(std::move(draft)); });
   Shared<VEQNetwork> shared = internal::sharedOrNull(std::move(network));
@@ -109,19 +121,32 @@ Result<Network> networkOf(NetworkDraft draft) {
   return Network(std::move(shared));
 }
 
-Result<Network> readArchive(const std::string& bytes, ReadContext& context) {
-  VEQKeyedUnarchiver archive(bytes);
+Result<Network> readArchive(std::string bytes, ReadContext& context) {
   internal::ArchivedEnds ends;
-  NetworkDraft draft = internal::draftOfArchive(archive, ends);
-  context.requireVertices(draft.vertexCount, {});
-  return networkOf(std::move(draft));
+  std::optional<NetworkDraft> draft;
+  try {
+    VEQKeyedUnarchiver archive(bytes);
+    draft = internal::draftOfArchive(archive, ends);
+    // In an archive of the published kind the ends say how many there are.
+    context.requireVertices(draft->vertexCount,
+                            internal::placeInArchive(bytes, internal::hasVersion(archive)
+                                                                ? internal::archive2::kVertices
+                                                                : internal::archive1::kFromList));
+  } catch (const internal::ArchiveError& error) {
+    return Error(error.kind(), error.text(), internal::placeInArchive(bytes, error.key()));
+  }
+  // The bytes go before the network comes.
+  std::string().swap(bytes);
+  return networkOf(std::move(*draft));
 }
 
 Error compressed(std::string_view how) {
   const bool known = how == "gzip" || how == "zstd";
-  return Error(ErrorKind::kUnsupported, "compressed by " + std::string(how) +
-                                            (known ? ", which the library veq::readers reads"
-                                                   : ", which is not read; decompress it first"));
+  return Error(ErrorKind::kUnsupported,
+               "compressed by " + std::string(how) +
+                   (known ? ", which the library veq::readers reads"
+                          : ", which is not read; decompress it first"),
+               kBeginning);
 }
 
 /// Only the suffix tells such a file from a list.
@@ -137,21 +162,22 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
   }
   if (!format && internal::isArchive(head)) format = FileFormat::kArchive;
   if (format == FileFormat::kArchive) {
-    const std::string all = bytes.takeRest();
+    std::string all = bytes.takeRest();
     context.setBytes(all.size());
-    return readArchive(all, context);
+    return readArchive(std::move(all), context);
   }
-  if (head.empty()) return Error(ErrorKind::kFormat, "the file is empty");
+  if (head.empty()) return Error(ErrorKind::kFormat, "the file is empty", kBeginning);
   if (!format && isLgl(name)) {
     return Error(
         ErrorKind::kUnsupported,
         "LGL, which has the one end of its edges in lines that other lists have as comments, is "
-        "not read; NCOL holds the same");
+        "not read; NCOL holds the same",
+        kBeginning);
   }
   // The text goes before the network comes.
   std::optional<TextInput> text(std::in_place, bytes, context);
   if (!format) format = internal::formatOfText(*text, name);
-  if (!format) return Error(ErrorKind::kFormat, "no format that is known");
+  if (!format) return Error(ErrorKind::kFormat, "no format that is known", kBeginning);
   for (const TextReader& reader : kTextReaders) {
     if (reader.format != *format) continue;
     NetworkDraft draft = reader.read(*text, context);
@@ -160,7 +186,8 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
     return networkOf(std::move(draft));
   }
   if (*format == FileFormat::kGraphMl) {
-    return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers");
+    return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers",
+                 kBeginning);
   }
   return internal::unhandled(*format, "read");
 }

@@ -7,6 +7,7 @@
 #include "veq/base/internal/number_text.hpp"
 #include "veq/base/internal/text_escapes.hpp"
 #include "veq/base/internal/text_scanner.hpp"
+#include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/six_decimals.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -124,16 +125,15 @@ class XnetReader {
     closeSection();
     return finish();
   }
-  [[nodiscard]] XnetFailure failure() {
-    XnetFailure failure{{1, 1}, scanner_.atEnd() && input_.piece(piece_ + 1).empty()};
-    for (std::size_t i = 0; i <= piece_; ++i) {
-      const std::string_view text =
-          i < piece_ ? input_.piece(i) : input_.piece(i).substr(0, scanner_.position());
-      const std::size_t newline = text.rfind('\n');
-      failure.place.line += static_cast<std::uint64_t>(std::count(text.begin(), text.end(), '\n'));
-      failure.place.column = newline == text.npos ? text.size() + 1 : text.size() - newline;
-    }
-    return failure;
+  /// Where it stopped; nothing where it read all.
+  [[nodiscard]] std::optional<Place> stoppedAt() {
+    if (scanner_.atEnd() && input_.piece(piece_ + 1).empty()) return std::nullopt;
+    std::uint64_t offset = scanner_.position();
+    for (std::size_t i = 0; i < piece_; ++i) offset += input_.piece(i).size();
+    LineReader lines(input_);
+    std::uint64_t begin = 0;
+    while (lines.next() && lines.position() <= offset) begin = lines.position();
+    return Place{lines.number(), offset - begin + 1};
   }
 
  private:
@@ -286,11 +286,43 @@ class XnetReader {
 
 }  // namespace
 
-std::optional<NetworkDraft> readXnet(TextInput& text, XnetFailure* failure) {
-  XnetReader reader(text, failure == nullptr);
+std::optional<NetworkDraft> readXnet(TextInput& text, std::optional<Place>* stopped) {
+  XnetReader reader(text, stopped == nullptr);
   std::optional<NetworkDraft> draft = reader.read();
-  if (!draft && failure) *failure = reader.failure();
+  if (!draft && stopped) *stopped = reader.stoppedAt();
   return draft;
+}
+
+XnetNumber causeOfVertices(TextInput& text) {
+  XnetNumber cause;
+  std::int64_t most = -1;
+  bool negative = false;
+  bool inEdges = false;
+  LineReader lines(text);
+  const auto look = [&](TextScanner& scanner, bool isEnd) {
+    scanner.skipBlanks();
+    const std::string_view line = scanner.rest();
+    const std::optional<std::int64_t> number = scanner.readInteger();
+    if (!number || negative) return;
+    negative = *number < 0;
+    // What an end asks for is one vertex more than it says.
+    const std::int64_t asked = isEnd && *number < INT64_MAX ? *number + 1 : *number;
+    if (asked <= most && !negative) return;
+    most = asked;
+    cause = {lines.placeOf(line.data()), line.substr(0, line.size() - scanner.rest().size()),
+             isEnd};
+  };
+  while (lines.next()) {
+    TextScanner scanner(lines.line());
+    if (scanner.match('#')) {
+      inEdges = scanner.matchPrefix("edges");
+      if (!inEdges && scanner.matchPrefix("vertices")) look(scanner, false);
+    } else if (inEdges) {
+      look(scanner, true);
+      look(scanner, true);
+    }
+  }
+  return cause;
 }
 
 }  // namespace veq::internal

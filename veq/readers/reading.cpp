@@ -21,6 +21,7 @@ bool isXml(std::string_view bytes, const ReadOptions& options) {
   if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   if (bytes.substr(0, 3) == kUtf16[0]) return true;
   if (bytes.substr(0, 2) == kUtf16[1] && bytes.size() > 3 && bytes[3] == '<') return true;
+  if (bytes.size() > 1 && bytes[0] == '\0' && bytes[1] == '<') return true;
   const std::size_t first = bytes.find_first_not_of(" \t\r\n");
   return first != bytes.npos && bytes[first] == '<';
 }
@@ -46,8 +47,11 @@ Reading readStream(ByteStream& bytes, const ReadOptions& options, std::string_vi
     const std::string_view suffixed = name.substr(0, name.rfind('.'));
     // There are files that hold nothing but themselves.
     if (!internal::compressionOf(inside.head()).empty()) {
-      return {
-          Error(ErrorKind::kUnsupported, "compressed twice; decompress it first"), {}, {}, 0, {}};
+      return {Error(ErrorKind::kUnsupported, "compressed twice; decompress it first", Place{1, 1}),
+              {},
+              {},
+              0,
+              {}};
     }
     return readPlain(inside, options, suffixed);
   } catch (const Error& error) {

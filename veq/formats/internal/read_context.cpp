@@ -47,10 +47,11 @@ std::uint64_t ReadContext::mostVertices() const {
   return bytes_ > (kMost - kAtLeast) / kEachByte ? kMost : kEachByte * bytes_ + kAtLeast;
 }
 
-void ReadContext::requireVertices(std::uint64_t vertices, Place place) const {
+void ReadContext::requireVertices(std::uint64_t vertices, Place place,
+                                  std::string_view asking) const {
   if (vertices <= mostVertices()) return;
-  std::string text = std::to_string(vertices) + " vertices, more than the " +
-                     std::to_string(mostVertices()) + " that ";
+  std::string text = asking.empty() ? std::to_string(vertices) + " vertices" : std::string(asking);
+  text += ", more than the " + std::to_string(mostVertices()) + " that ";
   text += options.mostVertices ? "are allowed"
                                : "a text of " + std::to_string(bytes_) + " bytes may have";
   failAt(place, std::move(text));

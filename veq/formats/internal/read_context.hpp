@@ -50,8 +50,9 @@ class VEQ_EXPORT ReadContext {
     keep({kind, place, std::move(text), 1});
   }
 
-  /// An error where the text asks for more vertices than it may.
-  void requireVertices(std::uint64_t vertices, Place place) const;
+  /// An error where the text asks for more vertices than it may. What asks for
+  /// them can be told, as a number may stand there that is beyond all counts.
+  void requireVertices(std::uint64_t vertices, Place place, std::string_view asking = {}) const;
   /// The same for a text that goes on, where its length may yet allow them; to be followed by the
   /// other.
   void requireVerticesSoFar(std::uint64_t vertices, Place place) const {

@@ -12,21 +12,27 @@
 
 namespace veq::internal {
 
-/// Why a text describes no network.
-struct XnetFailure {
-  Place place;
-  /// Whether it was read to its end before that was seen.
-  bool atEnd = false;
-};
-
-/// What the text describes; nothing where it describes no network, and then `failure`, if it is
-/// given, says why. Without it this is the published reader, which tells the diagnostic log of
-/// vectors in space. O(length).
-[[nodiscard]] std::optional<NetworkDraft> readXnet(TextInput& text, XnetFailure* failure = nullptr);
+/// What the text describes; nothing where it describes no network, and then `stopped`, if it is
+/// given, is the place of the header or name that ended the reading, or nothing where a number was
+/// wrong. Without it this is the published reader, which tells the diagnostic log of vectors in
+/// space. O(length).
+[[nodiscard]] std::optional<NetworkDraft> readXnet(TextInput& text,
+                                                   std::optional<Place>* stopped = nullptr);
 [[nodiscard]] inline std::optional<NetworkDraft> readXnet(std::string_view text) {
   TextInput input(text);
   return readXnet(input);
 }
+
+/// A number of vertices, or the end of an edge, as it stands in the text.
+struct XnetNumber {
+  Place place;
+  std::string_view text;
+  bool isEnd = false;
+};
+
+/// The number that says how many vertices the text has: the first that is negative, or else the
+/// first of those that ask for the most. O(length).
+[[nodiscard]] XnetNumber causeOfVertices(TextInput& text);
 
 /// The text of a network. Names and values are written as they are, whether UTF-8 or not.
 [[nodiscard]] NetworkText writeXnet(const NetworkCore& core);

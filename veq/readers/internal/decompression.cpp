@@ -30,6 +30,8 @@ class Compressed {
     return rest_;
   }
   void take(std::size_t count) { rest_.remove_prefix(count); }
+  /// The place of the next byte, in a file whose one line it is.
+  [[nodiscard]] Place place() const { return {1, read_ - rest_.size() + 1}; }
   /// How many bytes there are, as far as anybody knows.
   [[nodiscard]] std::uint64_t size() const { return std::max(bytes_.expected(), read_); }
 
@@ -62,8 +64,9 @@ class Unzip {
     if (isWhole_ && inflateReset(&stream_) != Z_OK) return std::nullopt;
     const int status = inflate(&stream_, Z_NO_FLUSH);
     if (status == Z_MEM_ERROR) throw std::bad_alloc();
-    if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) return std::nullopt;
+    // Also where it is damaged, which is then told by its place.
     in.take(rest.size() - stream_.avail_in);
+    if (status != Z_OK && status != Z_STREAM_END && status != Z_BUF_ERROR) return std::nullopt;
     isWhole_ = status == Z_STREAM_END;
     return capacity - stream_.avail_out;
   }
@@ -93,8 +96,8 @@ class Unzstd {
     ZSTD_inBuffer from{rest.data(), rest.size(), 0};
     ZSTD_outBuffer to{into, capacity, 0};
     const std::size_t missing = ZSTD_decompressStream(context_.get(), &to, &from);
-    if (ZSTD_isError(missing)) return std::nullopt;
     in.take(from.pos);
+    if (ZSTD_isError(missing)) return std::nullopt;
     isWhole_ = missing == 0;
     return to.pos;
   }
@@ -125,9 +128,9 @@ class Decompression {
   }
 
  private:
-  [[noreturn]] static void fail(const char* how) {
+  [[noreturn]] void fail(const char* how) const {
     throw Error(ErrorKind::kFormat,
-                std::string("what ") + Decompressor::kName + " has compressed " + how);
+                std::string("what ") + Decompressor::kName + " has compressed " + how, in_.place());
   }
 
   std::size_t counted(std::size_t bytes) {
@@ -136,8 +139,10 @@ class Decompression {
     made_ += bytes;
     const std::uint64_t most = most_.value_or(kEachByte * in_.size() + kBesides);
     if (made_ > most) {
-      throw Error(ErrorKind::kFormat, "decompressed it has more than the " + std::to_string(most) +
-                                          " bytes that it may");
+      throw Error(
+          ErrorKind::kFormat,
+          "decompressed it has more than the " + std::to_string(most) + " bytes that it may",
+          in_.place());
     }
     return bytes;
   }
