@@ -28,6 +28,20 @@ TEST(ReadingLists, FindsIdsThatLieFarApart) {
   EXPECT_THAT(vertexTexts(reading, "Id"), ElementsAre("-5", "7", "900000000000000000"));
 }
 
+TEST(ReadingLists, KeepsEveryIdThatSixtyFourBitsHold) {
+  const Reading reading =
+      read("9223372036854775807 -9223372036854775808 2\n+7 1234567890123456789 3\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 4: 3>0 1>2 w(2, 3)");
+  EXPECT_THAT(
+      vertexTexts(reading, "Id"),
+      ElementsAre("-9223372036854775808", "7", "1234567890123456789", "9223372036854775807"));
+  // The same between quotes, which are read otherwise.
+  EXPECT_THAT(vertexTexts(read("\"9223372036854775807\",1\n"), "Id"),
+              ElementsAre("1", "9223372036854775807"));
+  EXPECT_THAT(vertexTexts(read("9223372036854775808 1\n"), "Name"),
+              ElementsAre("9223372036854775808", "1"));
+}
+
 TEST(ReadingLists, TakesIntegersForIndicesWhereAsked) {
   ReadOptions options;
   options.idsAreIndices = true;
@@ -79,12 +93,43 @@ TEST(ReadingLists, ReadsEveryKindOfLineEnd) {
   EXPECT_EQ(summaryOf(read("1 2\r\n2 3\r\n")), "undirected 3: 0>1 1>2");
   EXPECT_EQ(summaryOf(read("1 2\r2 3")), "undirected 3: 0>1 1>2");
   EXPECT_EQ(summaryOf(read("1 2\n2 3")), "undirected 3: 0>1 1>2");
+  EXPECT_EQ(summaryOf(read("1 2\r2 3\n3 4\r\n4 5\r\r5 6")), "undirected 6: 0>1 1>2 2>3 3>4 4>5");
+  EXPECT_THAT(notesOf(read("a b\rb c\n\r\rlonely\r\n")),
+              ElementsAre("5:1 taken x1: the one end \"lonely\" is taken for a vertex without this "
+                          "edge"));
 }
 
 TEST(ReadingLists, NamesColumnsByTheHeader) {
   const Reading reading = read("from to weight colour\na b 2 red\nb c 3 \n");
   EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2 w(2, 3)");
   EXPECT_THAT(edgeTexts(reading, "colour"), ElementsAre("red", "<null>"));
+}
+
+TEST(ReadingLists, SaysWhichLineItTakesForAHeader) {
+  EXPECT_THAT(notesOf(read("# x\nperson,friend\n1,2\n")),
+              ElementsAre("2:1 taken x1: this line is taken for the names of the columns, as the "
+                          "next has numbers there"));
+  EXPECT_THAT(notesOf(read("source,target\n1,2\n")), IsEmpty());
+  // A line that has numbers for its ends names no columns.
+  const Reading reading = read("1 2 nan\n2 3 1\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 3: 0>1 1>2");
+  EXPECT_THAT(edgeTexts(reading, "Column 3"), ElementsAre("nan", "1"));
+}
+
+TEST(ReadingLists, KeepsTypesThatAreNoDirections) {
+  const Reading reading = read("source,target,type\na,b,friend\nb,c,\nc,a,Directed\n");
+  EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>2 2>0");
+  EXPECT_THAT(edgeTexts(reading, "type"), ElementsAre("friend", "<null>", "<null>"));
+}
+
+TEST(ReadingLists, SaysThatAWeightIsBeyondAllNumbers) {
+  const Reading reading = read("1 2 1e400\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1 w(inf)");
+  EXPECT_THAT(notesOf(reading), ElementsAre("1:5 repaired x1: 1 weight is rounded to 32 bits: "
+                                            "that of edge 0 from beyond 1.8e308 to inf"));
+  EXPECT_THAT(notesOf(read("1 2 1e39\n")),
+              ElementsAre("1:5 repaired x1: 1 weight is rounded to "
+                          "32 bits: that of edge 0 from 1e+39 to inf"));
 }
 
 TEST(ReadingLists, ReadsExportsOfSpreadsheets) {
@@ -97,6 +142,44 @@ TEST(ReadingLists, ReadsExportsOfSpreadsheets) {
   EXPECT_THAT(edgeTexts(reading, "Id"), ElementsAre("0", "1"));
   EXPECT_THAT(edgeTexts(reading, "Label"), ElementsAre("<null>", "x"));
   EXPECT_THAT(notesOf(reading), IsEmpty());
+}
+
+TEST(ReadingLists, AQuotedFieldMayHaveSeveralLines) {
+  const Reading reading =
+      read("Source,Target,note\n\"a\n b\",c,\"x\r\n\"\"y\"\"\n#z\"\nc,d,\"\ne\"\nd,e,f\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 4: 0>1 1>2 2>3");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("a\n b", "c", "d", "e"));
+  EXPECT_THAT(edgeTexts(reading, "note"), ElementsAre("x\r\n\"y\"\n#z", "\ne", "f"));
+  EXPECT_THAT(notesOf(reading), IsEmpty());
+  EXPECT_THAT(edgeTexts(read("Source,Target,\"two\nlines\"\na,b,c\n"), "two\nlines"),
+              ElementsAre("c"));
+}
+
+TEST(ReadingLists, AQuoteThatNoLineClosesEndsWithItsOwn) {
+  // The next quote begins a field, so that it closes none.
+  const Reading reading = read("a,b,\"c\nd,e,\"f\"\ng,\"h\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 6: 0>1 2>3 4>5");
+  EXPECT_THAT(edgeTexts(reading, "Column 3"), ElementsAre("c", "f", "<null>"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("1:1 repaired x2: a quote that is not closed ends with its line"));
+}
+
+TEST(ReadingLists, LooksForTheEndOfAQuoteNotForEver) {
+  std::string text;
+  for (int i = 0; i < 100'000; ++i) text += "a\" ,\"\n";
+  text += "\",b\n";
+  // Each of these lines leaves a quote open wherever it stands; half a MiB is looked through.
+  EXPECT_TRUE(read(text));
+}
+
+TEST(ReadingLists, RefusesATableOfVertices) {
+  const std::string error =
+      "error 1:1 a table of vertices, which has no columns of sources and targets; the table of "
+      "edges is what can be read";
+  EXPECT_EQ(summaryOf(read("Id,Label,timeset\n1,Anna,\n2,Bert,\n")), error);
+  EXPECT_EQ(summaryOf(read("Id\tWeight\n1\t2\n")), error);
+  EXPECT_EQ(summaryOf(read("Id,Source,Target\n7,a,b\n")), "undirected 2: 0>1");
+  EXPECT_EQ(summaryOf(read("id label\n")), "undirected 2: 0>1");
 }
 
 TEST(ReadingLists, AnEmptyFieldBetweenTabsIsAField) {
@@ -146,7 +229,7 @@ TEST(ReadingLists, ASlashAloneBeginsNoComment) {
 }
 
 TEST(ReadingLists, ATextWithANulIsNoList) {
-  EXPECT_EQ(summaryOf(read(std::string("a b\0\n", 5))), "error 0:0 no format that is known");
+  EXPECT_EQ(summaryOf(read(std::string("a b\0\n", 5))), "error 1:1 no format that is known");
 }
 
 TEST(ReadingLists, TakesMixedTypesForDirected) {
@@ -243,9 +326,9 @@ TEST(ReadingLists, KeepsLargeNumbersOfManyDigitsAsNames) {
 }
 
 TEST(ReadingLists, RefusesWhatHasNoEdge) {
-  EXPECT_EQ(summaryOf(read("")), "error 0:0 the file is empty");
-  EXPECT_EQ(summaryOf(read("word\n")), "error 0:0 no format that is known");
-  EXPECT_EQ(summaryOf(read("# only a comment\n")), "error 0:0 no format that is known");
+  EXPECT_EQ(summaryOf(read("")), "error 1:1 the file is empty");
+  EXPECT_EQ(summaryOf(read("word\n")), "error 1:1 no format that is known");
+  EXPECT_EQ(summaryOf(read("# only a comment\n")), "error 1:1 no format that is known");
 }
 
 TEST(ReadingLists, RefusesMoreIndicesThanATextMayAskFor) {

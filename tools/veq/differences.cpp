@@ -159,11 +159,29 @@ Difference countDifference(std::uint64_t before, std::uint64_t after) {
   return {};
 }
 
+void eraseNone(std::vector<Difference>& notes) {
+  const auto isNone = [](const Difference& difference) { return difference.text.empty(); };
+  notes.erase(std::remove_if(notes.begin(), notes.end(), isNone), notes.end());
+}
+
 }  // namespace
 
 Difference edgeWeightsDifference(const VEQNetwork& before, const VEQNetwork& after) {
   return weightsDifference("edges", *before.edgesWeightValues(), *after.edgesWeightValues(),
                            before.isEdgeWeighted(), after.isEdgeWeighted());
+}
+
+std::vector<Difference> edgeColumnDifferences(const VEQNetwork& before, const VEQNetwork& after) {
+  const auto ofEdges = before.propertiesOfEdges();
+  const auto ofEdgesAfter = after.propertiesOfEdges();
+  const Properties edges{"edge", before.countEdges(), *ofEdges, *ofEdgesAfter};
+  std::vector<Difference> notes;
+  for (const std::string& key : missingKeys(*ofEdges, *ofEdgesAfter)) {
+    notes.push_back({named(edges, key) + " is lost"});
+  }
+  appendColumnDifferences(notes, edges);
+  eraseNone(notes);
+  return notes;
 }
 
 std::vector<Difference> differencesBetween(const VEQNetwork& before, const VEQNetwork& after) {
@@ -181,8 +199,7 @@ std::vector<Difference> differencesBetween(const VEQNetwork& before, const VEQNe
   appendPropertyDifferences(notes,
                             {"vertex", before.countVertices(), *ofVertices, *ofVerticesAfter},
                             {"edge", before.countEdges(), *ofEdges, *ofEdgesAfter});
-  const auto isNone = [](const Difference& difference) { return difference.text.empty(); };
-  notes.erase(std::remove_if(notes.begin(), notes.end(), isNone), notes.end());
+  eraseNone(notes);
   return notes;
 }
 

@@ -23,6 +23,10 @@ struct Difference {
 [[nodiscard]] std::vector<Difference> differencesBetween(const VEQNetwork& before,
                                                          const VEQNetwork& after);
 
+/// The same for the columns of edges alone.
+[[nodiscard]] std::vector<Difference> edgeColumnDifferences(const VEQNetwork& before,
+                                                            const VEQNetwork& after);
+
 /// The same for the weights of edges alone; its text is empty where there is no difference.
 [[nodiscard]] Difference edgeWeightsDifference(const VEQNetwork& before, const VEQNetwork& after);
 

@@ -81,7 +81,9 @@ std::vector<Difference> listDifferences(const VEQNetwork& network, const VEQNetw
   }
   const Difference weights = edgeWeightsDifference(network, back);
   if (!weights.text.empty()) all.push_back(weights);
-  appendLostKeys(all, "edge", *network.propertiesOfEdges(), *back.propertiesOfEdges());
+  for (Difference& difference : edgeColumnDifferences(network, back)) {
+    all.push_back(std::move(difference));
+  }
   if (withVertexTable) return all;
   if (const std::uint64_t lost = network.countVertices() - back.countVertices(); lost > 0) {
     all.push_back(

@@ -1,17 +1,16 @@
 #include "veq/formats/internal/list_reader.hpp"
 
 #include <algorithm>
-#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "veq/formats/internal/distinct_ends.hpp"
-#include "veq/formats/internal/integer_ids.hpp"
 #include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/list_ends.hpp"
+#include "veq/formats/internal/list_rows.hpp"
 #include "veq/formats/internal/list_shape.hpp"
 #include "veq/formats/internal/text_columns.hpp"
 #include "veq/numeric/number_array.hpp"
@@ -25,7 +24,8 @@ enum NoteCode : unsigned {
   kOpenQuote,
   kNoWeight,
   kMixedTypes,
-  kRounded
+  kRounded,
+  kHeader
 };
 
 constexpr std::uint64_t kLinesAtOnce = 4096;
@@ -58,7 +58,9 @@ std::optional<IntegerEdges> readIntegerEdges(TextInput& text, const ListShape& s
     return matched;
   };
   // A comma behind a number is no blank.
-  const auto integer = [separator](LineCursor& cursor) { return cursor.readInteger(separator); };
+  const auto integer = [separator](LineCursor& cursor) {
+    return cursor.readLongInteger(separator);
+  };
   LineReader lines(text);
   while (lines.next()) {
     if (lines.number() % kLinesAtOnce == 0) context.pace.reach(lines.position());
@@ -89,130 +91,6 @@ std::optional<IntegerEdges> readIntegerEdges(TextInput& text, const ListShape& s
   return edges;
 }
 
-/// A list as it lies there, in which the line of what is wrong is looked for once something is.
-struct ListText {
-  TextInput& text;
-  const ListShape& shape;
-
-  /// The first line for whose ends `isIt` holds.
-  template <class IsIt>
-  [[nodiscard]] Place placeWhere(IsIt isIt) const {
-    LineReader lines(text);
-    FieldSplitter splitter(shape.separator);
-    std::vector<std::string_view> fields;
-    while (lines.next()) {
-      if (lines.number() == shape.headerLine || isListComment(lines.line())) continue;
-      splitter.split(lines.line(), fields);
-      for (const std::size_t column : {shape.source, shape.target}) {
-        if (column < fields.size() && isIt(fields[column], column)) {
-          return lines.placeOf(fields[column]);
-        }
-      }
-    }
-    return {};
-  }
-
-  [[nodiscard]] Place placeOfId(std::int64_t id) const {
-    return placeWhere([id](std::string_view field, std::size_t) {
-      return LineCursor(field).readInteger() == id;
-    });
-  }
-
-  /// The first comment that has the number, as one that says how many vertices there are.
-  [[nodiscard]] Place placeOfComment(std::int64_t number) const {
-    LineReader lines(text);
-    while (lines.next()) {
-      const std::string_view line = lines.line();
-      if (isListComment(line) && line.find(std::to_string(number)) != line.npos) {
-        return lines.place();
-      }
-    }
-    return {};
-  }
-
-  /// An error at the line whose end is one vertex too many.
-  void requireVertices(std::uint64_t vertices, const ReadContext& context) const {
-    if (vertices <= context.mostVertices()) return;
-    std::unordered_set<std::string_view> seen;
-    context.requireVertices(vertices, placeWhere([&](std::string_view field, std::size_t) {
-                              if (!field.empty()) seen.insert(field);
-                              return seen.size() > context.mostVertices();
-                            }));
-  }
-};
-
-void setIds(NetworkDraft& draft, RawVector<std::int64_t> ids) {
-  draft.vertexCount = ids.size();
-  draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids)));
-}
-
-/// Ends that are to be indices as they stand.
-void takeAsIndices(NetworkDraft& draft, RawVector<std::uint64_t> from, RawVector<std::uint64_t> to,
-                   const ListText& list, ReadContext& context) {
-  std::int64_t most = -1;
-  for (const RawVector<std::uint64_t>* ends : {&from, &to}) {
-    for (const std::uint64_t unsignedEnd : *ends) {
-      const auto end = static_cast<std::int64_t>(unsignedEnd);
-      if (end < 0) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is no index");
-      most = std::max(most, end);
-    }
-  }
-  if (static_cast<std::uint64_t>(most) + 1 > context.mostVertices()) {
-    context.requireVertices(static_cast<std::uint64_t>(most) + 1, list.placeOfId(most));
-  }
-  draft.vertexCount = static_cast<std::uint64_t>(most) + 1;
-  draft.from = std::move(from);
-  draft.to = std::move(to);
-}
-
-/// Two kinds of vertices, each numbered from 1 on its own.
-void takeTwoModes(NetworkDraft& draft, RawVector<std::uint64_t> from, RawVector<std::uint64_t> to,
-                  const ListText& list, ReadContext& context) {
-  const ListShape& shape = list.shape;
-  std::uint64_t sizes[2] = {shape.firstMode, shape.secondMode};
-  const RawVector<std::uint64_t>* const sides[2] = {&from, &to};
-  for (int side = 0; side < 2; ++side) {
-    for (const std::uint64_t unsignedEnd : *sides[side]) {
-      const auto end = static_cast<std::int64_t>(unsignedEnd);
-      if (end < 1) failAt(list.placeOfId(end), "the id " + std::to_string(end) + " is below 1");
-      sizes[side] = std::max(sizes[side], static_cast<std::uint64_t>(end));
-    }
-  }
-  // Each is below 2^63, so that their sum is none that has gone round.
-  if (const std::uint64_t all = sizes[0] + sizes[1]; all > context.mostVertices()) {
-    const std::size_t column = sizes[0] > sizes[1] ? shape.source : shape.target;
-    const auto most = static_cast<std::int64_t>(std::max(sizes[0], sizes[1]));
-    const Place place = list.placeWhere([&](std::string_view field, std::size_t at) {
-      return at == column && LineCursor(field).readInteger() == most;
-    });
-    context.requireVertices(all, place.line > 0 ? place : list.placeOfComment(most));
-  }
-  draft.vertexCount = sizes[0] + sizes[1];
-  for (std::uint64_t& index : from) --index;
-  for (std::uint64_t& index : to) index += sizes[0] - 1;
-  draft.from = std::move(from);
-  draft.to = std::move(to);
-  draft.properties.vertices.set("Mode", modeColumn(sizes[0], draft.vertexCount));
-}
-
-/// Ends behind the given number of edges name vertices alone.
-void takeIntegerEnds(NetworkDraft& draft, RawVector<std::uint64_t> from,
-                     RawVector<std::uint64_t> to, std::uint64_t edges, const ListText& list,
-                     ReadContext& context) {
-  if (context.options.idsAreIndices || list.shape.twoModes) {
-    from.resize(edges);
-    to.resize(edges);
-    const auto take = list.shape.twoModes ? takeTwoModes : takeAsIndices;
-    return take(draft, std::move(from), std::move(to), list, context);
-  }
-  setIds(draft, numberVertices(from, to));
-  list.requireVertices(draft.vertexCount, context);
-  from.resize(edges);
-  to.resize(edges);
-  draft.from = std::move(from);
-  draft.to = std::move(to);
-}
-
 bool isDirected(const ListShape& shape, const ReadContext& context) {
   return context.options.directed.value_or(shape.directed.value_or(false));
 }
@@ -221,19 +99,13 @@ bool isDirected(const ListShape& shape, const ReadContext& context) {
 class FieldReader {
  public:
   FieldReader(TextInput& text, ListShape shape, ReadContext& context)
-      : text_(text),
-        lines_(text),
-        shape_(std::move(shape)),
-        splitter_(shape_.separator),
-        context_(context) {}
+      : text_(text), shape_(std::move(shape)), rows_(text, shape_.separator), context_(context) {}
 
   NetworkDraft read() {
     nameColumns();
-    while (lines_.next()) {
-      if (lines_.number() % kLinesAtOnce == 0) context_.pace.reach(lines_.position());
-      if (lines_.number() == shape_.headerLine || isListComment(lines_.line())) continue;
-      splitter_.split(lines_.line(), fields_);
-      readFields();
+    for (std::uint64_t row = 1; rows_.next(); ++row) {
+      if (row % kLinesAtOnce == 0) context_.pace.reach(rows_.position());
+      if (rows_.number() != shape_.headerLine) readFields();
     }
     return finish();
   }
@@ -258,15 +130,15 @@ class FieldReader {
   }
 
   void readFields() {
-    if (splitter_.isOpen()) {
-      context_.note(kOpenQuote, NoteKind::kRepaired, lines_.place(),
+    if (rows_.isOpen()) {
+      context_.note(kOpenQuote, NoteKind::kRepaired, rows_.place(),
                     [] { return std::string("a quote that is not closed ends with its line"); });
     }
     const std::string_view source = field(shape_.source);
     const std::string_view target = field(shape_.target);
     if (source.empty() || target.empty()) return readIncomplete(source.empty() ? target : source);
     ends_.add(source, target);
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
+    for (std::size_t i = 0; i < rows_.fields().size(); ++i) {
       if (i != shape_.source && i != shape_.target) readFurther(i);
     }
     if (shape_.weight != ListShape::kNone && field(shape_.weight).empty()) addWeight("");
@@ -274,14 +146,14 @@ class FieldReader {
   }
 
   [[nodiscard]] std::string_view field(std::size_t column) const {
-    return column < fields_.size() ? fields_[column] : std::string_view();
+    return column < rows_.fields().size() ? rows_.fields()[column] : std::string_view();
   }
 
   void readIncomplete(std::string_view name) {
-    const Place place = lines_.place();
+    const Place place = rows_.place();
     if (name.empty()) {
       context_.note(kEmptyName, NoteKind::kLeftOut, place, [&] {
-        return "no edge in " + shown(lines_.line()) + ": both ends are empty; the line is left out";
+        return "no edge in " + shown(rows_.text()) + ": both ends are empty; the line is left out";
       });
       return;
     }
@@ -292,9 +164,13 @@ class FieldReader {
   }
 
   void readFurther(std::size_t column) {
-    const std::string_view cell = fields_[column];
+    const std::string_view cell = rows_.fields()[column];
     if (column == shape_.weight) return addWeight(cell);
     if (column == shape_.type) return addType(cell);
+    setCell(column, cell);
+  }
+
+  void setCell(std::size_t column, std::string_view cell) {
     if (cell.empty()) return;
     nameColumn(column);
     columns_[column].set(edges_, cell);
@@ -303,22 +179,22 @@ class FieldReader {
   void addWeight(std::string_view cell) {
     const std::optional<double> weight = wholeNumber(cell);
     if (!weight) {
-      context_.note(kNoWeight, NoteKind::kRepaired, lines_.place(), [&] {
+      context_.note(kNoWeight, NoteKind::kRepaired, rows_.place(), [&] {
         return (cell.empty() ? std::string("no weight") : "the weight " + shown(cell)) +
                " is taken for 1";
       });
     }
     if (weights_.size() == edges_ && weights_.append(weight.value_or(1.0), cell.size())) {
-      weights_.setPlace(lines_.placeOf(cell));
+      weights_.setPlace(rows_.placeOf(cell));
     }
   }
 
   void addType(std::string_view cell) {
     const bool directed = sameWord(cell, "directed");
-    if (!directed && !sameWord(cell, "undirected")) return;
+    if (!directed && !sameWord(cell, "undirected")) return setCell(shape_.type, cell);
     (directed ? directedEdges_ : undirectedEdges_) = true;
     if (!directedEdges_ || !undirectedEdges_) return;
-    context_.note(kMixedTypes, NoteKind::kRepaired, lines_.place(), [] {
+    context_.note(kMixedTypes, NoteKind::kRepaired, rows_.place(), [] {
       return std::string("directed and undirected edges: all are taken for directed");
     });
   }
@@ -363,7 +239,7 @@ class FieldReader {
     RawVector<std::uint64_t> sources = idsOf(from);
     RawVector<std::uint64_t> targets = idsOf(to);
     for (const std::string_view name : isolated_) {
-      sources.push_back(static_cast<std::uint64_t>(*LineCursor(name).readInteger()));
+      sources.push_back(static_cast<std::uint64_t>(*LineCursor(name).readLongInteger()));
       targets.push_back(sources.back());
     }
     takeIntegerEnds(draft, std::move(sources), std::move(targets), edges_, list, context_);
@@ -375,7 +251,7 @@ class FieldReader {
     RawVector<std::int64_t> numbers(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) {
       LineCursor cursor(names[i]);
-      const std::optional<std::int64_t> number = cursor.readInteger();
+      const std::optional<std::int64_t> number = cursor.readLongInteger();
       if (!number || !cursor.atEnd()) return std::nullopt;
       numbers[i] = *number;
     }
@@ -383,11 +259,9 @@ class FieldReader {
   }
 
   TextInput& text_;
-  LineReader lines_;
   ListShape shape_;
-  FieldSplitter splitter_;
+  ListRows rows_;
   ReadContext& context_;
-  std::vector<std::string_view> fields_;
   DistinctEnds ends_;
   std::vector<std::string_view> isolated_;
   std::uint64_t edges_ = 0;
@@ -400,9 +274,21 @@ class FieldReader {
 }  // namespace
 
 NetworkDraft readList(TextInput& text, ReadContext& context) {
-  std::optional<ListShape> shape = shapeOfList(LineReader(text));
+  std::optional<ListShape> shape = shapeOfList(text);
   if (!shape) {
     failAt({1, 1}, "no list of edges: no line has two columns");
+  }
+  if (shape->isVertexTable) {
+    failAt(
+        {shape->headerLine, 1},
+        "a table of vertices, which has no columns of sources and targets; the table of edges is "
+        "what can be read");
+  }
+  if (shape->isHeaderGuessed) {
+    context.note(kHeader, NoteKind::kTaken, {shape->headerLine, 1}, [] {
+      return std::string(
+          "this line is taken for the names of the columns, as the next has numbers there");
+    });
   }
   std::optional<IntegerEdges> edges = readIntegerEdges(text, *shape, context);
   if (!edges) return FieldReader(text, std::move(*shape), context).read();

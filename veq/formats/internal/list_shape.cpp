@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
-#include <utility>
+#include <vector>
+
+#include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/list_rows.hpp"
 
 namespace veq::internal {
 namespace {
@@ -94,12 +96,14 @@ bool isHeader(const Fields& first, const Fields& second) {
       columnOf(first, kTargetWords) != ListShape::kNone) {
     return true;
   }
-  if (second.size() < 2) return false;
+  if (first.size() < 2 || second.size() < 2) return false;
   const auto changes = [&](std::size_t column) {
     return column < first.size() && column < second.size() && !wholeNumber(first[column]) &&
            wholeNumber(second[column]);
   };
-  return (changes(0) && changes(1)) || (first.size() > 2 && changes(2));
+  // Names of columns are no numbers.
+  const bool hasNumbers = wholeNumber(first[0]) || wholeNumber(first[1]);
+  return (changes(0) && changes(1)) || (!hasNumbers && changes(2));
 }
 
 void takeHeader(const Fields& fields, std::uint64_t line, ListShape& shape) {
@@ -117,108 +121,50 @@ void takeHeader(const Fields& fields, std::uint64_t line, ListShape& shape) {
   if (type != fields.end()) shape.type = static_cast<std::size_t>(type - fields.begin());
 }
 
+/// What programs export of vertices beside a table of edges has a column of ids first, and then
+/// what belongs to each.
+bool isVertexTable(const Fields& first, const ListShape& shape) {
+  constexpr std::array<std::string_view, 3> kBesideIds{"label", "name", "weight"};
+  const bool hasEnds = columnOf(first, kSourceWords) != ListShape::kNone &&
+                       columnOf(first, kTargetWords) != ListShape::kNone;
+  return shape.separator != ' ' && !hasEnds && first.size() > 1 && sameWord(first[0], "id") &&
+         isOneOf(first[1], kBesideIds);
+}
+
 }  // namespace
-
-std::string_view FieldSplitter::takeQuoted(std::string_view& rest) {
-  rest.remove_prefix(1);
-  const std::size_t end = rest.find('"');
-  const bool isDoubled = end != rest.npos && end + 1 < rest.size() && rest[end + 1] == '"';
-  if (!isDoubled) {
-    isOpen_ = end == rest.npos;
-    const std::string_view field = rest.substr(0, end);
-    rest.remove_prefix(isOpen_ ? rest.size() : end + 1);
-    return field;
-  }
-  auto undone = std::make_unique<std::string>();
-  for (;;) {
-    const std::size_t quote = rest.find('"');
-    undone->append(rest.substr(0, quote));
-    isOpen_ = quote == rest.npos;
-    rest.remove_prefix(isOpen_ ? rest.size() : quote + 1);
-    if (rest.empty() || rest.front() != '"') break;
-    *undone += '"';
-    rest.remove_prefix(1);
-  }
-  undone_.push_back(std::move(undone));
-  return *undone_.back();
-}
-
-void FieldSplitter::split(std::string_view line, Fields& fields) {
-  fields.clear();
-  isOpen_ = false;
-  LineCursor cursor(line);
-  if (separator_ == ' ') {
-    for (cursor.skipBlanks(); !cursor.atEnd(); cursor.skipBlanks()) {
-      if (cursor.startsWith('"')) {
-        std::string_view rest = cursor.rest();
-        const std::string_view field = takeQuoted(rest);
-        fields.push_back(field);
-        cursor = LineCursor(rest);
-      } else {
-        fields.push_back(cursor.takeWord());
-      }
-    }
-    return;
-  }
-  std::string_view rest = line;
-  for (;;) {
-    // A tab is a blank, but not where it separates.
-    while (!rest.empty() && isBlank(rest.front()) && rest.front() != separator_) {
-      rest.remove_prefix(1);
-    }
-    std::string_view field;
-    if (!rest.empty() && rest.front() == '"') {
-      field = takeQuoted(rest);
-      rest.remove_prefix(std::min(rest.find(separator_), rest.size()));
-    } else {
-      const std::size_t end = std::min(rest.find(separator_), rest.size());
-      field = withoutBlanks(rest.substr(0, end));
-      rest.remove_prefix(end);
-    }
-    fields.push_back(field);
-    if (rest.empty()) return;
-    rest.remove_prefix(1);
-  }
-}
 
 bool isListComment(std::string_view line) {
   const std::string_view text = withoutBlanks(line);
   return text.empty() || text.front() == '#' || text.front() == '%' || text.substr(0, 2) == "//";
 }
 
-std::optional<ListShape> shapeOfList(LineReader lines) {
+std::optional<ListShape> shapeOfList(TextInput& text) {
   ListShape shape;
   CommentReader comments;
-  std::string_view first;
-  std::string_view second;
-  std::uint64_t firstLine = 0;
-  while (second.empty() && lines.next()) {
+  LineReader lines(text);
+  do {
+    if (!lines.next()) return std::nullopt;
     const std::string_view line = withoutBlanks(lines.line());
-    if (line.empty()) continue;
-    if (isListComment(line)) {
-      if (first.empty() && line.find_first_not_of("#%/ \t") != line.npos) {
-        comments.read(line, shape);
-      }
-    } else if (first.empty()) {
-      first = lines.line();
-      firstLine = lines.number();
-    } else {
-      second = lines.line();
+    if (line.find_first_not_of("#%/ \t") != line.npos && isListComment(line)) {
+      comments.read(line, shape);
     }
-  }
-  if (first.empty()) return std::nullopt;
-  shape.separator = separatorOf(first);
-  FieldSplitter splitter(shape.separator);
-  Fields fields;
-  Fields below;
-  splitter.split(first, fields);
-  splitter.split(second, below);
-  if (fields.size() < 2 && below.size() < 2) return std::nullopt;
-  if (isHeader(fields, below)) {
-    takeHeader(fields, firstLine, shape);
-  } else if (fields.size() > 2 && wholeNumber(fields[2])) {
+  } while (isListComment(lines.line()));
+  shape.separator = separatorOf(lines.line());
+  ListRows rows(text, shape.separator);
+  rows.next();
+  const Fields first = rows.fields();
+  const std::uint64_t firstLine = rows.number();
+  const Fields second = rows.next() ? rows.fields() : Fields();
+  if (first.size() < 2 && second.size() < 2) return std::nullopt;
+  if (isHeader(first, second)) {
+    takeHeader(first, firstLine, shape);
+    shape.isHeaderGuessed = columnOf(first, kSourceWords) == ListShape::kNone ||
+                            columnOf(first, kTargetWords) == ListShape::kNone;
+  } else if (first.size() > 2 && wholeNumber(first[2])) {
     shape.weight = 2;
   }
+  shape.isVertexTable = isVertexTable(first, shape);
+  if (shape.isVertexTable) shape.headerLine = firstLine;
   return shape;
 }
 

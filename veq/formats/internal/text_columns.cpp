@@ -98,10 +98,13 @@ Shared<PropertyColumn> TextColumn::finish(std::uint64_t rows) const {
 
 bool WeightColumn::look(double weight) {
   const float kept = weights_.back();
-  if (static_cast<double>(kept) == weight || hasFewDigits(std::abs(weight))) return false;
-  std::string text;
-  appendShortest(text, kept);
-  if (leadingDouble(text) == weight) return false;
+  // Texts have no infinite numbers, only such as are too large.
+  if (!std::isinf(weight)) {
+    if (static_cast<double>(kept) == weight || hasFewDigits(std::abs(weight))) return false;
+    std::string text;
+    appendShortest(text, kept);
+    if (leadingDouble(text) == weight) return false;
+  }
   inexact_.push_back({weights_.size() - 1, weight});
   return inexact_.size() == 1;
 }
@@ -123,7 +126,11 @@ void WeightColumn::finish(NetworkDraft& draft, ReadContext& context, unsigned no
       text += inexact_.size() == 1 ? " weight is rounded to 32 bits: that of edge "
                                    : " weights are rounded to 32 bits: that of edge ";
       text += std::to_string(first.edge) + " from ";
-      appendShortest(text, first.weight);
+      if (std::isinf(first.weight)) {
+        text += "beyond 1.8e308";
+      } else {
+        appendShortest(text, first.weight);
+      }
       text += " to ";
       appendShortest(text, weights_[first.edge]);
       return keep ? text + "; the column \"Weight\" has them all" : text;

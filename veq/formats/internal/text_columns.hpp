@@ -65,8 +65,9 @@ class VEQ_EXPORT WeightColumn {
   bool append(double weight, std::size_t length) {
     weights_.push_back(static_cast<float>(weight));
     differsFromOne_ |= weight != 1.0;
-    // A float holds every decimal of six digits.
-    return length > kSafeLength && look(weight);
+    // A float holds every decimal of six digits that is not too large.
+    const bool isLarge = !(weight < kSafeSize && weight > -kSafeSize);
+    return (length > kSafeLength || isLarge) && look(weight);
   }
   void setPlace(Place place) { place_ = place; }
   [[nodiscard]] Place place() const { return place_; }
@@ -89,6 +90,7 @@ class VEQ_EXPORT WeightColumn {
     double weight;
   };
   static constexpr std::size_t kSafeLength = 6;
+  static constexpr double kSafeSize = 1e38;
 
   bool look(double weight);
 
