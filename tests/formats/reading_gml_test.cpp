@@ -87,6 +87,36 @@ TEST(ReadingGml, LeavesOutListsInsideNodesAndEdges) {
   EXPECT_THAT(notesOf(reading), ElementsAre("3:1 left out x1: the list \"graphics\" is left out"));
 }
 
+TEST(ReadingGml, LeavesOutWhatIsSaidOfTheGraph) {
+  const Reading reading = read(
+      "Creator \"me\"\nVersion 1\ngraph [\n directed 1\n multigraph 1\n label \"all\"\n year 1998\n"
+      " place \"here\"\n node [ id 1 ]\n]\n");
+  EXPECT_EQ(reading.title(), "all");
+  EXPECT_THAT(notesOf(reading), ElementsAre("7:2 left out x2: what is said of the graph as a whole "
+                                            "is left out: \"year\""));
+}
+
+TEST(ReadingGml, KeepsTheFirstOfValuesUnderOneKey) {
+  const Reading reading = read(
+      "graph [\n node [ id 1 colour \"red\" colour \"blue\" colour 3 ]\n node [ id 2 colour 4 "
+      "]\n]\n");
+  EXPECT_THAT(vertexTexts(reading, "colour"), ElementsAre("red", "4"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("2:27 left out x2: the key \"colour\" stands more than once in a node or "
+                          "edge: all but its first value are left out"));
+}
+
+TEST(ReadingGml, IsKnownBehindAnyNumberOfComments) {
+  std::string text;
+  for (int i = 0; i < 1000; ++i) text += "# a b\n";
+  EXPECT_EQ(readNetworkText(text + "graph [ node [ id 1 ] ]\n").format(), FileFormat::kGml);
+}
+
+TEST(ReadingGml, MayStandInOneLineBehindItsCreator) {
+  EXPECT_EQ(summaryOf(read("Creator \"me\" Version 1 graph [ node [ id 1 ] ]")), "undirected 1:");
+  EXPECT_EQ(readNetworkText("Creator \"graph [\" b\nc d\n").format(), FileFormat::kList);
+}
+
 TEST(ReadingGml, SkipsComments) {
   EXPECT_EQ(summaryOf(read("# a [\ngraph [ # b ]\nnode [ id 1 ]\n]")), "undirected 1:");
 }

@@ -79,6 +79,46 @@ TEST(ReadingPajek, ReadsMatricesWhereverTheirLinesEnd) {
             "error 3:3 a matrix of more than 1 times 1 numbers");
 }
 
+TEST(ReadingPajek, AMatrixMayTellHowManyVerticesThereAre) {
+  const Reading reading = read("*Matrix\n0 1 0\n0 0 2\n0 0 0\n");
+  EXPECT_EQ(summaryOf(reading), "directed 3: 0>1 1>2 w(1, 2)");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("1:1 taken x1: no number of vertices: 3 from the lines"));
+  EXPECT_EQ(summaryOf(read("*Matrix\n0 1\n1 0\n*Vertices 3\n")), "directed 3: 0>1 1>0");
+  EXPECT_EQ(summaryOf(read("*Matrix\n0 1\n1 0\n*Vertices 1\n")), "error 2:1 vertex 2 of 1");
+  EXPECT_EQ(summaryOf(read("*Matrix\n0 1\n1\n")),
+            "error 3:1 a matrix of 2 times 2 numbers ends in row 2");
+}
+
+TEST(ReadingPajek, TakesLinksOfStatesForThoseOfTheirVertices) {
+  const Reading reading = read(
+      "*Vertices 2\n1 \"a\"\n2 \"b\"\n*States\n1 1 \"a in b\"\n2 2\n3 2\n*Links\n1 2 0.5\n3 1 2\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1 1>0 w(0.5, 2)");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("4:1 left out x1: the section *States is left out",
+                          "8:1 taken x1: the lines of *Links are taken for edges of the vertices "
+                          "that the states are of"));
+  EXPECT_EQ(summaryOf(read("*Vertices 2\n*States\n1 1\n*Links\n1 2\n")),
+            "error 5:3 state 2, which is not there");
+}
+
+TEST(ReadingPajek, SaysThatAVertexHasTwoLabels) {
+  const Reading reading = read("*Vertices 3\n2 \"a\"\n2 b\n1 c\n3 \"d\"\n1 \"e\"\n");
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("e", "b", "d"));
+  EXPECT_THAT(notesOf(reading), ElementsAre("3:1 repaired x2: a second label of vertex 2 takes the "
+                                            "place of the first"));
+}
+
+TEST(ReadingPajek, IsKnownBehindOtherWords) {
+  const Reading reading = read("My network\nof 2002\n*Vertices 2\n*Edges\n1 2\n");
+  EXPECT_EQ(reading.format(), FileFormat::kPajek);
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("1:1 left out x2: what stands before the first section is left out: "
+                          "\"My network\""));
+  EXPECT_EQ(read("*\n*Edges:2 \"x\"\n1 2\n").format(), FileFormat::kPajek);
+}
+
 TEST(ReadingPajek, KeepsTheTwoModes) {
   const Reading reading = read("*Vertices 5 2\n*Edges\n1 3\n2 5\n");
   EXPECT_EQ(summaryOf(reading), "undirected 5: 0>2 1>4");
@@ -127,6 +167,23 @@ TEST(ReadingPajek, RefusesEndsOutsideTheNetworkWithTheirPlace) {
   EXPECT_EQ(summaryOf(read("*Edges\n1 3\n*Vertices 2\n")), "error 2:3 vertex 3 of 2");
 }
 
+TEST(ReadingPajek, RefusesNumbersThatNoVertexHas) {
+  const std::string number = "99999999999999999999";
+  for (const std::string& text : {"1 " + number, "1 -" + number}) {
+    EXPECT_EQ(summaryOf(read("*Vertices 3\n*Edges\n" + text + "\n")),
+              "error 3:3 vertex " + text.substr(2) + ", and no network has so many");
+    EXPECT_EQ(summaryOf(read("*Vertices 3\n*Edgeslist\n" + text + "\n")),
+              "error 3:3 vertex " + text.substr(2) + ", and no network has so many");
+  }
+  EXPECT_EQ(summaryOf(read("*Vertices\n" + number + " \"a\"\n")),
+            "error 2:1 vertex " + number + ", and no network has so many");
+  EXPECT_EQ(
+      summaryOf(read("*Vertices " + number + "\n")),
+      "error 1:11 " + number + " vertices, more than the 1001984 that a text of 31 bytes may have");
+  EXPECT_EQ(summaryOf(read("*Vertices -" + number + "\n")),
+            "error 1:11 a negative number of vertices");
+}
+
 TEST(ReadingPajek, RefusesMoreVerticesThanATextMayAskFor) {
   EXPECT_EQ(
       summaryOf(read("*Vertices 2000000000\n1 \"a\"\n")),
@@ -172,6 +229,7 @@ TEST(ReadingPajek, ReadsTheEncodingsOfFiles) {
 TEST(ReadingPajek, ReadsEveryKindOfLineEnd) {
   EXPECT_EQ(summaryOf(read("*Vertices 2\r*Edges\r1 2\r")), "undirected 2: 0>1");
   EXPECT_EQ(summaryOf(read("*Vertices 2\r\n*Edges\r\n1 2\r\n")), "undirected 2: 0>1");
+  EXPECT_EQ(summaryOf(read("*Vertices 3\n*Edges\r1 2\r\n2 3\n1 4\r")), "error 5:3 vertex 4 of 3");
 }
 
 TEST(ReadingPajek, StopsBeforeASecondNetwork) {

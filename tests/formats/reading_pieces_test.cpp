@@ -53,7 +53,9 @@ TEST(ReadingByPieces, GivesWhatTheWholeTextGives) {
   expectTheSame("# a comment\n1 2\n2 3\n\n3 1\n");
   expectTheSame("a b 1.5\nb c 0.123456789012\nlonely\n\"c d\" e\n");
   expectTheSame("Source,Target,note\na,b,\"x, \"\"y\"\"\"\nb,c,z\n");
+  expectTheSame("Source,Target,note\n\"a\n\nb\",c,\"x\ny\"\nd,e,\"f\ng,h,i\n");
   expectTheSame("1 2\r\n2 3\r\n1 2 3\r\n");
+  expectTheSame("1 2\r2 3\n3 4\r\n4 5\r");
   expectTheSame("1\t2\n2\tb\n");
   expectTheSame("*Vertices 3\n1 \"a b\" 0.5 0.5\n2 b\n3 \"c\"\n*Arcs\n1 2 2\n*Edges\n2 3 nine\n");
   expectTheSame("*Vertices 2\n*Edges\n1 2\n1 7\n");
@@ -69,6 +71,8 @@ TEST(ReadingByPieces, GivesWhatTheWholeTextGives) {
       "1\n\n\n1 2\n"
       "#v \"note\" s\n\"x\"\n\"y z\"\n\"\"\n");
   expectTheSame("#vertices 2\n\"a\"\n\"\"\n#edges\n0 1\n");
+  expectTheSame("#vertices 2\n#edges\n0 1\n1 -1\n");
+  expectTheSame("#vertices 2 weighted\n1\n#edges weighted\n0 1 1\n");
 }
 
 TEST(ReadingByPieces, IsSureOfTheEncodingInTheEnd) {

@@ -63,6 +63,28 @@ TEST(ReadingGraphMl, LeavesOutWhatNoNetworkHolds) {
                           "9:1 left out x1: a second graph is left out"));
 }
 
+TEST(ReadingGraphMl, LeavesOutWhatIsSaidOfTheGraph) {
+  const Reading reading = read(
+      "<graphml><key id=\"k\" for=\"graph\" attr.name=\"year\"/>\r<graph "
+      "edgedefault=\"directed\">\r\n"
+      "<data key=\"k\">1998</data><node id=\"n0\"/></graph></graphml>\r");
+  EXPECT_EQ(summaryOf(reading), "directed 1:");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("3:1 left out x1: data of the graph as a whole are left out"));
+}
+
+TEST(ReadingGraphMl, LeavesOutEdgesOfNodesThatAreLeftOut) {
+  const Reading reading = read(graphMl(
+      "<graph edgedefault=\"directed\">\n<node id=\"n0\">\n<graph><node id=\"x\"/><node id=\"y\">"
+      "<graph><node id=\"z\"/></graph></node></graph></node>\n<node id=\"n1\"/>\n"
+      "<edge source=\"n0\" target=\"n1\"/>\n<edge source=\"n0\" target=\"z\"/>\n"
+      "<edge source=\"x\" target=\"n1\"/>\n<edge source=\"n1\" target=\"n0\"/>\n</graph>"));
+  EXPECT_EQ(summaryOf(reading), "directed 2: 0>1 1>0");
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("5:1 left out x1: a graph inside a node or an edge is left out",
+                          "8:1 left out x2: edges of nodes of a graph inside a node are left out"));
+}
+
 TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
   const Reading reading = read(
       graphMl("<graph edgedefault=\"undirected\"><node id=\"a\"/><edge source=\"a\" target=\"a\"/>"
@@ -72,7 +94,23 @@ TEST(ReadingGraphMl, TakesMixedEdgesForDirected) {
                                             "are taken for directed"));
 }
 
+TEST(ReadingGraphMl, ReadsUtf16OfEitherByteOrderWithAMarkOrWithout) {
+  const std::string text =
+      "<graphml><graph edgedefault=\"directed\"><node id=\"a\"/></graph></graphml>";
+  std::string little;
+  std::string big;
+  for (const char byte : text) {
+    little += std::string{byte, '\0'};
+    big += std::string{'\0', byte};
+  }
+  for (const std::string& bytes : {little, big, "\xFF\xFE" + little, "\xFE\xFF" + big}) {
+    EXPECT_EQ(summaryOf(read(bytes)), "directed 1:");
+  }
+}
+
 TEST(ReadingGraphMl, RefusesWhatIsNoGraph) {
+  EXPECT_EQ(summaryOf(read("<graphml><graph>\n<node/></graph></graphml>")),
+            "error 2:1 a node without an id");
   EXPECT_EQ(summaryOf(read("<html></html>")), "error 1:1 XML, but no GraphML");
   EXPECT_EQ(summaryOf(read(graphMl(""))), "error 2:1 GraphML without a graph");
   EXPECT_EQ(summaryOf(read(graphMl("<graph><edge source=\"a\" target=\"b\"/></graph>"))),

@@ -17,18 +17,20 @@
 namespace veq::internal {
 namespace {
 
-enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight };
+enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight, kOfGraph, kTwice };
 
 /// Columns by their keys, in the order of their first appearance.
 class ColumnSet {
  public:
-  /// What stands in quotes is text.
-  void set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted) {
+  /// What stands in quotes is text. False where the row has a value of the key, which stays.
+  bool set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted) {
     const auto [at, isNew] = places_.try_emplace(std::string(key), columns_.size());
     if (isNew) columns_.push_back({TextColumn(std::string(key)), false});
     Column& column = columns_[at->second];
+    if (column.cells.at(row).data()) return false;
     column.cells.set(row, cell);
     column.isText |= quoted;
+    return true;
   }
   void finish(PropertyTable& table, std::uint64_t rows) const {
     for (const auto& [cells, isText] : columns_) {
@@ -157,11 +159,20 @@ class GmlReader {
       if (isList && sameWord(key.text, "node")) return readNode();
       if (isList && sameWord(key.text, "edge")) return readEdge(key.place);
       if (isList) return leaveOutList(key);
-      if (sameWord(key.text, "directed")) directed_ = value.text != "0";
-      if (sameWord(key.text, "label") || sameWord(key.text, "name")) {
-        context_.title = withoutEntities(value.text);
-      }
+      readGraphValue(key, value);
     });
+  }
+
+  void readGraphValue(const Token& key, const Token& value) {
+    if (sameWord(key.text, "directed")) {
+      directed_ = value.text != "0";
+    } else if (sameWord(key.text, "label") || sameWord(key.text, "name")) {
+      context_.title = withoutEntities(value.text);
+    } else if (!sameWord(key.text, "multigraph")) {
+      context_.note(kOfGraph, NoteKind::kLeftOut, key.place, [&] {
+        return "what is said of the graph as a whole is left out: " + shown(key.text);
+      });
+    }
   }
 
   void leaveOutList(const Token& key) {
@@ -180,8 +191,9 @@ class GmlReader {
       if (sameWord(key.text, "id")) {
         id = integerOf(value);
       } else {
-        vertexColumns_.set(sameWord(key.text, "label") ? "Name" : keys_.of('n', key.text), row,
-                           cellOf(value), value.kind == Kind::kString);
+        const std::string_view name =
+            sameWord(key.text, "label") ? "Name" : keys_.of('n', key.text);
+        setCell(vertexColumns_, name, row, key, value);
       }
     });
     if (!id) failAt(place, "a node without an id");
@@ -208,13 +220,22 @@ class GmlReader {
         weight = wholeNumber(value.text);
         length = value.text.size();
       } else {
-        edgeColumns_.set(keys_.of('e', key.text), row, cellOf(value), value.kind == Kind::kString);
+        setCell(edgeColumns_, keys_.of('e', key.text), row, key, value);
       }
     });
     if (!source || !target) failAt(place, "an edge without a source or a target");
     edges_.push_back({*source, *target, place});
     appendWeight(weight, length, place);
     if ((row + 1) % 1024 == 0) context_.pace.reach(tokens_.position());
+  }
+
+  void setCell(ColumnSet& columns, std::string_view name, std::uint64_t row, const Token& key,
+               const Token& value) {
+    if (columns.set(name, row, cellOf(value), value.kind == Kind::kString)) return;
+    context_.note(kTwice, NoteKind::kLeftOut, key.place, [&] {
+      return "the key " + shown(key.text) +
+             " stands more than once in a node or edge: all but its first value are left out";
+    });
   }
 
   void appendWeight(std::optional<double> weight, std::size_t length, Place place) {

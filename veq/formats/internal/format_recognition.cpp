@@ -5,6 +5,7 @@
 
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/list_shape.hpp"
+#include "veq/formats/internal/pajek_section_names.hpp"
 
 namespace veq::internal {
 namespace {
@@ -13,11 +14,21 @@ bool beginsWith(std::string_view text, std::string_view beginning) {
   return sameWord(text.substr(0, beginning.size()), beginning);
 }
 
+/// Whether "graph [" stands in a line behind something else.
+bool opensGraph(std::string_view line) {
+  for (std::size_t at = line.find("graph"); at != line.npos; at = line.find("graph", at + 1)) {
+    if (at != 0 && isBlank(line[at - 1]) &&
+        withoutBlanks(line.substr(at + 5)).substr(0, 1) == "[") {
+      return true;
+    }
+  }
+  return false;
+}
+
 /// GML begins with keys and their values, of which one is "graph" with a list.
 bool isGml(LineReader lines) {
-  constexpr std::uint64_t kMostLines = 100;
   bool graph = false;
-  while (lines.number() < kMostLines && lines.next()) {
+  while (lines.next()) {
     const std::string_view line = withoutBlanks(lines.line());
     if (line.empty() || line.front() == '#') continue;
     if (graph) return line.front() == '[';
@@ -31,6 +42,20 @@ bool isGml(LineReader lines) {
         !beginsWith(line, "comment")) {
       return false;
     }
+    if (opensGraph(line)) return true;
+  }
+  return false;
+}
+
+/// Whether sections of Pajek begin somewhere in the first lines, whatever stands before them.
+bool hasPajekSections(LineReader lines) {
+  constexpr std::uint64_t kMostLines = 1000;
+  while (lines.number() < kMostLines && lines.position() < ByteStream::kPiece && lines.next()) {
+    LineCursor cursor = lines.cursor();
+    cursor.skipBlanks();
+    if (!cursor.match('*')) continue;
+    const std::string_view word = cursor.takeWord();
+    if (pajekSectionOf(word.substr(0, word.find(':'))) != PajekSection::kLeftOut) return true;
   }
   return false;
 }
@@ -78,7 +103,8 @@ std::optional<FileFormat> formatOfText(TextInput& input, std::string_view name) 
   if (const std::optional<FileFormat> format = formatOfLines(LineReader(input))) return format;
   if (isGml(LineReader(input))) return FileFormat::kGml;
   if (text.substr(0, ByteStream::kPiece).find('\0') != text.npos) return std::nullopt;
-  if (shapeOfList(LineReader(input))) return FileFormat::kList;
+  if (hasPajekSections(LineReader(input))) return FileFormat::kPajek;
+  if (shapeOfList(input)) return FileFormat::kList;
   return fileFormatOfSuffix(name);
 }
 

@@ -2,12 +2,14 @@
 /// Texts line by line, and lines piece by piece.
 #pragma once
 
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "veq/base/internal/digit_text.hpp"
 #include "veq/base/internal/text_scanner.hpp"
@@ -87,6 +89,24 @@ class LineCursor {
     at_ = at;
     return negative ? -value : value;
   }
+  /// Whether the word is an integer of more digits than readInteger reads.
+  [[nodiscard]] bool isAtHugeInteger() const {
+    LineCursor word = *this;
+    if (!word.match('-')) word.match('+');
+    const std::string_view digits = word.takeWord();
+    return digits.size() > 18 && digits.find_first_not_of("0123456789") == digits.npos;
+  }
+  /// As readInteger, but of all integers that 64 bits hold.
+  std::optional<std::int64_t> readLongInteger(char behind = ' ') {
+    if (const std::optional<std::int64_t> value = readInteger(behind)) return value;
+    const char* const from = at_ != end_ && *at_ == '+' ? at_ + 1 : at_;
+    std::int64_t value = 0;
+    const auto [at, error] = std::from_chars(from, end_, value);
+    if (error != std::errc() || (at != end_ && !isBlank(*at) && *at != behind)) return std::nullopt;
+    if (from != at_ && value < 0) return std::nullopt;
+    at_ = at;
+    return value;
+  }
   /// A word that is a number. Nothing, and nothing consumed, where there is another word.
   std::optional<double> readNumber() {
     TextScanner scanner({at_, static_cast<std::size_t>(readable_ - at_)});
@@ -104,25 +124,32 @@ class LineCursor {
   const char* readable_;
 };
 
-/// The lines of a text, which end with LF, CR LF, or, where there is no LF at all, CR.
+/// The lines of a text, each of which ends with LF, CR LF or CR.
 class LineReader {
  public:
-  explicit LineReader(std::string_view text) { begin(text); }
+  explicit LineReader(std::string_view text) { take(text, hasLoneReturn(text)); }
   /// Of a text that is read while it arrives, and outlives this.
-  explicit LineReader(TextInput& input) : input_(&input) { begin(input.piece(0)); }
+  explicit LineReader(TextInput& input) : input_(&input) {
+    take(input.piece(0), input.hasLoneReturns(0));
+  }
 
   /// Goes to the next line; false behind the last one.
   bool next() {
     if (at_ == end_ && !nextPiece()) return false;
     ++number_;
+    if (loneReturns_) return takeLine();
     const auto left = static_cast<std::size_t>(end_ - at_);
-    const auto* newline = static_cast<const char*>(std::memchr(at_, newline_, left));
+    const auto* newline = static_cast<const char*>(std::memchr(at_, '\n', left));
     line_ = {at_, newline ? static_cast<std::size_t>(newline - at_) : left};
     at_ = newline ? newline + 1 : end_;
     if (!line_.empty() && line_.back() == '\r') line_.remove_suffix(1);
     return true;
   }
   [[nodiscard]] std::string_view line() const { return line_; }
+  /// With its end.
+  [[nodiscard]] std::string_view wholeLine() const {
+    return {line_.data(), static_cast<std::size_t>(at_ - line_.data())};
+  }
   /// At the beginning of the line.
   [[nodiscard]] LineCursor cursor() const { return {line_, end_}; }
   /// The bytes up to behind this line.
@@ -145,20 +172,25 @@ class LineReader {
   }
 
  private:
-  void begin(std::string_view text) {
-    const bool hasOnlyCr = text.find('\n') == text.npos && text.find('\r') != text.npos;
-    newline_ = hasOnlyCr ? '\r' : '\n';
-    take(text);
-  }
-  void take(std::string_view text) {
+  void take(std::string_view text, bool loneReturns) {
     begin_ = at_ = text.data();
     end_ = at_ + text.size();
+    loneReturns_ = loneReturns;
+  }
+  /// Of a text in which a CR alone ends lines, too.
+  bool takeLine() {
+    const char* at = at_;
+    while (at != end_ && *at != '\n' && *at != '\r') ++at;
+    line_ = {at_, static_cast<std::size_t>(at - at_)};
+    if (at != end_) at += *at == '\r' && end_ - at > 1 && at[1] == '\n' ? 2 : 1;
+    at_ = at;
+    return true;
   }
   bool nextPiece() {
     const std::string_view text = input_ ? input_->piece(++piece_) : std::string_view();
     if (text.empty()) return false;
     before_ = position();
-    take(text);
+    take(text, input_->hasLoneReturns(piece_));
     return true;
   }
 
@@ -168,7 +200,7 @@ class LineReader {
   const char* begin_ = nullptr;
   const char* at_ = nullptr;
   const char* end_ = nullptr;
-  char newline_ = '\n';
+  bool loneReturns_ = false;
   std::string_view line_;
   std::uint64_t number_ = 0;
 };

@@ -69,13 +69,13 @@ void PajekEdges::doubleUndirected() {
     doubled.begin(true, runs_[run].relation, runs_[run].relationName);
     for (std::uint64_t edge = runs_[run].first; edge < endOf(run); ++edge) {
       if (hasLayers_) doubled.layer_ = layers_[edge];
-      doubled.append(from_[edge], to_[edge], weights_.at(edge), WeightColumn::kUnknownLength,
-                     weights_.place());
+      const double weight = weights_.at(edge);
+      doubled.append(from_[edge], to_[edge], weight, WeightColumn::kUnknownLength);
       if (runs_[run].arcs || from_[edge] == to_[edge]) continue;
-      doubled.append(to_[edge], from_[edge], weights_.at(edge), WeightColumn::kUnknownLength,
-                     weights_.place());
+      doubled.append(to_[edge], from_[edge], weight, WeightColumn::kUnknownLength);
     }
   }
+  doubled.setWeightPlace(weights_.place());
   *this = std::move(doubled);
 }
 

@@ -19,14 +19,15 @@ class PajekEdges {
   void begin(bool arcs, std::optional<std::int64_t> relation, std::string_view relationName);
   void setLayer(std::int64_t layer);
 
-  /// Vertices are numbered from 0.
-  void append(std::uint64_t from, std::uint64_t to, double weight, std::size_t length,
-              Place place) {
+  /// Vertices are numbered from 0. Answers whether the place of the weight is to be told, as of the
+  /// first that a float does not hold.
+  bool append(std::uint64_t from, std::uint64_t to, double weight, std::size_t length) {
     from_.push_back(from);
     to_.push_back(to);
-    if (weights_.append(weight, length)) weights_.setPlace(place);
     if (hasLayers_) layers_.resize(from_.size(), layer_);
+    return weights_.append(weight, length);
   }
+  void setWeightPlace(Place place) { weights_.setPlace(place); }
   void reserve(std::uint64_t edges);
   [[nodiscard]] std::uint64_t count() const { return from_.size(); }
 

@@ -21,6 +21,7 @@ enum class PajekSection {
   kMatrix,
   kIntra,
   kLinks,
+  kStates,
   kBipartite,
   kColumn,
 };
@@ -29,7 +30,7 @@ struct PajekSectionName {
   std::string_view word;
   PajekSection section;
 };
-inline constexpr std::array<PajekSectionName, 16> kPajekSections{
+inline constexpr std::array<PajekSectionName, 17> kPajekSections{
     {{"network", PajekSection::kNetwork},
      {"vertices", PajekSection::kVertices},
      {"arcs", PajekSection::kArcs},
@@ -43,6 +44,7 @@ inline constexpr std::array<PajekSectionName, 16> kPajekSections{
      {"matrix", PajekSection::kMatrix},
      {"intra", PajekSection::kIntra},
      {"links", PajekSection::kLinks},
+     {"states", PajekSection::kStates},
      {"bipartite", PajekSection::kBipartite},
      {"partition", PajekSection::kColumn},
      {"vector", PajekSection::kColumn}}};

@@ -4,12 +4,14 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/pajek_columns.hpp"
 #include "veq/formats/internal/pajek_edges.hpp"
+#include "veq/formats/internal/pajek_matrix.hpp"
 #include "veq/formats/internal/pajek_section_names.hpp"
 #include "veq/formats/internal/pajek_vertices.hpp"
 
@@ -36,7 +38,8 @@ std::string_view withoutQuotes(std::string_view text) {
 
 class PajekSections {
  public:
-  PajekSections(TextInput& text, ReadContext& context) : lines_(text), context_(context) {
+  PajekSections(TextInput& text, ReadContext& context)
+      : lines_(text), context_(context), textSize_(text.expectedSize()) {
     edges_.reserve(text.expectedSize() / 16);
   }
 
@@ -46,7 +49,7 @@ class PajekSections {
       LineCursor cursor = lines_.cursor();
       cursor.skipBlanks();
       if (cursor.atEnd() || cursor.startsWith('%') || cursor.startsWith('#')) continue;
-      if (cursor.rest().substr(0, 2) == "/*") continue;
+      if (cursor.startsWith('/') && cursor.rest().substr(0, 2) == "/*") continue;
       if (cursor.match('*')) {
         readHeader(cursor);
       } else {
@@ -91,19 +94,26 @@ class PajekSections {
         return beginMatrix(cursor);
       case PajekSection::kIntra:
       case PajekSection::kLinks:
-        noteFirst(firstEdges_);
-        context_.noteEach(NoteKind::kTaken, lines_.place(),
-                          "the lines of *" + std::string(word) + " are taken for edges");
-        return edges_.begin(false, std::nullopt, {});
+        return beginOtherEdges(word);
       case PajekSection::kBipartite:
         return readBipartiteHeader(cursor);
       case PajekSection::kColumn:
         return columns_.begin(word, withoutQuotes(cursor.rest()), lines_.place());
+      case PajekSection::kStates:
       case PajekSection::kLeftOut:
       case PajekSection::kNone:
         context_.noteEach(NoteKind::kLeftOut, lines_.place(),
                           "the section *" + std::string(word) + " is left out");
     }
+  }
+
+  void beginOtherEdges(std::string_view word) {
+    noteFirst(firstEdges_);
+    const bool ofStates = section_ == PajekSection::kLinks && !states_.empty();
+    context_.noteEach(NoteKind::kTaken, lines_.place(),
+                      "the lines of *" + std::string(word) + " are taken for edges" +
+                          (ofStates ? " of the vertices that the states are of" : ""));
+    edges_.begin(false, std::nullopt, {});
   }
 
   void readNetworkHeader(LineCursor cursor) {
@@ -121,6 +131,7 @@ class PajekSections {
     const std::optional<std::int64_t> count = cursor.readInteger();
     if (!count) {
       noteFirst(noCount_);
+      if (cursor.isAtHugeInteger()) failHugeCount(cursor);
       if (!cursor.atEnd()) {
         failAt(lines_.placeOf(cursor.at()), "no number of vertices: " + shown(cursor.rest()));
       }
@@ -133,6 +144,7 @@ class PajekSections {
     countPlace_ = lines_.place();
     if (largestEnd_ > vertices) failOutside(largestEnd_, vertices, largestPlace_);
     count_ = vertices;
+    vertices_.reserve(vertices, textSize_);
     cursor.skipBlanks();
     const Place place = lines_.placeOf(cursor.at());
     if (const std::optional<std::int64_t> first = cursor.readInteger()) {
@@ -142,6 +154,13 @@ class PajekSections {
       }
       firstMode_ = static_cast<std::uint64_t>(*first);
     }
+  }
+
+  void failHugeCount(LineCursor cursor) const {
+    const Place place = lines_.placeOf(cursor.at());
+    const std::string count(cursor.takeWord());
+    if (count.front() == '-') failAt(place, "a negative number of vertices");
+    context_.requireVertices(UINT64_MAX, place, count + " vertices");
   }
 
   void readBipartiteHeader(LineCursor cursor) {
@@ -183,6 +202,8 @@ class PajekSections {
       case PajekSection::kLinks:
       case PajekSection::kBipartite:
         return readEdge(cursor);
+      case PajekSection::kStates:
+        return readState(cursor);
       case PajekSection::kIntra:
         return readLayerEdge(cursor);
       case PajekSection::kArcsList:
@@ -207,47 +228,87 @@ class PajekSections {
 
   /// Makes a number of a vertex an index.
   std::uint64_t takeEnd(std::int64_t number, Place place) {
-    const auto end = static_cast<std::uint64_t>(number);
+    const std::uint64_t index = static_cast<std::uint64_t>(number) - 1;
+    if (index >= largestEnd_) takeLargest(number, place);
+    return index;
+  }
+  /// The same of one that stands in the line.
+  std::uint64_t takeEnd(std::int64_t number, const char* at) {
+    const std::uint64_t index = static_cast<std::uint64_t>(number) - 1;
+    if (index >= largestEnd_) takeLargest(number, lines_.placeOf(at));
+    return index;
+  }
+  /// A number below 1, or one that is larger than all before.
+  void takeLargest(std::int64_t number, Place place) {
     if (number < 1) {
       failAt(place, "vertex " + std::to_string(number) + ": vertices are numbered from 1");
     }
-    if (end > largestEnd_) {
-      if (count_ && end > *count_) failOutside(end, *count_, place);
-      largestEnd_ = end;
-      largestPlace_ = place;
-    }
-    return end - 1;
+    const auto end = static_cast<std::uint64_t>(number);
+    if (count_ && end > *count_) failOutside(end, *count_, place);
+    largestEnd_ = end;
+    largestPlace_ = place;
   }
 
   [[noreturn]] static void failOutside(std::uint64_t end, std::uint64_t count, Place place) {
     failAt(place, "vertex " + std::to_string(end) + " of " + std::to_string(count));
   }
 
+  /// A number of a vertex; one beyond all numbers is an error.
+  std::optional<std::int64_t> readEnd(LineCursor& cursor) const {
+    const std::optional<std::int64_t> end = cursor.readInteger();
+    if (!end) PajekVertices::requireNoHugeNumber(cursor, lines_);
+    return end;
+  }
+
   void readEdge(LineCursor& cursor) {
     const char* const first = cursor.at();
-    const std::optional<std::int64_t> from = cursor.readInteger();
+    std::optional<std::int64_t> from = cursor.readInteger();
     cursor.skipBlanks();
     const char* const second = cursor.at();
-    const std::optional<std::int64_t> to = cursor.readInteger();
-    if (!from || !to) {
-      context_.note(kNoEdge, NoteKind::kLeftOut, lines_.place(), [&] {
-        return "no edge in " + shown(lines_.line()) + "; the line is left out";
-      });
-      return;
+    std::optional<std::int64_t> to = cursor.readInteger();
+    if (!from || !to) return leaveOutLine(from ? second : first);
+    if (section_ == PajekSection::kLinks && !states_.empty()) {
+      from = vertexOfState(*from, first);
+      to = vertexOfState(*to, second);
     }
-    const std::uint64_t source = takeEnd(*from, lines_.placeOf(first));
-    const std::uint64_t target = takeEnd(*to, lines_.placeOf(second));
+    const std::uint64_t source = takeEnd(*from, first);
+    const std::uint64_t target = takeEnd(*to, second);
     cursor.skipBlanks();
     const char* const begin = cursor.at();
-    const std::optional<double> weight = cursor.readNumber();
-    edges_.append(source, target, weight.value_or(1.0),
-                  static_cast<std::size_t>(cursor.at() - begin), lines_.placeOf(begin));
+    const double weight = cursor.readNumber().value_or(1.0);
+    if (edges_.append(source, target, weight, static_cast<std::size_t>(cursor.at() - begin))) {
+      edges_.setWeightPlace(lines_.placeOf(begin));
+    }
     cursor.skipBlanks();
     if (!cursor.atEnd()) {
       context_.note(kFurtherWords, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
         return "how an edge is drawn, or when it is there, is left out: " + shown(cursor.rest());
       });
     }
+  }
+
+  /// A line that has no number of a vertex there.
+  void leaveOutLine(const char* at) {
+    const char* const end = lines_.line().data() + lines_.line().size();
+    PajekVertices::requireNoHugeNumber(
+        LineCursor(std::string_view(at, static_cast<std::size_t>(end - at))), lines_);
+    context_.note(kNoEdge, NoteKind::kLeftOut, lines_.place(),
+                  [&] { return "no edge in " + shown(lines_.line()) + "; the line is left out"; });
+  }
+
+  /// A state and the vertex that it is of.
+  void readState(LineCursor& cursor) {
+    const std::optional<std::int64_t> state = cursor.readInteger();
+    cursor.skipBlanks();
+    const std::optional<std::int64_t> vertex = cursor.readInteger();
+    if (state && vertex) states_.insert_or_assign(*state, *vertex);
+  }
+  [[nodiscard]] std::int64_t vertexOfState(std::int64_t state, const char* at) const {
+    const auto found = states_.find(state);
+    if (found == states_.end()) {
+      failAt(lines_.placeOf(at), "state " + std::to_string(state) + ", which is not there");
+    }
+    return found->second;
   }
 
   void readLayerEdge(LineCursor& cursor) {
@@ -258,15 +319,14 @@ class PajekSections {
 
   void readList(LineCursor& cursor) {
     const Place place = lines_.placeOf(cursor.at());
-    const std::optional<std::int64_t> first = cursor.readInteger();
+    const std::optional<std::int64_t> first = readEnd(cursor);
     const std::uint64_t from = first ? takeEnd(*first, place) : 0;
     for (cursor.skipBlanks(); first && !cursor.atEnd(); cursor.skipBlanks()) {
       const char* const at = cursor.at();
-      const std::optional<std::int64_t> end = cursor.readInteger();
+      const std::optional<std::int64_t> end = readEnd(cursor);
       if (!end) break;
       // A negative end marks a line of weight -1.
-      edges_.append(from, takeEnd(std::abs(*end), lines_.placeOf(at)), *end < 0 ? -1.0 : 1.0, 0,
-                    place);
+      edges_.append(from, takeEnd(std::abs(*end), at), *end < 0 ? -1.0 : 1.0, 0);
     }
     if (cursor.atEnd() && first) return;
     context_.note(kNoEdge, NoteKind::kLeftOut, lines_.placeOf(cursor.at()), [&] {
@@ -274,51 +334,21 @@ class PajekSections {
     });
   }
 
-  // Matrices: rows of numbers, wherever their lines end.
-
   void beginMatrix(LineCursor cursor) {
-    if (!count_) failAt(lines_.place(), "a matrix needs a number of vertices before it");
-    requireWholeMatrix();
-    rows_ = firstMode_.value_or(*count_);
-    rowLength_ = firstMode_ ? *count_ - *firstMode_ : *count_;
-    row_ = 0;
-    cell_ = 0;
+    matrix_.requireWhole();
+    matrix_ = PajekMatrix(count_, firstMode_);
     beginEdges(!firstMode_, cursor);
   }
 
-  void readMatrixLine(LineCursor& cursor) {
-    matrixPlace_ = lines_.place();
-    for (; !cursor.atEnd(); cursor.skipBlanks()) {
-      const char* const at = cursor.at();
-      const std::optional<double> value = cursor.readNumber();
-      if (!value) failAt(lines_.placeOf(at), "no number in a matrix: " + shown(cursor.rest()));
-      if (isMatrixWhole()) {
-        failAt(lines_.placeOf(at), "a matrix of more than " + matrixSize() + " numbers");
-      }
-      if (*value != 0.0) {
-        const std::uint64_t target = cell_ + (firstMode_ ? rows_ : 0);
-        edges_.append(row_, target, *value, static_cast<std::size_t>(cursor.at() - at),
-                      lines_.placeOf(at));
-      }
-      if (++cell_ < rowLength_) continue;
-      cell_ = 0;
-      ++row_;
+  void readMatrixLine(const LineCursor& cursor) {
+    if (const std::uint64_t vertices = matrix_.readLine(cursor, lines_, edges_); vertices > 0) {
+      takeEnd(static_cast<std::int64_t>(vertices), lines_.place());
     }
-  }
-
-  [[nodiscard]] bool isMatrixWhole() const { return rowLength_ == 0 || row_ == rows_; }
-  [[nodiscard]] std::string matrixSize() const {
-    return std::to_string(rows_) + " times " + std::to_string(rowLength_);
-  }
-  void requireWholeMatrix() const {
-    if (isMatrixWhole()) return;
-    failAt(matrixPlace_,
-           "a matrix of " + matrixSize() + " numbers ends in row " + std::to_string(row_ + 1));
   }
 
   NetworkDraft finish() {
     columns_.end();
-    requireWholeMatrix();
+    matrix_.requireWhole();
     NetworkDraft draft;
     if (count_) {
       context_.requireVertices(*count_, countPlace_);
@@ -344,6 +374,7 @@ class PajekSections {
 
   LineReader lines_;
   ReadContext& context_;
+  std::uint64_t textSize_;
   PajekSection section_ = PajekSection::kNone;
   bool ended_ = false;
   std::optional<std::uint64_t> count_;
@@ -356,11 +387,8 @@ class PajekSections {
   std::optional<Place> firstEdges_;
   PajekVertices vertices_;
   PajekEdges edges_;
-  std::uint64_t rows_ = 0;
-  std::uint64_t rowLength_ = 0;
-  std::uint64_t row_ = 0;
-  std::uint64_t cell_ = 0;
-  Place matrixPlace_;
+  std::unordered_map<std::int64_t, std::int64_t> states_;
+  PajekMatrix matrix_;
   PajekColumns columns_;
 };
 

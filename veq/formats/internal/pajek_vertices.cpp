@@ -1,5 +1,6 @@
 #include "veq/formats/internal/pajek_vertices.hpp"
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,10 +19,12 @@ std::int64_t PajekVertices::readLine(const LineReader& lines, ReadContext& conte
   cursor.skipBlanks();
   const std::optional<std::int64_t> number = cursor.readInteger();
   if (!number) {
+    requireNoHugeNumber(cursor, lines);
     context.note(firstCode + kNoNumber, NoteKind::kRepaired, lines.place(), [&] {
       return "a vertex without a number, " + shown(cursor.rest()) + ", follows the one before it";
     });
   }
+  ++linesRead_;
   last_ = number.value_or(last_ + 1);
   if (last_ < 1) return last_;
   const auto vertex = static_cast<std::uint64_t>(last_ - 1);
@@ -36,14 +39,43 @@ std::int64_t PajekVertices::readLine(const LineReader& lines, ReadContext& conte
   return last_;
 }
 
+namespace {
+
+PropertyValue nameOf(std::string_view text, bool quoted) {
+  return quoted ? unescaped(text) : std::string(text);
+}
+
+}  // namespace
+
+void PajekVertices::reserve(std::uint64_t vertices, std::uint64_t length) {
+  // A line of a vertex with a name has 4 bytes at least, and 16 usually.
+  if (names_.empty()) names_.reserve(std::min(vertices, length / 16));
+}
+
+void PajekVertices::setName(std::uint64_t vertex, std::string_view text, bool quoted,
+                            std::uint64_t line) {
+  const bool isNext = vertex >= names_.size() && vertex < linesRead_;
+  if (!isNext || !furtherNames_.empty()) {
+    return furtherNames_.push_back({vertex, text, line, quoted});
+  }
+  names_.resize(vertex);
+  names_.push_back(nameOf(text, quoted));
+}
+
+void PajekVertices::requireNoHugeNumber(LineCursor cursor, const LineReader& lines) {
+  if (!cursor.isAtHugeInteger()) return;
+  const Place place = lines.placeOf(cursor.at());
+  failAt(place, "vertex " + std::string(cursor.takeWord()) + ", and no network has so many");
+}
+
 void PajekVertices::readLabel(LineCursor& cursor, std::uint64_t vertex, const LineReader& lines,
                               ReadContext& context, unsigned firstCode) {
   if (!cursor.match('"')) {
-    names_.push_back({vertex, cursor.takeWord(), false});
+    setName(vertex, cursor.takeWord(), false, lines.number());
     return;
   }
   bool closed = false;
-  names_.push_back({vertex, cursor.takeQuoted(closed), true});
+  setName(vertex, cursor.takeQuoted(closed), true, lines.number());
   if (closed) return;
   context.note(firstCode + kOpenQuote, NoteKind::kRepaired, lines.place(),
                [] { return std::string("a quote that is not closed ends with its line"); });
@@ -69,15 +101,23 @@ void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex, Place
 
 void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode) {
   // A number in the text is all that may stand for the elements of these columns.
+  const bool hasNames = !names_.empty() || !furtherNames_.empty();
   const std::uint64_t bytes =
-      (names_.empty() ? 0 : sizeof(PropertyValue)) + (positions_.empty() ? 0 : 3 * sizeof(double));
+      (hasNames ? sizeof(PropertyValue) : 0) + (positions_.empty() ? 0 : 3 * sizeof(double));
   if (bytes != 0) requireMemory(draft.vertexCount, bytes);
-  if (!names_.empty()) {
-    std::vector<PropertyValue> names(draft.vertexCount);
-    for (const Name& name : names_) {
-      names[name.vertex] = name.quoted ? unescaped(name.text) : std::string(name.text);
+  if (hasNames) {
+    names_.resize(draft.vertexCount);
+    for (const Name& name : furtherNames_) {
+      PropertyValue& value = names_[name.vertex];
+      if (!value.isNull()) {
+        context.note(firstCode + kTwice, NoteKind::kRepaired, {name.line, 1}, [&] {
+          return "a second label of vertex " + std::to_string(name.vertex + 1) +
+                 " takes the place of the first";
+        });
+      }
+      value = nameOf(name.text, name.quoted);
     }
-    draft.properties.vertices.set("Name", std::make_shared<GenericArray>(std::move(names)));
+    draft.properties.vertices.set("Name", std::make_shared<GenericArray>(std::move(names_)));
   }
   if (positions_.empty()) return;
   if (positions_.size() < draft.vertexCount) {

@@ -36,6 +36,13 @@ std::string decoded(std::string bytes, ReadContext& context) {
                         "what follows the byte-order mark is not what the mark says");
 }
 
+bool hasLoneReturn(std::string_view text) {
+  for (std::size_t at = text.find('\r'); at != text.npos; at = text.find('\r', at + 2)) {
+    if (at + 1 == text.size() || text[at + 1] != '\n') return true;
+  }
+  return false;
+}
+
 TextInput::TextInput(ByteStream& bytes, ReadContext& context) : context_(&context) {
   const std::string_view head = bytes.head();
   // What has no lines or is none of ASCII's kin is decoded as a whole.
@@ -44,7 +51,7 @@ TextInput::TextInput(ByteStream& bytes, ReadContext& context) : context_(&contex
   if (!hasPieces) {
     std::string all = bytes.takeRest();
     context.setBytes(all.size());
-    pieces_.push_back(decoded(std::move(all), context));
+    append(decoded(std::move(all), context), 0);
     return;
   }
   bytes_ = &bytes;
@@ -55,8 +62,14 @@ std::string_view TextInput::piece(std::size_t index) {
   while (bytes_ && index >= pieces_.size() && readPiece()) {
   }
   if (index == 0 && pieces_.empty()) return only_;
-  if (index >= pieces_.size()) return {};
-  return std::string_view(pieces_[index]).substr(index == 0 ? mark_ : 0);
+  return index < pieces_.size() ? pieces_[index].text : std::string_view();
+}
+
+void TextInput::append(std::string bytes, std::size_t mark) {
+  Piece& piece = pieces_.emplace_back();
+  piece.bytes = std::move(bytes);
+  piece.text = std::string_view(piece.bytes).substr(mark);
+  piece.hasLoneReturns = hasLoneReturn(piece.text);
 }
 
 bool TextInput::readPiece() {
@@ -81,17 +94,17 @@ bool TextInput::readPiece() {
   }
   if (piece.empty()) return false;
   const bool isValid = isValidUtf8(piece);
-  if (pieces_.empty()) mark_ = piece.size() - withoutByteOrderMark(piece).size();
-  pieces_.push_back(std::move(piece));
+  const std::size_t mark = pieces_.empty() ? piece.size() - withoutByteOrderMark(piece).size() : 0;
+  append(std::move(piece), mark);
   if (!isValid) throw NotUtf8{takeBytes()};
   return true;
 }
 
 std::string TextInput::takeBytes() {
   std::string bytes;
-  for (std::string& piece : pieces_) {
-    bytes += piece;
-    std::string().swap(piece);
+  for (Piece& piece : pieces_) {
+    bytes += piece.bytes;
+    piece = {};
   }
   bytes += begun_;
   if (bytes_) bytes += bytes_->takeRest();

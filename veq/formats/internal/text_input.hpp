@@ -14,6 +14,9 @@
 
 namespace veq::internal {
 
+/// Whether a CR stands there without an LF behind it.
+[[nodiscard]] bool hasLoneReturn(std::string_view text);
+
 /// A text in UTF-8, whatever the file has. It is one piece where its size is known; what comes
 /// through a pipe comes in pieces of whole lines, each of which is read when it is asked for. All
 /// pieces stay where they are, so that views of them stay valid and a text can be read once more.
@@ -27,9 +30,13 @@ class VEQ_EXPORT TextInput {
   /// No address behind the last piece. Throws NotUtf8 where a text that began as UTF-8 does not go
   /// on so.
   [[nodiscard]] std::string_view piece(std::size_t index);
+  /// Whether lines of the piece, which has been asked for, end with a CR alone.
+  [[nodiscard]] bool hasLoneReturns(std::size_t index) const {
+    return index < pieces_.size() ? pieces_[index].hasLoneReturns : hasLoneReturn(only_);
+  }
   /// How long the text is, as far as that is known; 0 where it is not.
   [[nodiscard]] std::uint64_t expectedSize() const {
-    return bytes_ ? 0 : pieces_.empty() ? only_.size() : pieces_.front().size();
+    return bytes_ ? 0 : pieces_.empty() ? only_.size() : pieces_.front().text.size();
   }
 
  private:
@@ -37,19 +44,25 @@ class VEQ_EXPORT TextInput {
   /// All bytes, from the first on.
   [[nodiscard]] std::string takeBytes();
 
+  struct Piece {
+    std::string bytes;
+    /// Without a byte-order mark.
+    std::string_view text;
+    bool hasLoneReturns = false;
+  };
+  void append(std::string bytes, std::size_t mark);
+
   std::string_view only_;
   /// Nothing where all is here.
   ByteStream* bytes_ = nullptr;
   ReadContext* context_ = nullptr;
-  std::deque<std::string> pieces_;
-  /// The size of the byte-order mark before the first of them.
-  std::size_t mark_ = 0;
+  std::deque<Piece> pieces_;
   /// The beginning of a line whose end has not come.
   std::string begun_;
 };
 
-/// The text in UTF-8, whatever the bytes are: that, UTF-16 with a mark, or else ISO-8859-1, as a note
-/// says.
+/// The text in UTF-8, whatever the bytes are: that, UTF-16 with a mark, or else ISO-8859-1, as a
+/// note says.
 [[nodiscard]] VEQ_EXPORT std::string decoded(std::string bytes, ReadContext& context);
 
 /// Thrown where it turns out late that a text is not UTF-8, so that it must be read anew.

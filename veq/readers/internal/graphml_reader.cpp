@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -35,7 +36,9 @@ enum NoteCode : unsigned {
   kSecondGraph,
   kNoWeight,
   kNoVertexWeight,
-  kEncoding
+  kEncoding,
+  kOfGraph,
+  kOfNested
 };
 
 /// Nodes by their ids, and the ends of edges, which may come before their nodes.
@@ -155,13 +158,17 @@ class GraphMlReader {
         readVertex(child);
       } else if (name == "hyperedge") {
         note(kHyperedge, NoteKind::kLeftOut, child, "an edge of more than two ends is left out");
+      } else if (name == "data") {
+        note(kOfGraph, NoteKind::kLeftOut, child, "data of the graph as a whole are left out");
       }
     }
   }
 
   void readVertex(const pugi::xml_node& node) {
     const std::uint64_t row = ends_.ids().size();
-    const std::string_view id = node.attribute("id").as_string();
+    const pugi::xml_attribute attribute = node.attribute("id");
+    if (!attribute) fail(node, "a node without an id");
+    const std::string_view id = attribute.value();
     if (!ends_.addVertex(id)) fail(node, "a second node " + internal::shown(id));
     readData(node, row, vertexColumns_);
   }
@@ -184,6 +191,11 @@ class GraphMlReader {
       }
     }
     if (!source.data() || !target.data()) fail(node, "an edge without a source or a target");
+    if (!nestedIds_.empty() && (isNested(source) || isNested(target))) {
+      note(kOfNested, NoteKind::kLeftOut, node,
+           "edges of nodes of a graph inside a node are left out");
+      return;
+    }
     ends_.addEdge(source, target);
     hasDirected_ |= directed;
     if (!directed && !firstUndirected_) firstUndirected_ = placeOf(node);
@@ -197,11 +209,28 @@ class GraphMlReader {
         readValue(child, row, columns);
       } else if (name == "graph") {
         note(kNested, NoteKind::kLeftOut, child, "a graph inside a node or an edge is left out");
+        keepNestedIds(child);
       } else if (name == "port") {
         note(kPort, NoteKind::kLeftOut, child, "the ports of edges are left out");
       }
     }
     columns.endRow(row, [&] { return placeOf(node); });
+  }
+
+  /// Edges outside may be of the nodes of a graph that is left out, however deep they are.
+  void keepNestedIds(const pugi::xml_node& graph) {
+    for (pugi::xml_node node = graph.first_child(); node; node = following(node, graph)) {
+      if (localName(node) == "node") nestedIds_.emplace(node.attribute("id").value());
+    }
+  }
+  /// The next node of the tree, from above to below, as long as it is inside the top.
+  static pugi::xml_node following(pugi::xml_node node, const pugi::xml_node& top) {
+    if (node.first_child()) return node.first_child();
+    while (node != top && !node.next_sibling()) node = node.parent();
+    return node == top ? pugi::xml_node() : node.next_sibling();
+  }
+  [[nodiscard]] bool isNested(std::string_view id) const {
+    return nestedIds_.count(std::string(id)) != 0;
   }
 
   void readValue(const pugi::xml_node& data, std::uint64_t row, GraphMlColumns& columns) {
@@ -295,6 +324,7 @@ class GraphMlReader {
   bool directed_ = false;
   bool hasDirected_ = false;
   std::optional<Place> firstUndirected_;
+  std::unordered_set<std::string> nestedIds_;
   std::string joined_;
   /// For each code whether it has been noted.
   std::vector<bool> noted_;

@@ -221,6 +221,17 @@ Place XmlPieces::placeOf(const char* at) const {
   return offset < 0 ? place_ : placeAt(static_cast<std::size_t>(offset));
 }
 
+/// Goes on over a text up to the place that is sought, in which lines may end with CR alone.
+void XmlPieces::passReturns(std::string_view text) const {
+  for (const char& byte : text) {
+    const bool isPair = byte == '\r' && (&byte)[1] == '\n';
+    ++sought_.column;
+    if (byte != '\n' && (byte != '\r' || isPair)) continue;
+    ++sought_.line;
+    sought_.column = 1;
+  }
+}
+
 Place XmlPieces::placeAt(std::size_t offset) const {
   if (offset < soughtOffset_) {
     soughtOffset_ = 0;
@@ -228,11 +239,15 @@ Place XmlPieces::placeAt(std::size_t offset) const {
   }
   const std::string_view between =
       std::string_view(ahead_).substr(soughtOffset_, offset - soughtOffset_);
+  soughtOffset_ += between.size();
+  if (between.find('\r') != between.npos) {
+    passReturns(between);
+    return sought_;
+  }
   const std::size_t newline = between.rfind('\n');
   sought_.line += static_cast<std::uint64_t>(std::count(between.begin(), between.end(), '\n'));
   sought_.column =
       newline == between.npos ? sought_.column + between.size() : between.size() - newline;
-  soughtOffset_ += between.size();
   return sought_;
 }
 

@@ -44,6 +44,7 @@ class XmlPieces {
   [[nodiscard]] Verdict verdictOf(const pugi::xml_parse_result& result, std::size_t size) const;
   [[noreturn]] void fail(const pugi::xml_parse_result& result) const;
   [[nodiscard]] Place placeAt(std::size_t offset) const;
+  void passReturns(std::string_view text) const;
 
   internal::ByteStream& bytes_;
   internal::ReadContext& context_;
