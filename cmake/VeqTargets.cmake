@@ -17,7 +17,7 @@ function(veq_units target)
     set_target_properties(${target} PROPERTIES UNITY_BUILD OFF)
     return()
   endif()
-  execute_process(COMMAND "${PROJECT_SOURCE_DIR}/scripts/units" ${ARGN} OUTPUT_VARIABLE units
+  execute_process(COMMAND "${CMAKE_CURRENT_FUNCTION_LIST_DIR}/../scripts/units" -n ${VEQ_UNIT_SIZE} ${ARGN} OUTPUT_VARIABLE units
                   WORKING_DIRECTORY "${CMAKE_CURRENT_SOURCE_DIR}" COMMAND_ERROR_IS_FATAL ANY)
   string(STRIP "${units}" units)
   string(REPLACE "\n" ";" units "${units}")

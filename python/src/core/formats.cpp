@@ -3,11 +3,22 @@
 #include <nanobind/stl/string_view.h>
 
 #include "support.hpp"
-#include "veq/readers/reading.hpp"
 #include "veq/writing.hpp"
+#ifdef VEQ_WITH_READERS
+#include "veq/readers/reading.hpp"
+#else
+#include "veq/reading.hpp"
+#endif
 
 namespace veq::python {
 namespace {
+
+// GraphML and what is compressed can be read where the library for them was built, too.
+#ifdef VEQ_WITH_READERS
+namespace reader = veq::readers;
+#else
+namespace reader = veq;
+#endif
 
 std::optional<FileFormat> formatNamed(std::optional<std::string_view> name) {
   if (!name) return std::nullopt;
@@ -77,8 +88,8 @@ ReadTuple read(nb::bytes source, bool isText, std::optional<std::string_view> fo
   std::optional<Reading> made;
   {
     const nb::gil_scoped_release released;
-    made = isText ? readers::readNetworkText(std::move(bytes), options)
-                  : readers::readNetwork(bytes, options);
+    made = isText ? reader::readNetworkText(std::move(bytes), options)
+                  : reader::readNetwork(bytes, options);
   }
   return tupleOf(std::move(*made));
 }

@@ -4,6 +4,7 @@
 
 NB_MODULE(_core, m) {
   using namespace veq::python;
+  m.attr("version") = VEQ_VERSION;
   bindErrors(m);
   bindRandom(m);
   bindNetwork(m);

@@ -13,8 +13,7 @@ array([2, 2, 2])
 30
 """
 
-from importlib.metadata import version as _version
-
+from . import _core
 from ._ask import Diameter, DistanceHistogram, PageRank, Path
 from ._columns import Columns
 from ._derive import Part, United
@@ -37,7 +36,7 @@ from ._network import Adjacency, Edge, Network, Vertex
 from ._random import RandomState, random_state, seed, set_random_state
 from ._walkers import Coverage, HittingTimes, Paths, Walk, Walkers, WalkLaw
 
-__version__ = _version("veq")
+__version__ = _core.version
 
 __all__ = [
     "Adjacency",
