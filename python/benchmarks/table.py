@@ -8,6 +8,7 @@ import sys
 from collections import defaultdict
 from pathlib import Path
 
+LIBRARIES = ["veq", "igraph", "NetworkX", "rustworkx", "NetworKit", "own"]
 results = json.loads(Path(sys.argv[1]).read_text())["benchmarks"]
 
 
@@ -20,6 +21,10 @@ def of(module):
     for result in results:
         if f"{module}.py" in result["fullname"]:
             name, _, variant = result["name"].removeprefix("test_").partition("[")
+            task = result["extra_info"].get("task")
+            if task is not None:
+                name = task
+                variant = next(one for one in LIBRARIES if one in variant)
             found[name][variant.removesuffix("]")] = result
     return found
 
@@ -28,16 +33,15 @@ def row(*cells):
     print("| " + " | ".join(cells) + " |")
 
 
-libraries = ["veq", "igraph", "NetworkX", "rustworkx", "NetworKit"]
-row("task", *libraries)
-row(*["---"] + ["---:"] * len(libraries))
+row("task", *LIBRARIES[:-1])
+row(*["---"] + ["---:"] * (len(LIBRARIES) - 1))
 for name, variants in of("test_peers").items():
     own = median(variants["veq"])
     cells = [f"{own * 1e3:.1f} ms"]
-    for library in libraries[1:]:
+    for library in LIBRARIES[1:-1]:
         there = variants.get(library)
         cells.append(f"{median(there) / own:.1f}" if there else "-")
-    row(name.replace("_", " "), *cells)
+    row(name, *cells)
 
 print()
 row("converter", "veq", "by hand", "ratio")
@@ -46,7 +50,7 @@ for name, variants in of("test_converters").items():
     if "own" in variants:
         own, theirs = median(variants["veq"]), median(variants["own"])
         row(
-            name.replace("_", " "),
+            name,
             f"{own * 1e3:.1f} ms",
             f"{theirs * 1e3:.1f} ms",
             f"{own / theirs:.2f}",

@@ -5,28 +5,21 @@ import pytest
 
 import veq
 
-from .conftest import EDGES, VERTICES
-
-BOTH = pytest.mark.parametrize("whose", ["veq", "own"])
+from .conftest import VERTICES
 
 
-@BOTH
-def test_to_scipy(timed, weighted, whose):
+def to_scipy(weighted, ends):
     from scipy import sparse
 
     # Each edge both ways.
-    source, target = weighted.edges.T.astype(np.int32)
+    source, target = ends.astype(np.int32)
     rows, columns = np.concatenate([source, target]), np.concatenate([target, source])
     values = np.tile(weighted.edge_weights.astype(float), 2)
-
-    def own():
-        return sparse.csr_array((values, (rows, columns)), shape=(VERTICES, VERTICES))
-
-    timed(weighted.to_scipy if whose == "veq" else own, 9)
+    shape = (VERTICES, VERTICES)
+    return weighted.to_scipy, lambda: sparse.csr_array((values, (rows, columns)), shape=shape)
 
 
-@BOTH
-def test_to_pandas(timed, weighted, whose):
+def to_pandas(weighted, ends):
     import pandas as pd
 
     def own():
@@ -40,11 +33,10 @@ def test_to_pandas(timed, weighted, whose):
         )
         return edges, pd.DataFrame({"age": weighted.vertex_data["age"]})
 
-    timed(weighted.to_pandas if whose == "veq" else own, 9)
+    return weighted.to_pandas, own
 
 
-@BOTH
-def test_to_networkx(timed, weighted, ends, whose):
+def to_networkx(weighted, ends):
     import networkx as nx
 
     source, target = ends.tolist()
@@ -61,28 +53,26 @@ def test_to_networkx(timed, weighted, ends, whose):
         )
         return graph
 
-    timed(weighted.to_networkx if whose == "veq" else own, 3)
+    return weighted.to_networkx, own
 
 
-@BOTH
-def test_from_networkx(timed, weighted, whose):
+def from_networkx(weighted, ends):
     graph = weighted.to_networkx()
 
     def own():
         number = {node: i for i, node in enumerate(graph)}
         ages = [age for _, age in graph.nodes(data="age")]
-        ends, weights, lengths = [], [], []
+        pairs, weights, lengths = [], [], []
         for a, b, data in graph.edges(data=True):
-            ends.append((number[a], number[b]))
+            pairs.append((number[a], number[b]))
             weights.append(data["weight"])
             lengths.append(data["length"])
-        return np.array(ends), np.array(weights), np.array(lengths), np.array(ages)
+        return np.array(pairs), np.array(weights), np.array(lengths), np.array(ages)
 
-    timed(lambda: veq.Network.from_networkx(graph) if whose == "veq" else own(), 3)
+    return lambda: veq.Network.from_networkx(graph), own
 
 
-@BOTH
-def test_to_igraph(timed, weighted, whose):
+def to_igraph(weighted, ends):
     import igraph as ig
 
     def own():
@@ -92,19 +82,39 @@ def test_to_igraph(timed, weighted, whose):
         graph.vs["age"] = weighted.vertex_data["age"].tolist()
         return graph
 
-    timed(weighted.to_igraph if whose == "veq" else own, 3)
+    return weighted.to_igraph, own
 
 
-@BOTH
-def test_from_igraph(timed, weighted, whose):
+def from_igraph(weighted, ends):
     graph = weighted.to_igraph()
 
     def own():
-        ends = np.array(graph.get_edgelist())
+        pairs = np.array(graph.get_edgelist())
         columns = [np.array(graph.es[key]) for key in ("weight", "length")]
-        return ends, columns, np.array(graph.vs["age"])
+        return pairs, columns, np.array(graph.vs["age"])
 
-    timed(lambda: veq.Network.from_igraph(graph) if whose == "veq" else own(), 3)
+    return lambda: veq.Network.from_igraph(graph), own
+
+
+CONVERTERS = {
+    function.__name__.replace("_", " "): (function, rounds)
+    for function, rounds in (
+        (to_scipy, 9),
+        (to_pandas, 9),
+        (to_networkx, 3),
+        (from_networkx, 3),
+        (to_igraph, 3),
+        (from_igraph, 3),
+    )
+}
+
+
+@pytest.mark.parametrize("whose", ["veq", "own"])
+@pytest.mark.parametrize("converter", CONVERTERS)
+def test_converter(timed, weighted, ends, converter, whose):
+    make, rounds = CONVERTERS[converter]
+    ours, own = make(weighted, ends)
+    timed(ours if whose == "veq" else own, rounds, task=converter)
 
 
 @pytest.mark.parametrize("dtype", [np.int64, np.int32])
@@ -116,4 +126,4 @@ def test_build_from(timed, ends, dtype):
 def test_pickle(timed, weighted):
     import pickle
 
-    timed(lambda: pickle.loads(pickle.dumps(weighted, 5)), 5, edges=EDGES)
+    timed(lambda: pickle.loads(pickle.dumps(weighted, 5)), 5)

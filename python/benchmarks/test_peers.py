@@ -16,13 +16,6 @@ networkit = pytest.importorskip("networkit")
 networkit.setNumberOfThreads(1)
 
 AGENTS, STEPS = 100, EDGES // 100
-BUILD = {
-    "veq": lambda ends: veq.Network(*ends, n=VERTICES),
-    "igraph": lambda ends: igraph.Graph(n=VERTICES, edges=ends.T),
-    "NetworkX": lambda ends: _networkx(ends),
-    "rustworkx": lambda ends: _rustworkx(ends),
-    "NetworKit": lambda ends: networkit.GraphFromCoo((ends[0], ends[1]), n=VERTICES),
-}
 
 
 def _networkx(ends):
@@ -39,41 +32,21 @@ def _rustworkx(ends, kind=rustworkx.PyGraph):
     return graph
 
 
-@pytest.fixture(scope="session")
-def built(ends):
-    made = {}
-
-    def get(library):
-        if library not in made:
-            made[library] = BUILD[library](ends)
-        return made[library]
-
-    return get
+def _both_ways(ends):
+    """For what rustworkx has for directed graphs alone."""
+    return _rustworkx(np.hstack([ends, ends[::-1]]), rustworkx.PyDiGraph)
 
 
-def rounds(library):
-    return 1 if library == "NetworkX" else 5
+def _indexed(ends):
+    graph = BUILD["NetworKit"](ends)
+    graph.indexEdges()
+    return graph
 
 
-@pytest.mark.parametrize("library", BUILD)
-def test_build(timed, ends, library):
-    timed(lambda: BUILD[library](ends), rounds(library), library=library)
-
-
-READ = {
-    "veq": lambda path: veq.read(path, ids_are_indices=True),
-    "igraph": lambda path: igraph.Graph.Read_Edgelist(path, directed=False),
-    "NetworkX": lambda path: networkx.read_edgelist(path, nodetype=int),
-    "rustworkx": lambda path: rustworkx.PyGraph.read_edge_list(path),
-    "NetworKit": lambda path: networkit.readGraph(path, networkit.Format.EdgeListSpaceZero),
-}
-
-
-@pytest.mark.parametrize("library", READ)
-def test_read(timed, ends, library, tmp_path):
-    path = str(tmp_path / "edges.txt")
-    np.savetxt(path, ends.T, fmt="%d")
-    timed(lambda: READ[library](path), rounds(library), library=library)
+def _walked(network):
+    walkers = veq.Walkers(network, np.arange(AGENTS))
+    walkers.walk(STEPS, choice="even", seed=1)
+    return walkers.visits()
 
 
 def _loop(graph):
@@ -89,71 +62,85 @@ def _loop(graph):
     return visits
 
 
-def _walked(network):
-    walkers = veq.Walkers(network, np.arange(AGENTS))
-    walkers.walk(STEPS, choice="even", seed=1)
-    return walkers.visits()
-
-
-WALK = {
-    "veq": _walked,
-    "igraph": lambda graph: np.bincount(
-        np.concatenate([graph.random_walk(agent, STEPS, stuck="return") for agent in range(AGENTS)])
-    ),
-    "NetworkX": _loop,
+BUILD = {
+    "veq": lambda ends: veq.Network(*ends, n=VERTICES),
+    "igraph": lambda ends: igraph.Graph(n=VERTICES, edges=ends.T),
+    "NetworkX": _networkx,
+    "rustworkx": _rustworkx,
+    "NetworKit": lambda ends: networkit.GraphFromCoo((ends[0], ends[1]), n=VERTICES),
 }
-
-
-@pytest.mark.parametrize("library", WALK)
-def test_walk(timed, built, library):
-    graph = built(library)
-    timed(lambda: WALK[library](graph), rounds(library), library=library)
-
-
-COMPONENTS = {
-    "veq": lambda graph: graph.components(),
-    "igraph": lambda graph: graph.connected_components().membership,
-    "NetworkX": lambda graph: list(networkx.connected_components(graph)),
-    "rustworkx": lambda graph: rustworkx.connected_components(graph),
-    "NetworKit": lambda graph: networkit.components.ConnectedComponents(graph).run(),
+READ = {
+    "veq": lambda path: veq.read(path, ids_are_indices=True),
+    "igraph": lambda path: igraph.Graph.Read_Edgelist(path, directed=False),
+    "NetworkX": lambda path: networkx.read_edgelist(path, nodetype=int),
+    "rustworkx": lambda path: rustworkx.PyGraph.read_edge_list(path),
+    "NetworKit": lambda path: networkit.readGraph(path, networkit.Format.EdgeListSpaceZero),
 }
-
-
-@pytest.mark.parametrize("library", COMPONENTS)
-def test_components(timed, built, library):
-    graph = built(library)
-    timed(lambda: COMPONENTS[library](graph), rounds(library), library=library)
-
-
-CLUSTERING = {
-    "veq": lambda graph: graph.local_clustering(),
-    "igraph": lambda graph: graph.transitivity_local_undirected(mode="zero"),
-    "NetworkX": networkx.clustering,
-    "NetworKit": lambda graph: networkit.centrality.LocalClusteringCoefficient(graph, True).run(),
+# Of a graph that was built, by the task and the library.
+QUESTIONS = {
+    "walk": {
+        "veq": _walked,
+        "igraph": lambda graph: np.bincount(
+            np.concatenate([graph.random_walk(a, STEPS, stuck="return") for a in range(AGENTS)])
+        ),
+        "NetworkX": _loop,
+    },
+    "components": {
+        "veq": lambda graph: graph.components(),
+        "igraph": lambda graph: graph.connected_components().membership,
+        "NetworkX": lambda graph: list(networkx.connected_components(graph)),
+        "rustworkx": lambda graph: rustworkx.connected_components(graph),
+        "NetworKit": lambda graph: networkit.components.ConnectedComponents(graph).run(),
+    },
+    "clustering": {
+        "veq": lambda graph: graph.local_clustering(),
+        "igraph": lambda graph: graph.transitivity_local_undirected(mode="zero"),
+        "NetworkX": networkx.clustering,
+        "NetworKit": lambda g: networkit.centrality.LocalClusteringCoefficient(g, True).run(),
+    },
+    "page rank": {
+        "veq": lambda graph: graph.page_rank(tolerance=1e-8).ranks,
+        "igraph": lambda graph: graph.pagerank(),
+        "NetworkX": lambda graph: networkx.pagerank(graph, tol=1e-8 / VERTICES),
+        "rustworkx": lambda graph: rustworkx.pagerank(graph, tol=1e-8),
+        "NetworKit": lambda graph: networkit.centrality.PageRank(graph, 0.85, 1e-8).run(),
+    },
 }
+# Where a question wants another graph than a plain one.
+OTHERWISE = {("clustering", "NetworKit"): _indexed, ("page rank", "rustworkx"): _both_ways}
 
 
-@pytest.mark.parametrize("library", CLUSTERING)
-def test_clustering(timed, built, library):
-    graph = built(library)
-    if library == "NetworKit":
-        graph.indexEdges()
-    timed(lambda: CLUSTERING[library](graph), rounds(library), library=library)
+@pytest.fixture(scope="session")
+def built(ends):
+    made = {}
+
+    def get(library, build):
+        if (library, build) not in made:
+            made[library, build] = build(ends)
+        return made[library, build]
+
+    return get
 
 
-RANK = {
-    "veq": lambda graph: graph.page_rank(tolerance=1e-8).ranks,
-    "igraph": lambda graph: graph.pagerank(),
-    "NetworkX": lambda graph: networkx.pagerank(graph, tol=1e-8 / VERTICES),
-    "rustworkx": lambda graph: rustworkx.pagerank(graph, tol=1e-8),
-    "NetworKit": lambda graph: networkit.centrality.PageRank(graph, 0.85, 1e-8).run(),
-}
+def rounds(library):
+    return 1 if library == "NetworkX" else 5
 
 
-@pytest.mark.parametrize("library", RANK)
-def test_page_rank(timed, built, ends, library):
-    graph = built(library)
-    if library == "rustworkx":
-        # For directed graphs alone: each edge both ways.
-        graph = _rustworkx(np.hstack([ends, ends[::-1]]), rustworkx.PyDiGraph)
-    timed(lambda: RANK[library](graph), rounds(library), library=library)
+@pytest.mark.parametrize("library", BUILD)
+def test_build(timed, ends, library):
+    timed(lambda: BUILD[library](ends), rounds(library), task="build, from arrays of int64")
+
+
+@pytest.mark.parametrize("library", READ)
+def test_read(timed, ends, library, tmp_path):
+    path = str(tmp_path / "edges.txt")
+    np.savetxt(path, ends.T, fmt="%d")
+    timed(lambda: READ[library](path), rounds(library), task="read a list of edges")
+
+
+@pytest.mark.parametrize(
+    ("library", "task"), [(library, task) for task in QUESTIONS for library in QUESTIONS[task]]
+)
+def test_question(timed, built, library, task):
+    graph = built(library, OTHERWISE.get((task, library), BUILD[library]))
+    timed(lambda: QUESTIONS[task][library](graph), rounds(library), task=task)
