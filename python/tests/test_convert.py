@@ -1,5 +1,7 @@
 """Other libraries' graphs, there and back, and NetworkX as a judge."""
 
+import os
+
 import networkx as nx
 import numpy as np
 import pytest
@@ -8,7 +10,9 @@ from hypothesis import strategies as st
 
 import veq
 
-settings.register_profile("veq", deadline=None, max_examples=60)
+# Fewer under an emulator.
+SHARE = int(os.environ.get("VEQ_TEST_SHARE", "1"))
+settings.register_profile("veq", deadline=None, max_examples=max(60 // SHARE, 2))
 settings.load_profile("veq")
 
 KEYS = st.sampled_from(["Age", "x", "Some words", "Größe"])
@@ -201,6 +205,83 @@ def test_columns_of_every_library_go_in(library):
     assert network.vertex_data["Name"].tolist() == ["Ada", None, "Bob"]
     with pytest.raises(ValueError, match="^edge 1: source -1$"):
         veq.Network(column([0, -1]), column([1, 2]))
+
+
+@pytest.mark.parametrize("library", ["pandas", "polars", "pyarrow"])
+def test_what_is_missing_in_columns_of_every_library(library):
+    module = pytest.importorskip(library)
+    kind = {"dtype": "Int64"} if library == "pandas" else {}
+    column = (module.array if library == "pyarrow" else module.Series)([0, None, 2**60 + 1], **kind)
+    for name, arguments in (("source", (column, [1, 2, 3])), ("target", ([1, 2, 3], column))):
+        with pytest.raises(ValueError, match=f"^{name} 1: None is no integer$"):
+            veq.Network(*arguments)
+    with pytest.raises(ValueError, match="^edge_weights 1: None is no number$"):
+        veq.Network([0, 1, 2], [1, 2, 0], edge_weights=column)
+    network = veq.Network([0], [1], n=3)
+    network.vertex_data["x"] = column
+    assert network.vertex_data["x"].tolist() == [0, None, 2**60 + 1]
+
+
+@pytest.mark.parametrize("library", ["pandas", "polars", "arrow"])
+def test_tables_keep_what_is_not_set(library):
+    pytest.importorskip("pyarrow" if library == "arrow" else library)
+    network = veq.Network([0, 1], [1, 2])
+    # The integer beside what is not set is none that a double holds.
+    values = {"whole": [2**60 + 1, None, 3], "real": [0.5, None, 3.0], "nan": [0.5, np.nan, 3.0]}
+    for key, column in values.items():
+        network.vertex_data[key] = column
+    edges, vertices = getattr(network, f"to_{library}")()
+    again = veq.Network.from_frames(edges, vertices)
+    assert again.vertex_data["whole"].tolist() == values["whole"]
+    assert again.vertex_data["real"].tolist() == values["real"]
+    assert again.vertex_data["nan"].dtype == np.float64
+    assert np.isnan(again.vertex_data["nan"]).tolist() == [False, True, False]
+
+
+@pytest.mark.parametrize("library", ["polars", "arrow"])
+def test_tables_of_one_kind_refuse_several(library):
+    pytest.importorskip("pyarrow" if library == "arrow" else library)
+    network = veq.Network([0], [1])
+    network.vertex_data["x"] = [1, "one"]
+    with pytest.raises(ValueError) as raised:
+        getattr(network, f"to_{library}")()
+    assert str(raised.value) == "column x: values of several kinds (int, str): give other='text'"
+    _, vertices = getattr(network, f"to_{library}")(other="text")
+    assert list(vertices["x"].to_pylist() if library == "arrow" else vertices["x"]) == ["1", "one"]
+
+
+def test_weights_that_are_missing_in_a_table():
+    pandas = pytest.importorskip("pandas")
+    table = pandas.DataFrame({"source": [0, 1], "target": [1, 2], "weight": [1.5, None]})
+    with pytest.raises(ValueError, match="^weight 1: nan is no number$"):
+        veq.Network.from_frames(table)
+
+
+@given(networks())
+def test_graph_tool_there_and_back(network):
+    pytest.importorskip("graph_tool")
+    same(veq.Network.from_graph_tool(network.to_graph_tool()), network)
+
+
+def test_what_filters_of_graph_tool_leave():
+    graph_tool = pytest.importorskip("graph_tool")
+    graph = graph_tool.Graph(directed=False)
+    graph.add_vertex(4)
+    # Its own order is by vertices: the edges 1 and 3, which are alike, then 0, then 2.
+    graph.add_edge_list(np.array([[2, 0], [0, 1], [2, 3], [0, 1]]))
+    graph.edge_properties["text"] = graph.new_edge_property("string", vals=["b", "d", "a", "c"])
+    graph.vertex_properties["short"] = graph.new_vertex_property("int16_t", vals=[5, 6, 7, 8])
+    network = veq.Network.from_graph_tool(graph)
+    assert network.edges.tolist() == [[2, 0], [0, 1], [2, 3], [0, 1]]
+    assert network.edge_data["text"].tolist() == [
+        graph.edge_properties["text"][edge]
+        for edge in sorted(graph.edges(), key=lambda edge: graph.edge_index[edge])
+    ]
+    graph.remove_edge(graph.edge(2, 0))
+    part = graph_tool.GraphView(graph, vfilt=lambda v: int(v) != 3)
+    network = veq.Network.from_graph_tool(part)
+    assert network.edges.tolist() == [[0, 1], [0, 1]]
+    assert network.vertex_data["short"].tolist() == [5, 6, 7]
 
 
 def test_plot():

@@ -162,6 +162,18 @@ def test_what_is_wrong_with_files(tmp_path):
         veq.Network([0], [1]).save(tmp_path / "name.unknown")
 
 
+def test_what_is_no_file(tmp_path):
+    network = veq.Network([0], [1])
+    with pytest.raises(TypeError):
+        veq.reads(3)
+    for call in (veq.read, network.save):
+        with pytest.raises(ValueError, match="^embedded null byte$"):
+            call("a\0b.xnet")
+    with pytest.raises(ValueError, match=r"^most_vertices = -1: give 0 to 2\*\*64 - 1$"):
+        veq.reads("0 1", most_vertices=-1)
+    assert veq.reads(bytearray(b"0 1"), ids_are_indices=True).num_edges == 1
+
+
 def test_the_place_of_a_mistake():
     text = "*Vertices 2\n*Edges\n1 x\n"
     with pytest.raises(veq.FormatError) as raised:

@@ -81,6 +81,17 @@ def test_strides_read_only_empty_and_lists():
         (dict(source=[1.0], target=[1]), "source 0: 1.0 is no integer"),
         (dict(source=[True], target=[1]), "source 0: True is no integer"),
         (dict(source=["0"], target=[1]), "source 0: '0' is no integer"),
+        (dict(source=[0, None], target=[1, 2]), "source 1: None is no integer"),
+        (
+            dict(source=np.ma.array([0, 5], mask=[0, 1]), target=[1, 2]),
+            "source 1: None is no integer",
+        ),
+        (dict(source=[0], target=[1], edge_weights=["1"]), "edge_weights 0: '1' is no number"),
+        (dict(source=[0], target=[1], edge_weights=[None]), "edge_weights 0: None is no number"),
+        (
+            dict(source=[0], target=[1], edge_weights=np.array([3], "M8[ns]")),
+            "edge_weights 0: 3 is no number",
+        ),
         (dict(source=[1, 2**64], target=[1, 1]), f"source 1: {2**64} has more than 64 bits"),
         (dict(source=[[0]], target=[1]), "source: an array of 2 dimensions, not one"),
         (dict(source=[0], target=[1], edge_weights=[1, 2]), "2 weights for 1 edge"),
@@ -92,6 +103,27 @@ def test_bad_input_is_named(arguments, text):
     with pytest.raises(ValueError) as raised:
         veq.Network(**arguments)
     assert str(raised.value) == text
+
+
+def test_whatever_is_an_index_or_a_truth(triangle):
+    network = veq.Network([triangle.vertex(1)], [np.uint8(2)], directed=np.True_)
+    assert (network.edges.tolist(), network.directed) == ([[1, 2]], True)
+
+
+def test_what_is_not_initialised_has_no_properties():
+    for kind, name in ((veq.Network, "num_edges"), (veq.Walkers, "num_agents")):
+        with pytest.raises(TypeError, match="^the object was not initialised$"):
+            getattr(kind.__new__(kind), name)
+
+
+def test_properties_are_read_only(triangle):
+    for name in ("num_vertices", "num_edges", "directed", "edge_weighted", "vertex_weighted"):
+        with pytest.raises(AttributeError):
+            setattr(triangle, name, 1)
+    assert (triangle.edge_weighted, triangle.vertex_weighted) == (False, False)
+    triangle.edge_weights = [1, 2, 3, 4]
+    triangle.vertex_weights = [1, 2, 3, 4]
+    assert (triangle.edge_weighted, triangle.vertex_weighted) == (True, True)
 
 
 @pytest.mark.parametrize("vertex", [4, -1, 2**63 - 1, 2**64, -(2**70)])
@@ -130,6 +162,10 @@ def test_names():
         veq.Network.from_names([("Ada", "Eve")], names=["Ada"])
     with pytest.raises(ValueError, match="^target 0: 7 is no string$"):
         veq.Network.from_names([("Ada", 7)])
+    for edge in (("Ada",), ("Ada", "Bob", "Eve"), 7):
+        with pytest.raises(ValueError) as raised:
+            veq.Network.from_names([("Ada", "Bob"), edge])
+        assert str(raised.value) == f"edge 1: {edge!r} is no pair of names"
 
 
 def test_names_that_are_no_utf8_go_round():
@@ -180,6 +216,26 @@ def test_columns_of_vectors_and_of_any_kind(triangle):
     assert [type(value) for value in kept] == [np.float32, np.uint64, tuple, int]
     with pytest.raises(ValueError, match="^column Bad: value 1 is a dict, not None, a string"):
         triangle.vertex_data["Bad"] = [1, {}, 2, 3]
+
+
+def test_dates_are_no_numbers(triangle):
+    with pytest.raises(
+        ValueError, match="^column When: value 0 is a datetime64, not None, a string"
+    ):
+        triangle.vertex_data["When"] = np.arange(4).astype("M8[ns]")
+
+
+def test_what_a_mask_hides_is_not_set(triangle):
+    triangle.vertex_data["Age"] = np.ma.array([31, 99, 27, 8], mask=[0, 1, 0, 0])
+    assert triangle.vertex_data["Age"].tolist() == [31, None, 27, 8]
+
+
+def test_columns_are_compared_by_whose_they_are(triangle):
+    triangle.vertex_data["Age"] = [1, 2, 3, 4]
+    assert triangle.vertex_data == triangle.vertex_data
+    assert triangle.vertex_data != triangle.edge_data
+    assert triangle.vertex_data != triangle.copy().vertex_data
+    assert len({triangle.vertex_data, triangle.vertex_data}) == 1
 
 
 def test_adding_edges_leaves_arrays_as_they_were(triangle):
@@ -323,6 +379,41 @@ def test_questions(triangle):
     assert triangle.diameter().least == triangle.diameter().most == 2
     assert triangle.page_rank().ranks.sum() == pytest.approx(1)
     assert veq.Network([], [], n=2).shortest_path(0, 1) is None
+
+
+FOLLOWED = {
+    "components": [0, 0, 1, 1, 1],
+    "component_sizes": [2, 3],
+    "triangles": [0, 0, 1, 1, 1],
+    "count_triangles": 1,
+    "local_clustering": [0, 0, 1, 1, 1],
+    "average_clustering": 0.6,
+    "transitivity": 1,
+    "core_numbers": [1, 1, 2, 2, 2],
+}
+
+
+@pytest.mark.parametrize("question", FOLLOWED)
+def test_questions_are_followed(question):
+    # An edge, and a triangle beside it.
+    network = veq.Network([0, 2, 3, 4], [1, 3, 4, 2])
+    told = []
+    answer = getattr(network, question)(progress=lambda done, all: told.append((done, all)))
+    assert np.asarray(answer).tolist() == FOLLOWED[question]
+    assert all(done <= all for done, all in told)
+    # Nobody is told before 50 ms are over, and then the answer is "no".
+    for edges in (2_000_000, 8_000_000, 32_000_000):
+        large = veq.gnm(edges // 10, edges, seed=1)
+        try:
+            getattr(large, question)(progress=lambda *_: False)
+        except veq.StoppedError:
+            return
+    pytest.fail("the callable was never asked")
+
+
+def test_networks_alone_are_united(triangle):
+    with pytest.raises(TypeError, match="^network 1: 7 is no network$"):
+        veq.Network.united([triangle, 7])
 
 
 EDITED_AND_READ = """

@@ -59,6 +59,37 @@ def test_a_state_is_moved():
     assert state == veq.RandomState(9).after(20)
 
 
+def test_sampled_distances_draw_as_all_calls_do():
+    network = veq.gnm(200, 1000, seed=1)
+
+    def sampled(seed):
+        # So few visits that a part of the vertices is drawn.
+        return network.distance_histogram(most_visits=1000, seed=seed).pairs.tolist()
+
+    veq.seed(5)
+    before = veq.random_state()
+    assert sampled(3) == sampled(3)
+    assert veq.random_state() == before
+    state = veq.RandomState(9)
+    found = sampled(state)
+    assert state == veq.RandomState(9).after(1)
+    assert found == sampled(veq.RandomState(9).draw())
+    assert sampled(None) == sampled(before.draw())
+    with pytest.raises(ValueError, match="^seed 0: give an integer from 1 to 4294967295$"):
+        sampled(0)
+    with pytest.raises(ValueError, match=r"^most_visits = -1: give 0 to 2\*\*64 - 1$"):
+        network.distance_histogram(most_visits=-1)
+
+
+def test_draws_and_words_are_counted():
+    with pytest.raises(ValueError, match=r"^count = -1: give 0 to 2\*\*64 - 1$"):
+        veq.RandomState(1).draws(-1)
+    with pytest.raises(ValueError, match="^2 words, not 31$"):
+        veq.RandomState.from_words([1, 2])
+    with pytest.raises(ValueError, match="^word 1: -1 has more than 32 bits$"):
+        veq.RandomState.from_words([1, -1])
+
+
 def test_substreams():
     state = veq.RandomState(1)
     part = state.substream(2)
@@ -127,6 +158,8 @@ def test_agents_remember():
 def test_starts():
     network = line(4)
     assert veq.Walkers(network, ["3", 0]).positions.tolist() == [3, 0]
+    assert veq.Walkers(network, np.array(["3", "0"])).positions.tolist() == [3, 0]
+    assert veq.Walkers(network, [network.vertex(2)]).positions.tolist() == [2]
     assert len(veq.Walkers.uniform(network, 7, seed=1)) == 7
     assert veq.Walkers.by_degree(veq.Network([1], [2], n=9), 5, seed=1).positions.min() >= 1
 
@@ -135,6 +168,9 @@ def test_starts():
     ("call", "text"),
     [
         (lambda g: veq.Walkers(g, [0, 7]), "start 1: vertex 7 of 4"),
+        (lambda g: veq.Walkers(g, [0, -1]), "start 1: -1 is below 0"),
+        (lambda g: veq.Walkers(g, [0], memory=-1), "memory 0: -1 is below 0"),
+        (lambda g: veq.Walkers(g, 0), "start: an array of 0 dimensions, not one"),
         (lambda g: veq.Walkers(g, [0], memory=0), "agent 0: memory size 0"),
         (lambda g: veq.Walkers(g, [0], memory=2, errors=1.5), "agent 0: error 1.5, not 0 to 1"),
         (lambda g: veq.Walkers(g, [0], errors=0.5), "errors and listeners need a memory"),

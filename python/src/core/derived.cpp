@@ -92,9 +92,10 @@ Connection connectionNamed(std::string_view connection) {
                            {{"weak", Connection::kWeak}, {"strong", Connection::kStrong}});
 }
 
-Tuple<IntArray, IntArray> componentLabels(const BoundNetwork& bound, std::string_view connection) {
+Tuple<IntArray, IntArray> componentLabels(const BoundNetwork& bound, std::string_view connection,
+                                          nb::object callable) {
   const Connection how = connectionNamed(connection);
-  Follow follow{nb::none()};
+  Follow follow(std::move(callable));
   const Progress progress = follow.progress();
   ComponentLabels made = reading(
       bound, [&](const Network& network) { return components(network, how, progress).value(); });
@@ -158,7 +159,8 @@ void bindDerived(nb::module_& m) {
         nb::arg("keep_vertices"));
   m.def("neighborhood", &neighbourhood, nb::arg("network"), nb::arg("vertex"), nb::arg("distance"),
         nb::arg("mode"));
-  m.def("components", &componentLabels, nb::arg("network"), nb::arg("connection"));
+  m.def("components", &componentLabels, nb::arg("network"), nb::arg("connection"),
+        nb::arg("progress").none());
   m.def("split", &split, nb::arg("network"), nb::arg("connection"));
   m.def("largest_component", &largest, nb::arg("network"), nb::arg("connection"));
   m.def("united", &united, nb::arg("networks"), nb::arg("by"));

@@ -93,14 +93,16 @@ BoundNetwork rewired(const BoundNetwork& bound, std::uint64_t tries, BoundRandom
   });
 }
 
-BoundNetwork preferentialAttachment(std::uint64_t n, std::uint64_t degree, BoundRandom* random) {
-  return modelled(random, nb::none(), [=](const ModelOptions& options) {
+BoundNetwork preferentialAttachment(std::uint64_t n, std::uint64_t degree, BoundRandom* random,
+                                    nb::object progress) {
+  return modelled(random, std::move(progress), [=](const ModelOptions& options) {
     return preferentialAttachmentNetwork(n, degree, options);
   });
 }
 
-BoundNetwork randomNetwork(std::uint64_t n, double degree, BoundRandom* random) {
-  return modelled(random, nb::none(), [=](const ModelOptions& options) {
+BoundNetwork randomNetwork(std::uint64_t n, double degree, BoundRandom* random,
+                           nb::object progress) {
+  return modelled(random, std::move(progress), [=](const ModelOptions& options) {
     return uniformRandomNetwork(n, degree, options);
   });
 }
@@ -122,9 +124,9 @@ void bindModels(nb::module_& m) {
   m.def("block", &block, nb::arg("sizes"), nb::arg("probabilities"), nb::arg("directed"), random,
         progress);
   m.def("rewired", &rewired, nb::arg("network"), nb::arg("tries"), random, progress);
-  m.def("preferential_attachment", &preferentialAttachment, nb::arg("n"), nb::arg("degree"),
-        random);
-  m.def("random_network", &randomNetwork, nb::arg("n"), nb::arg("degree"), random);
+  m.def("preferential_attachment", &preferentialAttachment, nb::arg("n"), nb::arg("degree"), random,
+        progress);
+  m.def("random_network", &randomNetwork, nb::arg("n"), nb::arg("degree"), random, progress);
 }
 
 }  // namespace veq::python

@@ -197,29 +197,32 @@ std::optional<std::uint64_t> vertexNamed(const BoundNetwork& bound, nb::str name
   return reading(bound, [&](const Network& network) { return network.vertexNamed(wanted); });
 }
 
+template <auto kAsk>
+auto glanced(const BoundNetwork& bound) {
+  return glancing(bound, [](const Network& network) { return (network.*kAsk)(); });
+}
+
+template <auto kAsk>
+constexpr PyGetSetDef shown(const char* name, const char* about) {
+  return property<BoundNetwork, &glanced<kAsk>>(name, about);
+}
+
+PyGetSetDef properties[] = {
+    shown<&Network::countVertices>("num_vertices", "How many vertices there are."),
+    shown<&Network::countEdges>("num_edges", "How many edges there are."),
+    shown<&Network::isDirected>("directed",
+                                "Whether edges lead from their source to their target alone."),
+    shown<&Network::isVertexWeighted>("vertex_weighted", "Whether vertices have weights."),
+    shown<&Network::isEdgeWeighted>("edge_weighted", "Whether edges have weights."),
+    {},
+};
+PyType_Slot slots[] = {{Py_tp_getset, properties}, {}};
+
 }  // namespace
 
 void bindNetwork(nb::module_& m) {
-  nb::class_<BoundNetwork>(m, "Network")
+  nb::class_<BoundNetwork>(m, "Network", nb::type_slots(slots))
       .def(nb::init<const BoundNetwork&>(), nb::arg("other"))
-      .def_prop_ro(
-          "num_vertices", [](const BoundNetwork& b) { return b.network.countVertices(); },
-          "How many vertices there are.")
-      .def_prop_ro(
-          "num_edges",
-          [](const BoundNetwork& b) {
-            return glancing(b, [](const Network& network) { return network.countEdges(); });
-          },
-          "How many edges there are.")
-      .def_prop_ro(
-          "directed", [](const BoundNetwork& b) { return b.network.isDirected(); },
-          "Whether edges lead from their source to their target alone.")
-      .def_prop_ro(
-          "vertex_weighted", [](const BoundNetwork& b) { return b.network.isVertexWeighted(); },
-          "Whether vertices have weights.")
-      .def_prop_ro(
-          "edge_weighted", [](const BoundNetwork& b) { return b.network.isEdgeWeighted(); },
-          "Whether edges have weights.")
       .def("__len__", [](const BoundNetwork& b) { return b.network.countVertices(); });
 
   m.def("build", &build, nb::arg("sources"), nb::arg("targets"), nb::arg("vertices").none(),

@@ -15,44 +15,49 @@ auto one(const BoundNetwork& bound) {
   return reading(bound, [](const Network& network) { return kQuestion(network); });
 }
 
-// One that may take long, so that an interrupt ends it.
+// One that may take long.
 template <class Ask>
-auto followed(const BoundNetwork& bound, Ask ask) {
-  Follow follow{nb::none()};
+auto followed(const BoundNetwork& bound, nb::object callable, Ask ask) {
+  Follow follow(std::move(callable));
   const Progress progress = follow.progress();
   return reading(bound, [&](const Network& network) { return ask(network, progress).value(); });
 }
 
-IntArray trianglesOf(const BoundNetwork& bound) {
-  return arrayOf(followed(bound, [](const auto&... asked) { return triangles(asked...); }));
+IntArray trianglesOf(const BoundNetwork& bound, nb::object progress) {
+  return arrayOf(followed(bound, std::move(progress),
+                          [](const auto&... asked) { return triangles(asked...); }));
 }
 
-std::uint64_t allTriangles(const BoundNetwork& bound) {
-  return followed(bound, [](const auto&... asked) { return countTriangles(asked...); });
+std::uint64_t allTriangles(const BoundNetwork& bound, nb::object progress) {
+  return followed(bound, std::move(progress),
+                  [](const auto&... asked) { return countTriangles(asked...); });
 }
 
-FloatArray clusteringOf(const BoundNetwork& bound) {
-  return arrayOf(followed(bound, [](const auto&... asked) { return localClustering(asked...); }));
+FloatArray clusteringOf(const BoundNetwork& bound, nb::object progress) {
+  return arrayOf(followed(bound, std::move(progress),
+                          [](const auto&... asked) { return localClustering(asked...); }));
 }
 
-double transitivityOf(const BoundNetwork& bound) {
-  return followed(bound, [](const auto&... asked) { return transitivity(asked...); });
+double transitivityOf(const BoundNetwork& bound, nb::object progress) {
+  return followed(bound, std::move(progress),
+                  [](const auto&... asked) { return transitivity(asked...); });
 }
 
-double average(const BoundNetwork& bound, std::string_view withoutPairs) {
+double average(const BoundNetwork& bound, std::string_view withoutPairs, nb::object progress) {
   const auto how =
       named<WithoutPairs>(withoutPairs, "without_pairs",
                           {{"zero", WithoutPairs::kZero}, {"left out", WithoutPairs::kLeftOut}});
-  return followed(bound, [how](const Network& network, const Progress& progress) {
-    return averageClustering(network, how, progress);
+  return followed(bound, std::move(progress), [how](const Network& network, const Progress& told) {
+    return averageClustering(network, how, told);
   });
 }
 
-IntArray cores(const BoundNetwork& bound, std::string_view mode) {
+IntArray cores(const BoundNetwork& bound, std::string_view mode, nb::object progress) {
   const Direction direction = directionNamed(mode);
-  return arrayOf(followed(bound, [direction](const Network& network, const Progress& progress) {
-    return coreNumbers(network, direction, progress);
-  }));
+  return arrayOf(followed(bound, std::move(progress),
+                          [direction](const Network& network, const Progress& told) {
+                            return coreNumbers(network, direction, told);
+                          }));
 }
 
 IntArray degreeCounts(const BoundNetwork& bound, std::string_view mode) {
@@ -112,12 +117,13 @@ Tuple<FloatArray, std::uint64_t, double, bool> rank(const BoundNetwork& bound, d
 }  // namespace
 
 void bindQuestions(nb::module_& m) {
-  m.def("triangles", &trianglesOf, nb::arg("network"));
-  m.def("count_triangles", &allTriangles, nb::arg("network"));
-  m.def("local_clustering", &clusteringOf, nb::arg("network"));
-  m.def("average_clustering", &average, nb::arg("network"), nb::arg("without_pairs"));
-  m.def("transitivity", &transitivityOf, nb::arg("network"));
-  m.def("core_numbers", &cores, nb::arg("network"), nb::arg("mode"));
+  m.def("triangles", &trianglesOf, nb::arg("network"), nb::arg("progress").none());
+  m.def("count_triangles", &allTriangles, nb::arg("network"), nb::arg("progress").none());
+  m.def("local_clustering", &clusteringOf, nb::arg("network"), nb::arg("progress").none());
+  m.def("average_clustering", &average, nb::arg("network"), nb::arg("without_pairs"),
+        nb::arg("progress").none());
+  m.def("transitivity", &transitivityOf, nb::arg("network"), nb::arg("progress").none());
+  m.def("core_numbers", &cores, nb::arg("network"), nb::arg("mode"), nb::arg("progress").none());
   m.def("degree_distribution", &degreeCounts, nb::arg("network"), nb::arg("mode"));
   m.def("strength_distribution", &strengthCounts, nb::arg("network"), nb::arg("mode"));
   m.def("density", &one<density>, nb::arg("network"));

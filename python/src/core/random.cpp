@@ -118,6 +118,7 @@ void bindRandom(nb::module_& m) {
           nb::arg("other").none());
   m.def("random_from_words", &fromWords, nb::arg("words"));
 
+  m.def("shared_draw", [] { return shared().randomInteger(); });
   m.def("random_state", [] { return BoundRandom(shared().state()); });
   m.def(
       "set_random_state",

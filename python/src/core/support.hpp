@@ -205,6 +205,24 @@ auto glancing(const BoundNetwork& bound, F&& f) {
   return f(bound.network);
 }
 
+/// The getter of a property that is as good as a number: called by the type's own slot, which takes
+/// a third of the time of a function that nanobind looks for the right overload of.
+template <class Bound, auto kGet>
+PyObject* slotOf(PyObject* self, void* /*closure*/) noexcept {
+  if (!nb::inst_ready(self)) {
+    PyErr_SetString(PyExc_TypeError, "the object was not initialised");
+    return nullptr;
+  }
+  const auto value = kGet(*nb::inst_ptr<Bound>(self));
+  if constexpr (std::is_same_v<decltype(value), const bool>) return PyBool_FromLong(value);
+  return PyLong_FromUnsignedLongLong(value);
+}
+
+template <class Bound, auto kGet>
+constexpr PyGetSetDef property(const char* name, const char* about) {
+  return {name, &slotOf<Bound, kGet>, nullptr, about, nullptr};
+}
+
 /// What f(network) gives, which changes the network.
 template <class F>
 auto editing(BoundNetwork& bound, F&& f) {

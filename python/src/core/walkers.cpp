@@ -179,15 +179,20 @@ void forget(BoundWalkers& bound) {
   bound.walkers.forget();
 }
 
+std::uint64_t countAgents(const BoundWalkers& bound) { return bound.walkers.countAgents(); }
+
+PyGetSetDef properties[] = {
+    property<BoundWalkers, &countAgents>("num_agents", "How many agents there are."),
+    {},
+};
+PyType_Slot slots[] = {{Py_tp_getset, properties}, {}};
+
 }  // namespace
 
 void bindWalkers(nb::module_& m) {
-  nb::class_<BoundWalkers>(m, "Walkers")
+  nb::class_<BoundWalkers>(m, "Walkers", nb::type_slots(slots))
       .def("__init__", &place, nb::arg("network"), nb::arg("starts"), nb::arg("memory").none(),
            nb::arg("errors").none(), nb::arg("listeners").none())
-      .def_prop_ro(
-          "num_agents", [](const BoundWalkers& bound) { return bound.walkers.countAgents(); },
-          "How many agents there are.")
       .def("_walk", &walk, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
            nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
            nb::arg("random").none(), nb::arg("progress").none())

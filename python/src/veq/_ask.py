@@ -10,6 +10,7 @@ from numpy.typing import ArrayLike, NDArray
 from . import _arrays, _core
 from ._derive import Deriving, IntArray, Mode
 from ._progress import Progress, following
+from ._random import Seed, seed_of
 
 FloatArray = NDArray[np.float64]
 _MOST_VISITS = 10_000_000_000
@@ -57,7 +58,7 @@ class Asking(Deriving):
 
     __slots__ = ()
 
-    def triangles(self) -> IntArray:
+    def triangles(self, *, progress: Progress = "auto") -> IntArray:
         """For each vertex the triangles that it is a corner of, of shape (n,).
 
         This and the other questions about triangles ignore directions, loops and parallel edges.
@@ -67,28 +68,38 @@ class Asking(Deriving):
         >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).triangles()
         array([1, 1, 1, 0])
         """
-        return _core.triangles(self)
+        with following(progress, "vertices") as call:
+            return _core.triangles(self, call)
 
-    def count_triangles(self) -> int:
+    def count_triangles(self, *, progress: Progress = "auto") -> int:
         """All triangles, each once."""
-        return _core.count_triangles(self)
+        with following(progress, "vertices") as call:
+            return _core.count_triangles(self, call)
 
-    def local_clustering(self) -> FloatArray:
+    def local_clustering(self, *, progress: Progress = "auto") -> FloatArray:
         """For each vertex the share of pairs of its neighbours that are neighbours, of shape (n,).
 
         0 for a vertex with fewer than two.
         """
-        return _core.local_clustering(self)
+        with following(progress, "vertices") as call:
+            return _core.local_clustering(self, call)
 
-    def average_clustering(self, without_pairs: Literal["zero", "left out"] = "zero") -> float:
+    def average_clustering(
+        self,
+        without_pairs: Literal["zero", "left out"] = "zero",
+        *,
+        progress: Progress = "auto",
+    ) -> float:
         """The mean of the local clustering; vertices without pairs count 0 or are left out."""
-        return _core.average_clustering(self, without_pairs)
+        with following(progress, "vertices") as call:
+            return _core.average_clustering(self, without_pairs, call)
 
-    def transitivity(self) -> float:
+    def transitivity(self, *, progress: Progress = "auto") -> float:
         """Three times the number of triangles over that of pairs of neighbours of any vertex."""
-        return _core.transitivity(self)
+        with following(progress, "vertices") as call:
+            return _core.transitivity(self, call)
 
-    def core_numbers(self, mode: Mode = "all") -> IntArray:
+    def core_numbers(self, mode: Mode = "all", *, progress: Progress = "auto") -> IntArray:
         """For each vertex the largest k for which it is in the k-core, of shape (n,).
 
         Examples
@@ -96,7 +107,8 @@ class Asking(Deriving):
         >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).core_numbers()
         array([2, 2, 2, 1])
         """
-        return _core.core_numbers(self, mode)
+        with following(progress, "vertices") as call:
+            return _core.core_numbers(self, mode, call)
 
     def degree_distribution(self, mode: Mode = "out") -> IntArray:
         """How many vertices have degree 0, 1, 2, ... up to the largest.
@@ -169,16 +181,19 @@ class Asking(Deriving):
         mode: Mode = "out",
         *,
         most_visits: int = _MOST_VISITS,
-        seed: int = 1,
+        seed: Seed = 1,
         progress: Progress = "auto",
     ) -> DistanceHistogram:
         """How many pairs of vertices are how far apart.
 
         From every vertex while that takes at most ``most_visits`` visits, and otherwise from as
-        many as that allows, drawn with ``seed``.
+        many as that allows, drawn with ``seed``; for a `RandomState` or None by a seed of which
+        its next draw decides.
         """
+        most = _arrays.count(most_visits, "most_visits")
+        number = seed_of(seed)
         with following(progress, "vertices") as call:
-            return DistanceHistogram(*_core.distance_histogram(self, mode, most_visits, seed, call))
+            return DistanceHistogram(*_core.distance_histogram(self, mode, most, number, call))
 
     def diameter(
         self,
@@ -194,8 +209,9 @@ class Asking(Deriving):
         >>> veq.Network([0, 1, 2], [1, 2, 3]).diameter().most
         3
         """
+        most = _arrays.count(most_visits, "most_visits")
         with following(progress, "vertices") as call:
-            return Diameter(*_core.diameter(self, mode, most_visits, call))
+            return Diameter(*_core.diameter(self, mode, most, call))
 
     def page_rank(
         self,
@@ -227,7 +243,8 @@ class Asking(Deriving):
         array([0.2568, 0.4865, 0.2568])
         """
         shares = _arrays.optional_numbers(personalisation, "personalisation")
+        most = _arrays.count(most_sweeps, "most_sweeps")
         with following(progress, "sweeps") as call:
             return PageRank(
-                *_core.page_rank(self, restart, shares, weighted, tolerance, most_sweeps, call)
+                *_core.page_rank(self, restart, shares, weighted, tolerance, most, call)
             )

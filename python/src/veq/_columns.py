@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _core
+from . import _arrays, _core
 
 if TYPE_CHECKING:
     from ._network import Network
@@ -62,6 +62,7 @@ def _alike(values: list[Any]) -> Column | None:
 def prepared(values: ArrayLike | Sequence[object], what: str) -> Column | list[object]:
     """An array of numbers or vectors, or a list of values of any kind."""
     listed: list[object]
+    values = _arrays.given(values)
     if isinstance(values, (list, tuple)):
         listed = list(values)
     else:
@@ -72,14 +73,8 @@ def prepared(values: ArrayLike | Sequence[object], what: str) -> Column | list[o
             return np.ascontiguousarray(array, np.float64)
         if array.ndim != 1:
             raise ValueError(f"{what}: an array of shape {array.shape}")
-        listed = array.tolist()
-        # What is missing in a column of pandas is NaN among texts, too.
-        are_missing = getattr(values, "isna", None)
-        if are_missing is not None:
-            listed = [
-                None if missing else value
-                for value, missing in zip(listed, are_missing(), strict=True)
-            ]
+        # As an object it is no integer, which its list may have it be.
+        listed = list(array) if array.dtype.kind in "mM" else array.tolist()
     kinds = set(map(type, listed))
     numbers = _alike(listed) if kinds == {int} else None
     if numbers is not None:
@@ -168,6 +163,17 @@ class Columns(MutableMapping[str, Column]):
     def texts(self, key: str) -> list[str]:
         """The column as texts: numbers in their shortest form, "" where nothing is set."""
         return _core.column_texts(self._network, key, self._edges)
+
+    def __eq__(self, other: object) -> bool:
+        """Whether these are the same network's columns of the same elements."""
+        return (
+            isinstance(other, Columns)
+            and other._network is self._network
+            and other._edges == self._edges
+        )
+
+    def __hash__(self) -> int:
+        return hash((id(self._network), self._edges))
 
     def __repr__(self) -> str:
         whose = "edges" if self._edges else "vertices"

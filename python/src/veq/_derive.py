@@ -9,6 +9,7 @@ import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
 from . import _arrays, _core
+from ._progress import Progress, following
 
 Mode = Literal["out", "in", "all"]
 Connection = Literal["weak", "strong"]
@@ -137,7 +138,9 @@ class Deriving(_core.Network):
         reach = _arrays.count(distance, "distance")
         return self._part(_core.neighborhood(self, self._vertex(v), reach, mode))
 
-    def components(self, connection: Connection = "weak") -> IntArray:
+    def components(
+        self, connection: Connection = "weak", *, progress: Progress = "auto"
+    ) -> IntArray:
         """For each vertex the number of its component, of shape (n,).
 
         Components are numbered by their lowest vertex, from 0. ``connection`` matters in directed
@@ -148,11 +151,15 @@ class Deriving(_core.Network):
         >>> veq.Network([0, 2], [1, 3]).components()
         array([0, 0, 1, 1])
         """
-        return _core.components(self, connection)[0]
+        with following(progress, "vertices") as call:
+            return _core.components(self, connection, call)[0]
 
-    def component_sizes(self, connection: Connection = "weak") -> IntArray:
+    def component_sizes(
+        self, connection: Connection = "weak", *, progress: Progress = "auto"
+    ) -> IntArray:
         """The number of vertices of each component."""
-        return _core.components(self, connection)[1]
+        with following(progress, "vertices") as call:
+            return _core.components(self, connection, call)[1]
 
     def split(self, connection: Connection = "weak") -> list[Part[Self]]:
         """The components as networks of their own, with weights and columns. O(n + m)."""
@@ -173,5 +180,9 @@ class Deriving(_core.Network):
         by
             Which vertices become one: none, those of one index, or those of one name.
         """
-        network, vertices, first_edges = _core.united(list(networks), by)
+        every = list(networks)
+        for place, one in enumerate(every):
+            if not isinstance(one, _core.Network):
+                raise TypeError(f"network {place}: {one!r} is no network")
+        network, vertices, first_edges = _core.united(every, by)
         return United(cls._of(network), vertices, first_edges)

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import html
 from typing import TYPE_CHECKING, Any
 
 import numpy as np
@@ -42,14 +41,20 @@ def line(network: Network) -> str:
     return f"<veq.Network: {', '.join(words)}>"
 
 
+def _escaped(text: str) -> str:
+    from html import escape  # Not at the top, for it takes its time.
+
+    return escape(text)
+
+
 def _cell(value: object) -> str:
     text = "" if value is None else str(value)
-    return html.escape(text if len(text) <= _CELL else text[: _CELL - 1] + "…")
+    return _escaped(text if len(text) <= _CELL else text[: _CELL - 1] + "…")
 
 
 def table(network: Network) -> str:
     """For notebooks: what it is, and the first rows of its columns; at most 4 kB, no script."""
-    head = "".join(("<p>", html.escape(f"veq.Network: {', '.join(_kind(network))}"), "</p>"))
+    head = "".join(("<p>", _escaped(f"veq.Network: {', '.join(_kind(network))}"), "</p>"))
     rows: list[str] = []
     room = _LENGTH - len(head) - 100
     for whose, columns in (("vertex", network.vertex_data), ("edge", network.edge_data)):

@@ -8,7 +8,7 @@ from collections.abc import Sequence
 from os import PathLike
 from typing import TYPE_CHECKING, Literal, NamedTuple, TypedDict, Unpack
 
-from . import _core
+from . import _arrays, _core
 from ._errors import ReadWarning
 from ._progress import Progress, following
 
@@ -78,17 +78,19 @@ def _read(
 ) -> Network:
     from ._network import Network
 
+    vertices = None if most_vertices is None else _arrays.count(most_vertices, "most_vertices")
+    bytes_ = None if most_bytes is None else _arrays.count(most_bytes, "most_bytes")
     with following(progress, "bytes") as call:
         network, found = _core.read(
             source,
             is_text,
             format,
-            directed,
-            ids_are_indices,
-            strict,
-            keep_weights,
-            most_vertices,
-            most_bytes,
+            None if directed is None else bool(directed),
+            bool(ids_are_indices),
+            bool(strict),
+            bool(keep_weights),
+            vertices,
+            bytes_,
             call,
         )
     _told(found, notes)
@@ -152,7 +154,10 @@ def reads(
     >>> veq.reads("Ada Bob\\nBob Eve\\n").names
     ['Ada', 'Bob', 'Eve']
     """
-    source = text.encode("utf-8", "surrogateescape") if isinstance(text, str) else bytes(text)
+    if isinstance(text, str):
+        source = text.encode("utf-8", "surrogateescape")
+    else:
+        source = bytes(memoryview(text))
     return _read(source, True, format, **options)
 
 
@@ -173,6 +178,8 @@ def save(
         Why the file could not be written, or what the format cannot hold.
     """
     name = os.fsencode(path)
+    if b"\0" in name:
+        raise ValueError("embedded null byte")
     with following(progress, "bytes") as call:
         try:
             _core.write(self, name, format, call)

@@ -36,7 +36,7 @@ def gnp(
     >>> veq.gnp(4, 1.0, seed=1).num_edges
     6
     """
-    return _made(_core.gnp, progress, _arrays.count(n, "n"), float(p), directed, seed=seed)
+    return _made(_core.gnp, progress, _arrays.count(n, "n"), float(p), bool(directed), seed=seed)
 
 
 def gnm(
@@ -44,7 +44,7 @@ def gnm(
 ) -> Network:
     """``m`` edges between different pairs of different vertices, every such set alike."""
     counts = _arrays.count(n, "n"), _arrays.count(m, "m")
-    return _made(_core.gnm, progress, *counts, directed, seed=seed)
+    return _made(_core.gnm, progress, *counts, bool(directed), seed=seed)
 
 
 def barabasi_albert(n: int, m: int, *, seed: Seed = None, progress: Progress = "auto") -> Network:
@@ -63,10 +63,7 @@ def configuration(
     """A network with the given degrees; ``"simple"`` without loops and parallel edges."""
     if law not in ("pairing", "simple"):
         raise ValueError(f"law {law!r}: give one of 'pairing', 'simple'")
-    each = _arrays.indices(degrees, "degrees")
-    if each.dtype.kind == "i" and (each < 0).any():
-        place = int(np.argmax(each < 0))
-        raise ValueError(f"degrees {place}: {each[place]} is below 0")
+    each = _arrays.counts(degrees, "degrees")
     return _made(_core.configuration, progress, each, law == "simple", seed=seed)
 
 
@@ -86,12 +83,9 @@ def lattice(sizes: ArrayLike, *, periodic: bool = False, progress: Progress = "a
     >>> veq.lattice([3, 2]).num_edges
     7
     """
-    each = _arrays.indices(sizes, "sizes")
-    if each.dtype.kind == "i" and (each < 0).any():
-        place = int(np.argmax(each < 0))
-        raise ValueError(f"sizes {place}: {each[place]} is below 0")
+    each = _arrays.counts(sizes, "sizes")
     with following(progress, "edges") as call:
-        return Network._of(_core.lattice(each, periodic, call))
+        return Network._of(_core.lattice(each, bool(periodic), call))
 
 
 def geometric(
@@ -117,8 +111,8 @@ def block_model(
 ) -> Network:
     """The stochastic block model; ``probabilities`` has shape (blocks, blocks)."""
     shares = np.ascontiguousarray(probabilities, dtype=np.float64).ravel()
-    each = _arrays.indices(sizes, "sizes")
-    return _made(_core.block, progress, each, shares, directed, seed=seed)
+    each = _arrays.counts(sizes, "sizes")
+    return _made(_core.block, progress, each, shares, bool(directed), seed=seed)
 
 
 def rewired(
@@ -128,7 +122,9 @@ def rewired(
     return _made(_core.rewired, progress, network, _arrays.count(tries, "tries"), seed=seed)
 
 
-def preferential_attachment(n: int, degree: int, *, seed: Seed = None) -> Network:
+def preferential_attachment(
+    n: int, degree: int, *, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
     """What ``veq generate barabasi`` grows: half of ``degree`` links from each new vertex.
 
     Examples
@@ -137,10 +133,12 @@ def preferential_attachment(n: int, degree: int, *, seed: Seed = None) -> Networ
     16
     """
     counts = _arrays.count(n, "n"), _arrays.count(degree, "degree")
-    return Network._of(_core.preferential_attachment(*counts, drawn_from(seed)))
+    return _made(_core.preferential_attachment, progress, *counts, seed=seed)
 
 
-def random_network(n: int, degree: float, *, seed: Seed = None) -> Network:
+def random_network(
+    n: int, degree: float, *, seed: Seed = None, progress: Progress = "auto"
+) -> Network:
     """What ``veq generate random`` grows: each pair is linked with probability ``degree / n``.
 
     Vertices after the last one with an edge are left out.
@@ -151,4 +149,4 @@ def random_network(n: int, degree: float, *, seed: Seed = None) -> Network:
     6
     """
     number = _arrays.count(n, "n")
-    return Network._of(_core.random_network(number, float(degree), drawn_from(seed)))
+    return _made(_core.random_network, progress, number, float(degree), seed=seed)

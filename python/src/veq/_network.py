@@ -82,10 +82,10 @@ class Network(Converting):
                 _arrays.indices(source, "source"),
                 _arrays.indices(target, "target"),
                 None if n is None else _arrays.count(n, "n"),
-                directed,
+                bool(directed),
                 _arrays.optional_numbers(vertex_weights, "vertex_weights"),
                 _arrays.optional_numbers(edge_weights, "edge_weights"),
-                keep_exact_weights,
+                bool(keep_exact_weights),
             )
         )
 
@@ -107,16 +107,18 @@ class Network(Converting):
         >>> veq.Network.from_names([("Ada", "Bob"), ("Eve", "Ada")]).names
         ['Ada', 'Bob', 'Eve']
         """
-        pairs = list(zip(*edges, strict=True)) or [(), ()]
-        if len(pairs) != 2:
-            raise ValueError(f"edges are pairs of names, not {len(pairs)} of them")
-        sources, targets = (
-            _arrays.texts(side, what)
-            for side, what in zip(pairs, ("source", "target"), strict=True)
-        )
+        pairs = list(edges)
+        try:
+            sides = list(zip(*pairs, strict=True)) or [(), ()]
+        except (TypeError, ValueError):
+            sides = []
+        if len(sides) != 2:
+            _arrays.refuse_other_than_pairs(pairs)
+        sources = _arrays.texts(sides[0], "source")
+        targets = _arrays.texts(sides[1], "target")
         every = None if names is None else _arrays.texts(names, "name")
         weights = _arrays.optional_numbers(edge_weights, "edge_weights")
-        return cls._of(_core.from_names(sources, targets, every, directed, weights))
+        return cls._of(_core.from_names(sources, targets, every, bool(directed), weights))
 
     @property
     def sources(self) -> IndexArray:

@@ -9,6 +9,15 @@ from typing import Any
 import numpy as np
 
 from . import _core
+from ._arrays import count as number_of
+from ._arrays import indices
+
+
+def _checked(seed: int) -> int:
+    number = operator.index(seed)
+    if isinstance(seed, bool) or not 0 < number < 2**32:
+        raise ValueError(f"seed {seed!r}: give an integer from 1 to 4294967295")
+    return number
 
 
 class RandomState(_core.RandomState):
@@ -34,10 +43,7 @@ class RandomState(_core.RandomState):
     __slots__ = ()
 
     def __init__(self, seed: int) -> None:
-        number = operator.index(seed)
-        if isinstance(seed, bool) or not 0 < number < 2**32:
-            raise ValueError(f"seed {seed!r}: give an integer from 1 to 4294967295")
-        super().__init__(number)
+        super().__init__(_checked(seed))
 
     @classmethod
     def _of(cls, core: _core.RandomState) -> RandomState:
@@ -49,7 +55,11 @@ class RandomState(_core.RandomState):
     @classmethod
     def from_words(cls, words: Any) -> RandomState:
         """The state of 31 words, as ``words`` gives them."""
-        return cls._of(_core.random_from_words(np.ascontiguousarray(words, np.uint32)))
+        array = indices(words, "word")
+        if ((array < 0) | (array >= 2**32)).any():
+            place = int(np.argmax((array < 0) | (array >= 2**32)))
+            raise ValueError(f"word {place}: {array[place]} has more than 32 bits")
+        return cls._of(_core.random_from_words(np.ascontiguousarray(array, np.uint32)))
 
     def copy(self) -> RandomState:
         """Another state at the same place."""
@@ -59,6 +69,10 @@ class RandomState(_core.RandomState):
 
     def __deepcopy__(self, memo: object) -> RandomState:
         return self.copy()
+
+    def draws(self, count: int) -> np.ndarray[Any, np.dtype[np.uint32]]:
+        """The next so many draws, of shape (count,)."""
+        return super().draws(number_of(count, "count"))
 
     def after(self, draws: int) -> RandomState:
         """The state after so many draws, in microseconds whatever their number."""
@@ -95,6 +109,13 @@ def drawn_from(seed: Seed) -> RandomState | None:
     if seed is None or isinstance(seed, RandomState):
         return seed
     return RandomState(seed)
+
+
+def seed_of(seed: Seed) -> int:
+    """For a call that wants a seed and no state: of a state the next draw, which it moves."""
+    if seed is None:
+        return _core.shared_draw() or 1
+    return (seed.draw() or 1) if isinstance(seed, RandomState) else _checked(seed)
 
 
 def seed(number: int) -> None:

@@ -139,13 +139,15 @@ class Walkers(_core.Walkers):
     ) -> None:
         if memory is None and (errors is not None or listeners is not None):
             raise ValueError("errors and listeners need a memory")
-        where: Any = [starts] if isinstance(starts, str) else starts
-        if not isinstance(where, np.ndarray) and isinstance(where, Sequence):
+        where: Any = [starts] if isinstance(starts, str) else _arrays.given(starts)
+        if not isinstance(where, list):
+            where = np.asarray(where)
+        if isinstance(where, list) or where.dtype.kind in "UO":
             where = [network.index(v) if isinstance(v, str) else v for v in where]
         super().__init__(
             network,
-            _arrays.indices(where, "start"),
-            None if memory is None else _arrays.indices(np.atleast_1d(memory), "memory"),
+            _arrays.counts(where, "start"),
+            None if memory is None else _arrays.counts(np.atleast_1d(memory), "memory"),
             None if errors is None else _arrays.numbers(np.atleast_1d(errors), "errors"),
             listeners,
         )

@@ -84,11 +84,13 @@ def _values(rows: Sequence[Mapping[Any, Any]], key: Any) -> list[Any]:
         return [row.get(key) for row in rows]
 
 
-def taken_weights(columns: dict[str, list[Any]]) -> list[float] | None:
+def taken_weights(columns: dict[str, Any]) -> Any:
     """Takes "weight" out of the columns, if all are numbers; 1 where there is none."""
     found = columns.get(WEIGHT)
     if found is None:
         return None
+    if isinstance(found, np.ndarray):
+        return columns.pop(WEIGHT)
     kinds = set(map(type, found))
     if not all(
         kind is type(None) or (issubclass(kind, (int, float)) and kind is not bool)
@@ -114,10 +116,10 @@ def _storable(value: Any, other: Other) -> Any:
     return str(value) if other == "text" else value
 
 
-def install(data: Columns, columns: Mapping[str, Sequence[Any]], other: Other) -> None:
+def install(data: Columns, columns: Mapping[str, Any], other: Other) -> None:
     """Sets all columns; what no column can hold is an error, or becomes text."""
     for key, values in columns.items():
-        plain = set(map(type, values)) <= _PLAIN
+        plain = isinstance(values, np.ndarray) or set(map(type, values)) <= _PLAIN
         data[key] = values if plain else [_storable(value, other) for value in values]
 
 
@@ -136,8 +138,8 @@ def built(
     ends: tuple[Any, Any],
     n: int,
     directed: bool,
-    vertices: dict[str, list[Any]],
-    edges: dict[str, list[Any]],
+    vertices: dict[str, Any],
+    edges: dict[str, Any],
     other: Other,
 ) -> Network:
     """The network of ends and columns, among which are the weights."""

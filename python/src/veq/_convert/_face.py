@@ -5,7 +5,7 @@ from __future__ import annotations
 from typing import TYPE_CHECKING, Any, Literal, cast
 
 from .._ask import Asking
-from . import _frames, _igraph, _networkx, _scipy
+from . import _frames, _graph_tool, _igraph, _networkx, _scipy
 from ._columns import Other
 from ._networkx import Labels
 
@@ -53,6 +53,18 @@ class Converting(Asking):
         """The network of a graph of igraph."""
         return _igraph.from_igraph(cast("type[Network]", cls), graph, other)
 
+    def to_graph_tool(self) -> Any:
+        """A graph of graph-tool, with a property map for each column."""
+        return _graph_tool.to_graph_tool(cast("Network", self))
+
+    @classmethod
+    def from_graph_tool(cls, graph: Any, *, other: Other = "error") -> Network:
+        """The network of a graph of graph-tool, or of what its filters leave of one.
+
+        Edges come by their numbers there. Small integers and floats become those of 64 bits.
+        """
+        return _graph_tool.from_graph_tool(cast("type[Network]", cls), graph, other)
+
     def to_scipy(self, dtype: Any = None) -> Any:
         """The sparse matrix (CSR) of the weights, of shape (n, n), or of the numbers of edges.
 
@@ -69,13 +81,16 @@ class Converting(Asking):
         """The data frames of the edges ("source", "target", ...) and of the vertices."""
         return _frames.to_pandas(cast("Network", self))
 
-    def to_polars(self) -> tuple[Any, Any]:
-        """The data frames of the edges and of the vertices ("index", ...)."""
-        return _frames.to_polars(cast("Network", self))
+    def to_polars(self, *, other: Other = "error") -> tuple[Any, Any]:
+        """The data frames of the edges and of the vertices ("index", ...).
 
-    def to_arrow(self) -> tuple[Any, Any]:
-        """The Arrow tables of the edges and of the vertices ("index", ...)."""
-        return _frames.to_arrow(cast("Network", self))
+        A column of values of several kinds is an error, or becomes texts with ``other="text"``.
+        """
+        return _frames.to_polars(cast("Network", self), other)
+
+    def to_arrow(self, *, other: Other = "error") -> tuple[Any, Any]:
+        """The Arrow tables of the edges and of the vertices ("index", ...), as `to_polars`."""
+        return _frames.to_arrow(cast("Network", self), other)
 
     @classmethod
     def from_frames(
