@@ -15,8 +15,11 @@ if TYPE_CHECKING:
 _ARRAYS = {"f": "double", "i": "int64_t"}
 
 
-def _set(new: Any, column: np.ndarray[Any, Any]) -> Any:
-    """The property map of a column: of numbers, of vectors of doubles, of texts or of anything."""
+def _set(new: Any, column: np.ndarray[Any, Any], order: Any) -> Any:
+    """The property map of a column: of numbers, of vectors of doubles, of texts or of anything.
+
+    Arrays go by the numbers of vertices or edges there, and lists in the order of its iterators.
+    """
     if column.ndim == 2:
         made = new("vector<double>")
         made.set_2d_array(column.T)
@@ -26,7 +29,7 @@ def _set(new: Any, column: np.ndarray[Any, Any]) -> Any:
         made = new(kind)
         made.a = column
         return made
-    values = column.tolist()
+    values = column[order].tolist()
     return new("string" if set(map(type, values)) == {str} else "object", vals=values)
 
 
@@ -36,17 +39,22 @@ def to_graph_tool(network: Network) -> Any:
     graph = graph_tool.Graph(directed=network.directed)
     graph.add_vertex(network.num_vertices)
     graph.add_edge_list(network.edges)
-    for edges, maps, new in (
-        (False, graph.vertex_properties, graph.new_vertex_property),
-        (True, graph.edge_properties, graph.new_edge_property),
+    for edges, maps, new, order in (
+        (False, graph.vertex_properties, graph.new_vertex_property, graph.get_vertices()),
+        (
+            True,
+            graph.edge_properties,
+            graph.new_edge_property,
+            graph.get_edges([graph.edge_index])[:, 2],
+        ),
     ):
         data = network.edge_data if edges else network.vertex_data
         weights = _columns.weights_of(network, edges)
         if weights is not None:
-            maps[_columns.WEIGHT] = _set(new, weights)
+            maps[_columns.WEIGHT] = _set(new, weights, order)
         for key, column in data.items():
             if key != _columns.EXACT or weights is None or weights.dtype != np.float64:
-                maps[key] = _set(new, column)
+                maps[key] = _set(new, column, order)
     return graph
 
 
