@@ -1,4 +1,4 @@
-"""table.py RESULTS.json: the tables of docs/performance.md, out of what pytest-benchmark wrote.
+"""table.py RESULTS.json...: the tables of docs/performance.md, out of what pytest-benchmark wrote.
 
 All are medians of processor time; a ratio is that of the other library to veq's own.
 """
@@ -9,7 +9,9 @@ from collections import defaultdict
 from pathlib import Path
 
 LIBRARIES = ["veq", "igraph", "NetworkX", "rustworkx", "NetworKit", "own"]
-results = json.loads(Path(sys.argv[1]).read_text())["benchmarks"]
+results = [
+    result for path in sys.argv[1:] for result in json.loads(Path(path).read_text())["benchmarks"]
+]
 
 
 def median(result):

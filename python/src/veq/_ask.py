@@ -17,7 +17,13 @@ _MOST_VISITS = 10_000_000_000
 
 
 class Path(NamedTuple):
-    """A way from one vertex to another, and the sum of its weights or its number of edges."""
+    """A way from one vertex to another, and the sum of its weights or its number of edges.
+
+    Examples
+    --------
+    >>> veq.lattice([3]).shortest_path(0, 2).length
+    2.0
+    """
 
     vertices: IntArray
     edges: IntArray
@@ -25,7 +31,13 @@ class Path(NamedTuple):
 
 
 class PageRank(NamedTuple):
-    """The ranks, how they were found, and a bound of the sum of their absolute errors."""
+    """The ranks, how they were found, and a bound of the sum of their absolute errors.
+
+    Examples
+    --------
+    >>> veq.Network([0], [1]).page_rank().ranks.round(6).tolist()
+    [0.5, 0.5]
+    """
 
     ranks: FloatArray
     sweeps: int
@@ -34,7 +46,13 @@ class PageRank(NamedTuple):
 
 
 class DistanceHistogram(NamedTuple):
-    """How many pairs of a source and a vertex are at distance 0, 1, 2, ..."""
+    """How many pairs of a source and a vertex are at distance 0, 1, 2, ...
+
+    Examples
+    --------
+    >>> veq.lattice([3]).distance_histogram().pairs.tolist()
+    [3, 4, 2]
+    """
 
     pairs: IntArray
     unreachable_pairs: int
@@ -44,7 +62,14 @@ class DistanceHistogram(NamedTuple):
 
 
 class Diameter(NamedTuple):
-    """The largest distance lies between ``least`` and ``most``, mostly the same."""
+    """The largest distance lies between ``least`` and ``most``, mostly the same.
+
+    Examples
+    --------
+    >>> found = veq.lattice([4]).diameter()
+    >>> found.least, found.most
+    (3, 3)
+    """
 
     least: int
     most: int
@@ -72,7 +97,13 @@ class Asking(Deriving):
             return _core.triangles(self, call)
 
     def count_triangles(self, *, progress: Progress = "auto") -> int:
-        """All triangles, each once."""
+        """All triangles, each once.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).count_triangles()
+        1
+        """
         with following(progress, "vertices") as call:
             return _core.count_triangles(self, call)
 
@@ -80,6 +111,11 @@ class Asking(Deriving):
         """For each vertex the share of pairs of its neighbours that are neighbours, of shape (n,).
 
         0 for a vertex with fewer than two.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).local_clustering().round(2).tolist()
+        [1.0, 1.0, 0.33, 0.0]
         """
         with following(progress, "vertices") as call:
             return _core.local_clustering(self, call)
@@ -90,12 +126,24 @@ class Asking(Deriving):
         *,
         progress: Progress = "auto",
     ) -> float:
-        """The mean of the local clustering; vertices without pairs count 0 or are left out."""
+        """The mean of the local clustering; vertices without pairs count 0 or are left out.
+
+        Examples
+        --------
+        >>> round(veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).average_clustering("left out"), 2)
+        0.78
+        """
         with following(progress, "vertices") as call:
             return _core.average_clustering(self, without_pairs, call)
 
     def transitivity(self, *, progress: Progress = "auto") -> float:
-        """Three times the number of triangles over that of pairs of neighbours of any vertex."""
+        """Three times the number of triangles over that of pairs of neighbours of any vertex.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).transitivity()
+        0.6
+        """
         with following(progress, "vertices") as call:
             return _core.transitivity(self, call)
 
@@ -121,25 +169,56 @@ class Asking(Deriving):
         return _core.degree_distribution(self, mode)
 
     def strength_distribution(self, mode: Mode = "out") -> tuple[FloatArray, IntArray]:
-        """All strengths that occur, the least first, and how many vertices have each."""
+        """All strengths that occur, the least first, and how many vertices have each.
+
+        Examples
+        --------
+        >>> strengths, vertices = veq.Network([0, 1], [1, 2]).strength_distribution()
+        >>> strengths.tolist(), vertices.tolist()
+        ([1.0, 2.0], [2, 1])
+        """
         return _core.strength_distribution(self, mode)
 
     def density(self) -> float:
-        """The number of edges over that of pairs of different vertices."""
+        """The number of edges over that of pairs of different vertices.
+
+        Examples
+        --------
+        >>> round(veq.Network([0, 1], [1, 2]).density(), 2)
+        0.67
+        """
         return _core.density(self)
 
     def reciprocity(self) -> float:
-        """Of the edges that are no loops, the share of those with an edge the other way."""
+        """Of the edges that are no loops, the share of those with an edge the other way.
+
+        Examples
+        --------
+        >>> round(veq.Network([0, 1, 0], [1, 0, 2], directed=True).reciprocity(), 2)
+        0.67
+        """
         return _core.reciprocity(self)
 
     def average_neighbor_degree(
         self, neighbors: Mode = "out", degrees: Mode = "out", *, weighted: bool = False
     ) -> FloatArray:
-        """For each vertex the mean degree of its neighbours, of shape (n,)."""
+        """For each vertex the mean degree of its neighbours, of shape (n,).
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2]).average_neighbor_degree().tolist()
+        [2.0, 1.0, 2.0]
+        """
         return _core.average_neighbor_degree(self, neighbors, degrees, weighted)
 
     def degree_assortativity(self, source: Mode = "out", target: Mode = "in") -> float:
-        """The correlation of the degrees at both ends of an edge, from -1 to 1, or NaN."""
+        """The correlation of the degrees at both ends of an edge, from -1 to 1, or NaN.
+
+        Examples
+        --------
+        >>> round(veq.Network([0, 1], [1, 2]).degree_assortativity(), 6)
+        -1.0
+        """
         return _core.degree_assortativity(self, source, target)
 
     def distances_from(self, source: object, mode: Mode = "out") -> IntArray:
@@ -159,6 +238,12 @@ class Asking(Deriving):
         ------
         ValueError
             "edge 7: weight -1, and 2 more", if a weight is negative, infinite or NaN.
+
+        Examples
+        --------
+        >>> network = veq.Network([0, 1], [1, 2], edge_weights=[1, 0.5])
+        >>> network.weighted_distances_from(0).tolist()
+        [0.0, 1.0, 1.5]
         """
         return _core.weighted_distances_from(self, self._vertex(source), mode)
 
@@ -189,6 +274,11 @@ class Asking(Deriving):
         From every vertex while that takes at most ``most_visits`` visits, and otherwise from as
         many as that allows, drawn with ``seed``; for a `RandomState` or None by a seed of which
         its next draw decides.
+
+        Examples
+        --------
+        >>> veq.lattice([3]).distance_histogram().pairs.tolist()
+        [3, 4, 2]
         """
         most = _arrays.count(most_visits, "most_visits")
         number = seed_of(seed)

@@ -161,7 +161,15 @@ class Columns(MutableMapping[str, Column]):
         return isinstance(key, str) and key in _core.column_keys(self._network, self._edges)
 
     def texts(self, key: str) -> list[str]:
-        """The column as texts: numbers in their shortest form, "" where nothing is set."""
+        """The column as texts: numbers in their shortest form, "" where nothing is set.
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.vertex_data["Age"] = [31, None]
+        >>> network.vertex_data.texts("Age")
+        ['31', '']
+        """
         return _core.column_texts(self._network, key, self._edges)
 
     def __eq__(self, other: object) -> bool:

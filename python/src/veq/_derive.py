@@ -18,7 +18,14 @@ N = TypeVar("N")
 
 
 class Part(NamedTuple, Generic[N]):
-    """A network made of another, and for each of its vertices and edges the index there."""
+    """A network made of another, and for each of its vertices and edges the index there.
+
+    Examples
+    --------
+    >>> part = veq.Network([0, 1], [1, 2]).subnetwork([2])
+    >>> part.network.num_vertices, part.vertices.tolist()
+    (1, [2])
+    """
 
     network: N
     vertices: IntArray
@@ -26,7 +33,14 @@ class Part(NamedTuple, Generic[N]):
 
 
 class United(NamedTuple, Generic[N]):
-    """A network made of several: the new index of each of their vertices and of each edge 0."""
+    """A network made of several: the new index of each of their vertices and of each edge 0.
+
+    Examples
+    --------
+    >>> one = veq.Network([0], [1])
+    >>> veq.Network.united([one, one]).vertices[1].tolist()
+    [2, 3]
+    """
 
     network: N
     vertices: list[IntArray]
@@ -48,7 +62,13 @@ class Deriving(_core.Network):
         return Part(self._of(made[0]), made[1], made[2])
 
     def index(self, name: str) -> int:
-        """The lowest vertex of that name, compared exactly; KeyError if there is none. O(n)."""
+        """The lowest vertex of that name, compared exactly; KeyError if there is none. O(n).
+
+        Examples
+        --------
+        >>> veq.Network.from_names([("Ada", "Bob")]).index("Bob")
+        1
+        """
         found = _core.vertex_named(self, name)
         if found is None:
             raise KeyError(name)
@@ -60,7 +80,16 @@ class Deriving(_core.Network):
         return self.index(v) if isinstance(v, str) else _arrays.single(v, "vertex")
 
     def copy(self) -> Self:
-        """A network of its own, with weights and columns; nothing is shared. O(n + m)."""
+        """A network of its own, with weights and columns; nothing is shared. O(n + m).
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.copy().add_edges([0], [0])
+        range(1, 2)
+        >>> network.num_edges
+        1
+        """
         return self._of(_core.copy(self))
 
     def __copy__(self) -> Self:
@@ -70,19 +99,43 @@ class Deriving(_core.Network):
         return self.copy()
 
     def reversed(self) -> Self:
-        """Every edge the other way round; a copy of an undirected network."""
+        """Every edge the other way round; a copy of an undirected network.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1], directed=True).reversed().edges.tolist()
+        [[1, 0]]
+        """
         return self._of(_core.reversed(self))
 
     def as_directed(self) -> Self:
-        """Two edges for each undirected one: edge e becomes 2 e, and the way back 2 e + 1."""
+        """Two edges for each undirected one: edge e becomes 2 e, and the way back 2 e + 1.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1]).as_directed().edges.tolist()
+        [[0, 1], [1, 0]]
+        """
         return self._of(_core.as_directed(self))
 
     def as_undirected(self) -> Self:
-        """One edge for each directed one; parallel ones stay."""
+        """One edge for each directed one; parallel ones stay.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 0], directed=True).as_undirected().num_edges
+        2
+        """
         return self._of(_core.as_undirected(self))
 
     def with_more_vertices(self, count: int) -> Self:
-        """With so many vertices behind the others; they weigh 1.0, their columns are not set."""
+        """With so many vertices behind the others; they weigh 1.0, their columns are not set.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1]).with_more_vertices(2).num_vertices
+        4
+        """
         return self._of(_core.with_more_vertices(self, _arrays.count(count, "count")))
 
     def simplified(
@@ -129,12 +182,23 @@ class Deriving(_core.Network):
         ------
         ValueError
             "place 4: edge 12 of 10"; "place 4: edge 3 for the second time".
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2], [1, 2, 3]).subnetwork_of_edges([1]).vertices.tolist()
+        [1, 2]
         """
         chosen = _arrays.indices(edges, "edges")
         return self._part(_core.subnetwork_of_edges(self, chosen, keep_vertices))
 
     def neighborhood(self, v: object, distance: int = 1, mode: Mode = "all") -> Part[Self]:
-        """The vertices at most so many edges away, the nearest first, and all edges among them."""
+        """The vertices at most so many edges away, the nearest first, and all edges among them.
+
+        Examples
+        --------
+        >>> veq.lattice([5]).neighborhood(0, 2).vertices.tolist()
+        [0, 1, 2]
+        """
         reach = _arrays.count(distance, "distance")
         return self._part(_core.neighborhood(self, self._vertex(v), reach, mode))
 
@@ -157,16 +221,34 @@ class Deriving(_core.Network):
     def component_sizes(
         self, connection: Connection = "weak", *, progress: Progress = "auto"
     ) -> IntArray:
-        """The number of vertices of each component."""
+        """The number of vertices of each component.
+
+        Examples
+        --------
+        >>> veq.Network([0, 2, 3], [1, 3, 4]).component_sizes().tolist()
+        [2, 3]
+        """
         with following(progress, "vertices") as call:
             return _core.components(self, connection, call)[1]
 
     def split(self, connection: Connection = "weak") -> list[Part[Self]]:
-        """The components as networks of their own, with weights and columns. O(n + m)."""
+        """The components as networks of their own, with weights and columns. O(n + m).
+
+        Examples
+        --------
+        >>> [part.vertices.tolist() for part in veq.Network([0, 2, 3], [1, 3, 4]).split()]
+        [[0, 1], [2, 3, 4]]
+        """
         return [self._part(made) for made in _core.split(self, connection)]
 
     def largest_component(self, connection: Connection = "weak") -> Part[Self]:
-        """The component with the most vertices, the first of equals. O(n + m)."""
+        """The component with the most vertices, the first of equals. O(n + m).
+
+        Examples
+        --------
+        >>> veq.Network([0, 2, 3], [1, 3, 4]).largest_component().vertices.tolist()
+        [2, 3, 4]
+        """
         return self._part(_core.largest_component(self, connection))
 
     @classmethod
@@ -179,6 +261,12 @@ class Deriving(_core.Network):
         ----------
         by
             Which vertices become one: none, those of one index, or those of one name.
+
+        Examples
+        --------
+        >>> one = veq.Network([0], [1])
+        >>> veq.Network.united([one, one], by="index").network.edges.tolist()
+        [[0, 1], [0, 1]]
         """
         every = list(networks)
         for place, one in enumerate(every):

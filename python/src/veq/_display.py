@@ -104,6 +104,14 @@ def plot(
         Whether to write the names beside the vertices.
     max_edges
         Of more edges than these an evenly spaced part is drawn.
+
+    Examples
+    --------
+    >>> import matplotlib
+    >>> matplotlib.use("Agg")
+    >>> axes = veq.geometric(20, 0.3, seed=1).plot(color="red")
+    >>> len(axes.collections)  # Edges and vertices.
+    2
     """
     try:
         from matplotlib import pyplot

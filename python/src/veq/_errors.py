@@ -13,7 +13,16 @@ class _AtPlace(Exception):
 
 
 class FormatError(_AtPlace, ValueError):
-    """A text is not what its format asks for. ``line`` and ``column`` count from 1, if known."""
+    """A text is not what its format asks for. ``line`` and ``column`` count from 1, if known.
+
+    Examples
+    --------
+    >>> try:
+    ...     veq.reads("*Vertices 2\\n*Edges\\n1 x\\n", "pajek", strict=True)
+    ... except veq.FormatError as error:
+    ...     print(error.line)
+    3
+    """
 
 
 class UnsupportedError(_AtPlace, RuntimeError):
@@ -21,8 +30,28 @@ class UnsupportedError(_AtPlace, RuntimeError):
 
 
 class StoppedError(_AtPlace, RuntimeError):
-    """The work was stopped, because ``progress`` returned False; its object is as it was."""
+    """The work was stopped, because ``progress`` returned False; its object is as it was.
+
+    Examples
+    --------
+    >>> network = veq.gnm(100, 500, seed=1)
+    >>> try:
+    ...     veq.rewired(network, 10**10, seed=1, progress=lambda done, everything: False)
+    ... except veq.StoppedError:
+    ...     print("stopped")
+    stopped
+    """
 
 
 class ReadWarning(UserWarning):
-    """Something of a file was repaired or left out."""
+    """Something of a file was repaired or left out.
+
+    Examples
+    --------
+    >>> text = "%%MatrixMarket matrix coordinate pattern general\\n2 2 1\\n1 2 more\\n"
+    >>> import warnings
+    >>> with warnings.catch_warnings():
+    ...     warnings.simplefilter("ignore", veq.ReadWarning)
+    ...     veq.reads(text).num_edges
+    1
+    """

@@ -20,7 +20,16 @@ PathName = str | bytes | PathLike[str] | PathLike[bytes]
 
 
 class Note(NamedTuple):
-    """What a person should know about what was read."""
+    """What a person should know about what was read.
+
+    Examples
+    --------
+    >>> text = "%%MatrixMarket matrix coordinate pattern general\\n2 2 1\\n1 2 more\\n"
+    >>> notes = []
+    >>> network = veq.reads(text, notes=notes)
+    >>> [note.line for note in notes if note.kind == "left out"]
+    [3]
+    """
 
     kind: str
     """"taken", "repaired" or "left out"."""
@@ -176,6 +185,14 @@ def save(
     ------
     OSError, ValueError
         Why the file could not be written, or what the format cannot hold.
+
+    Examples
+    --------
+    >>> import os, tempfile
+    >>> with tempfile.TemporaryDirectory() as folder:
+    ...     veq.Network([0], [1]).save(os.path.join(folder, "network.graphml"))
+    ...     os.listdir(folder)
+    ['network.graphml']
     """
     name = os.fsencode(path)
     if b"\0" in name:
@@ -213,5 +230,13 @@ def dumps(self: Network, format: Format = "xnet") -> str:
 
 
 def vertex_table(self: Network) -> str:
-    """The vertices as a CSV table to go with the edges of a CSV file."""
+    """The vertices as a CSV table to go with the edges of a CSV file.
+
+    Examples
+    --------
+    >>> network = veq.Network([0], [1])
+    >>> network.vertex_data["Age"] = [31, 45]
+    >>> print(network.vertex_table().splitlines()[0])
+    Id,Age
+    """
     return _core.vertex_table(self).decode("utf-8", "surrogateescape")

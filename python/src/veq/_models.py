@@ -42,13 +42,25 @@ def gnp(
 def gnm(
     n: int, m: int, *, directed: bool = False, seed: Seed = None, progress: Progress = "auto"
 ) -> Network:
-    """``m`` edges between different pairs of different vertices, every such set alike."""
+    """``m`` edges between different pairs of different vertices, every such set alike.
+
+    Examples
+    --------
+    >>> veq.gnm(4, 6, seed=1).num_edges
+    6
+    """
     counts = _arrays.count(n, "n"), _arrays.count(m, "m")
     return _made(_core.gnm, progress, *counts, bool(directed), seed=seed)
 
 
 def barabasi_albert(n: int, m: int, *, seed: Seed = None, progress: Progress = "auto") -> Network:
-    """Preferential attachment: each vertex from ``m`` on links to ``m`` different older ones."""
+    """Preferential attachment: each vertex from ``m`` on links to ``m`` different older ones.
+
+    Examples
+    --------
+    >>> veq.barabasi_albert(10, 2, seed=1).num_edges
+    16
+    """
     counts = _arrays.count(n, "n"), _arrays.count(m, "m")
     return _made(_core.barabasi_albert, progress, *counts, seed=seed)
 
@@ -60,7 +72,13 @@ def configuration(
     seed: Seed = None,
     progress: Progress = "auto",
 ) -> Network:
-    """A network with the given degrees; ``"simple"`` without loops and parallel edges."""
+    """A network with the given degrees; ``"simple"`` without loops and parallel edges.
+
+    Examples
+    --------
+    >>> veq.configuration([2, 1, 1], seed=1).degrees().tolist()
+    [2, 1, 1]
+    """
     if law not in ("pairing", "simple"):
         raise ValueError(f"law {law!r}: give one of 'pairing', 'simple'")
     each = _arrays.counts(degrees, "degrees")
@@ -70,7 +88,13 @@ def configuration(
 def watts_strogatz(
     n: int, k: int, p: float, *, seed: Seed = None, progress: Progress = "auto"
 ) -> Network:
-    """A ring linked to the ``k`` next vertices on each side, each edge redrawn with ``p``."""
+    """A ring linked to the ``k`` next vertices on each side, each edge redrawn with ``p``.
+
+    Examples
+    --------
+    >>> veq.watts_strogatz(6, 1, 0.0, seed=1).degrees().tolist()
+    [2, 2, 2, 2, 2, 2]
+    """
     counts = _arrays.count(n, "n"), _arrays.count(k, "k")
     return _made(_core.watts_strogatz, progress, *counts, float(p), seed=seed)
 
@@ -96,7 +120,13 @@ def geometric(
     seed: Seed = None,
     progress: Progress = "auto",
 ) -> Network:
-    """Vertices anywhere in the unit square or cube, linked where they are near; "Position"."""
+    """Vertices anywhere in the unit square or cube, linked where they are near; "Position".
+
+    Examples
+    --------
+    >>> veq.geometric(5, 2.0, seed=1).num_edges
+    10
+    """
     numbers = _arrays.count(n, "n"), float(radius), _arrays.count(dimensions, "dimensions")
     return _made(_core.geometric, progress, *numbers, seed=seed)
 
@@ -109,7 +139,13 @@ def block_model(
     seed: Seed = None,
     progress: Progress = "auto",
 ) -> Network:
-    """The stochastic block model; ``probabilities`` has shape (blocks, blocks)."""
+    """The stochastic block model; ``probabilities`` has shape (blocks, blocks).
+
+    Examples
+    --------
+    >>> veq.block_model([2, 2], [[1, 0], [0, 1]], seed=1).edges.tolist()
+    [[0, 1], [2, 3]]
+    """
     shares = np.ascontiguousarray(probabilities, dtype=np.float64).ravel()
     each = _arrays.counts(sizes, "sizes")
     return _made(_core.block, progress, each, shares, bool(directed), seed=seed)
@@ -118,7 +154,13 @@ def block_model(
 def rewired(
     network: Network, tries: int, *, seed: Seed = None, progress: Progress = "auto"
 ) -> Network:
-    """Pairs of edges exchange their targets: all degrees stay, and no loops or parallels come."""
+    """Pairs of edges exchange their targets: all degrees stay, and no loops or parallels come.
+
+    Examples
+    --------
+    >>> veq.rewired(veq.lattice([4]), 10, seed=1).degrees().tolist()
+    [1, 2, 2, 1]
+    """
     return _made(_core.rewired, progress, network, _arrays.count(tries, "tries"), seed=seed)
 
 

@@ -22,6 +22,12 @@ class Adjacency(NamedTuple):
 
     The neighbours of vertex v are ``indices[indptr[v]:indptr[v + 1]]``, and the edges that lead
     there ``edges[indptr[v]:indptr[v + 1]]``.
+
+    Examples
+    --------
+    >>> lists = veq.Network([0, 1], [1, 2]).adjacency()
+    >>> lists.indices[lists.indptr[1] : lists.indptr[2]].tolist()
+    [0, 2]
     """
 
     indptr: IndexArray
@@ -125,17 +131,34 @@ class Network(Converting):
         """The sources of all edges, of shape (m,): the network's own memory, read-only.
 
         As all such arrays it stays as it is, and valid, whatever becomes of the network.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2]).sources.tolist()
+        [0, 1]
         """
         return _core.ends(self, False)
 
     @property
     def targets(self) -> IndexArray:
-        """The targets of all edges, of shape (m,), as `sources`."""
+        """The targets of all edges, of shape (m,), as `sources`.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2]).targets.tolist()
+        [1, 2]
+        """
         return _core.ends(self, True)
 
     @property
     def edges(self) -> IntArray:
-        """Source and target of all edges, of shape (m, 2). O(m): a copy."""
+        """Source and target of all edges, of shape (m, 2). O(m): a copy.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2]).edges.tolist()
+        [[0, 1], [1, 2]]
+        """
         return _core.edges(self)
 
     def neighbors(self, v: object, mode: Mode = "out") -> IndexArray | IntArray:
@@ -148,31 +171,72 @@ class Network(Converting):
         ------
         IndexError
             "vertex 7 of 5".
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).neighbors(2).tolist()
+        [1, 0, 3]
         """
         return _core.list_of(self, self._vertex(v), mode, False)
 
     def edges_of(self, v: object, mode: Mode = "out") -> IndexArray | IntArray:
-        """The edges that lead to the `neighbors`."""
+        """The edges that lead to the `neighbors`.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).edges_of(2).tolist()
+        [1, 2, 3]
+        """
         return _core.list_of(self, self._vertex(v), mode, True)
 
     def ends_of(self, edge: int) -> tuple[int, int]:
-        """Source and target of an edge."""
+        """Source and target of an edge.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).ends_of(3)
+        (2, 3)
+        """
         return _core.ends_of(self, _arrays.single(edge, "edge"))
 
     def edges_between(self, source: object, target: object) -> IntArray:
-        """All edges from one vertex to another; undirected, in either order."""
+        """All edges from one vertex to another; undirected, in either order.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 0]).edges_between(0, 1).tolist()
+        [0, 1]
+        """
         return _core.edges_between(self, self._vertex(source), self._vertex(target))
 
     def has_edge(self, source: object, target: object) -> bool:
-        """Whether an edge leads from one vertex to another; undirected, in either order."""
+        """Whether an edge leads from one vertex to another; undirected, in either order.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1]).has_edge(1, 0)
+        True
+        """
         return len(self.edges_between(source, target)) > 0
 
     def adjacency(self, mode: Mode = "out") -> Adjacency:
-        """The lists of all vertices, for loops of one's own. Made once in O(n + m), then kept."""
+        """The lists of all vertices, for loops of one's own. Made once in O(n + m), then kept.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2]).adjacency().indptr.tolist()
+        [0, 1, 3, 4]
+        """
         return Adjacency(*_core.adjacency(self, mode))
 
     def degree(self, v: object, mode: Mode = "out") -> int:
-        """How many entries the vertex's list has."""
+        """How many entries the vertex's list has.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).degree(2)
+        3
+        """
         return _core.degree(self, self._vertex(v), mode)
 
     def degrees(self, mode: Mode = "out") -> IntArray:
@@ -186,16 +250,36 @@ class Network(Converting):
         return _core.degrees(self, mode)
 
     def strength(self, v: object, mode: Mode = "out") -> float:
-        """The sum of the weights of the edges in the vertex's list, each 1 where there are none."""
+        """The sum of the weights of the edges in the vertex's list, each 1 where there are none.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2], edge_weights=[1, 0.5]).strength(1)
+        1.5
+        """
         return _core.strength(self, self._vertex(v), mode)
 
     def strengths(self, mode: Mode = "out") -> FloatArray:
-        """The strengths of all vertices, of shape (n,)."""
+        """The strengths of all vertices, of shape (n,).
+
+        Examples
+        --------
+        >>> veq.Network([0, 1], [1, 2], edge_weights=[1, 0.5]).strengths().tolist()
+        [1.0, 1.5, 0.5]
+        """
         return _core.strengths(self, mode)
 
     @property
     def vertex_weights(self) -> NDArray[np.float32] | None:
-        """One weight for each vertex, a copy; None where there are none. Set as a whole."""
+        """One weight for each vertex, a copy; None where there are none. Set as a whole.
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.vertex_weights = [1, 2]
+        >>> network.vertex_weights.tolist()
+        [1.0, 2.0]
+        """
         return _core.weights(self, False)
 
     @vertex_weights.setter
@@ -204,7 +288,15 @@ class Network(Converting):
 
     @property
     def edge_weights(self) -> NDArray[np.float32] | None:
-        """One weight for each edge, a copy; None where there are none. Set as a whole."""
+        """One weight for each edge, a copy; None where there are none. Set as a whole.
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.edge_weights = [0.5]
+        >>> network.edge_weights.tolist()
+        [0.5]
+        """
         return _core.weights(self, True)
 
     @edge_weights.setter
@@ -240,11 +332,23 @@ class Network(Converting):
 
     @property
     def names(self) -> list[str]:
-        """The texts of the column "Name"; without that column the indices in decimal digits."""
+        """The texts of the column "Name"; without that column the indices in decimal digits.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1]).names
+        ['0', '1']
+        """
         return _core.names(self)
 
     def indices(self, names: Iterable[str]) -> IntArray:
-        """The lowest vertex of each name; KeyError for one that there is not. O(n)."""
+        """The lowest vertex of each name; KeyError for one that there is not. O(n).
+
+        Examples
+        --------
+        >>> veq.Network.from_names([("Ada", "Bob")]).indices(["Bob", "Ada"]).tolist()
+        [1, 0]
+        """
         every = self.names
         every.reverse()
         known = dict(zip(every, range(len(every) - 1, -1, -1), strict=True))
@@ -252,23 +356,51 @@ class Network(Converting):
 
     @property
     def vertex_data(self) -> Columns:
-        """The columns of the vertices, by their keys."""
+        """The columns of the vertices, by their keys.
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.vertex_data["Age"] = [31, 45]
+        >>> list(network.vertex_data)
+        ['Age']
+        """
         return Columns(self, False)
 
     @property
     def edge_data(self) -> Columns:
-        """The columns of the edges, by their keys."""
+        """The columns of the edges, by their keys.
+
+        Examples
+        --------
+        >>> network = veq.Network([0], [1])
+        >>> network.edge_data["Length"] = [2.5]
+        >>> network.edge_data["Length"].tolist()
+        [2.5]
+        """
         return Columns(self, True)
 
     def vertex(self, v: object) -> Vertex:
-        """One vertex, by its index or name."""
+        """One vertex, by its index or name.
+
+        Examples
+        --------
+        >>> veq.Network.from_names([("Ada", "Bob")]).vertex("Bob").index
+        1
+        """
         index = self._vertex(v)
         if not 0 <= index < self.num_vertices:
             raise IndexError(f"vertex {index} of {self.num_vertices}")
         return Vertex(self, index)
 
     def edge(self, i: int) -> Edge:
-        """One edge, by its index."""
+        """One edge, by its index.
+
+        Examples
+        --------
+        >>> veq.Network([0], [1]).edge(0).target
+        1
+        """
         self.ends_of(i)
         return Edge(self, _arrays.single(i, "edge"))
 
@@ -316,23 +448,48 @@ class _Element:
 
 
 class Vertex(_Element):
-    """A vertex of a network, which it keeps alive. For single looks: arrays are for many."""
+    """A vertex of a network, which it keeps alive. For single looks: arrays are for many.
+
+    Examples
+    --------
+    >>> vertex = veq.Network.from_names([("Ada", "Bob")]).vertex("Bob")
+    >>> vertex.index, vertex["Name"]
+    (1, 'Bob')
+    """
 
     __slots__ = ()
 
     @property
     def name(self) -> str:
-        """The text of the column "Name", or the index in digits. O(n)."""
+        """The text of the column "Name", or the index in digits. O(n).
+
+        Examples
+        --------
+        >>> veq.Network.from_names([("Ada", "Bob")]).vertex(1).name
+        'Bob'
+        """
         return self.network.names[self.index]
 
     @property
     def degree(self) -> int:
-        """How many edges leave it, or are at it."""
+        """How many edges leave it, or are at it.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).vertex(2).degree
+        3
+        """
         return self.network.degree(self.index)
 
     @property
     def neighbors(self) -> IndexArray | IntArray:
-        """The neighbours, as `Network.neighbors`."""
+        """The neighbours, as `Network.neighbors`.
+
+        Examples
+        --------
+        >>> veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).vertex(2).neighbors.tolist()
+        [1, 0, 3]
+        """
         return self.network.neighbors(self.index)
 
     def __getitem__(self, key: str) -> Any:
@@ -340,18 +497,37 @@ class Vertex(_Element):
 
 
 class Edge(_Element):
-    """An edge of a network, which it keeps alive. For single looks: arrays are for many."""
+    """An edge of a network, which it keeps alive. For single looks: arrays are for many.
+
+    Examples
+    --------
+    >>> edge = veq.Network([0, 1, 2, 2], [1, 2, 0, 3]).edge(3)
+    >>> edge.source, edge.target
+    (2, 3)
+    """
 
     __slots__ = ()
 
     @property
     def source(self) -> int:
-        """Where it begins."""
+        """Where it begins.
+
+        Examples
+        --------
+        >>> veq.Network([5], [7]).edge(0).source
+        5
+        """
         return self.network.ends_of(self.index)[0]
 
     @property
     def target(self) -> int:
-        """Where it ends."""
+        """Where it ends.
+
+        Examples
+        --------
+        >>> veq.Network([5], [7]).edge(0).target
+        7
+        """
         return self.network.ends_of(self.index)[1]
 
     def __getitem__(self, key: str) -> Any:

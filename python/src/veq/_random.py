@@ -54,7 +54,14 @@ class RandomState(_core.RandomState):
 
     @classmethod
     def from_words(cls, words: Any) -> RandomState:
-        """The state of 31 words, as ``words`` gives them."""
+        """The state of 31 words, as ``words`` gives them.
+
+        Examples
+        --------
+        >>> state = veq.RandomState(7).after(1000)
+        >>> veq.RandomState.from_words(state.words) == state
+        True
+        """
         array = indices(words, "word")
         if ((array < 0) | (array >= 2**32)).any():
             place = int(np.argmax((array < 0) | (array >= 2**32)))
@@ -62,7 +69,14 @@ class RandomState(_core.RandomState):
         return cls._of(_core.random_from_words(np.ascontiguousarray(array, np.uint32)))
 
     def copy(self) -> RandomState:
-        """Another state at the same place."""
+        """Another state at the same place.
+
+        Examples
+        --------
+        >>> state = veq.RandomState(1)
+        >>> state.copy().draw() == state.draw()
+        True
+        """
         return self._of(self._copy())
 
     __copy__ = copy
@@ -71,18 +85,36 @@ class RandomState(_core.RandomState):
         return self.copy()
 
     def draws(self, count: int) -> np.ndarray[Any, np.dtype[np.uint32]]:
-        """The next so many draws, of shape (count,)."""
+        """The next so many draws, of shape (count,).
+
+        Examples
+        --------
+        >>> veq.RandomState(1).draws(2).tolist()
+        [1804289383, 846930886]
+        """
         return super().draws(number_of(count, "count"))
 
     def after(self, draws: int) -> RandomState:
-        """The state after so many draws, in microseconds whatever their number."""
+        """The state after so many draws, in microseconds whatever their number.
+
+        Examples
+        --------
+        >>> veq.RandomState(1).after(1).draw()
+        846930886
+        """
         number = operator.index(draws)
         if not 0 <= number < 2**128:
             raise ValueError(f"draws = {number}: give 0 to 2**128 - 1")
         return self._of(self._after(number))
 
     def substream(self, k: int) -> RandomState:
-        """Stream ``k`` of 2**22, with 2**40 - 87 draws of its own, for task ``k`` of many."""
+        """Stream ``k`` of 2**22, with 2**40 - 87 draws of its own, for task ``k`` of many.
+
+        Examples
+        --------
+        >>> veq.RandomState(1).substream(3).draws_left == 2**40 - 87
+        True
+        """
         number = operator.index(k)
         if not 0 <= number < 2**22:
             raise IndexError(f"substream {number} of {2**22}")
@@ -119,15 +151,36 @@ def seed_of(seed: Seed) -> int:
 
 
 def seed(number: int) -> None:
-    """Start the process's own sequence anew, which calls without ``seed=`` draw from."""
+    """Start the process's own sequence anew, which calls without ``seed=`` draw from.
+
+    Examples
+    --------
+    >>> veq.seed(1)
+    >>> veq.gnp(100, 0.5).num_edges == veq.gnp(100, 0.5, seed=1).num_edges
+    True
+    """
     _core.set_random_state(RandomState(number))
 
 
 def random_state() -> RandomState:
-    """Where the process's own sequence is."""
+    """Where the process's own sequence is.
+
+    Examples
+    --------
+    >>> veq.seed(1)
+    >>> veq.random_state() == veq.RandomState(1)
+    True
+    """
     return RandomState._of(_core.random_state())
 
 
 def set_random_state(state: RandomState) -> None:
-    """Put the process's own sequence there."""
+    """Put the process's own sequence there.
+
+    Examples
+    --------
+    >>> veq.set_random_state(veq.RandomState(1).after(5))
+    >>> veq.random_state() == veq.RandomState(1).after(5)
+    True
+    """
     _core.set_random_state(state)

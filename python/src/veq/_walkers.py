@@ -20,7 +20,15 @@ End = Literal["steps", "target", "stopped", "stuck", "draws"]
 
 
 class Paths:
-    """Where agents arrived, step by step. It outlives agents and network."""
+    """Where agents arrived, step by step. It outlives agents and network.
+
+    Examples
+    --------
+    >>> one_way = veq.Network([0, 1], [1, 2], directed=True)
+    >>> paths = veq.Walkers(one_way, [0]).walk(3, paths=True, seed=1).paths
+    >>> paths.filled().tolist()
+    [[1, 2, 2]]
+    """
 
     __slots__ = ("moves", "starts")
 
@@ -32,12 +40,26 @@ class Paths:
 
     @property
     def stayed(self) -> int:
-        """What stands for an agent that could not move: all bits set."""
+        """What stands for an agent that could not move: all bits set.
+
+        Examples
+        --------
+        >>> alone = veq.Network([], [], n=1)
+        >>> paths = veq.Walkers(alone, [0]).walk(1, paths=True, seed=1).paths
+        >>> paths.moves.tolist() == [[paths.stayed]]
+        True
+        """
         return int(np.iinfo(self.moves.dtype).max)
 
     @property
     def shape(self) -> tuple[int, int]:
-        """(agents, steps)"""
+        """(agents, steps)
+
+        Examples
+        --------
+        >>> veq.Walkers(veq.lattice([3]), [0, 1]).walk(5, paths=True, seed=1).paths.shape
+        (2, 5)
+        """
         return self.moves.shape[1], self.moves.shape[0]
 
     def filled(self, *, start: bool = False) -> NDArray[Any]:
@@ -45,6 +67,13 @@ class Paths:
 
         With ``start`` the first column is where it began. One that could not move stands where it
         was.
+
+        Examples
+        --------
+        >>> one_way = veq.Network([0, 1], [1, 2], directed=True)
+        >>> paths = veq.Walkers(one_way, [0]).walk(3, paths=True, seed=1).paths
+        >>> paths.filled(start=True).tolist()
+        [[0, 1, 2, 2]]
         """
         steps = np.vstack([self.starts.astype(self.moves.dtype)[np.newaxis], self.moves])
         moved = steps != self.stayed
@@ -55,11 +84,28 @@ class Paths:
         return np.ascontiguousarray(standing if start else standing[:, 1:])
 
     def masked(self) -> np.ma.MaskedArray[Any, Any]:
-        """The arrivals, of shape (agents, steps), masked where an agent stayed. No copy of them."""
+        """The arrivals, of shape (agents, steps), masked where an agent stayed. No copy of them.
+
+        Examples
+        --------
+        >>> one_way = veq.Network([0, 1], [1, 2], directed=True)
+        >>> paths = veq.Walkers(one_way, [0]).walk(3, paths=True, seed=1).paths
+        >>> paths.masked().tolist()
+        [[1, 2, None]]
+        """
         return np.ma.MaskedArray(self.moves.T, self.moves.T == self.stayed)
 
     def ragged(self) -> tuple[IntArray, NDArray[Any]]:
-        """Offsets and arrivals, agent by agent, without the steps in which one stayed."""
+        """Offsets and arrivals, agent by agent, without the steps in which one stayed.
+
+        Examples
+        --------
+        >>> one_way = veq.Network([0, 1], [1, 2], directed=True)
+        >>> paths = veq.Walkers(one_way, [0, 1]).walk(3, paths=True, seed=1).paths
+        >>> offsets, arrivals = paths.ragged()
+        >>> offsets.tolist(), arrivals.tolist()
+        ([0, 2, 3], [1, 2, 2])
+        """
         moved = self.moves.T != self.stayed
         offsets = np.concatenate([[0], moved.sum(axis=1).cumsum()]).astype(np.int64)
         return offsets, self.moves.T[moved]
@@ -78,14 +124,28 @@ class Paths:
 
 
 class Coverage(NamedTuple):
-    """The steps that first arrived at some vertex, and how many had been arrived at by then."""
+    """The steps that first arrived at some vertex, and how many had been arrived at by then.
+
+    Examples
+    --------
+    >>> walk = veq.Walkers(veq.lattice([3]), [0]).walk(1, first_arrivals=True, seed=1)
+    >>> walk.coverage.steps.tolist(), walk.coverage.vertices.tolist()
+    ([1], [1])
+    """
 
     steps: IntArray
     vertices: IntArray
 
 
 class Walk(NamedTuple):
-    """What a walk has led to."""
+    """What a walk has led to.
+
+    Examples
+    --------
+    >>> walk = veq.Walkers(veq.lattice([3]), [0]).walk(5, seed=1)
+    >>> walk.end, walk.steps
+    ('steps', 5)
+    """
 
     end: End
     """All steps were made, the target was met, ``progress`` returned False, nobody can ever move
@@ -155,13 +215,26 @@ class Walkers(_core.Walkers):
 
     @classmethod
     def uniform(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
-        """So many agents at vertices drawn each alike."""
+        """So many agents at vertices drawn each alike.
+
+        Examples
+        --------
+        >>> len(veq.Walkers.uniform(veq.lattice([3]), 5, seed=1))
+        5
+        """
         count = _arrays.count(agents, "agents")
         return cls(network, _core.starts(network, count, False, drawn_from(seed)), **more)
 
     @classmethod
     def by_degree(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
-        """So many agents at vertices drawn by the lengths of their lists."""
+        """So many agents at vertices drawn by the lengths of their lists.
+
+        Examples
+        --------
+        >>> walkers = veq.Walkers.by_degree(veq.Network([1], [2], n=9), 5, seed=1)
+        >>> set(walkers.positions.tolist()) <= {1, 2}
+        True
+        """
         count = _arrays.count(agents, "agents")
         return cls(network, _core.starts(network, count, True, drawn_from(seed)), **more)
 
@@ -200,6 +273,13 @@ class Walkers(_core.Walkers):
         progress
             ``"auto"`` shows a bar of tqdm after 1.5 s where somebody looks; a callable gets the
             steps done and all, every 50 ms, and ends the walk by returning False.
+
+        Examples
+        --------
+        >>> one_way = veq.Network([0, 1], [1, 2], directed=True)
+        >>> walk = veq.Walkers(one_way, [0]).walk(2, paths=True, seed=1)
+        >>> walk.paths.filled().tolist()
+        [[1, 2]]
         """
         random = drawn_from(seed)
         limit = None if steps is None else _arrays.count(steps, "steps")
@@ -224,13 +304,26 @@ class Walkers(_core.Walkers):
 
     @property
     def positions(self) -> IntArray:
-        """Where the agents stand, of shape (agents,); a copy."""
+        """Where the agents stand, of shape (agents,); a copy.
+
+        Examples
+        --------
+        >>> veq.Walkers(veq.lattice([3]), [0, 2]).positions.tolist()
+        [0, 2]
+        """
         return self._positions()
 
     def visits(self, agent: int | None = None, *, live: bool = False) -> IntArray:
         """How often one agent, or all together, arrived at each vertex, of shape (n,).
 
         A snapshot; with ``live`` the agent's own array, which later walks change, until `forget`.
+
+        Examples
+        --------
+        >>> walkers = veq.Walkers(veq.lattice([3]), [0, 2])
+        >>> walk = walkers.walk(1, seed=1)
+        >>> walkers.visits().tolist(), walkers.visits(0).tolist()
+        ([0, 2, 0], [0, 1, 0])
         """
         if not live:
             return self._visits(None if agent is None else _arrays.single(agent, "agent"))
@@ -239,11 +332,29 @@ class Walkers(_core.Walkers):
         return self._live_visits(_arrays.single(agent, "agent"))
 
     def remembered(self, agent: int) -> IntArray:
-        """What the agent remembers, the oldest first; empty for one without memory."""
+        """What the agent remembers, the oldest first; empty for one without memory.
+
+        Examples
+        --------
+        >>> one_way = veq.Network([0, 1, 2], [1, 2, 3], directed=True)
+        >>> walkers = veq.Walkers(one_way, [0], memory=2)
+        >>> walk = walkers.walk(3, seed=1)
+        >>> walkers.remembered(0).tolist()
+        [2, 3]
+        """
         return self._remembered(_arrays.single(agent, "agent"))
 
     def forget(self) -> None:
-        """Forget all visits and what has been reached; positions stay."""
+        """Forget all visits and what has been reached; positions stay.
+
+        Examples
+        --------
+        >>> walkers = veq.Walkers(veq.lattice([3]), [0])
+        >>> walk = walkers.walk(10, seed=1)
+        >>> walkers.forget()
+        >>> walkers.visits().tolist()
+        [0, 0, 0]
+        """
         self._forget()
 
     def __len__(self) -> int:
@@ -257,7 +368,13 @@ class Walkers(_core.Walkers):
 
 
 class HittingTimes(NamedTuple):
-    """Mean numbers of steps, of shape (n,), and how wrong they may be, relatively."""
+    """Mean numbers of steps, of shape (n,), and how wrong they may be, relatively.
+
+    Examples
+    --------
+    >>> veq.WalkLaw(veq.lattice([2])).hitting_times(1).steps.tolist()
+    [1.0, 2.0]
+    """
 
     steps: FloatArray
     relative_error: float
@@ -292,20 +409,45 @@ class WalkLaw(_core.WalkLaw):
         self._solving = (solved_up_to, float(precision), most_rounds)
 
     def matrix(self) -> tuple[NDArray[Any], NDArray[Any], FloatArray]:
-        """Row starts, targets and shares (compressed sparse rows); read-only, no copies."""
+        """Row starts, targets and shares (compressed sparse rows); read-only, no copies.
+
+        Examples
+        --------
+        >>> starts, targets, shares = veq.WalkLaw(veq.lattice([2])).matrix()
+        >>> starts.tolist(), targets.tolist(), shares.tolist()
+        ([0, 1, 2], [1, 0], [1.0, 1.0])
+        """
         return self._matrix()
 
     def dead_ends(self) -> NDArray[Any]:
-        """The vertices where a walk stays for want of edges."""
+        """The vertices where a walk stays for want of edges.
+
+        Examples
+        --------
+        >>> veq.WalkLaw(veq.Network([0], [1], directed=True)).dead_ends().tolist()
+        [1]
+        """
         return self._dead_ends()
 
     def stationary(self, *, progress: Progress = "auto") -> FloatArray:
-        """The share of its steps that a walk spends at each vertex in the long run."""
+        """The share of its steps that a walk spends at each vertex in the long run.
+
+        Examples
+        --------
+        >>> veq.WalkLaw(veq.lattice([2])).stationary().round(6).tolist()
+        [0.5, 0.5]
+        """
         with following(progress, "rounds") as call:
             return self._stationary(*self._solving, call)[0]
 
     def hitting_times(self, target: int, *, progress: Progress = "auto") -> HittingTimes:
-        """The mean number of steps from each vertex to the first arrival at the target."""
+        """The mean number of steps from each vertex to the first arrival at the target.
+
+        Examples
+        --------
+        >>> veq.WalkLaw(veq.lattice([2])).hitting_times(1).steps.round(6).tolist()
+        [1.0, 2.0]
+        """
         with following(progress, "rounds") as call:
             return HittingTimes(
                 *self._hitting_times(_arrays.single(target, "vertex"), *self._solving, call)
@@ -314,6 +456,13 @@ class WalkLaw(_core.WalkLaw):
     def cover_time(
         self, start: int, *, start_counts: bool = False, progress: Progress = "auto"
     ) -> tuple[float, float]:
-        """Bounds of the mean number of steps until a walk has been everywhere."""
+        """Bounds of the mean number of steps until a walk has been everywhere.
+
+        Examples
+        --------
+        >>> low, high = veq.WalkLaw(veq.lattice([2])).cover_time(0, start_counts=True)
+        >>> round(low, 6), round(high, 6)
+        (1.0, 1.0)
+        """
         with following(progress, "sets") as call:
             return self._cover_time(_arrays.single(start, "vertex"), start_counts, call)
