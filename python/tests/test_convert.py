@@ -293,6 +293,13 @@ def test_plot():
     (points,) = [one for one in axes.collections if len(one.get_offsets()) == 30]
     assert np.allclose(points.get_offsets(), network.vertex_data["Position"][:, :2])
     assert points.get_array().tolist() == list(range(30))
+    network.vertex_data["Group"] = ["b", "a", "b"] + [None] * 27
+    points = network.plot(color="Group").collections[-1]
+    # "" comes first, then "a" and "b".
+    assert points.get_array().tolist() == [2, 1, 2] + [0] * 27
+    with pytest.raises(ValueError, match="^column Position: vectors are no colours$"):
+        network.plot(color="Position")
+    assert len(network.plot(max_edges=0).collections[-2].get_segments()) == 0
     lines = axes.collections[0]
     assert len(lines.get_segments()) == network.num_edges
     with pytest.raises(ValueError, match=r"^positions of shape \(2,\) for 30 vertices: \(n, 2\)$"):

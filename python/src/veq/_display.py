@@ -7,6 +7,8 @@ from typing import TYPE_CHECKING, Any
 import numpy as np
 from numpy.typing import ArrayLike
 
+from . import _arrays
+
 if TYPE_CHECKING:
     from ._network import Network
 
@@ -82,6 +84,18 @@ def _positions(network: Network, positions: ArrayLike | None) -> np.ndarray[Any,
     return places[:, :2]
 
 
+def _shades(network: Network, key: str) -> np.ndarray[Any, Any]:
+    """A number for each vertex: of a column of texts, the place of the text among them."""
+    column = network.vertex_data[key]
+    if column.ndim == 2:
+        raise ValueError(f"column {key}: vectors are no colours")
+    if column.dtype != object:
+        return column
+    if all(value is None or isinstance(value, (int, float, np.number)) for value in column):
+        return column.astype(float)
+    return np.unique(network.vertex_data.texts(key), return_inverse=True)[1]
+
+
 def plot(
     self: Network,
     ax: Any = None,
@@ -99,7 +113,8 @@ def plot(
     positions : array_like of shape (n, 2), optional
         By default the column "Position", else a circle.
     color
-        A colour, the key of a column of numbers, or one number for each vertex, such as visits.
+        A colour, the key of a column, or one number for each vertex, such as visits. Texts that
+        are alike have one colour.
     names
         Whether to write the names beside the vertices.
     max_edges
@@ -120,12 +135,13 @@ def plot(
         raise ImportError("plot() needs matplotlib: pip install 'veq[plot]'") from error
     axes = pyplot.gca() if ax is None else ax
     places = _positions(self, positions)
-    edges = self.edges[:: max(1, -(-self.num_edges // max_edges))]
+    most = _arrays.count(max_edges, "max_edges")
+    edges = self.edges[:: max(1, -(-self.num_edges // most))] if most else self.edges[:0]
     axes.add_collection(
         LineCollection(places[edges], colors="0.6", linewidths=0.5, zorder=1)  # type: ignore[arg-type]
     )
     is_key = isinstance(color, str) and color in self.vertex_data
-    shade = self.vertex_data[color] if is_key else color  # type: ignore[index]
+    shade = _shades(self, color) if is_key else color  # type: ignore[arg-type]
     axes.scatter(places[:, 0], places[:, 1], c=shade, s=size, zorder=2)
     if names:
         for place, name in zip(places, self.names, strict=True):
