@@ -244,6 +244,24 @@ def test_the_program_grows_the_same_networks(tmp_path):
         assert veq.random_state() != veq.RandomState(11)
 
 
+@pytest.mark.parametrize("suffix", ["xnet", "net", "edges", "mtx", "gml", "graphml", "veqa", "csv"])
+def test_the_program_writes_the_same_files(tmp_path, suffix):
+    shown_by_program(
+        *("generate", "random", "--vertices", "200", "--degree", "6", "--seed", "11"),
+        tmp_path / "grown.xnet",
+    )
+    # Lists of edges lose vertices that have none.
+    shown_by_program("convert", "--lossy", tmp_path / "grown.xnet", tmp_path / f"program.{suffix}")
+    for name, network in (
+        ("read", veq.read(tmp_path / "grown.xnet")),
+        ("grown", veq.random_network(200, 6, seed=11)),
+    ):
+        network.save(tmp_path / f"{name}.{suffix}")
+        written = (tmp_path / f"{name}.{suffix}").read_bytes()
+        assert written == (tmp_path / f"program.{suffix}").read_bytes()
+        assert len(written) > 1000
+
+
 def test_a_state_goes_on_through_the_published_models():
     state = veq.RandomState(11)
     first, second = veq.random_network(50, 4, seed=state), veq.random_network(50, 4, seed=state)
