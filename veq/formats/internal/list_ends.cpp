@@ -38,7 +38,7 @@ Place placeOfId(const ListText& list, std::int64_t id) {
 }
 
 /// The first comment that has the number, as one that says how many vertices there are.
-Place placeOfComment(const ListText& list, std::uint64_t number) {
+Place placeOfComment(const ListText& list, std::int64_t number) {
   LineReader lines(list.text);
   while (lines.next()) {
     const std::string_view line = lines.line();
