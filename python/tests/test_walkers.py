@@ -1,5 +1,7 @@
 """Walks, their paths, random states, and interrupts."""
 
+import _thread
+import os
 import subprocess
 import sys
 import threading
@@ -321,6 +323,54 @@ def test_an_interrupt_ends_a_walk_within_100_ms():
     took = [float(line) for line in shown.stdout.split()]
     assert len(took) == 30
     assert max(took) < 0.1
+
+
+ON_A_TERMINAL = """
+import os, signal, sys, threading
+import veq
+walkers = veq.Walkers(veq.lattice([100], periodic=True), [0])
+threading.Timer(float(sys.argv[1]), os.kill, (os.getpid(), signal.SIGINT)).start()
+try:
+    walkers.walk(10**12, seed=1)
+except KeyboardInterrupt:
+    pass
+"""
+
+
+def shown_after(seconds, on_a_terminal=True):
+    """What a walk shows of itself by the time that it is interrupted."""
+    code = [sys.executable, "-c", ON_A_TERMINAL, str(seconds)]
+    if not on_a_terminal:
+        return subprocess.run(code, stderr=subprocess.PIPE, check=True, timeout=60).stderr
+    import termios  # Which not every system has.
+
+    ours, theirs = os.openpty()
+    termios.tcsetwinsize(theirs, (24, 80))
+    subprocess.run(code, stderr=theirs, check=True, timeout=60)
+    os.close(theirs)
+    shown = b""
+    try:
+        while part := os.read(ours, 4096):
+            shown += part
+    except OSError:  # What Linux says at the end.
+        pass
+    os.close(ours)
+    return shown
+
+
+def test_a_bar_shows_after_a_while_where_somebody_looks():
+    pytest.importorskip("tqdm")
+    assert b"steps" in shown_after(3)
+    assert shown_after(0.3) == b""
+    assert shown_after(3, on_a_terminal=False) == b""
+
+
+def test_a_bar_that_is_asked_for(capsys):
+    pytest.importorskip("tqdm")
+    with pytest.raises(KeyboardInterrupt):
+        threading.Timer(0.3, _thread.interrupt_main).start()
+        veq.Walkers(ring(100), [0]).walk(10**12, seed=1, progress=True)
+    assert "steps" in capsys.readouterr().err
 
 
 def test_the_law_of_a_walk():
