@@ -44,6 +44,8 @@ KINDS = {
     "indices": (lambda: ring().adjacency().indices, (np.arange(N) + 1) % N),
     "edges of lists": (lambda: ring().adjacency("in").edges, (np.arange(N) - 1) % N),
     "degrees": (lambda: ring().degrees(), np.ones(N)),
+    # One vertex is in the middle.
+    "force_layout": (lambda: veq.Network([], [], n=1).force_layout(), [[0, 0]]),
     "strengths": (lambda: ring().strengths("in"), np.ones(N)),
     "weights": (lambda: ring().edge_weights, np.ones(N)),
     "column of vertices": (lambda: ring().vertex_data["x"], np.arange(N)),

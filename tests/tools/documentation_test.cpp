@@ -27,7 +27,8 @@ const std::vector<std::vector<std::string>> kCommands = {{"info"},
                                                          {"generate", "geometric"},
                                                          {"generate", "blocks"},
                                                          {"generate", "rewired"},
-                                                         {"components"}};
+                                                         {"components"},
+                                                         {"page"}};
 
 std::string helpOf(std::vector<std::string> command) {
   command.emplace_back("--help");
@@ -129,7 +130,8 @@ TEST(Documentation, TheManualPageHasEveryOptionOfEveryCommandAndNoOther) {
   const std::string page =
       std::regex_replace(contentsOf(VEQ_MAN_PAGES "/veq.1"), std::regex("\\\\-"), "-");
   EXPECT_EQ(page.substr(0, 43), ".TH VEQ 1 \"\" \"veq 0.9.0\" \"User Commands\"\n.S");
-  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
+  for (const std::string command :
+       {"info", "check", "walk", "convert", "generate", "components", "page"}) {
     const std::size_t begin = page.find("\n.SS veq " + command + " ");
     ASSERT_NE(begin, std::string::npos) << command;
     const std::string section = page.substr(begin, page.find("\n.S", begin + 1) - begin);
@@ -155,7 +157,8 @@ TEST(Documentation, ManualPagesAreWellFormedAndSayTheVersion) {
 
 TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
   if (!has("bash")) GTEST_SKIP() << "this system has no bash";
-  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
+  for (const std::string command :
+       {"info", "check", "walk", "convert", "generate", "components", "page"}) {
     EXPECT_EQ(bashCompletions(command + " x"), optionsOf(command)) << command;
   }
   EXPECT_EQ(bashCompletions(""), (std::set<std::string>{"--help", "--version"}));
@@ -163,11 +166,12 @@ TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
 
 TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
   if (!has("fish")) GTEST_SKIP() << "this system has no fish";
-  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
+  for (const std::string command :
+       {"info", "check", "walk", "convert", "generate", "components", "page"}) {
     EXPECT_EQ(fishCompletions(command + " x --"), optionsOf(command)) << command;
   }
   EXPECT_EQ(fishCompletions(""), (std::set<std::string>{"info", "check", "walk", "convert",
-                                                        "generate", "components", "help"}));
+                                                        "generate", "components", "page", "help"}));
   EXPECT_EQ(
       fishCompletions("generate "),
       (std::set<std::string>{"barabasi", "random", "gnp", "gnm", "barabasi-albert", "configuration",
@@ -177,7 +181,8 @@ TEST(Documentation, FishCompletesEveryOptionAndNoOther) {
 
 TEST(Documentation, ZshCompletesEveryOptionAndNoOther) {
   if (!has("zsh")) GTEST_SKIP() << "this system has no zsh";
-  for (const std::string command : {"info", "check", "walk", "convert", "generate", "components"}) {
+  for (const std::string command :
+       {"info", "check", "walk", "convert", "generate", "components", "page"}) {
     EXPECT_EQ(zshOptions(command), optionsOf(command)) << command;
   }
 }

@@ -205,15 +205,26 @@ int reportWrongUsage(CommandRecord& root, const std::string& reason) {
   return kWrongUsage;
 }
 
-}  // namespace
-
-void Command::addPositional(const std::string& name, std::string& target,
-                            const std::string& description) {
+void addPositionalTo(CommandRecord& record, const std::string& name, bool required,
+                     std::string& target, const std::string& description) {
   const auto read = [name, &target](const std::string& text) {
     if (text.empty()) throw WrongUsage(name + " is empty");
     target = text;
   };
-  addOption(*record_, name, "", true, read, description)->type_name("");
+  addOption(record, name, "", required, read, description)->type_name("");
+}
+
+}  // namespace
+
+void Command::addPositional(const std::string& name, std::string& target,
+                            const std::string& description) {
+  addPositionalTo(*record_, name, true, target, description);
+}
+
+void Command::addPositionalUnless(const std::string& option, const std::string& name,
+                                  std::string& target, const std::string& description) {
+  addPositionalTo(*record_, name, false, target, description);
+  record_->options.back()->requiredUnless = option;
 }
 
 void Command::addFlag(const std::string& option, bool& target, const std::string& description) {

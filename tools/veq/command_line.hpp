@@ -22,6 +22,9 @@ class Command {
 
   /// A required argument, or one of several, without a dash.
   void addPositional(const std::string& name, std::string& target, const std::string& description);
+  /// One that may be missing where an option is given; the target stays empty then.
+  void addPositionalUnless(const std::string& option, const std::string& name, std::string& target,
+                           const std::string& description);
   void addFlag(const std::string& option, bool& target, const std::string& description);
   /// The target stays empty where the option is not given; an empty value is wrong usage. What it
   /// needs is said where there is none, as in "a file".
@@ -85,6 +88,7 @@ void addWalk(CommandLine& commandLine);
 void addConvert(CommandLine& commandLine);
 void addGenerate(CommandLine& commandLine);
 void addComponents(CommandLine& commandLine);
+void addPage(CommandLine& commandLine);
 /// @}
 
 }  // namespace veq::tool

@@ -9,6 +9,7 @@
 #include <veq/veq.hpp>
 
 #include "command_line.hpp"
+#include "page_options.hpp"
 #include "streams.hpp"
 #include "terminal.hpp"
 #include "text.hpp"
@@ -33,6 +34,8 @@ int main(int argc, char** argv) {
     veq::tool::addConvert(commandLine);
     veq::tool::addGenerate(commandLine);
     veq::tool::addComponents(commandLine);
+    veq::tool::addPage(commandLine);
+    veq::tool::rememberCall(argc, argv);
     const int code = commandLine.run(argc, argv);
     veq::tool::flushStandardOutput();
     return code;

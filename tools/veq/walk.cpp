@@ -16,6 +16,7 @@
 #include "failure.hpp"
 #include "network_files.hpp"
 #include "outputs.hpp"
+#include "page_options.hpp"
 #include "progress_line.hpp"
 #include "seed.hpp"
 #include "starts.hpp"
@@ -45,6 +46,8 @@ struct WalkArguments {
   std::string agentsFile;
   std::string pathsFile;
   std::string coverageFile;
+  std::string pageFile;
+  Showing showing;
   Output output;
   bool force = false;
   std::optional<std::size_t> format;
@@ -87,6 +90,10 @@ constexpr auto kWalkExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps
       agent i being its vertex i, and tell each other what they remember.
   veq walk data/karate.xnet --agents 3 --steps 50 --paths paths.csv
       Also writes where every agent stood after every step.
+  veq walk data/karate.xnet --agents 3 --steps 50 --page walked.html
+      Also writes a page on which any browser walks the same walk again, step by
+      step, and compares where it leads. --title, --layout, --columns, --color
+      and --size are those of veq page.
   veq walk data/karate.xnet --agents 3 --steps 50 --output walked.xnet
       Also writes the network with the visits as the vertex property "Visits".
       If it has such a property already, that is kept, and --force is needed.
@@ -112,6 +119,7 @@ constexpr std::string_view kVisits = "Visits";
 std::vector<NamedFile> outputsOf(const WalkArguments& arguments) {
   return {{"--paths", arguments.pathsFile},
           {"--coverage", arguments.coverageFile},
+          {"--page", arguments.pageFile},
           {"--output", arguments.output.file}};
 }
 
@@ -127,12 +135,14 @@ void checkOptions(const WalkArguments& arguments) {
   requireOption(arguments.output.to.has_value(), "--to", !arguments.output.file.empty(),
                 "--output");
   requireOption(arguments.force, "--force", !arguments.output.file.empty(), "--output");
+  requireShown(arguments.showing, !arguments.pageFile.empty(), "--page");
   requireDistinct({arguments.input.file, arguments.agentsFile, arguments.starts},
                   outputsOf(arguments));
   if (isStandardStream(arguments.input.file) && isStandardStream(arguments.starts)) {
     throw WrongUsage("--start and FILE are both standard input");
   }
-  for (const std::string& file : {arguments.pathsFile, arguments.coverageFile}) {
+  for (const std::string& file :
+       {arguments.pathsFile, arguments.coverageFile, arguments.pageFile}) {
     if (!file.empty()) requireWritable(file);
   }
   if (!arguments.output.file.empty()) requireWritable(arguments.output);
@@ -192,8 +202,14 @@ double shareReached(const Walkers& walkers) {
   return 1 - static_cast<double>(missed) / static_cast<double>(visits.size());
 }
 
-WalkOutcome walk(Walkers& walkers, const WalkArguments& arguments, RandomState* random,
-                 const std::string& file) {
+/// A walk, with what it takes to walk it again where a page is to do so.
+struct Walked {
+  WalkOutcome outcome;
+  std::optional<WalkRecord> record;
+};
+
+Walked walk(Walkers& walkers, const WalkArguments& arguments, RandomState* random,
+            const std::string& file) {
   WalkMeter meter;
   StopSource interrupt;
   WalkOptions how;
@@ -215,9 +231,21 @@ WalkOutcome walk(Walkers& walkers, const WalkArguments& arguments, RandomState* 
                : stepsText(meter.steps, *arguments.steps, elapsed, width);
   };
   std::optional<Result<WalkOutcome>> outcome;
+  std::optional<Result<WalkRecord>> record;
+  const bool isRecorded = !arguments.pageFile.empty();
   watch(
-      text, [&] { outcome = walkers.walk(how); }, [&] { interrupt.requestStop(); });
-  return given(std::move(*outcome), file);
+      text,
+      [&] {
+        if (isRecorded) {
+          record = walkers.record(how);
+        } else {
+          outcome = walkers.walk(how);
+        }
+      },
+      [&] { interrupt.requestStop(); });
+  if (!isRecorded) return {given(std::move(*outcome), file), std::nullopt};
+  WalkRecord recorded = given(std::move(*record), file);
+  return {recorded.outcome(), std::move(recorded)};
 }
 
 WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const WalkOutcome& outcome,
@@ -242,9 +270,23 @@ WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const W
   return report;
 }
 
+PageOptions pageOptions(const LoadedNetwork& loaded, const WalkArguments& arguments) {
+  PageOptions options = pageOptions(arguments.showing, loaded.name);
+  options.substream = arguments.substream;
+  options.starts = arguments.starts;
+  return options;
+}
+
+void writeWalkPage(const LoadedNetwork& loaded, const WalkRecord& record, std::uint64_t seed,
+                   const WalkArguments& arguments) {
+  PageOptions options = pageOptions(loaded, arguments);
+  options.seed = seed;
+  savePage(Network(loaded.network), options, &record, loaded.name, arguments.pageFile);
+}
+
 void writeFiles(const LoadedNetwork& loaded, const WalkOutcome& outcome,
                 const std::vector<std::uint64_t>& visits, const WalkArguments& arguments) {
-  if (outcome.paths) {
+  if (!arguments.pathsFile.empty()) {
     watch("writing " + printable(outputName(arguments.pathsFile)),
           [&] { writePaths(arguments.pathsFile, *loaded.network, *outcome.paths); });
   }
@@ -277,7 +319,11 @@ void runWalk(const WalkArguments& arguments) {
   const std::vector<std::uint64_t> starts =
       startVertices(network, loaded.name, arguments.starts, arguments.agents, random);
   Walkers walkers = makeWalkers(network, starts, arguments, loaded.name);
-  const WalkOutcome outcome = walk(walkers, arguments, random, loaded.name);
+  if (!arguments.pageFile.empty()) {
+    requireShowable(network, pageOptions(loaded, arguments), loaded.name);
+  }
+  const Walked walked = walk(walkers, arguments, random, loaded.name);
+  const WalkOutcome& outcome = walked.outcome;
 
   const WalkReport report = reportOf(loaded, walkers, outcome, arguments, seed);
   std::ostream& out = reportFor(outputsOf(arguments));
@@ -285,6 +331,7 @@ void runWalk(const WalkArguments& arguments) {
               std::cerr);
   out.flush();
   if (outcome.end == WalkEnd::kStopped) endInterrupted(arguments);
+  if (walked.record) writeWalkPage(loaded, *walked.record, seed, arguments);
   writeFiles(loaded, outcome, report.visits, arguments);
 }
 
@@ -323,6 +370,9 @@ void addWalk(CommandLine& commandLine) {
                   "Write every agent's path, as CSV; - for standard output");
   command.addText("--coverage", "OUT.csv", "a file", arguments->coverageFile,
                   "Write how many vertices were reached by which step, as CSV");
+  command.addText("--page", "OUT.html", "a file", arguments->pageFile,
+                  "Write a page that walks again in any browser; - for standard output");
+  addShowing(command, arguments->showing);
   command.addText("--output", "OUT", "a file", arguments->output.file,
                   "Write the network with its visits; - for standard output");
   addOutputFormat(command, arguments->output);

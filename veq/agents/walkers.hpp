@@ -19,6 +19,8 @@
 
 namespace veq {
 
+class WalkRecord;
+
 /// How to walk.
 /// \ingroup walks
 struct WalkOptions {
@@ -107,6 +109,12 @@ class VEQ_EXPORT Walkers {
   /// walk ends after a whole step and throws std::bad_alloc. Paths of a walk without a number of
   /// steps grow with it, and are lost then.
   [[nodiscard]] Result<WalkOutcome> walk(const WalkOptions& options);
+  /// Walks as walk() does, and keeps what it takes to walk the same way again, as a page does: of
+  /// agents with memory their moves, and so they need a number of steps. Nobody else should draw
+  /// from where the walk does meanwhile. Errors as of walk(), and before it "a record of agents
+  /// with memory needs a number of steps" and "5000000 moves of agents with memory are more than a
+  /// record holds (4000000): take fewer steps or agents".
+  [[nodiscard]] Result<WalkRecord> record(const WalkOptions& options);
   /// How many draws walk() takes, or would take for one step if no number of steps is given.
   [[nodiscard]] DrawCount drawsOfWalk(const WalkOptions& options) const;
 

@@ -16,4 +16,5 @@ NB_MODULE(_core, m) {
   bindWalkers(m);
   bindWalkLaw(m);
   bindFormats(m);
+  bindDrawing(m);
 }

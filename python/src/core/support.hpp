@@ -44,6 +44,7 @@ inline bool isAnything(PyObject* /*object*/) { return true; }
 VEQ_ARRAY_TYPE(IntArray, "numpy.typing.NDArray[numpy.int64]");
 VEQ_ARRAY_TYPE(WordArray, "numpy.typing.NDArray[numpy.uint32]");
 VEQ_ARRAY_TYPE(FloatArray, "numpy.typing.NDArray[numpy.float64]");
+VEQ_ARRAY_TYPE(PointArray, "numpy.typing.NDArray[numpy.float64]");
 VEQ_ARRAY_TYPE(WeightArray, "numpy.typing.NDArray[numpy.float32]");
 VEQ_ARRAY_TYPE(IndexArray,
                "numpy.typing.NDArray[numpy.uint32] | numpy.typing.NDArray[numpy.uint64]");
@@ -258,6 +259,11 @@ struct BoundRandom {
   std::shared_ptr<Use> use = std::make_shared<Use>();
 };
 
+/// What a walk can be walked again from.
+struct BoundRecord {
+  WalkRecord record;
+};
+
 /// The state of a Python object, held for as long as a call draws from it; null for None.
 class Drawing {
  public:
@@ -320,5 +326,6 @@ void bindRandom(nb::module_& m);
 void bindWalkers(nb::module_& m);
 void bindWalkLaw(nb::module_& m);
 void bindFormats(nb::module_& m);
+void bindDrawing(nb::module_& m);
 
 }  // namespace veq::python

@@ -109,9 +109,27 @@ CoverageTuple tupleOf(const std::vector<Coverage>& coverage) {
   return nb::make_tuple(arrayOf(std::move(steps)), arrayOf(std::move(vertices)));
 }
 
+// What f(walkers) gives, which walks where the networks are read and nobody else draws.
+template <class F>
+auto walking(BoundWalkers& bound, F f) {
+  const nb::gil_scoped_release released;
+  const ReadingUse network(*bound.network.use);
+  std::optional<ReadingUse> listeners;
+  if (bound.listeners) listeners.emplace(*bound.listeners->use);
+  return f(bound.walkers);
+}
+
 // (end, steps, paths or None, first arrivals or None, coverage or None)
 using WalkTuple = Tuple<nb::str, std::uint64_t, std::optional<PathsTuple>, std::optional<IntArray>,
                         std::optional<CoverageTuple>>;
+WalkTuple tupleOf(WalkOutcome outcome, bool paths, bool firstArrivals) {
+  const std::vector<Coverage> coverage = outcome.coverage();
+  return nb::make_tuple(
+      wordOf(outcome.end), outcome.steps, paths ? nb::object(tupleOf(*outcome.paths)) : nb::none(),
+      firstArrivals ? nb::object(arrayOf(std::move(outcome.firstArrivals))) : nb::none(),
+      firstArrivals ? nb::object(tupleOf(coverage)) : nb::none());
+}
+
 WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
                bool paths, bool firstArrivals, std::string_view choice, double restart,
                BoundRandom* random, nb::object progress) {
@@ -121,21 +139,25 @@ WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::opt
   const EditingUse use(*bound.use, kWalking);
   const Drawing drawing(random);
   options.random = drawing.state();
-  std::optional<WalkOutcome> outcome;
-  std::vector<Coverage> coverage;
-  {
-    const nb::gil_scoped_release released;
-    const ReadingUse network(*bound.network.use);
-    std::optional<ReadingUse> listeners;
-    if (bound.listeners) listeners.emplace(*bound.listeners->use);
-    outcome = bound.walkers.walk(options).value();
-    coverage = outcome->coverage();
-  }
-  return nb::make_tuple(
-      wordOf(outcome->end), outcome->steps,
-      outcome->paths ? nb::object(tupleOf(*outcome->paths)) : nb::none(),
-      firstArrivals ? nb::object(arrayOf(std::move(outcome->firstArrivals))) : nb::none(),
-      firstArrivals ? nb::object(tupleOf(coverage)) : nb::none());
+  return tupleOf(walking(bound, [&](Walkers& walkers) { return walkers.walk(options).value(); }),
+                 paths, firstArrivals);
+}
+
+// (record, what a walk gives)
+using RecordTuple = Tuple<BoundRecord, WalkTuple>;
+RecordTuple record(BoundWalkers& bound, std::optional<std::uint64_t> steps,
+                   std::optional<double> until, bool paths, bool firstArrivals,
+                   std::string_view choice, double restart, BoundRandom* random,
+                   nb::object progress) {
+  WalkOptions options = optionsOf(steps, until, paths, firstArrivals, choice, restart);
+  Follow follow(std::move(progress));
+  options.progress = follow.progress();
+  const EditingUse use(*bound.use, kWalking);
+  const Drawing drawing(random);
+  options.random = drawing.state();
+  const WalkRecord made =
+      walking(bound, [&](Walkers& walkers) { return walkers.record(options).value(); });
+  return nb::make_tuple(BoundRecord{made}, tupleOf(made.outcome(), paths, firstArrivals));
 }
 
 // What f(walkers) gives, computed without the interpreter's lock.
@@ -194,6 +216,9 @@ void bindWalkers(nb::module_& m) {
       .def("__init__", &place, nb::arg("network"), nb::arg("starts"), nb::arg("memory").none(),
            nb::arg("errors").none(), nb::arg("listeners").none())
       .def("_walk", &walk, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
+           nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
+           nb::arg("random").none(), nb::arg("progress").none())
+      .def("_record", &record, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
            nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
            nb::arg("random").none(), nb::arg("progress").none())
       .def("_positions", &positions)

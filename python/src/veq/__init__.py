@@ -17,6 +17,7 @@ from . import _core
 from ._ask import Diameter, DistanceHistogram, PageRank, Path
 from ._columns import Columns
 from ._derive import Part, United
+from ._drawing import Page
 from ._errors import FormatError, ReadWarning, StoppedError, UnsupportedError
 from ._io import Note, read, reads
 from ._models import (
@@ -34,7 +35,7 @@ from ._models import (
 )
 from ._network import Adjacency, Edge, Network, Vertex
 from ._random import RandomState, random_state, seed, set_random_state
-from ._walkers import Coverage, HittingTimes, Paths, Walk, Walkers, WalkLaw
+from ._walkers import Coverage, HittingTimes, Paths, Walk, Walkers, WalkLaw, WalkRecord
 
 __version__ = _core.version
 
@@ -49,6 +50,7 @@ __all__ = [
     "HittingTimes",
     "Network",
     "Note",
+    "Page",
     "PageRank",
     "Part",
     "Path",
@@ -61,6 +63,7 @@ __all__ = [
     "Vertex",
     "Walk",
     "WalkLaw",
+    "WalkRecord",
     "Walkers",
     "barabasi_albert",
     "block_model",

@@ -8,6 +8,7 @@ import numpy as np
 from numpy.typing import ArrayLike
 
 from . import _arrays
+from ._drawing import force_layout
 
 if TYPE_CHECKING:
     from ._network import Network
@@ -74,8 +75,7 @@ def _positions(network: Network, positions: ArrayLike | None) -> np.ndarray[Any,
     if positions is None and "Position" in network.vertex_data:
         positions = network.vertex_data["Position"]
     if positions is None:
-        angle = np.linspace(0, 2 * np.pi, network.num_vertices, endpoint=False)
-        return np.column_stack([np.cos(angle), np.sin(angle)])
+        return force_layout(network)
     places = np.asarray(positions, dtype=float)
     if places.ndim != 2 or places.shape[0] != network.num_vertices or places.shape[1] < 2:
         raise ValueError(
@@ -111,7 +111,7 @@ def plot(
     Parameters
     ----------
     positions : array_like of shape (n, 2), optional
-        By default the column "Position", else a circle.
+        By default the column "Position", else as `force_layout` places them.
     color
         A colour, the key of a column, or one number for each vertex, such as visits. Texts that
         are alike have one colour.

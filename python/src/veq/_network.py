@@ -8,7 +8,7 @@ from typing import Any, NamedTuple, Self
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from . import _arrays, _core, _display, _io, _pickle
+from . import _arrays, _core, _display, _drawing, _io, _pickle
 from ._ask import FloatArray
 from ._columns import Columns
 from ._convert import Converting
@@ -411,6 +411,8 @@ class Network(Converting):
     dumps = _io.dumps
     vertex_table = _io.vertex_table
     plot = _display.plot
+    show = _drawing.show
+    force_layout = _drawing.force_layout
 
     def __repr__(self) -> str:
         return _display.line(self)

@@ -157,6 +157,43 @@ class Walk(NamedTuple):
     coverage: Coverage | None
 
 
+def _walk_of(told: tuple[str, int, Any, Any, Any]) -> Walk:
+    end, steps, moves, first, coverage = told
+    return Walk(
+        cast(End, end),
+        steps,
+        None if moves is None else Paths(*moves),
+        first,
+        None if coverage is None else Coverage(*coverage),
+    )
+
+
+class WalkRecord:
+    """A walk that can be walked again, as `Network.show` does; from `Walkers.record`."""
+
+    __slots__ = ("_core", "seed", "walk")
+
+    def __init__(self, core: _core.WalkRecord, walk: Walk, seed: int | None) -> None:
+        self._core = core
+        self.walk = walk
+        """What the walk has led to."""
+        self.seed = seed
+        """Its seed, if it was a number."""
+
+    @property
+    def steps(self) -> int:
+        """How many steps all agents have made."""
+        return self._core.steps
+
+    @property
+    def num_agents(self) -> int:
+        """How many agents have walked."""
+        return self._core.num_agents
+
+    def __repr__(self) -> str:
+        return f"<veq.WalkRecord: {self.num_agents} agents, {self.steps} steps>"
+
+
 class Walkers(_core.Walkers):
     """Agents on the vertices of a network, which walk at random.
 
@@ -281,26 +318,54 @@ class Walkers(_core.Walkers):
         >>> walk.paths.filled().tolist()
         [[1, 2]]
         """
-        random = drawn_from(seed)
-        limit = None if steps is None else _arrays.count(steps, "steps")
         with following(progress, "steps") as call:
-            end, made, moves, first, coverage = self._walk(
-                limit,
+            told = self._walk(
+                None if steps is None else _arrays.count(steps, "steps"),
                 None if until is None else float(until),
                 paths,
                 first_arrivals,
                 choice,
                 float(restart),
-                random,
+                drawn_from(seed),
                 call,
             )
-        return Walk(
-            cast(End, end),
-            made,
-            None if moves is None else Paths(*moves),
-            first,
-            None if coverage is None else Coverage(*coverage),
-        )
+        return _walk_of(told)
+
+    def record(
+        self,
+        steps: int | None = None,
+        *,
+        until: float | None = None,
+        paths: bool = False,
+        first_arrivals: bool = False,
+        choice: Choice = "published",
+        restart: float = 0.0,
+        seed: Seed = None,
+        progress: Progress = "auto",
+    ) -> WalkRecord:
+        """Walk as `walk` does, and keep what `Network.show` needs to walk the same way again.
+
+        Agents with memory need a number of steps, and make 4,000,000 moves at most.
+
+        Examples
+        --------
+        >>> ring = veq.lattice([5], periodic=True)
+        >>> record = veq.Walkers(ring, [0, 0]).record(100, seed=1)
+        >>> record.walk.end, record.steps
+        ('steps', 100)
+        """
+        with following(progress, "steps") as call:
+            core, told = self._record(
+                None if steps is None else _arrays.count(steps, "steps"),
+                None if until is None else float(until),
+                paths,
+                first_arrivals,
+                choice,
+                float(restart),
+                drawn_from(seed),
+                call,
+            )
+        return WalkRecord(core, _walk_of(told), seed if isinstance(seed, int) else None)
 
     @property
     def positions(self) -> IntArray:

@@ -3,26 +3,30 @@ _veq() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
   local command=${COMP_WORDS[1]} words=
   local reading="--from --directed --strict --quiet --notes"
+  local showing="--title --layout --columns --color --size"
   COMPREPLY=()
   [[ $command == help ]] && command=
   case $previous in
     --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | \
       --edges | --degree | --probability | --probabilities | --links | --neighbours | --sizes | --radius | --dimensions | \
-      --tries) return ;;
+      --tries | --title | --columns) return ;;
     --vertices) [[ $command == generate ]] && return
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
-    --start | --paths | --coverage | --output | --agents-network | --largest | --degrees | --network)
+    --start | --paths | --coverage | --output | --agents-network | --largest | --degrees | --network | --page | --svg)
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --from) words="xnet pajek list matrix-market gml graphml archive" ;;
     --to) words="xnet pajek list matrix-market gml graphml archive csv" ;;
     --format) words="table csv json" ;;
     --choice) words="published even weighted" ;;
+    --layout) words="force given circle" ;;
+    --color) words="degree visits" ;;
+    --size) words="constant degree strength visits" ;;
   esac
   if [[ -n $words ]]; then
     :
   elif [[ $COMP_CWORD -eq 1 || ${COMP_WORDS[1]} == help && $COMP_CWORD -eq 2 ]]; then
-    words="info check walk convert generate components"
+    words="info check walk convert generate components page"
     [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
   elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
     words="barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice
@@ -32,11 +36,12 @@ _veq() {
       info) words="$reading --all --raw --matrix --format" ;;
       check) words="$reading --format" ;;
       walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
-                   --errors --agents-network --paths --coverage --output --to --force --format" ;;
+                   --errors --agents-network --paths --coverage --page $showing --output --to --force --format" ;;
       convert) words="$reading --to --lossy --number-names --vertices" ;;
       generate) words="--vertices --edges --degree --degrees --simple --probability --probabilities --links --neighbours
                        --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;
       components) words="$reading --top --largest --split --to --format" ;;
+      page) words="$reading --svg $showing" ;;
     esac
     words+=" --help"
   fi

@@ -19,17 +19,18 @@ complete -c veq -n __veq_nothing_yet -f -a walk -d 'Let agents walk at random ov
 complete -c veq -n __veq_nothing_yet -f -a convert -d 'Write a network in another format'
 complete -c veq -n __veq_nothing_yet -f -a generate -d 'Grow a model network'
 complete -c veq -n __veq_nothing_yet -f -a components -d 'Find the connected components'
+complete -c veq -n __veq_nothing_yet -f -a page -d 'Write a page that shows a network'
 complete -c veq -n __veq_nothing_yet -f -a help -d 'Teach a command by example'
 complete -c veq -n __veq_nothing_yet -l version -d 'Print the version'
 complete -c veq -l help -d 'Print help'
-complete -c veq -n '__veq_second_word help' -f -a 'info check walk convert generate components'
+complete -c veq -n '__veq_second_word help' -f -a 'info check walk convert generate components page'
 complete -c veq -n '__veq_second_word generate' -f -a 'barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
 
-complete -c veq -n '__veq_command info check walk convert components' -l from -x -a $formats -d 'The format to read'
-complete -c veq -n '__veq_command info check walk convert components' -l directed -d 'Take an edge list for a list of arcs'
-complete -c veq -n '__veq_command info check walk convert components' -l strict -d 'Refuse a file of which something is lost or mended'
-complete -c veq -n '__veq_command info check walk convert components' -l quiet -d 'Say nothing of what is odd in the file'
-complete -c veq -n '__veq_command info check walk convert components' -l notes -d 'Say all that is odd'
+complete -c veq -n '__veq_command info check walk convert components page' -l from -x -a $formats -d 'The format to read'
+complete -c veq -n '__veq_command info check walk convert components page' -l directed -d 'Take an edge list for a list of arcs'
+complete -c veq -n '__veq_command info check walk convert components page' -l strict -d 'Refuse a file of which something is lost or mended'
+complete -c veq -n '__veq_command info check walk convert components page' -l quiet -d 'Say nothing of what is odd in the file'
+complete -c veq -n '__veq_command info check walk convert components page' -l notes -d 'Say all that is odd'
 complete -c veq -n '__veq_command walk convert generate components' -l to -x -a "$formats csv" -d 'The format to write'
 complete -c veq -n '__veq_command info check walk components' -l format -x -a $answers -d 'How to answer'
 
@@ -51,6 +52,7 @@ complete -c veq -n '__veq_command walk' -l memory -x -d 'How many visits each ag
 complete -c veq -n '__veq_command walk' -l errors -x -d 'The probability of remembering a wrong vertex'
 complete -c veq -n '__veq_command walk' -l agents-network -r -d 'The network that links the agents'
 complete -c veq -n '__veq_command walk' -l paths -r -d 'Write the path of every agent'
+complete -c veq -n '__veq_command walk' -l page -r -d 'Write a page that walks again in a browser'
 complete -c veq -n '__veq_command walk' -l output -r -d 'Write the network with its visits'
 complete -c veq -n '__veq_command walk' -l force -d 'Replace a property Visits'
 
@@ -77,3 +79,10 @@ complete -c veq -n '__veq_command convert' -l vertices -r -d 'Write the vertices
 
 complete -c veq -n '__veq_command components' -l largest -r -d 'Write the largest component'
 complete -c veq -n '__veq_command components' -l split -x -a '(__fish_complete_directories)' -d 'Write every component'
+
+complete -c veq -n '__veq_command page' -l svg -r -d 'Write a picture'
+complete -c veq -n '__veq_command walk page' -l title -x -d 'What to call it'
+complete -c veq -n '__veq_command walk page' -l layout -x -a 'force given circle' -d 'Where vertices are'
+complete -c veq -n '__veq_command walk page' -l columns -x -d 'Which properties can be looked at'
+complete -c veq -n '__veq_command walk page' -l color -x -a 'degree visits' -d 'What colours are by'
+complete -c veq -n '__veq_command walk page' -l size -x -a 'constant degree strength visits' -d 'What sizes are by'

@@ -3,7 +3,7 @@
 _veq() {
   local formats='xnet pajek list matrix-market gml graphml archive' answers='(table csv json)'
   local models='barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
-  local commands='(info check walk convert generate components)'
+  local commands='(info check walk convert generate components page)'
   local -a reading=("--from[the format to read]:format:($formats)"
                     '--directed[take an edge list for a list of arcs]'
                     '--strict[refuse a file of which something is lost or mended]'
@@ -13,6 +13,11 @@ _veq() {
   local -a answering=("--format[how to answer]:format:$answers")
   local -a seeding=('--seed[choose the random numbers]:number:'
                     '--substream[take the numbers of this task]:number:')
+  local -a showing=('--title[what to call it]:text:'
+                    '--layout[where vertices are]:layout:(force given circle)'
+                    '--columns[which properties can be looked at]:properties:'
+                    '--color[what colours are by]:property:(degree visits)'
+                    '--size[what sizes are by]:property:(constant degree strength visits)')
   local -a help=('--help[print help]')
   case $words[2] in
     info)
@@ -23,7 +28,7 @@ _veq() {
     check)
       _arguments $help $reading $answering '1: :' '2:network:_files' ;;
     walk)
-      _arguments $help $reading $writing $answering $seeding '1: :' '2:network:_files' \
+      _arguments $help $reading $writing $answering $seeding $showing '1: :' '2:network:_files' \
         '--agents[how many agents walk]:number:' \
         '--steps[how many steps each takes]:number:' \
         '--until-reach[stop once this share was reached]:share:' \
@@ -36,6 +41,7 @@ _veq() {
         '--agents-network[the network that links the agents]:network:_files' \
         '--paths[write the path of every agent]:file:_files' \
         '--coverage[write how many vertices were reached by when]:file:_files' \
+        '--page[write a page that walks again in a browser]:file:_files' \
         '--output[write the network with its visits]:file:_files' \
         '--force[replace a property Visits]' ;;
     convert)
@@ -66,11 +72,14 @@ _veq() {
         '--top[how many sizes to list]:number:' \
         '--largest[write the largest component]:file:_files' \
         '--split[write every component]:directory:_files -/' ;;
+    page)
+      _arguments $help $reading $showing '1: :' '2:network:_files' '3:output:_files' \
+        '--svg[write a picture]:file:_files' ;;
     help)
       _arguments '1: :' "2:command:$commands" "3:model:($models)" ;;
     *)
       _arguments $help '--version[print the version]' \
-        '1:command:(info check walk convert generate components help)' ;;
+        '1:command:(info check walk convert generate components page help)' ;;
   esac
 }
 # Loaded by its name it is to complete at once; read by somebody it is only to be known.

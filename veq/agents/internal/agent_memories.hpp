@@ -109,6 +109,22 @@ class AgentMemories {
     std::uint64_t transfer = 0;
     friend bool operator==(const Slots&, const Slots&) = default;
   };
+  /// \name What one agent has
+  /// @{
+  [[nodiscard]] const Slots& slots(std::uint64_t agent) const { return agents_[agent]; }
+  [[nodiscard]] std::span<const Word> ring(std::uint64_t agent) const {
+    return {rings_.data() + agents_[agent].ringStart, agents_[agent].ringSize};
+  }
+  [[nodiscard]] std::uint32_t errorThreshold(std::uint64_t agent) const {
+    return agents_[agent].errorThreshold;
+  }
+  /// Whether it has remembered nothing yet: the latest entry lies in slot 0 again only after all
+  /// slots were filled.
+  [[nodiscard]] bool isFresh(std::uint64_t agent) const {
+    return slots(agent) == Slots() && ring(agent)[0] == 0;
+  }
+  /// @}
+
   /// All that the future of the memories depends on.
   struct State {
     std::vector<Slots> slots;
