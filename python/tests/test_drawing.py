@@ -1,4 +1,4 @@
-"""Layouts and pages. A page is read by its description, and its walk walked again by the rule alone."""
+"""Layouts and pages: a page is read by its description, and its walk walked by the rule alone."""
 
 import base64
 import json
@@ -16,7 +16,9 @@ import veq
 
 
 def block_of(page):
-    data = re.search(r'<script id="data" type="application/octet-stream">([^<]*)</script>', page.html)
+    data = re.search(
+        r'<script id="data" type="application/octet-stream">([^<]*)</script>', page.html
+    )
     return base64.b64decode(data[1], validate=True)
 
 
@@ -82,9 +84,7 @@ def walked_again(network, section, choose):
                 arrivals[at[a]] += 1
     ends = struct.unpack("<2I", data.take(8))
     assert data.at == len(data.data)
-    assert ends == tuple(
-        zlib.crc32(struct.pack(f"<{len(v)}Q", *v)) for v in (arrivals, at)
-    )
+    assert ends == tuple(zlib.crc32(struct.pack(f"<{len(v)}Q", *v)) for v in (arrivals, at))
     return arrivals, at
 
 
@@ -192,7 +192,7 @@ def test_pages_in_files(tmp_path, monkeypatch):
     with pytest.raises(IsADirectoryError):
         page.save(tmp_path)
     assert os.listdir(tmp_path) == ["a.html"]
-    shown = []
+    shown: list[str] = []
     monkeypatch.setattr(webbrowser, "open", shown.append)
     monkeypatch.setattr("tempfile.tempdir", str(tmp_path))
     name = page.open()

@@ -82,10 +82,8 @@ void requireShown(const Showing& showing, bool shown, const std::string& needed)
 PageOptions pageOptions(const Showing& showing, const std::string& file) {
   PageOptions options;
   options.title = showing.title;
-  if (options.title.empty()) {
-    options.title =
-        isStandardStream(file) ? "A network" : std::filesystem::path(file).filename().string();
-  }
+  if (options.title.empty() && file == kStandardInput) options.title = "A network";
+  if (options.title.empty()) options.title = std::filesystem::path(file).filename().string();
   if (showing.layout) options.layout = static_cast<Layout>(*showing.layout + 1);
   if (!showing.columns.empty()) options.columns = keysIn(showing.columns);
   options.color = showing.color;

@@ -2,11 +2,8 @@
 
 from __future__ import annotations
 
-import html
 import operator
 import os
-import tempfile
-import webbrowser
 from collections.abc import Sequence
 from typing import TYPE_CHECKING, Literal
 
@@ -25,9 +22,14 @@ _MOST_SHOWN = 10_000_000
 
 
 class Page:
-    """One file of HTML that shows a network, and replays a walk, in any browser; from `Network.show`.
+    """One file of HTML that shows a network and replays a walk in any browser; from `Network.show`.
 
     A notebook shows it in a frame of its own, which reaches neither the notebook nor the network.
+
+    Examples
+    --------
+    >>> veq.Network([0, 1], [1, 2]).show(title="Three").html.count("<title>Three</title>")
+    1
     """
 
     __slots__ = ("height", "html")
@@ -45,6 +47,14 @@ class Page:
         ------
         OSError
             Why it could not be written.
+
+        Examples
+        --------
+        >>> import os, tempfile
+        >>> with tempfile.TemporaryDirectory() as folder:
+        ...     veq.Network([0, 1], [1, 2]).show().save(folder + "/path.html")
+        ...     os.listdir(folder)
+        ['path.html']
         """
         try:
             _core.save_bytes(os.fsencode(path), self.html.encode())
@@ -52,7 +62,19 @@ class Page:
             raise _io._with_path(error, os.fsdecode(path)) from None
 
     def open(self) -> str:
-        """Show the page in the browser, and give the name of the temporary file that it is in."""
+        """Show the page in the browser, and give the name of the temporary file that it is in.
+
+        Examples
+        --------
+        >>> import os, webbrowser
+        >>> webbrowser.open = print  # for this example, instead of a browser
+        >>> name = veq.Network([0, 1], [1, 2]).show().open()  # doctest: +ELLIPSIS
+        file://...veq-...html
+        >>> os.remove(name)
+        """
+        import tempfile
+        import webbrowser
+
         handle, name = tempfile.mkstemp(prefix="veq-", suffix=".html")
         with os.fdopen(handle, "w", encoding="utf-8") as file:
             file.write(self.html)
@@ -60,6 +82,8 @@ class Page:
         return name
 
     def _repr_html_(self) -> str:
+        from html import escape
+
         size = len(self.html)
         if size > _MOST_SHOWN:
             return (
@@ -69,7 +93,7 @@ class Page:
             )
         return (
             '<iframe sandbox="allow-scripts allow-downloads" width="100%" '
-            f'height="{self.height}" style="border:0" srcdoc="{html.escape(self.html)}"></iframe>'
+            f'height="{self.height}" style="border:0" srcdoc="{escape(self.html)}"></iframe>'
         )
 
     def __repr__(self) -> str:

@@ -169,7 +169,16 @@ def _walk_of(told: tuple[str, int, Any, Any, Any]) -> Walk:
 
 
 class WalkRecord:
-    """A walk that can be walked again, as `Network.show` does; from `Walkers.record`."""
+    """A walk that can be walked again, as `Network.show` does; from `Walkers.record`.
+
+    Examples
+    --------
+    >>> record = veq.Walkers(veq.lattice([5], periodic=True), [0, 0]).record(100, seed=1)
+    >>> record
+    <veq.WalkRecord: 2 agents, 100 steps>
+    >>> record.num_agents, record.steps, record.seed, record.walk.end
+    (2, 100, 1, 'steps')
+    """
 
     __slots__ = ("_core", "seed", "walk")
 
@@ -182,12 +191,24 @@ class WalkRecord:
 
     @property
     def steps(self) -> int:
-        """How many steps all agents have made."""
+        """How many steps all agents have made.
+
+        Examples
+        --------
+        >>> veq.Walkers(veq.Network([0], [1]), [0]).record(7, seed=1).steps
+        7
+        """
         return self._core.steps
 
     @property
     def num_agents(self) -> int:
-        """How many agents have walked."""
+        """How many agents have walked.
+
+        Examples
+        --------
+        >>> veq.Walkers(veq.Network([0], [1]), [0, 1]).record(7, seed=1).num_agents
+        2
+        """
         return self._core.num_agents
 
     def __repr__(self) -> str:

@@ -7,7 +7,7 @@ namespace veq::internal {
 namespace {
 
 /// Below so many vertices a graph is laid out at once.
-constexpr std::uint32_t kSmall = 128;
+constexpr std::uint32_t kSmall = 24;
 
 // Numbers from -1 to 1, the same everywhere (SplitMix64).
 class Jitter {
@@ -101,8 +101,8 @@ double spacing(std::uint64_t finest, std::uint32_t here) {
 
 std::uint64_t StepPlan::stepsOf(std::uint64_t vertices, bool coarsest) const {
   if (iterations != 0) return iterations;
-  if (coarsest) return 300;
-  return std::clamp<std::uint64_t>(2'000'000 / vertices, 30, 150);
+  if (coarsest) return std::min<std::uint64_t>(300, 40 + 10 * vertices);
+  return std::clamp<std::uint64_t>(2'000'000 / vertices, 30, 100);
 }
 
 std::uint64_t StepPlan::workOf(std::uint64_t vertices) const {

@@ -25,6 +25,9 @@ std::uint32_t cellOf(double offset, double scale) {
   return cell < 65535.0 ? static_cast<std::uint32_t>(cell) : 65535U;
 }
 
+/// Of so few each pair is looked at.
+constexpr std::size_t kFew = 48;
+
 // Points on one another are driven apart, each pair in a direction of its own.
 Point apart(std::uint32_t self, std::uint32_t other) {
   const std::uint32_t low = std::min(self, other) * 2654435761U + std::max(self, other) * 40503U;
@@ -33,11 +36,34 @@ Point apart(std::uint32_t self, std::uint32_t other) {
           sign * (static_cast<double>(low >> 10 & 1023) - 511.5) / 512.0};
 }
 
+// How one point of mass 1 is pushed by another.
+Point pushOf(Point away, double mass, std::uint32_t self, std::uint32_t other) {
+  double square = away.x * away.x + away.y * away.y;
+  if (square < 1e-12) {
+    away = apart(self, other);
+    square = away.x * away.x + away.y * away.y;
+  }
+  const double push = mass / square;
+  return {push * away.x, push * away.y};
+}
+
+void addPairs(std::span<const Point> points, std::span<const double> masses,
+              std::span<Point> forces) {
+  for (std::uint32_t i = 1; i < points.size(); ++i) {
+    for (std::uint32_t k = 0; k < i; ++k) {
+      const Point away{points[i].x - points[k].x, points[i].y - points[k].y};
+      const Point push = pushOf(away, masses[i] * masses[k], i, k);
+      forces[i] = {forces[i].x + push.x, forces[i].y + push.y};
+      forces[k] = {forces[k].x - push.x, forces[k].y - push.y};
+    }
+  }
+}
+
 }  // namespace
 
 void Repulsion::add(std::span<const Point> points, std::span<const double> masses,
                     std::span<Point> forces) {
-  if (points.size() < 2) return;
+  if (points.size() <= kFew) return addPairs(points, masses, forces);
   sortByPlace(points);
   const auto n = static_cast<std::uint32_t>(points.size());
   points_.resize(n);
@@ -140,16 +166,10 @@ Point Repulsion::forceOn(std::uint32_t point) const {
     if (node.next != ++i) continue;
     for (std::uint32_t k = node.begin; k < node.end; ++k) {
       if (k == point) continue;
-      Point away{at.x - points_[k].x, at.y - points_[k].y};
-      double distance = away.x * away.x + away.y * away.y;
-      if (distance < 1e-12) {
-        away =
-            apart(static_cast<std::uint32_t>(codes_[point]), static_cast<std::uint32_t>(codes_[k]));
-        distance = away.x * away.x + away.y * away.y;
-      }
-      const double push = masses_[k] / distance;
-      force.x += push * away.x;
-      force.y += push * away.y;
+      const Point push =
+          pushOf({at.x - points_[k].x, at.y - points_[k].y}, masses_[k],
+                 static_cast<std::uint32_t>(codes_[point]), static_cast<std::uint32_t>(codes_[k]));
+      force = {force.x + push.x, force.y + push.y};
     }
   }
   return force;
