@@ -1,6 +1,7 @@
 """table.py RESULTS.json...: the tables of docs/performance.md, out of what pytest-benchmark wrote.
 
-All are medians of processor time; a ratio is that of the other library to veq's own.
+All are the least processor times of some rounds, which what else a machine does disturbs least; a
+ratio is that of the other library to veq's own.
 """
 
 import json
@@ -14,8 +15,8 @@ results = [
 ]
 
 
-def median(result):
-    return result["extra_info"].get("seconds", result["stats"]["median"])
+def least(result):
+    return result["extra_info"].get("seconds", result["stats"]["min"])
 
 
 def of(module):
@@ -38,11 +39,11 @@ def row(*cells):
 row("task", *LIBRARIES[:-1])
 row(*["---"] + ["---:"] * (len(LIBRARIES) - 1))
 for name, variants in of("test_peers").items():
-    own = median(variants["veq"])
+    own = least(variants["veq"])
     cells = [f"{own * 1e3:.1f} ms"]
     for library in LIBRARIES[1:-1]:
         there = variants.get(library)
-        cells.append(f"{median(there) / own:.1f}" if there else "-")
+        cells.append(f"{least(there) / own:.1f}" if there else "-")
     row(name, *cells)
 
 print()
@@ -50,7 +51,7 @@ row("converter", "veq", "by hand", "ratio")
 row("---", "---:", "---:", "---:")
 for name, variants in of("test_converters").items():
     if "own" in variants:
-        own, theirs = median(variants["veq"]), median(variants["own"])
+        own, theirs = least(variants["veq"]), least(variants["own"])
         row(
             name,
             f"{own * 1e3:.1f} ms",
@@ -64,7 +65,5 @@ row("---", "---:")
 for name, variants in of("test_calls").items():
     for variant, result in variants.items():
         calls = result["extra_info"].get("calls")
-        time = (
-            f"{median(result) / calls * 1e9:.0f} ns" if calls else f"{median(result) * 1e3:.1f} ms"
-        )
+        time = f"{least(result) / calls * 1e9:.0f} ns" if calls else f"{least(result) * 1e3:.1f} ms"
         row(f"{name} {variant}", time)
