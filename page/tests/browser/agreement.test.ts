@@ -1,0 +1,137 @@
+/** Walks that the program made are made again in the browser, and agree to the last visit. */
+import assert from "node:assert/strict";
+import { readFileSync, writeFileSync } from "node:fs";
+import { join } from "node:path";
+import { after, before, test } from "node:test";
+import type { Browser } from "playwright-core";
+import { crc32, fromBase64 } from "../../src/bytes.ts";
+import { encode } from "../support/encode.ts";
+import { checked, fileOf, folder, htmlOf, launch, open } from "../support/browser.ts";
+import { network, veq } from "../support/networks.ts";
+import { remembered, walked } from "../support/samples.ts";
+
+let browser: Browser;
+before(async () => {
+  browser = await launch();
+});
+after(() => browser.close());
+
+/** The row of a CSV of the page's: index, name, degree, visits, latest. */
+function visitsOf(csv: string): number[] {
+  return csv.trim().split("\n").slice(1).map((line) => Number(line.split(",").at(-2)));
+}
+
+/** The page that the program wrote, in the template as it is now, which the program may be older than. */
+function pageOf(file: string): string {
+  const data = /application\/octet-stream">([^<]*)</.exec(readFileSync(file, "utf8"))?.[1] ?? "";
+  return fileOf(htmlOf(fromBase64(data)));
+}
+
+/** What the page's own table of visits says at the end. */
+async function visitsShown(address: string): Promise<{ says: string; visits: number[]; faults: string[] }> {
+  const { page, watch, close } = await open(browser, address);
+  const says = await checked(page);
+  await page.click("#to-end");
+  await page.waitForFunction(() => document.querySelector<HTMLButtonElement>("#to-end")?.disabled);
+  const download = page.waitForEvent("download");
+  await page.click("#save-csv");
+  const csv = readFileSync(await (await download).path(), "utf8");
+  await close();
+  return { says, visits: visitsOf(csv), faults: watch.faults };
+}
+
+interface Told {
+  vertices: { index: number; visits: number }[];
+}
+
+const WALKS = 100;
+const kinds = [
+  ["--choice", "published"],
+  ["--choice", "even"],
+  ["--choice", "weighted"],
+  ["--choice", "even", "--restart", "0.2"],
+  ["--start", "degree"],
+];
+
+test(`${WALKS} walks of the program agree`, async () => {
+  for (let i = 0; i < WALKS; ++i) {
+    const file = `data/${i % 2 === 0 ? "lesmis" : "karate"}.xnet`;
+    const kind = kinds[i % kinds.length].join(" ") === "--choice weighted" && i % 2 === 1
+      ? kinds[0] : kinds[i % kinds.length];
+    const length = i % 4 === 3 ? ["--until-reach", "0.9"] : ["--steps", String(1 + 37 * i)];
+    const options = ["--agents", String(1 + (i % 7)), ...length, "--seed", String(i * i * 43 + 1), ...kind];
+    const out = join(folder, `walk${i}.html`);
+    const told = JSON.parse(veq("walk", file, ...options, "--page", out, "--format", "json")) as Told;
+    const visits: number[] = [];
+    for (const row of told.vertices) visits[row.index] = row.visits;
+    const shown = await visitsShown(pageOf(out));
+    assert.equal(shown.says, "recomputed in your browser: agrees", options.join(" "));
+    assert.deepEqual(shown.visits, visits, options.join(" "));
+    assert.deepEqual(shown.faults, []);
+  }
+});
+
+test("agents with memory walk as they were recorded, and their memories are shown", async () => {
+  const out = join(folder, "memory.html");
+  veq("walk", "data/karate.xnet", "--agents", "34", "--steps", "50", "--seed", "1", "--memory", "5",
+    "--errors", "0.05", "--agents-network", "data/karate.xnet", "--page", out);
+  const { page, close } = await open(browser, `${pageOf(out)}#follow=0&s=50`);
+  assert.equal(await checked(page), "replayed in your browser: agrees");
+  await page.waitForFunction(() => document.querySelectorAll("#memory-list li").length === 5);
+  await close();
+});
+
+test("what an agent remembers is named, the latest first", async () => {
+  const { page, close } = await open(browser, `${fileOf(htmlOf(encode(remembered())))}#follow=0&s=3`);
+  await page.waitForFunction(() => document.querySelectorAll("#memory-list li").length === 2);
+  assert.deepEqual(await page.locator("#memory-list li").allTextContents(), ["b", "hub"]);
+  assert.equal(await page.textContent("#agent-at"), "Agent 0 is at b.");
+  await close();
+});
+
+test("a page one byte of whose data was changed says so", async () => {
+  const html = htmlOf(encode(walked(network("karate"), 3, 200)));
+  const match = /application\/octet-stream">([^<]+)</.exec(html);
+  assert.ok(match);
+  const block = Buffer.from(match[1], "base64");
+  block[200] ^= 4;
+  const { page, close } = await open(browser, fileOf(html.replace(match[1], block.toString("base64"))));
+  assert.equal(await page.textContent("#failure"), "The data of this page is damaged: its check does not agree.");
+  assert.equal(await page.isVisible("#app"), false);
+  await close();
+});
+
+test("a page whose visits were changed, check and all, says which vertex differs", async () => {
+  const spec = walked(network("karate"), 3, 200);
+  assert.ok(spec.walk);
+  const truth = spec.walk.arrivals[7];
+  spec.walk.arrivals[7] += 2;
+  const block = encode(spec);
+  assert.equal(new DataView(block.buffer).getUint32(block.length - 4, true), crc32(block.subarray(0, -6)));
+  const { page, close } = await open(browser, fileOf(htmlOf(block)));
+  const says = await checked(page);
+  assert.equal(
+    says,
+    `recomputed in your browser: differs, first at 8 (vertex 7): ${truth} visits here, ${truth + 2} in the file`,
+  );
+  assert.ok(await page.evaluate(() => document.getElementById("check")?.classList.contains("bad")));
+  await close();
+});
+
+test("a walk from other words is found out by where agents end, too", async () => {
+  const spec = walked(network("karate"), 1, 50);
+  assert.ok(spec.walk);
+  spec.walk.ends = [(spec.walk.ends[0] + 1) % 34];
+  const { page, close } = await open(browser, fileOf(htmlOf(encode(spec))));
+  assert.equal(await checked(page), "recomputed in your browser: differs in where agents end");
+  await close();
+});
+
+test("the template is what the program writes around its data", () => {
+  const out = join(folder, "plain.html");
+  veq("page", "data/karate.xnet", out, "--title", `<b> & "'`);
+  const html = readFileSync(out, "utf8");
+  const data = /application\/octet-stream">([^<]*)</.exec(html)?.[1] ?? "";
+  writeFileSync(join(folder, "same.html"), htmlOf(fromBase64(data), `<b> & "'`));
+  assert.equal(html, readFileSync(join(folder, "same.html"), "utf8"));
+});

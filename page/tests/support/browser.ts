@@ -1,0 +1,113 @@
+/** Pages in Debian's Chromium. */
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
+import { tmpdir } from "node:os";
+import { join } from "node:path";
+import { pathToFileURL } from "node:url";
+import { chromium } from "playwright-core";
+import type { Browser, BrowserContextOptions, Page } from "playwright-core";
+import { encode } from "./encode.ts";
+import type { Spec } from "./encode.ts";
+import { root } from "./networks.ts";
+
+export const templateFile = join(root, "veq/drawing/page_template.html");
+
+export function launch(...args: string[]): Promise<Browser> {
+  return chromium.launch({
+    executablePath: process.env["VEQ_CHROMIUM"] ?? "/usr/bin/chromium",
+    args: ["--no-sandbox", "--disable-quic", "--no-first-run", "--disable-background-networking",
+      "--disable-component-update", "--disable-sync", ...args],
+  });
+}
+
+/** A folder for the files of a test, which goes away with the process. */
+export const folder = mkdtempSync(join(tmpdir(), "veq-page-"));
+process.on("exit", () => {
+  rmSync(folder, { recursive: true, force: true });
+});
+
+export function escaped(text: string): string {
+  const signs: Record<string, string> = { "&": "&amp;", "<": "&lt;", ">": "&gt;", '"': "&quot;", "'": "&#39;" };
+  return text.replace(/[&<>"']/g, (sign) => signs[sign]);
+}
+
+/** A page of a block, as the library writes it. */
+export function htmlOf(block: Uint8Array, title = ""): string {
+  const template = readFileSync(templateFile, "utf8");
+  return template
+    .replace("@@VEQ-TITLE@@", () => escaped(title))
+    .replace("@@VEQ-DATA@@", () => Buffer.from(block).toString("base64"));
+}
+
+let files = 0;
+
+/** The address of a file with this page. */
+export function fileOf(html: string, name = `page${++files}.html`): string {
+  const file = join(folder, name);
+  writeFileSync(file, html);
+  return pathToFileURL(file).href;
+}
+
+export function addressOf(spec: Spec): string {
+  return fileOf(htmlOf(encode(spec), spec.title ?? ""));
+}
+
+/** What must not happen on any page, gathered as it does. */
+export class Watch {
+  readonly faults: string[] = [];
+
+  constructor(page: Page, address: string) {
+    page.on("dialog", (dialog) => {
+      this.faults.push(`dialog ${dialog.message()}`);
+      void dialog.dismiss();
+    });
+    page.on("pageerror", (error) => {
+      this.faults.push(`error ${error.message}`);
+    });
+    page.on("console", (message) => {
+      if (message.type() === "error") this.faults.push(`console ${message.text()}`);
+    });
+    page.on("request", (request) => {
+      const url = request.url();
+      const isOwn = url.split("#")[0] === address.split("#")[0] || /^(blob|data):/.test(url);
+      if (!isOwn) this.faults.push(`request ${url}`);
+    });
+  }
+}
+
+export interface Opened {
+  page: Page;
+  watch: Watch;
+  close: () => Promise<void>;
+}
+
+/** Opens an address and waits until the page is drawn. */
+export async function open(
+  browser: Browser,
+  address: string,
+  options: BrowserContextOptions = {},
+): Promise<Opened> {
+  const context = await browser.newContext({
+    viewport: { width: 1180, height: 760 },
+    // So that a walk waits until a test plays it.
+    reducedMotion: "reduce",
+    ...options,
+  });
+  const page = await context.newPage();
+  const watch = new Watch(page, address);
+  await page.goto(address);
+  await page.waitForFunction(() => !document.getElementById("app")?.hidden || !document.getElementById("failure")?.hidden);
+  await settle(page);
+  return { page, watch, close: () => context.close() };
+}
+
+/** Waits for two frames, after which what was asked for is drawn. */
+export async function settle(page: Page): Promise<void> {
+  await page.evaluate(
+    () => new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done))),
+  );
+}
+
+export async function checked(page: Page): Promise<string> {
+  await page.waitForFunction(() => /agrees|differs/.test(document.getElementById("check-text")?.textContent ?? ""));
+  return (await page.textContent("#check-text")) ?? "";
+}
