@@ -4,8 +4,11 @@ import type { Scene } from "./scene.ts";
 
 const SMALLEST_NAMED = 3;
 /** So many are tried at most, the largest first. */
-const MOST_TRIED = 1500;
+const MOST_TRIED = 600;
 const LONGEST = 28;
+/** Names keep clear of so many of the largest vertices. */
+const MOST_DISCS = 300;
+const APART = 4;
 export const MOST_LABELS = 160;
 
 /** Names of vertices, and loops, above the view: alike in every view. */
@@ -37,7 +40,7 @@ export class Labels {
     c.strokeStyle = css(scene.shades.ground, 0.85);
     c.fillStyle = css(scene.shades.ink);
     for (const label of this.placed(c, always)) {
-      c.font = fontOf(label);
+      c.font = fontOf(label.isWanted);
       c.strokeText(label.text, label.x, label.y);
       c.fillText(label.text, label.x, label.y);
     }
@@ -47,7 +50,7 @@ export class Labels {
   /** The names that have room, the wanted ones and then those of the largest vertices. */
   placed(c: CanvasRenderingContext2D, always: readonly number[]): Label[] {
     const labels: Label[] = [];
-    const taken: Box[] = [];
+    const taken = this.discs();
     for (const v of always) this.place(c, v, true, labels, taken);
     let tried = 0;
     for (const v of this.order) {
@@ -85,7 +88,7 @@ export class Labels {
     c.stroke();
   }
 
-  // A label gives way where another is.
+  // A label stands to the right of its vertex or else to the left, and gives way where others are.
   private place(
     c: CanvasRenderingContext2D,
     v: number,
@@ -95,19 +98,34 @@ export class Labels {
   ): void {
     const { scene } = this;
     const r = scene.radius[v] * growth(scene);
-    const x = screenX(scene, scene.x[v]) + r + 4;
+    const middle = screenX(scene, scene.x[v]);
     const y = screenY(scene, scene.y[v]);
-    if (x < -60 || y < 0 || x > scene.width || y > scene.height) return;
+    if (middle < 0 || y < 0 || middle > scene.width || y > scene.height) return;
     if (!isWanted && r < SMALLEST_NAMED) return;
     const characters = Array.from(this.nameOf(v));
     const isLong = characters.length > LONGEST;
     const text = isLong ? `${characters.slice(0, LONGEST - 1).join("")}…` : characters.join("");
-    const label = { text, x, y, isWanted };
-    c.font = fontOf(label);
-    const box = { left: x - 2, right: x + c.measureText(text).width + 6, top: y - 8, bottom: y + 8 };
-    if (!isWanted && taken.some((each) => overlap(each, box))) return;
-    taken.push(box);
-    labels.push(label);
+    c.font = fontOf(isWanted);
+    const { width } = c.measureText(text);
+    for (const x of [middle + r + APART, middle - r - APART - width]) {
+      const box = { left: x - 1, right: x + width + 1, top: y - 7, bottom: y + 7 };
+      if (!isWanted && taken.some((each) => overlap(each, box))) continue;
+      taken.push(box);
+      labels.push({ text, x, y, isWanted });
+      return;
+    }
+  }
+
+  /** Where the largest vertices are. */
+  private discs(): Box[] {
+    const { scene } = this;
+    const grown = growth(scene);
+    return Array.from(this.order.subarray(0, MOST_DISCS), (v) => {
+      const x = screenX(scene, scene.x[v]);
+      const y = screenY(scene, scene.y[v]);
+      const half = scene.radius[v] * grown * 0.8;
+      return { left: x - half, right: x + half, top: y - half, bottom: y + half };
+    });
   }
 }
 
@@ -119,8 +137,8 @@ export interface Label {
   readonly isWanted: boolean;
 }
 
-function fontOf(label: Label): string {
-  return `${label.isWanted ? 600 : 450} 12px system-ui, sans-serif`;
+function fontOf(isWanted: boolean): string {
+  return `${isWanted ? 600 : 450} 12px system-ui, sans-serif`;
 }
 
 interface Box {

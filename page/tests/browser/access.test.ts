@@ -65,7 +65,7 @@ for (const [name, width, height, zoom] of [
     const out = await page.evaluate(() =>
       Array.from(document.querySelectorAll("button, input, select"))
         .filter((each) => each.checkVisibility())
-        .map((each) => ({ id: each.id || (each.textContent ?? ""), box: each.getBoundingClientRect() }))
+        .map((each) => ({ id: each.id || each.textContent, box: each.getBoundingClientRect() }))
         .filter(({ box }) => box.left < -0.5 || box.right > window.innerWidth + 0.5 || box.height < 20)
         .map(({ id }) => id),
     );

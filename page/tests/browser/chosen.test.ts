@@ -4,7 +4,7 @@ import { readFileSync } from "node:fs";
 import { after, before, test } from "node:test";
 import type { Browser } from "playwright-core";
 import { STEPS, changes, novel, step, stepIs } from "../support/acting.ts";
-import { addressOf, launch, open, settle } from "../support/browser.ts";
+import { addressOf, launch, open } from "../support/browser.ts";
 import { smallSamples } from "../support/samples.ts";
 
 let browser: Browser;
@@ -53,7 +53,7 @@ test("agents are shown, numbered, trailed and followed as chosen", async () => {
   await changes(page, "agents", () => give("#agents-shown", "none"), "none");
   await give("#agents-shown", "all");
   await changes(page, "base", () => give("#follow", "3"), "follow");
-  await page.waitForFunction(() => /^Agent 3 is at /.test(document.getElementById("agent-at")?.textContent ?? ""));
+  await page.waitForFunction(() => document.getElementById("agent-at")?.textContent.startsWith("Agent 3 is at "));
   await close();
 });
 
