@@ -77,6 +77,9 @@ inline Texts edgeTexts(const VEQNetwork& network, std::string_view key) {
 inline PropertyColumn::Kind vertexKind(const VEQNetwork& network, std::string_view key) {
   return (*network.propertiesOfVertices()->find(key))->kind();
 }
+inline PropertyColumn::Kind edgeKind(const VEQNetwork& network, std::string_view key) {
+  return (*network.propertiesOfEdges()->find(key))->kind();
+}
 
 /// Calls f with many damaged forms of a text: cut anywhere, with pieces removed, doubled and
 /// exchanged for what readers look for. The same ones every time.

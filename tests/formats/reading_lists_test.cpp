@@ -122,6 +122,25 @@ TEST(ReadingLists, KeepsTypesThatAreNoDirections) {
   EXPECT_THAT(edgeTexts(reading, "type"), ElementsAre("friend", "<null>", "<null>"));
 }
 
+TEST(ReadingLists, TakesNumbersInQuotesForTextUnlessAllStandInQuotes) {
+  const Reading some = read("source,target,code\na,b,\"1\"\nb,c,\"2\"\n");
+  EXPECT_EQ(edgeKind(*some.value().published(), "code"), PropertyColumn::Kind::kGeneric);
+  EXPECT_THAT(edgeTexts(some, "code"), ElementsAre("1", "2"));
+  const Reading all =
+      read("\"source\",\"target\",\"code\"\n\"a\",\"b\",\"1\"\n\"b\",\"c\",\"2\"\n");
+  EXPECT_EQ(edgeKind(*all.value().published(), "code"), PropertyColumn::Kind::kNumber);
+  const Reading empty =
+      read("\"source\",\"target\",\"code\"\n\"a\",\"b\",\"1\"\n\"b\",\"c\",\"\"\n");
+  EXPECT_THAT(edgeTexts(empty, "code"), ElementsAre("1", "<null>"));
+  EXPECT_THAT(edgeTexts(read("source,target,code\na,b,x\nb,c,\"\"\n"), "code"),
+              ElementsAre("x", ""));
+}
+
+TEST(ReadingLists, CountsEachWeightThatIsMissingOnce) {
+  EXPECT_THAT(notesOf(read("source,target,weight,x\n1,2,0.5,a\n2,3,,b\n3,1\n")),
+              ElementsAre("3:1 repaired x2: no weight is taken for 1"));
+}
+
 TEST(ReadingLists, SaysThatAWeightIsBeyondAllNumbers) {
   const Reading reading = read("1 2 1e400\n");
   EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1 w(inf)");
@@ -328,6 +347,10 @@ TEST(ReadingLists, KeepsLargeNumbersOfManyDigitsAsNames) {
 TEST(ReadingLists, RefusesWhatHasNoEdge) {
   EXPECT_EQ(summaryOf(read("")), "error 1:1 the file is empty");
   EXPECT_EQ(summaryOf(read("word\n")), "error 1:1 no format that is known");
+  EXPECT_EQ(summaryOf(readNetworkText("word\n", {}, "x.veqa")),
+            "error 1:1 no format that is known");
+  EXPECT_EQ(summaryOf(readNetworkText("word\n", {}, "x.graphml")),
+            "error 1:1 no format that is known");
   EXPECT_EQ(summaryOf(read("# only a comment\n")), "error 1:1 no format that is known");
 }
 

@@ -121,6 +121,21 @@ TEST(Writing, CsvCallsVerticesByTheirNames) {
             "Id,Label\n\"x,y\",\"x,y\"\n\" b\",\" b\"\n\"#c\",\"#c\"\n");
 }
 
+TEST(Writing, CsvKeepsTextsThatLookLikeNumbers) {
+  Owned<VEQNetwork> network = path3();
+  network->setPropertiesOfEdges_forKey(generic({PropertyValue("1.50"), PropertyValue("")}), "text");
+  network->setPropertiesOfEdges_forKey(generic({PropertyValue("a\r\nb"), PropertyValue()}), "none");
+  const Network kept = networkOf(std::move(network));
+  const std::string text = textOf(kept, FileFormat::kCsv);
+  EXPECT_EQ(text,
+            "Source,Target,Type,text,none\n0,1,Undirected,\"1.50\",\"a\r\nb\"\n"
+            "1,2,Undirected,\"\",\n");
+  const Reading back = readNetworkText(text);
+  EXPECT_THAT(edgeTexts(back, "text"), ElementsAre("1.50", ""));
+  EXPECT_THAT(edgeTexts(back, "none"), ElementsAre("a\r\nb", "<null>"));
+  EXPECT_EQ(edgeKind(*back.value().published(), "text"), PropertyColumn::Kind::kGeneric);
+}
+
 TEST(Writing, PublishedFormatsAsTheirOwnWriters) {
   const Network network = networkOf(path3());
   EXPECT_EQ(textOf(network, FileFormat::kXnet), network.published()->formattedStringValue());

@@ -7,12 +7,22 @@
 #include <vector>
 
 #include "veq/base/internal/number_text.hpp"
+#include "veq/formats/internal/lines.hpp"
 #include "veq/formats/internal/table_columns.hpp"
 #include "veq/formats/internal/writers.hpp"
 #include "veq/network/internal/property_columns.hpp"
 
 namespace veq::internal {
 namespace {
+
+void appendQuoted(std::string& out, std::string_view text) {
+  out += '"';
+  for (const char byte : text) {
+    if (byte == '"') out += '"';
+    out += byte;
+  }
+  out += '"';
+}
 
 /// A field is quoted where it must be, a quote inside it doubled.
 void appendField(std::string& out, std::string_view text) {
@@ -23,13 +33,14 @@ void appendField(std::string& out, std::string_view text) {
     out += text;
     return;
   }
-  if (text.empty()) return;
-  out += '"';
-  for (const char byte : text) {
-    if (byte == '"') out += '"';
-    out += byte;
-  }
-  out += '"';
+  if (!text.empty()) appendQuoted(out, text);
+}
+
+/// A text is quoted, too, that would be read as a number, or as no value at all.
+void appendValue(std::string& out, const PropertyValue& value) {
+  const std::string text = value.text();
+  if (value.string() && (text.empty() || wholeNumber(text))) return appendQuoted(out, text);
+  appendField(out, text);
 }
 
 /// What vertices are called in both tables: their names where each has one of its own, or else
@@ -83,7 +94,7 @@ void appendRow(std::string& out, const std::vector<TableColumn>& columns, std::u
   for (const TableColumn& column : columns) {
     out += ',';
     const PropertyValue value = column.at(row);
-    if (!value.isNull()) appendField(out, value.text());
+    if (!value.isNull()) appendValue(out, value);
   }
   out += '\n';
 }

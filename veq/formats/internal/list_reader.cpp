@@ -139,9 +139,11 @@ class FieldReader {
     if (source.empty() || target.empty()) return readIncomplete(source.empty() ? target : source);
     ends_.add(source, target);
     for (std::size_t i = 0; i < rows_.fields().size(); ++i) {
+      hasUnquoted_ |= !rows_.fields()[i].empty() && !rows_.isQuoted(i);
       if (i != shape_.source && i != shape_.target) readFurther(i);
     }
-    if (shape_.weight != ListShape::kNone && field(shape_.weight).empty()) addWeight("");
+    const bool isShort = shape_.weight >= rows_.fields().size();
+    if (shape_.weight != ListShape::kNone && isShort) addWeight("");
     ++edges_;
   }
 
@@ -171,9 +173,18 @@ class FieldReader {
   }
 
   void setCell(std::size_t column, std::string_view cell) {
-    if (cell.empty()) return;
+    const bool quoted = rows_.isQuoted(column);
+    if (cell.empty() && !quoted) return;
     nameColumn(column);
     columns_[column].set(edges_, cell);
+    if (quotedColumns_.size() <= column) quotedColumns_.resize(column + 1);
+    if (quoted) quotedColumns_[column] = true;
+  }
+
+  /// What stands in quotes is text, unless everything does.
+  [[nodiscard]] Shared<PropertyColumn> finished(std::size_t column) const {
+    const bool isText = hasUnquoted_ && column < quotedColumns_.size() && quotedColumns_[column];
+    return isText ? columns_[column].finishAsText(edges_) : columns_[column].finish(edges_);
   }
 
   void addWeight(std::string_view cell) {
@@ -209,8 +220,9 @@ class FieldReader {
     if (shape_.weight != ListShape::kNone && weights_.size() == edges_ && edges_ != 0) {
       weights_.finish(draft, context_, kRounded);
     }
-    for (const TextColumn& column : columns_) {
-      if (!column.empty()) draft.properties.edges.set(column.key(), column.finish(edges_));
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+      if (!hasUnquoted_) columns_[i].unsetEmptyCells();
+      if (!columns_[i].empty()) draft.properties.edges.set(columns_[i].key(), finished(i));
     }
     return draft;
   }
@@ -267,6 +279,9 @@ class FieldReader {
   std::uint64_t edges_ = 0;
   WeightColumn weights_;
   std::vector<TextColumn> columns_;
+  /// Those of which a cell stands in quotes, and whether any field stands in none.
+  std::vector<bool> quotedColumns_;
+  bool hasUnquoted_ = false;
   bool directedEdges_ = false;
   bool undirectedEdges_ = false;
 };

@@ -34,10 +34,12 @@ void FieldSplitter::split(std::string_view line, std::vector<std::string_view>& 
   fields.clear();
   isOpen_ = false;
   hasTail_ = false;
+  quoted_.clear();
   LineCursor cursor(line);
   if (separator_ == ' ') {
     for (cursor.skipBlanks(); !cursor.atEnd(); cursor.skipBlanks()) {
-      if (cursor.startsWith('"')) {
+      quoted_.push_back(cursor.startsWith('"'));
+      if (quoted_.back()) {
         std::string_view rest = cursor.rest();
         const std::string_view field = takeQuoted(rest);
         fields.push_back(field);
@@ -55,7 +57,8 @@ void FieldSplitter::split(std::string_view line, std::vector<std::string_view>& 
       rest.remove_prefix(1);
     }
     std::string_view field;
-    if (!rest.empty() && rest.front() == '"') {
+    quoted_.push_back(!rest.empty() && rest.front() == '"');
+    if (quoted_.back()) {
       field = takeQuoted(rest);
       const std::size_t end = std::min(rest.find(separator_), rest.size());
       hasTail_ |= !withoutBlanks(rest.substr(0, end)).empty();

@@ -27,6 +27,8 @@ class FieldSplitter {
   void split(std::string_view line, std::vector<std::string_view>& fields);
   /// Whether the last line ended inside a quote.
   [[nodiscard]] bool isOpen() const { return isOpen_; }
+  /// Whether a field of the last line stood in quotes.
+  [[nodiscard]] bool isQuoted(std::size_t field) const { return quoted_[field]; }
   /// Whether something followed the end of a quoted field, of which it is no part.
   [[nodiscard]] bool hasTail() const { return hasTail_; }
 
@@ -36,6 +38,7 @@ class FieldSplitter {
   char separator_;
   bool isOpen_ = false;
   bool hasTail_ = false;
+  std::vector<bool> quoted_;
   /// Fields whose quotes had to be undone. Their texts never move.
   std::vector<std::unique_ptr<std::string>> undone_;
 };
@@ -49,6 +52,7 @@ class ListRows {
   /// Goes to the next row; false behind the last one.
   bool next();
   [[nodiscard]] const std::vector<std::string_view>& fields() const { return fields_; }
+  [[nodiscard]] bool isQuoted(std::size_t field) const { return splitter_.isQuoted(field); }
   /// The row as it stands.
   [[nodiscard]] std::string_view text() const { return text_; }
   /// Whether it ends inside a quote that no later line closes.

@@ -35,6 +35,16 @@ class VEQ_EXPORT TextColumn {
     cells_[row] = cell.data() ? cell : std::string_view("");
   }
 
+  /// Makes cells that are empty unset.
+  void unsetEmptyCells() {
+    bool any = false;
+    for (std::string_view& cell : cells_) {
+      if (cell.empty()) cell = {};
+      any |= cell.data() != nullptr;
+    }
+    if (!any) cells_.clear();
+  }
+
   /// No address where the cell is unset.
   [[nodiscard]] std::string_view at(std::uint64_t row) const {
     return row < cells_.size() ? cells_[row] : std::string_view();
