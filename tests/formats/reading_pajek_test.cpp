@@ -119,6 +119,15 @@ TEST(ReadingPajek, IsKnownBehindOtherWords) {
   EXPECT_EQ(read("*\n*Edges:2 \"x\"\n1 2\n").format(), FileFormat::kPajek);
 }
 
+TEST(ReadingPajek, RefusesATextWithoutSections) {
+  ReadOptions options;
+  options.format = FileFormat::kPajek;
+  const std::string error = "error 1:1 no section of Pajek, such as *Vertices or *Edges";
+  EXPECT_EQ(summaryOf(readNetworkText("1 2\n2 3\n", options)), error);
+  EXPECT_EQ(summaryOf(readNetworkText("*Nonsense\n1 2\n", options)), error);
+  EXPECT_EQ(summaryOf(readNetworkText("hello\n", {}, "x.net")), error);
+}
+
 TEST(ReadingPajek, KeepsTheTwoModes) {
   const Reading reading = read("*Vertices 5 2\n*Edges\n1 3\n2 5\n");
   EXPECT_EQ(summaryOf(reading), "undirected 5: 0>2 1>4");

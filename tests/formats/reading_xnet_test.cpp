@@ -38,6 +38,12 @@ TEST(ReadingXnet, SaysOfWhichSectionTheWeightsAreTooFew) {
             "error 1:1 2 weights for 3 vertices");
 }
 
+TEST(ReadingXnet, SaysWhereItEndsTooEarly) {
+  const std::string error = " no number of vertices, or an empty name or key";
+  EXPECT_EQ(xnetSummary("#vertices"), "error 1:10" + error);
+  EXPECT_EQ(xnetSummary("#vertices 2\n#edges\n0 1\n#v"), "error 4:3" + error);
+}
+
 TEST(ReadingXnet, CountsLinesThatEndWithCarriageReturns) {
   EXPECT_EQ(xnetSummary("#vertices 2\r\"a\"\r\"\"\r"),
             "error 3:2 no number of vertices, or an empty name or key");

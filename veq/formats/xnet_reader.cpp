@@ -118,7 +118,8 @@ class XnetReader {
   std::optional<NetworkDraft> read() {
     do {
       while (!scanner_.atEnd()) {
-        if (!readLine()) return std::nullopt;
+        stopped_ = !readLine();
+        if (stopped_) return std::nullopt;
         scanner_.finishLine();
       }
     } while (nextPiece());
@@ -127,13 +128,18 @@ class XnetReader {
   }
   /// Where it stopped; nothing where it read all.
   [[nodiscard]] std::optional<Place> stoppedAt() {
-    if (scanner_.atEnd() && input_.piece(piece_ + 1).empty()) return std::nullopt;
+    if (!stopped_) return std::nullopt;
     std::uint64_t offset = scanner_.position();
     for (std::size_t i = 0; i < piece_; ++i) offset += input_.piece(i).size();
     LineReader lines(input_);
     std::uint64_t begin = 0;
-    while (lines.next() && lines.position() <= offset) begin = lines.position();
-    return Place{lines.number(), offset - begin + 1};
+    Place place{1, 1};
+    while (lines.next()) {
+      place = {lines.number(), offset - begin + 1};
+      begin = lines.position();
+      if (begin > offset) break;
+    }
+    return place;
   }
 
  private:
@@ -275,6 +281,7 @@ class XnetReader {
   std::size_t piece_ = 0;
   TextScanner scanner_;
   bool logs_;
+  bool stopped_ = false;
   XnetSection section_ = XnetSection::kNone;
   ColumnDraft column_;
   TextTopology topology_{/*first=*/0};

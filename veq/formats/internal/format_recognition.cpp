@@ -105,7 +105,10 @@ std::optional<FileFormat> formatOfText(TextInput& input, std::string_view name) 
   if (text.substr(0, ByteStream::kPiece).find('\0') != text.npos) return std::nullopt;
   if (hasPajekSections(LineReader(input))) return FileFormat::kPajek;
   if (shapeOfList(input)) return FileFormat::kList;
-  return fileFormatOfSuffix(name);
+  // Of what is no text of any kind a suffix could say only what it is not.
+  const std::optional<FileFormat> suffixed = fileFormatOfSuffix(name);
+  return suffixed == FileFormat::kArchive || suffixed == FileFormat::kGraphMl ? std::nullopt
+                                                                              : suffixed;
 }
 
 Error unhandled(FileFormat format, std::string_view done) {

@@ -79,6 +79,7 @@ class PajekSections {
         pajekSectionOf(word) == PajekSection::kVertices)
       return;
     section_ = pajekSectionOf(word);
+    hasSections_ |= section_ != PajekSection::kLeftOut;
     switch (section_) {
       case PajekSection::kNetwork:
         return readNetworkHeader(cursor);
@@ -347,6 +348,7 @@ class PajekSections {
   }
 
   NetworkDraft finish() {
+    if (!hasSections_) failAt({1, 1}, "no section of Pajek, such as *Vertices or *Edges");
     columns_.end();
     matrix_.requireWhole();
     NetworkDraft draft;
@@ -376,6 +378,7 @@ class PajekSections {
   ReadContext& context_;
   std::uint64_t textSize_;
   PajekSection section_ = PajekSection::kNone;
+  bool hasSections_ = false;
   bool ended_ = false;
   std::optional<std::uint64_t> count_;
   Place countPlace_;
