@@ -8,7 +8,9 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <new>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -18,6 +20,7 @@
 #include "tests/support/agents.hpp"
 #include "tests/support/thrown_text.hpp"
 #include "veq/base/internal/pace.hpp"
+#include "veq/natural/sharing.hpp"
 
 namespace veq::test {
 namespace {
@@ -187,6 +190,32 @@ TEST(Walkers, LeaveTheSharedSequenceAloneWhenTheyHaveAStateOfTheirOwn) {
 }
 
 // 0 -> 1 -> 2, and 2 cannot be left.
+// The first list of an image begins at the first place of the pool. On 0 - 1 three steps from 0
+// lead to 1, to 0 and to 1.
+TEST(Walkers, GoOverForeignMemoryFromItsFirstEntryOn) {
+  const auto built = weighted(Network(networkOf(2, {{0, 1}}, false)), {2.0F});
+  const auto words = std::make_shared<std::vector<std::uint64_t>>(imageSize(built).value() / 8 + 1);
+  ASSERT_TRUE(writeImage(built, std::as_writable_bytes(std::span(*words))));
+  const Network network = attachImage(std::as_bytes(std::span(*words)), words).value();
+  for (const Choice choice : {Choice::kPublished, Choice::kEven, Choice::kWeighted}) {
+    for (const bool memory : {false, true}) {
+      for (const std::uint64_t agents : {1U, 2U}) {
+        const Indices starts(agents, 0);
+        Walkers walkers = memory ? Walkers::withMemory(network, starts, {{1}, {}, {}}).value()
+                                 : walkersAt(network, starts);
+        RandomState state = seeded(1);
+        WalkOptions options;
+        options.steps = 3;
+        options.choice = choice;
+        options.random = &state;
+        ASSERT_TRUE(walkers.walk(options));
+        EXPECT_EQ(walkers.positions(), Indices(agents, 1));
+        EXPECT_EQ(walkers.visits(), (Indices{agents, 2 * agents}));
+      }
+    }
+  }
+}
+
 TEST(Walkers, TellStepsInPlaceFromStepsToVertex0) {
   Walkers walkers = walkersAt(Network(networkOf(4, {{0, 1}, {1, 2}}, true)), {0, 1});
   WalkOptions options;

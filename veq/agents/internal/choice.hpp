@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "veq/base/internal/uint128.hpp"
@@ -34,11 +35,16 @@ inline constexpr std::uint64_t kExactChoices = std::uint64_t{1} << 22;
   return static_cast<std::uint64_t>(Uint128{k} * draw >> 31);
 }
 
+/// What stands for no place in a pool, whose size is at most this. Lists in foreign memory may
+/// begin at any place below.
+template <class Index>
+inline constexpr Index kNoPlace = std::numeric_limits<Index>::max();
+
 /// Choices that depend on a list's length alone, by one of the functions above.
 ///
-/// Every choice answers for a list with the place of an entry in the pool of neighbours, or with 0,
-/// where no list is, if there is none to take; and among() does where some vertices are to be left
-/// out, unless they are all that there is.
+/// Every choice answers for a list with the place of an entry in the pool of neighbours, or with
+/// kNoPlace if there is none to take; and among() does where some vertices are to be left out,
+/// unless they are all that there is.
 template <auto kEntry>
 struct CountingChoice {
   template <class Index>
@@ -47,7 +53,8 @@ struct CountingChoice {
     const Index last = row.count - 1;
     if (last < kExactChoices)
       return static_cast<Index>(row.start + kEntry(std::uint64_t{last} + 1, draw));
-    return row.count == 0 ? 0 : static_cast<Index>(row.start + kEntry(row.count, draw));
+    return row.count == 0 ? kNoPlace<Index>
+                          : static_cast<Index>(row.start + kEntry(row.count, draw));
   }
 
   // Counting the candidates and then looking for the chosen one takes no memory, which a walk could
@@ -80,10 +87,10 @@ struct WeightedChoice {
 
   template <class Index>
   [[nodiscard]] Index operator()(Row<Index> row, std::uint32_t draw) const {
-    if (row.count == 0) return 0;
+    if (row.count == 0) return kNoPlace<Index>;
     const Entry* const first = entries.data() + row.start;
     const double total = first[row.count - 1].sum;
-    if (!(total > 0.0)) return 0;
+    if (!(total > 0.0)) return kNoPlace<Index>;
     const double limit = total * fromDraw<double>(draw);
     const Entry* const chosen = std::partition_point(
         first, first + row.count, [limit](const Entry& entry) { return !(entry.sum > limit); });

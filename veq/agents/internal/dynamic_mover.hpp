@@ -96,7 +96,8 @@ class DynamicMover {
     const Index chosen =
         choice_.among(lists_.rows()[position], lists_.neighbourPool(), draws_[kNextVertex][number],
                       [&](Index neighbour) { return memories_.remembers(agent, neighbour); });
-    return chosen == 0 ? kStayed<Word> : static_cast<Word>(lists_.neighbourPool()[chosen]);
+    return chosen == kNoPlace<Index> ? kStayed<Word>
+                                     : static_cast<Word>(lists_.neighbourPool()[chosen]);
   }
 
   // Lists and their places, for agents that come soon: each waits for memory on its own otherwise.

@@ -67,7 +67,7 @@ class PlainMover {
     for (std::uint64_t s = 0; s < steps; ++s, draws += agents_, moves += agents_) {
       for (std::uint64_t i = 0; i < some; ++i) {
         chosen[i] = choice_(rows_[positions[i]], draws[i]);
-        prefetch(neighbours_ + chosen[i]);
+        prefetchElement(neighbours_, chosen[i]);
       }
       for (std::uint64_t i = 0; i < some; ++i) {
         if constexpr (kRestarts) {
@@ -76,7 +76,7 @@ class PlainMover {
             continue;
           }
         }
-        if (chosen[i] == 0) {
+        if (chosen[i] == kNoPlace<Index>) {
           moves[i] = kStayed<Word>;
           continue;
         }
@@ -100,7 +100,7 @@ class PlainMover {
         }
       }
       const Index chosen = choice_(rows_[at], draws[s]);
-      if (chosen == 0) {
+      if (chosen == kNoPlace<Index>) {
         moves[s] = kStayed<Word>;
         continue;
       }

@@ -32,6 +32,12 @@ VEQ_EXPORT void release(void* block) noexcept;
 
 /// Has the processor fetch what will be read, or written, soon.
 inline void prefetch(const void* address) { __builtin_prefetch(address); }
+/// The same of an element; where there is none of that number nothing happens.
+template <class T>
+void prefetchElement(const T* elements, std::uint64_t number) {
+  const auto bytes = static_cast<std::uintptr_t>(number * sizeof(T));
+  prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(elements) + bytes));
+}
 inline void prefetchForWriting(const void* address) { __builtin_prefetch(address, 1); }
 
 /// std::bad_alloc where the elements exceed the memory that there is (memoryLimit()), although an
