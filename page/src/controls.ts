@@ -94,6 +94,9 @@ export function bindWalk(app: App): void {
   const substream = facts?.substream === null ? "" : `, substream ${facts?.substream}`;
   say(block("seed"), facts?.seed === null || !facts ? "unknown" : `${facts.seed}${substream}`);
   say(block("step-all"), `of ${whole(walk.steps)}`);
+  keepRoom("step-now", whole(walk.steps));
+  keepRoom("moves-now", whole(walk.steps * walk.starts.length));
+  keepRoom("reached-now", whole(meta.n));
   let announced = -1;
   app.watch(() => {
     // The slider stays where a hand left it while the walk is on its way there.
@@ -110,6 +113,11 @@ export function bindWalk(app: App): void {
       announced = replay.step;
     }
   });
+}
+
+/** Lets a number grow to its longest without moving what is beside it. */
+function keepRoom(id: string, longest: string): void {
+  block(id).style.minWidth = `${longest.length}ch`;
 }
 
 function speedText(speed: number, reached: number): string {

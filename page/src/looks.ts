@@ -140,7 +140,8 @@ function paintNumbers(
     title: facts.title(source) + (isRank ? ", by rank" : ""),
     scale: nones === scene.n ? null : { colors, ticks: isRank ? [] : ticks },
     kinds: [],
-    none: nones > 0 ? { color: scene.palette[NONE], text: event ? "not visited yet" : "none" } : null,
+    // An entry that went away once all are visited would have the legend jump.
+    none: nones > 0 || event ? { color: scene.palette[NONE], text: event ? "not visited yet" : "none" } : null,
   };
 }
 

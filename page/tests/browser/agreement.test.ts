@@ -6,8 +6,8 @@ import { after, before, test } from "node:test";
 import type { Browser } from "playwright-core";
 import { crc32, fromBase64 } from "../../src/bytes.ts";
 import { encode } from "../support/encode.ts";
-import { checked, fileOf, folder, htmlOf, launch, open } from "../support/browser.ts";
-import { network, veq } from "../support/networks.ts";
+import { checked, fileOf, folder, htmlOf, launch, open, pageOf, settle } from "../support/browser.ts";
+import { network, pathsOf, veq } from "../support/networks.ts";
 import { remembered, walked } from "../support/samples.ts";
 
 let browser: Browser;
@@ -19,12 +19,6 @@ after(() => browser.close());
 /** The row of a CSV of the page's: index, name, degree, visits, latest. */
 function visitsOf(csv: string): number[] {
   return csv.trim().split("\n").slice(1).map((line) => Number(line.split(",").at(-2)));
-}
-
-/** The page that the program wrote, in the template as it is now, which the program may be older than. */
-function pageOf(file: string): string {
-  const data = /application\/octet-stream">([^<]*)</.exec(readFileSync(file, "utf8"))?.[1] ?? "";
-  return fileOf(htmlOf(fromBase64(data)));
 }
 
 /** What the page's own table of visits says at the end. */
@@ -41,7 +35,7 @@ async function visitsShown(address: string): Promise<{ says: string; visits: num
 }
 
 interface Told {
-  vertices: { index: number; visits: number }[];
+  visits: { index: number; visits: number }[];
 }
 
 const WALKS = 100;
@@ -63,7 +57,7 @@ test(`${WALKS} walks of the program agree`, async () => {
     const out = join(folder, `walk${i}.html`);
     const told = JSON.parse(veq("walk", file, ...options, "--page", out, "--format", "json")) as Told;
     const visits: number[] = [];
-    for (const row of told.vertices) visits[row.index] = row.visits;
+    for (const row of told.visits) visits[row.index] = row.visits;
     const shown = await visitsShown(pageOf(out));
     assert.equal(shown.says, "recomputed in your browser: agrees", options.join(" "));
     assert.deepEqual(shown.visits, visits, options.join(" "));
@@ -71,13 +65,28 @@ test(`${WALKS} walks of the program agree`, async () => {
   }
 });
 
-test("agents with memory walk as they were recorded, and their memories are shown", async () => {
+test("agents with memory walk as they were recorded, and the followed one's memory is shown", async () => {
   const out = join(folder, "memory.html");
+  const walk = ["data/karate.xnet", "--agents", "3", "--steps", "50", "--seed", "1", "--memory", "5"];
+  const path = pathsOf(...(walk as [string, ...string[]]))[1];
+  veq("walk", ...walk, "--page", out);
+  const { page, close } = await open(browser, `${pageOf(out)}#follow=1&s=50`);
+  assert.equal(await checked(page), "replayed in your browser: agrees");
+  await page.waitForFunction(() => document.getElementById("step-now")?.textContent === "50");
+  await settle(page);
+  // Vertex i is called i + 1. It remembers its last five visits, and every step was one.
+  const expected = path.slice(-5).reverse().map((v) => String(v + 1));
+  assert.deepEqual(await page.locator("#memory-list li").allTextContents(), expected);
+  await close();
+});
+
+test("agents that tell each other what they remember walk as they were recorded", async () => {
+  const out = join(folder, "telling.html");
   veq("walk", "data/karate.xnet", "--agents", "34", "--steps", "50", "--seed", "1", "--memory", "5",
     "--errors", "0.05", "--agents-network", "data/karate.xnet", "--page", out);
   const { page, close } = await open(browser, `${pageOf(out)}#follow=0&s=50`);
   assert.equal(await checked(page), "replayed in your browser: agrees");
-  await page.waitForFunction(() => document.querySelectorAll("#memory-list li").length === 5);
+  await page.waitForFunction(() => document.querySelectorAll("#memory-list li").length > 5);
   await close();
 });
 

@@ -1,8 +1,7 @@
 /** Takes the pictures of docs/pictures and of the README from pages that the program writes. */
 import { mkdirSync, statSync } from "node:fs";
 import { join } from "node:path";
-import { pathToFileURL } from "node:url";
-import { checked, folder, launch, open, settle } from "../support/browser.ts";
+import { checked, folder, launch, open, pageOf, settle } from "../support/browser.ts";
 import { root, veq } from "../support/networks.ts";
 
 const MOST_BYTES = 200_000;
@@ -32,7 +31,7 @@ const scenes: { name: string; page: string; hash: string; dark?: boolean; viewpo
 
 const browser = await launch();
 for (const scene of scenes) {
-  const address = `${pathToFileURL(scene.page).href}#${scene.hash.replace("s=END&", "").replace("s=END", "")}`;
+  const address = `${pageOf(scene.page)}#${scene.hash.replace("s=END&", "").replace("s=END", "")}`;
   const { page, watch, close } = await open(browser, address, {
     viewport: scene.viewport ?? wide,
     colorScheme: scene.dark ? "dark" : "light",

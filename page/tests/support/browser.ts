@@ -5,6 +5,7 @@ import { join } from "node:path";
 import { pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
 import type { Browser, BrowserContextOptions, Page } from "playwright-core";
+import { fromBase64 } from "../../src/bytes.ts";
 import { encode } from "./encode.ts";
 import type { Spec } from "./encode.ts";
 import { root } from "./networks.ts";
@@ -51,6 +52,12 @@ export function addressOf(spec: Spec): string {
   return fileOf(htmlOf(encode(spec), spec.title ?? ""));
 }
 
+/** The page that the program wrote, in the template as it is now, which the program may be older than. */
+export function pageOf(file: string): string {
+  const data = /application\/octet-stream">([^<]*)</.exec(readFileSync(file, "utf8"))?.[1] ?? "";
+  return fileOf(htmlOf(fromBase64(data)));
+}
+
 /** What must not happen on any page, gathered as it does. */
 export class Watch {
   readonly faults: string[] = [];
@@ -93,6 +100,8 @@ export async function open(
     ...options,
   });
   const page = await context.newPage();
+  // A machine may be busy with other things, and a page of 10^5 vertices takes a second to draw on a free one.
+  page.setDefaultTimeout(120_000);
   const watch = new Watch(page, address);
   await page.goto(address);
   await page.waitForFunction(() => !document.getElementById("app")?.hidden || !document.getElementById("failure")?.hidden);

@@ -1,7 +1,7 @@
 /** Measures views inside a browser; the benchmark puts this into an empty page. */
 import { CanvasView } from "../../src/canvas2d.ts";
 import { shadesOf } from "../../src/color.ts";
-import { paletteOf } from "../../src/looks.ts";
+import { paletteOf, radii } from "../../src/looks.ts";
 import { outLists } from "../../src/lists.ts";
 import { drawAgents } from "../../src/overlay.ts";
 import { Course, Replay } from "../../src/replay.ts";
@@ -12,6 +12,12 @@ import { LawMover } from "../../src/walk.ts";
 
 const WIDTH = 1200;
 const HEIGHT = 800;
+
+/** What the page gives vertices of one size. */
+function usualRadius(n: number): number {
+  const [least, most] = radii(n);
+  return (least + most) / 2.4;
+}
 
 function random(): (below: number) => number {
   let state = 1;
@@ -26,7 +32,7 @@ function sceneOf(n: number, m: number): Scene {
     n,
     x: Float32Array.from({ length: n }, () => next(65536) / 65536),
     y: Float32Array.from({ length: n }, () => next(65536) / 65536),
-    radius: new Float32Array(n).fill(n > 20_000 ? 1 : n > 2000 ? 2 : 4),
+    radius: new Float32Array(n).fill(usualRadius(n)),
     tint: Uint16Array.from({ length: n }, () => 1 + next(256)),
     palette: paletteOf("light"),
     faded: new Uint8Array(n),
