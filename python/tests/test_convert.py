@@ -286,21 +286,24 @@ def test_what_filters_of_graph_tool_leave():
 
 def test_plot():
     matplotlib = pytest.importorskip("matplotlib")
+    pytest.importorskip("matplotlib.figure")
     matplotlib.use("Agg")
     network = veq.geometric(30, 0.3, seed=1)
     network.vertex_data["Visits"] = np.arange(30)
-    axes = network.plot(color="Visits", names=True)
+    # Axes that nobody else draws on.
+    axes = matplotlib.figure.Figure().subplots()
+    assert network.plot(axes, color="Visits", names=True) is axes
     (points,) = [one for one in axes.collections if len(one.get_offsets()) == 30]
     assert np.allclose(points.get_offsets(), network.vertex_data["Position"][:, :2])
     assert points.get_array().tolist() == list(range(30))
     network.vertex_data["Group"] = ["b", "a", "b"] + [None] * 27
-    points = network.plot(color="Group").collections[-1]
+    points = network.plot(axes, color="Group").collections[-1]
     # "" comes first, then "a" and "b".
     assert points.get_array().tolist() == [2, 1, 2] + [0] * 27
     with pytest.raises(ValueError, match="^column Position: vectors are no colours$"):
-        network.plot(color="Position")
-    assert len(network.plot(max_edges=0).collections[-2].get_segments()) == 0
+        network.plot(axes, color="Position")
+    assert len(network.plot(axes, max_edges=0).collections[-2].get_segments()) == 0
     lines = axes.collections[0]
     assert len(lines.get_segments()) == network.num_edges
     with pytest.raises(ValueError, match=r"^positions of shape \(2,\) for 30 vertices: \(n, 2\)$"):
-        network.plot(positions=[1, 2])
+        network.plot(axes, positions=[1, 2])
