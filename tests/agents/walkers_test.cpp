@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <cstdint>
 #include <limits>
@@ -18,8 +17,8 @@
 #include <vector>
 
 #include "tests/support/agents.hpp"
+#include "tests/support/observers.hpp"
 #include "tests/support/thrown_text.hpp"
-#include "veq/base/internal/pace.hpp"
 #include "veq/natural/sharing.hpp"
 
 namespace veq::test {
@@ -330,7 +329,7 @@ TEST(Walkers, EndWhereASubstreamDoes) {
 
 // Nobody knows how much there is to do before it is done.
 TEST(Walkers, WithoutANumberOfStepsHaveNoWorkToTellOf) {
-  const auto usual = std::exchange(internal::Pace::usualInterval, std::chrono::milliseconds(0));
+  const ObserverInterval none;
   const Shared<VEQNetworkAgentsGroup> group = groupAt(sixLinks().published(), {0});
   std::uint64_t calls = 0;
   WalkOptions options;
@@ -341,7 +340,6 @@ TEST(Walkers, WithoutANumberOfStepsHaveNoWorkToTellOf) {
     ++calls;
   };
   const WalkOutcome outcome = Walkers(group).walk(options).value();
-  internal::Pace::usualInterval = usual;
   EXPECT_GE(calls, 1U);
   EXPECT_EQ(outcome.end, WalkEnd::kTarget);
   EXPECT_EQ(group->currentWork(), static_cast<std::int64_t>(outcome.steps));

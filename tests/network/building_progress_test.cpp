@@ -1,12 +1,11 @@
 // What building asks of a pace, and that a stop at any of these places leaves all as it was.
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
-#include "veq/base/internal/pace.hpp"
+#include "tests/support/observers.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
 
 namespace veq::test {
@@ -30,16 +29,16 @@ std::vector<std::uint64_t> ends(std::uint64_t vertices, std::uint64_t step) {
 // of looks.
 template <class Work>
 std::uint64_t looks(std::optional<std::uint64_t> stopAt, Work work) {
+  const ObserverInterval none;
   std::uint64_t count = 0;
-  std::uint64_t before = 0;
+  const StopSource source;
   Progress progress;
-  progress.observer = [&](std::uint64_t done, std::uint64_t all) {
-    EXPECT_LE(before, done);
-    EXPECT_LE(done, all);
-    before = done;
-    if (count++ == stopAt) throw Stopped{};
-  };
-  Pace pace(progress, 10 * kEdges, std::chrono::milliseconds{0});
+  progress.stop = source.token();
+  progress.observer = climbing([&](std::uint64_t look) {
+    count = look + 1;
+    if (look == stopAt) source.requestStop();
+  });
+  Pace pace(progress, 10 * kEdges);
   work(pace);
   return count;
 }

@@ -136,7 +136,9 @@ std::string missingReason(const CommandRecord& command) {
   for (const auto& option : command.options) {
     if (!isMissing(*option, *command.app)) continue;
     if (!reason.empty()) reason += "; ";
-    reason += option->name + (option->needs.empty() ? " is missing" : " needs " + option->needs);
+    reason += option->name;
+    if (!option->requiredUnless.empty()) reason += " or " + option->requiredUnless;
+    reason += option->needs.empty() ? " is missing" : " needs " + option->needs;
   }
   return reason;
 }

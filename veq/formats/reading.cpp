@@ -54,7 +54,7 @@ void requireAsMany(const std::optional<internal::Weights>& weights, std::uint64_
 
 NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
   std::optional<Place> stopped;
-  std::optional<NetworkDraft> draft = internal::readXnet(text, &stopped);
+  std::optional<NetworkDraft> draft = internal::readXnet(text, &stopped, &context.pace);
   if (stopped) internal::failAt(*stopped, "no number of vertices, or an empty name or key");
   if (!draft || draft->vertexCount > context.mostVertices()) {
     const internal::XnetNumber cause = internal::causeOfVertices(text);
@@ -108,7 +108,8 @@ void noteReservedKeys(const NetworkDraft& draft, ReadContext& context, TextInput
   }
 }
 
-Result<Network> networkOf(NetworkDraft draft) {
+Result<Network> networkOf(NetworkDraft draft, ReadContext& context) {
+  draft.pace = &context.pace;
   const std::uint64_t vertices = draft.vertexCount;
   const std::uint64_t edges = draft.from.all().size();
   Owned<VEQNetwork> network =
@@ -124,6 +125,7 @@ Result<Network> networkOf(NetworkDraft draft) {
 Result<Network> readArchive(std::string bytes, ReadContext& context) {
   internal::ArchivedEnds ends;
   std::optional<NetworkDraft> draft;
+  context.pace.reach(0);
   try {
     VEQKeyedUnarchiver archive(bytes);
     draft = internal::draftOfArchive(archive, ends);
@@ -136,8 +138,9 @@ Result<Network> readArchive(std::string bytes, ReadContext& context) {
     return Error(error.kind(), error.text(), internal::placeInArchive(bytes, error.key()));
   }
   // The bytes go before the network comes.
+  context.pace.reach(bytes.size());
   std::string().swap(bytes);
-  return networkOf(std::move(*draft));
+  return networkOf(std::move(*draft), context);
 }
 
 Error compressed(std::string_view how) {
@@ -183,7 +186,7 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
     NetworkDraft draft = reader.read(*text, context);
     noteReservedKeys(draft, context, &*text);
     text.reset();
-    return networkOf(std::move(draft));
+    return networkOf(std::move(draft), context);
   }
   if (*format == FileFormat::kGraphMl) {
     return Error(ErrorKind::kUnsupported, "graphml is read by the library veq::readers",
@@ -198,7 +201,7 @@ namespace internal {
 
 Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
   noteReservedKeys(draft, context, nullptr);
-  return networkOf(std::move(draft));
+  return networkOf(std::move(draft), context);
 }
 
 Reading guardedReading(
@@ -206,19 +209,17 @@ Reading guardedReading(
     const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read) {
   ReadContext context(options, bytes);
   std::optional<FileFormat> format = options.format;
-  Result<Network> result = [&]() -> Result<Network> {
+  Result<Network> result = untilStopped([&]() -> Result<Network> {
     try {
       return read(context, format);
     } catch (const Error& error) {
       return error;
-    } catch (const Stopped&) {
-      return Error(ErrorKind::kStopped, "stopped");
     } catch (const std::bad_alloc&) {
       return Error(ErrorKind::kMemory, "not enough memory");
     } catch (const std::length_error&) {
       return Error(ErrorKind::kMemory, "not enough memory");
     }
-  }();
+  });
   return {std::move(result), format, context.takeNotes(), context.furtherNotes(),
           std::move(context.title)};
 }

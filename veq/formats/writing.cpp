@@ -94,17 +94,17 @@ auto withSource(const Network& network, Result<Writer> writer, const Progress& p
     }
     return true;
   };
-  try {
-    return use(source);
-  } catch (const Error& error) {
-    return error;
-  } catch (const internal::Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  } catch (const std::bad_alloc&) {
-    return Error(ErrorKind::kMemory, "not enough memory");
-  } catch (const std::invalid_argument& refused) {
-    return Error(ErrorKind::kUnsupported, refused.what());
-  }
+  return internal::untilStopped([&]() -> decltype(use(source)) {
+    try {
+      return use(source);
+    } catch (const Error& error) {
+      return error;
+    } catch (const std::bad_alloc&) {
+      return Error(ErrorKind::kMemory, "not enough memory");
+    } catch (const std::invalid_argument& refused) {
+      return Error(ErrorKind::kUnsupported, refused.what());
+    }
+  });
 }
 
 Result<std::string> textOf(const ByteSource& source) {

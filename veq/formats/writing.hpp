@@ -47,7 +47,8 @@ VEQ_EXPORT Outcome writeNetwork(const Network& network, const std::string& path,
 
 /// The vertices as a table to go with the edges of a CSV file: "Id", as the ends of the edges are
 /// written, "Weight" where vertices have weights, "Label" for the column "Name", "Id 2" for a
-/// column "Id" that the first one is not, and all other columns. \ingroup files
+/// column "Id" that the first one is not, and all other columns.
+/// \ingroup files
 VEQ_EXPORT Outcome writeVertexTable(const Network& network, const std::string& path,
                                     const Progress& progress = {});
 /// The same as a string.

@@ -113,7 +113,8 @@ class ColumnDraft {
 /// Each step answers false where the whole read fails.
 class XnetReader {
  public:
-  XnetReader(TextInput& input, bool logs) : input_(input), scanner_(input.piece(0)), logs_(logs) {}
+  XnetReader(TextInput& input, bool logs, Pace* pace)
+      : input_(input), pace_(pace), scanner_(input.piece(0)), logs_(logs) {}
 
   std::optional<NetworkDraft> read() {
     do {
@@ -121,6 +122,7 @@ class XnetReader {
         stopped_ = !readLine();
         if (stopped_) return std::nullopt;
         scanner_.finishLine();
+        if (pace_ && ++lines_ % kLinesAtOnce == 0) pace_->reach(before_ + scanner_.position());
       }
     } while (nextPiece());
     closeSection();
@@ -143,11 +145,13 @@ class XnetReader {
   }
 
  private:
+  static constexpr std::uint64_t kLinesAtOnce = 4096;
+
   /// Pieces end with lines, of which one that is empty may begin the next.
   bool nextPiece() {
     const std::string_view text = input_.piece(piece_ + 1);
     if (text.empty()) return false;
-    ++piece_;
+    before_ += input_.piece(piece_++).size();
     scanner_ = TextScanner(text);
     scanner_.skipNewlines();
     return true;
@@ -278,7 +282,11 @@ class XnetReader {
   }
 
   TextInput& input_;
+  Pace* pace_;
+  std::uint64_t lines_ = 0;
   std::size_t piece_ = 0;
+  /// The bytes of the pieces before it.
+  std::uint64_t before_ = 0;
   TextScanner scanner_;
   bool logs_;
   bool stopped_ = false;
@@ -293,8 +301,8 @@ class XnetReader {
 
 }  // namespace
 
-std::optional<NetworkDraft> readXnet(TextInput& text, std::optional<Place>* stopped) {
-  XnetReader reader(text, stopped == nullptr);
+std::optional<NetworkDraft> readXnet(TextInput& text, std::optional<Place>* stopped, Pace* pace) {
+  XnetReader reader(text, stopped == nullptr, pace);
   std::optional<NetworkDraft> draft = reader.read();
   if (!draft && stopped) *stopped = reader.stoppedAt();
   return draft;

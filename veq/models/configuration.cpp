@@ -104,20 +104,16 @@ Result<Network> configurationNetwork(std::span<const std::uint64_t> degrees, Deg
       return internal::draftOf(n, paired<std::uint32_t>(degrees, m, draws, pace));
     });
   }
-  std::optional<GrowingEnds> ends;
   const std::uint64_t tries = kTriesPerEdge * m;
   Pace pace(options.progress, tries);
-  try {
-    ends = simple(degrees, m, pace);
-  } catch (const internal::Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  }
-  if (!ends) {
+  Result<GrowingEnds> ends = internal::untilStopped([&]() -> Result<GrowingEnds> {
+    if (auto found = simple(degrees, m, pace)) return std::move(*found);
     return internal::argumentError("degrees: no network without loops and parallel edges has them");
-  }
+  });
+  if (!ends) return ends.error();
   return internal::generated(options, [&](DrawBlocks& draws) {
-    internal::rewire(*ends, false, tries, draws, pace);
-    return internal::draftOf(n, std::move(*ends));
+    internal::rewire(ends.value(), false, tries, draws, pace);
+    return internal::draftOf(n, std::move(ends.value()));
   });
 }
 

@@ -188,20 +188,20 @@ Result<WalkLaw> WalkLaw::of(const Network& network, const WalkLawOptions& option
   RowWriter writer(core, options);
   matrix->stay = writer.stay();
   matrix->starts.reserve(n + 1);
-  Pace pace(options.progress, n);
-  const bool finished = core.store.visit([&](const auto& topology) {
-    for (std::uint64_t v = 0; v < n; ++v) {
-      if (v % kVerticesPerLook == 0 && pace.shallStop(v)) return false;
-      bool deadEnd = false;
-      writer.write(v, topology.out.neighbours(v), topology.out.edges(v), matrix->targets,
-                   matrix->shares, deadEnd);
-      if (deadEnd) matrix->deadEnds.push_back(v);
-      matrix->starts.push_back(matrix->targets.size());
-    }
-    return true;
+  return internal::untilStopped([&]() -> Result<WalkLaw> {
+    Pace pace(options.progress, n);
+    core.store.visit([&](const auto& topology) {
+      for (std::uint64_t v = 0; v < n; ++v) {
+        if (v % kVerticesPerLook == 0) pace.reach(v);
+        bool deadEnd = false;
+        writer.write(v, topology.out.neighbours(v), topology.out.edges(v), matrix->targets,
+                     matrix->shares, deadEnd);
+        if (deadEnd) matrix->deadEnds.push_back(v);
+        matrix->starts.push_back(matrix->targets.size());
+      }
+    });
+    return WalkLaw(std::move(matrix));
   });
-  if (!finished) return Error(ErrorKind::kStopped, "stopped");
-  return WalkLaw(std::move(matrix));
 }
 
 std::uint64_t WalkLaw::countVertices() const { return matrix_->count(); }

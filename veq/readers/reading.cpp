@@ -1,6 +1,7 @@
 #include "veq/readers/reading.hpp"
 
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "veq/formats/internal/format_recognition.hpp"
@@ -26,8 +27,7 @@ bool isXml(std::string_view bytes, const ReadOptions& options) {
   return first != bytes.npos && bytes[first] == '<';
 }
 
-Reading readPlain(ByteStream& bytes, const ReadOptions& options, std::string_view name) {
-  if (!isXml(bytes.head(), options)) return internal::readStream(bytes, options, name);
+Reading readXml(ByteStream& bytes, const ReadOptions& options) {
   return internal::guardedReading(
       options, bytes.expected(),
       [&](internal::ReadContext& context, std::optional<FileFormat>& format) {
@@ -39,26 +39,32 @@ Reading readPlain(ByteStream& bytes, const ReadOptions& options, std::string_vie
 }  // namespace
 
 Reading readStream(ByteStream& bytes, const ReadOptions& options, std::string_view name) {
+  std::optional<ByteStream> inside;
+  bool xml = false;
   try {
     const std::string_view how = internal::compressionOf(bytes.head());
-    if (how != "gzip" && how != "zstd") return readPlain(bytes, options, name);
-    ByteStream inside = decompressed(how, bytes, options.mostBytes);
-    // The suffix before that of the compression.
-    const std::string_view suffixed = name.substr(0, name.rfind('.'));
-    // There are files that hold nothing but themselves.
-    if (!internal::compressionOf(inside.head()).empty()) {
-      return {Error(ErrorKind::kUnsupported, "compressed twice; decompress it first", Place{1, 1}),
-              {},
-              {},
-              0,
-              {}};
+    if (how == "gzip" || how == "zstd") {
+      inside = decompressed(how, bytes, options.mostBytes);
+      name = name.substr(0, name.rfind('.'));  // the suffix before that of the compression
+      // There are files that hold nothing but themselves.
+      if (!internal::compressionOf(inside->head()).empty()) {
+        return {
+            Error(ErrorKind::kUnsupported, "compressed twice; decompress it first", Place{1, 1}),
+            {},
+            {},
+            0,
+            {}};
+      }
     }
-    return readPlain(inside, options, suffixed);
+    xml = isXml((inside ? *inside : bytes).head(), options);
   } catch (const Error& error) {
     return {error, {}, {}, 0, {}};
   } catch (const std::bad_alloc&) {
     return {Error(ErrorKind::kMemory, "not enough memory"), {}, {}, 0, {}};
   }
+  // Out of these comes by itself what an observer throws, and nothing else.
+  ByteStream& plain = inside ? *inside : bytes;
+  return xml ? readXml(plain, options) : internal::readStream(plain, options, name);
 }
 
 Reading readNetworkText(std::string bytes, const ReadOptions& options, std::string_view name) {

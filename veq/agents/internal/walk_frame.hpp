@@ -80,7 +80,9 @@ class WalkFrame {
     std::exception_ptr failure;
     try {
       walk();
-    } catch (...) {  // also of somebody who follows the walk
+    } catch (const ObserverThrew& observer) {
+      failure = observer.thrown;
+    } catch (...) {
       failure = std::current_exception();
     }
     finish();

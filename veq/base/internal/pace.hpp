@@ -3,14 +3,24 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
+#include <exception>
+#include <new>
+#include <stdexcept>
 #include <utility>
 
 #include "veq/base/progress.hpp"
+#include "veq/base/result.hpp"
 
 namespace veq::internal {
 
 /// Thrown by Pace::reach() where the work is to stop; caught where the operation began.
 struct Stopped {};
+
+/// Carries what an observer threw to where the operation began, past whoever on the way makes
+/// something of exceptions like it.
+struct ObserverThrew {
+  std::exception_ptr thrown;
+};
 
 /// Follows one piece of work for its Progress. To be asked between pieces of a few milliseconds,
 /// not in hot loops.
@@ -19,15 +29,13 @@ class Pace {
   /// How long an observer is left alone. Tests set it to 0, to be told at every look.
   static inline std::chrono::milliseconds usualInterval{50};
 
-  Pace(const Progress& progress, std::uint64_t all,
-       std::chrono::milliseconds interval = usualInterval)
-      : progress_(progress), all_(all), interval_(interval) {}
+  Pace(const Progress& progress, std::uint64_t all) : progress_(progress), all_(all) {}
 
   /// Whether anybody would see or stop the work.
   [[nodiscard]] bool isWatched() const { return progress_.observer || progress_.stop.canStop(); }
 
-  /// Tells the observer where that is due, and answers whether the work is to stop. What the
-  /// observer throws passes through.
+  /// Tells the observer where that is due, and answers whether the work is to stop. Throws
+  /// ObserverThrew.
   [[nodiscard]] bool shallStop(std::uint64_t done) {
     if (progress_.observer) tell(done);
     return progress_.stop.stopRequested();
@@ -45,14 +53,17 @@ class Pace {
 
   void tell(std::uint64_t done) {
     const Clock::time_point now = Clock::now();
-    if (now - last_ < interval_) return;
+    if (now - last_ < usualInterval) return;
     last_ = now;
-    progress_.observer(done, all_);
+    try {
+      progress_.observer(done, all_);
+    } catch (...) {
+      throw ObserverThrew{std::current_exception()};
+    }
   }
 
   const Progress& progress_;
   std::uint64_t all_;
-  std::chrono::milliseconds interval_;
   std::uint64_t passed_ = 0;
   Clock::time_point last_ = Clock::now();
 };
@@ -75,6 +86,21 @@ class SparsePace {
   Pace* pace_;
   std::uint64_t passed_ = 0;
 };
+
+/// Where work that follows a Pace begins: its result, the error that says that it was stopped, or
+/// what an observer threw. More elements than a standard container can count are lacking memory.
+template <class Work>
+[[nodiscard]] auto untilStopped(Work work) -> decltype(work()) {
+  try {
+    return work();
+  } catch (const Stopped&) {
+    return Error(ErrorKind::kStopped, "stopped");
+  } catch (const ObserverThrew& observer) {
+    std::rethrow_exception(observer.thrown);
+  } catch (const std::length_error&) {
+    throw std::bad_alloc();
+  }
+}
 
 /// Calls f(begin, end) for one tile of many elements after the other. Pace is asked between them,
 /// where there is one.

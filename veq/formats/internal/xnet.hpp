@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "veq/base/internal/pace.hpp"
 #include "veq/formats/internal/network_text.hpp"
 #include "veq/formats/internal/text_input.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -15,9 +16,10 @@ namespace veq::internal {
 /// What the text describes; nothing where it describes no network, and then `stopped`, if it is
 /// given, is the place of the header or name that ended the reading, or nothing where a number was
 /// wrong. Without it this is the published reader, which tells the diagnostic log of vectors in
-/// space. O(length).
+/// space. Whoever gives a pace may stop it. O(length).
 [[nodiscard]] std::optional<NetworkDraft> readXnet(TextInput& text,
-                                                   std::optional<Place>* stopped = nullptr);
+                                                   std::optional<Place>* stopped = nullptr,
+                                                   Pace* pace = nullptr);
 [[nodiscard]] inline std::optional<NetworkDraft> readXnet(std::string_view text) {
   TextInput input(text);
   return readXnet(input);

@@ -66,17 +66,15 @@ template <class Make>
     if (!seeded) return seeded.error();
     state = seeded.value();
   }
-  try {
-    Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
-    if (options.random) *options.random = *state;
-    return network;
-  } catch (const Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  } catch (const std::out_of_range& end) {  // of a substream
-    return argumentError(end.what());
-  } catch (const std::length_error&) {
-    throw std::bad_alloc();
-  }
+  return untilStopped([&]() -> Result<Network> {
+    try {
+      Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
+      if (options.random) *options.random = *state;
+      return network;
+    } catch (const std::out_of_range& end) {  // of a substream
+      return argumentError(end.what());
+    }
+  });
 }
 
 /// The same of `make(draws)`, which draws in blocks.

@@ -17,18 +17,6 @@
 
 namespace veq::internal {
 
-/// The result of work that throws Stopped where its Pace says so.
-template <class Work>
-[[nodiscard]] auto untilStopped(Work work) -> decltype(work()) {
-  try {
-    return work();
-  } catch (const Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  } catch (const std::length_error&) {
-    throw std::bad_alloc();
-  }
-}
-
 /// How often building a network goes over its edges, about; all of this is the work of a Pace.
 constexpr std::uint64_t kBuildingPasses = 10;
 

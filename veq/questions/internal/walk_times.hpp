@@ -24,14 +24,14 @@ inline constexpr double kUnitRoundoff = 0x1p-53;
 /// The result of work that may throw these two.
 template <class Work>
 [[nodiscard]] auto untilSettled(const SolvingOptions& options, Work work) -> decltype(work()) {
-  try {
-    return work();
-  } catch (const Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  } catch (const NotSettled&) {
-    return Error(ErrorKind::kUnsupported,
-                 "not settled after " + std::to_string(options.mostRounds) + " rounds");
-  }
+  return untilStopped([&]() -> decltype(work()) {
+    try {
+      return work();
+    } catch (const NotSettled&) {
+      return Error(ErrorKind::kUnsupported,
+                   "not settled after " + std::to_string(options.mostRounds) + " rounds");
+    }
+  });
 }
 
 }  // namespace veq::internal
