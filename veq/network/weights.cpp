@@ -59,13 +59,13 @@ void VEQNetwork::setEdgesWeightValues(const VEQNumberArray& weights) {
 
 void VEQNetwork::setWeightValue_atVertexIndex(float weight, std::uint64_t index) {
   if (!core_->editable) return;
-  setOne(core_->verticesWeights, countVertices(), weight, index);
+  setOne(core_->verticesWeights, core_->store.vertexCount(), weight, index);
 }
 
 void VEQNetwork::setWeightValue_atEdgeIndex(float weight, std::uint64_t index) {
   if (!core_->editable) return;
   ++core_->weightsRevision;
-  setOne(core_->edgesWeights, countEdges(), weight, index);
+  setOne(core_->edgesWeights, core_->store.edgeCount(), weight, index);
 }
 
 }  // namespace veq

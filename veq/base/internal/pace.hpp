@@ -102,18 +102,23 @@ template <class Work>
   }
 }
 
-/// Calls f(begin, end) for one tile of many elements after the other. Pace is asked between them,
-/// where there is one.
+/// Calls f(begin, end) for one tile of many elements after the other. Pace is asked between them.
 template <class F>
-void forEachTile(std::uint64_t count, Pace* pace, F f) {
+[[gnu::noinline]] void forEachFollowedTile(std::uint64_t count, Pace& pace, F f) {
   constexpr std::uint64_t kTile = std::uint64_t{1} << 18;
-  const std::uint64_t tile = pace ? kTile : count;
   for (std::uint64_t begin = 0; begin < count;) {
-    const std::uint64_t end = begin + std::min(count - begin, tile);
+    const std::uint64_t end = begin + std::min(count - begin, kTile);
     f(begin, end);
-    if (pace) pace->advance(end - begin);
+    pace.advance(end - begin);
     begin = end;
   }
+}
+
+/// The same, at once where there is no pace: most networks are small, and nobody follows them.
+template <class F>
+void forEachTile(std::uint64_t count, Pace* pace, F f) {
+  if (pace) return forEachFollowedTile(count, *pace, f);
+  f(std::uint64_t{0}, count);
 }
 
 }  // namespace veq::internal

@@ -23,15 +23,15 @@ constexpr std::uint64_t kWatchedInsertion = std::uint64_t{1} << 19;
 constexpr std::uint64_t kWatchedShare = 16;
 
 // The entries of one direction, in edge order: calls f(vertex, neighbour, edge).
-template <class Index, class F>
+template <bool kBothWays, class Index, class F>
 void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::uint64_t edges,
-                  bool bothWays, Pace* pace, F f) {
+                  Pace* pace, F f) {
   const Index* const a = at.data();
   const Index* const b = neighbour.data();
   forEachTile(edges, pace, [=](std::uint64_t begin, std::uint64_t end) {
     for (std::uint64_t e = begin; e < end; ++e) {
       f(a[e], b[e], static_cast<Index>(e));
-      if (bothWays) f(b[e], a[e], static_cast<Index>(e));
+      if constexpr (kBothWays) f(b[e], a[e], static_cast<Index>(e));
     }
   });
 }
@@ -74,13 +74,13 @@ class EntryBuckets {
 };
 
 // The lists of those edges' ends that stand in `at`, or of both where they go both ways.
-template <class Index>
+template <bool kBothWays, class Index>
 void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Block<Index>& at,
-                const Block<Index>& neighbour, std::uint64_t edges, bool bothWays,
-                Arena<Index>& arena, Pace* pace) {
-  const std::uint64_t entries = bothWays ? 2 * edges : edges;
+                const Block<Index>& neighbour, std::uint64_t edges, Arena<Index>& arena,
+                Pace* pace) {
+  const std::uint64_t entries = kBothWays ? 2 * edges : edges;
   ListFiller<Index> filler(lists, vertices, entries, arena);
-  const auto forEach = [&](auto f) { forEachEntry(at, neighbour, edges, bothWays, pace, f); };
+  const auto forEach = [&](auto f) { forEachEntry<kBothWays>(at, neighbour, edges, pace, f); };
   if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
     const EntryBuckets<Index> buckets(vertices, entries, forEach);
     buckets.forEachRange([&filler, pace](std::span<const BucketEntry<Index>> items) {
@@ -299,10 +299,12 @@ TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to, Pace* p
   // They may make place for the lists.
   from = IndexList();
   to = IndexList();
-  buildLists(next->out, vertices_, next->from, next->to, edges, !directed_, arena, pace);
   if (directed_) {
+    buildLists<false>(next->out, vertices_, next->from, next->to, edges, arena, pace);
     next->in = std::make_unique<AdjacencyLists<Index>>();
-    buildLists(*next->in, vertices_, next->to, next->from, edges, false, arena, pace);
+    buildLists<false>(*next->in, vertices_, next->to, next->from, edges, arena, pace);
+  } else {
+    buildLists<true>(next->out, vertices_, next->from, next->to, edges, arena, pace);
   }
   return share;
 }
