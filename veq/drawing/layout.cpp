@@ -98,8 +98,8 @@ Result<Shared<VEQVector2dArray>> forceLayout(const Network& network, const Layou
   std::uint64_t work = 0;
   for (const LayoutPart& part : all.parts) work += plan.workOf(part.graph.count());
   internal::Pace pace(options.progress, work);
-  std::vector<std::vector<Point>> drawings;
-  try {
+  return internal::untilStopped([&]() -> Result<Shared<VEQVector2dArray>> {
+    std::vector<std::vector<Point>> drawings;
     pace.reach(0);
     for (const LayoutPart& part : all.parts) {
       drawings.push_back(
@@ -107,12 +107,10 @@ Result<Shared<VEQVector2dArray>> forceLayout(const Network& network, const Layou
                                    [&](std::uint64_t moved) { pace.advance(moved); }));
       internal::turnLevel(drawings.back());
     }
-  } catch (const internal::Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  }
-  std::vector<Point> points = packAll(all, drawings, network.countVertices());
-  fitIntoSquare(points);
-  return vectorsOf(points);
+    std::vector<Point> points = packAll(all, drawings, network.countVertices());
+    fitIntoSquare(points);
+    return vectorsOf(points);
+  });
 }
 
 Shared<VEQVector2dArray> circleLayout(const Network& network) {
