@@ -87,6 +87,7 @@ test("hostile names in every place are text", async () => {
   for (let i = 0; i < 20; ++i) {
     await page.mouse.move(box.x + (box.width * (i + 1)) / 21, box.y + box.height / 2 - i);
   }
+  await page.fill("#speed", "120");
   await page.click("#play");
   await page.waitForFunction(() => document.getElementById("step-now")?.textContent === "50");
   await isUntouched(page, watch.faults);

@@ -1,20 +1,23 @@
 /** Takes the pictures of docs/pictures and of the README from pages that the program writes. */
 import { mkdirSync, statSync } from "node:fs";
 import { join } from "node:path";
-import { checked, folder, launch, open, pageOf, settle } from "../support/browser.ts";
+import { checked, launch, open, pageOf, settle } from "../support/browser.ts";
 import { root, veq } from "../support/networks.ts";
 
-const MOST_BYTES = 200_000;
+/** The first picture stands in the README. */
+const mostBytes = (name: string): number => (name === "lesmis" ? 200_000 : 400_000);
 const out = process.argv[2] ?? join(root, "docs/pictures");
 mkdirSync(out, { recursive: true });
 
-const lesmis = join(folder, "lesmis.html");
+// Pages tell how they were made: names of files are short, and of no one's machine.
+mkdirSync(join(root, "build"), { recursive: true });
+const lesmis = "build/lesmis.html";
 veq("walk", "data/lesmis.xnet", "--agents", "5", "--steps", "1000000", "--until-reach", "0.99", "--seed", "1",
   "--page", lesmis, "--title", "Les Misérables");
-const karate = join(folder, "karate.html");
+const karate = "build/karate.html";
 veq("walk", "data/karate.xnet", "--agents", "3", "--steps", "400", "--memory", "6", "--seed", "1", "--page", karate);
-const grownFile = join(folder, "grown.xnet");
-const grown = join(folder, "grown.html");
+const grownFile = "build/grown.xnet";
+const grown = "build/grown.html";
 veq("generate", "barabasi-albert", "--vertices", "3000", "--links", "2", "--seed", "1", grownFile);
 veq("walk", grownFile, "--agents", "20", "--steps", "2000", "--choice", "even", "--seed", "1", "--page", grown,
   "--title", "A grown network");
@@ -31,7 +34,7 @@ const scenes: { name: string; page: string; hash: string; dark?: boolean; viewpo
 
 const browser = await launch();
 for (const scene of scenes) {
-  const address = `${pageOf(scene.page)}#${scene.hash.replace("s=END&", "").replace("s=END", "")}`;
+  const address = `${pageOf(join(root, scene.page))}#${scene.hash.replace("s=END&", "").replace("s=END", "")}`;
   const { page, watch, close } = await open(browser, address, {
     viewport: scene.viewport ?? wide,
     colorScheme: scene.dark ? "dark" : "light",
@@ -45,7 +48,7 @@ for (const scene of scenes) {
   await page.mouse.move(0, 0);
   await page.screenshot({ path: file });
   const bytes = statSync(file).size;
-  if (bytes > MOST_BYTES) throw new Error(`${file} takes ${bytes} bytes of ${MOST_BYTES}`);
+  if (bytes > mostBytes(scene.name)) throw new Error(`${file} takes ${bytes} bytes`);
   console.log(`${file}: ${bytes} bytes`);
   await close();
 }
