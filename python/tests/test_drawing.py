@@ -229,6 +229,10 @@ def test_force_layout_can_be_stopped():
 def test_plots_are_laid_out_alike():
     matplotlib = pytest.importorskip("matplotlib")
     matplotlib.use("Agg")
+    from matplotlib import pyplot
+
     network = veq.lattice([5, 5])
-    axes = network.plot()
+    figure, axes = pyplot.subplots()
+    network.plot(axes)
     np.testing.assert_array_equal(axes.collections[1].get_offsets(), network.force_layout())
+    pyplot.close(figure)

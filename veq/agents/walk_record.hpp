@@ -23,6 +23,7 @@ class VEQ_EXPORT WalkRecord {
   /// Only Walkers::record() makes them.
   explicit WalkRecord(Shared<const internal::RecordedWalk> parts) : parts_(std::move(parts)) {}
 
+  /// What the walk has led to.
   [[nodiscard]] const WalkOutcome& outcome() const;
   [[nodiscard]] std::uint64_t countAgents() const;
 

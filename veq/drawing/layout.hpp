@@ -16,13 +16,14 @@ namespace veq {
 /// How to place vertices by forces.
 /// \ingroup drawing
 struct LayoutOptions {
-  /// How often all vertices are moved on the way; 0 leaves it to the size.
+  /// How often all vertices are moved on each level; 0 leaves it to the size.
   std::uint64_t iterations = 0;
   /// Another number gives another drawing of the same kind. The process's sequence is left alone.
   std::uint32_t seed = 1;
   /// Whether edges of more weight draw their ends closer together, by the ratio to the mean; one of
   /// weight 0 does not at all.
   bool useWeights = false;
+  /// By how often vertices were moved, in all.
   Progress progress{};
 };
 

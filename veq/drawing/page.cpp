@@ -108,16 +108,15 @@ Result<PageContent> contentOf(const Network& network, const PageOptions& options
   return content;
 }
 
-// The template with both slots filled.
-Result<std::string> filled(const std::string& title, const std::string& block) {
+// The template with both slots filled. Base64 is no slot, and so the title, which may look like
+// one, comes last.
+std::string filled(const std::string& title, const std::string& block) {
   constexpr std::string_view kTitle = "@@VEQ-TITLE@@";
   constexpr std::string_view kData = "@@VEQ-DATA@@";
   std::string page;
   for (const std::string_view piece : internal::pageTemplatePieces()) page += piece;
-  const std::size_t dataAt = page.find(kData);
-  const std::size_t titleAt = page.find(kTitle);
-  page.replace(dataAt, kData.size(), internal::base64(block));
-  page.replace(titleAt, kTitle.size(), internal::markupText(title));
+  page.replace(page.find(kData), kData.size(), internal::base64(block));
+  page.replace(page.find(kTitle), kTitle.size(), internal::markupText(title));
   return page;
 }
 

@@ -28,7 +28,9 @@ enum class Layout : std::uint8_t {
 /// How to show a network on a page.
 /// \ingroup drawing
 struct PageOptions {
+  /// What the page is called.
   std::string title{};
+  /// Where vertices are.
   Layout layout = Layout::kAutomatic;
   /// The columns of vertices that can be looked at, "Vertex Weight" being their weights; without a
   /// list the first eight, but for "Name" and "Position".
@@ -40,9 +42,11 @@ struct PageOptions {
   std::string size{};
   /// The command or call by which the page was made, to be told there.
   std::string call{};
-  /// What to tell of the walk: its seed and substream, and how its starts were chosen.
+  /// To be told of the walk: its seed.
   std::optional<std::uint64_t> seed{};
+  /// Likewise its substream.
   std::optional<std::uint64_t> substream{};
+  /// Likewise how its starts were chosen.
   std::string starts{};
   /// Follows the layout.
   Progress progress{};

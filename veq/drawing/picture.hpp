@@ -16,7 +16,9 @@ namespace veq {
 /// How to draw a network.
 /// \ingroup drawing
 struct PictureOptions {
+  /// What the picture is called.
   std::string title{};
+  /// Where vertices are.
   Layout layout = Layout::kAutomatic;
   /// "degree", or a column: of numbers, or of at most 12 different texts; empty for one colour.
   std::string color{};

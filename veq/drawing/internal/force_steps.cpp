@@ -102,7 +102,7 @@ double spacing(std::uint64_t finest, std::uint32_t here) {
 std::uint64_t StepPlan::stepsOf(std::uint64_t vertices, bool coarsest) const {
   if (iterations != 0) return iterations;
   if (coarsest) return std::min<std::uint64_t>(300, 40 + 10 * vertices);
-  return std::clamp<std::uint64_t>(2'000'000 / vertices, 30, 100);
+  return std::clamp<std::uint64_t>(2'000'000 / vertices, 30, 150);
 }
 
 std::uint64_t StepPlan::workOf(std::uint64_t vertices) const {
