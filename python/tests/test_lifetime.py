@@ -9,6 +9,7 @@ import numpy as np
 import pytest
 
 import veq
+import veq.ensemble
 
 N = 1000
 
@@ -25,6 +26,10 @@ def ring():
 def walked():
     walkers = veq.Walkers(ring(), [0, 500])
     return walkers, walkers.walk(50, paths=True, first_arrivals=True, seed=1)
+
+
+def sealed():
+    return veq.ensemble.SealedNetwork(ring()).network
 
 
 def law():
@@ -63,6 +68,8 @@ KINDS = {
     "rows of a law": (lambda: law().matrix()[0], np.arange(N + 1)),
     "targets of a law": (lambda: law().matrix()[1], (np.arange(N) + 1) % N),
     "shares of a law": (lambda: law().matrix()[2], np.ones(N)),
+    "sealed targets": (lambda: sealed().targets, (np.arange(N) + 1) % N),
+    "sealed column": (lambda: sealed().vertex_data["x"], np.arange(N)),
     "words": (lambda: veq.RandomState(1).words, veq.RandomState(1).words),
     "draws": (lambda: veq.RandomState(1).draws(2), [1804289383, 846930886]),
 }

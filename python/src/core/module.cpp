@@ -17,4 +17,5 @@ NB_MODULE(_core, m) {
   bindWalkLaw(m);
   bindFormats(m);
   bindDrawing(m);
+  bindSharing(m);
 }

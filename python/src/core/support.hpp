@@ -327,5 +327,6 @@ void bindWalkers(nb::module_& m);
 void bindWalkLaw(nb::module_& m);
 void bindFormats(nb::module_& m);
 void bindDrawing(nb::module_& m);
+void bindSharing(nb::module_& m);
 
 }  // namespace veq::python

@@ -263,3 +263,16 @@ def force_layout(network: Network, iterations: int, seed: int, weights: bool, pr
 def page(network: Network, record: WalkRecord | None, title: str, layout: str, columns: list | None, color: str, size: str, call: str, seed: int | None, progress: object | None) -> bytes: ...
 
 def save_bytes(path: bytes, bytes: bytes) -> None: ...
+
+class SharedNetwork:
+    def __init__(self, network: Network) -> None: ...
+
+    @property
+    def descriptor(self) -> int:
+        """The memory file's descriptor, which is closed with this."""
+
+    @property
+    def bytes(self) -> int:
+        """The size of the file."""
+
+def attach(descriptor: int, trusted: bool) -> Network: ...

@@ -1,0 +1,98 @@
+"""Dask distributed as an engine: each worker process gets the networks once."""
+
+from __future__ import annotations
+
+from collections.abc import Sequence
+from concurrent.futures import Future
+from typing import Any
+
+from .._network import Network
+from ._engines import Engine, Networks, Pack, plain
+from ._work import Done, Job, Work, perform
+
+_stopped: set[str] = set()
+"""The runs whose tasks on this worker shall stop."""
+
+
+def _stop(run: str) -> None:
+    _stopped.add(run)
+
+
+def _nothing() -> None:
+    pass
+
+
+def _perform(
+    work: Work, run: str, pack: Sequence[Job], names: Sequence[str], *networks: Network
+) -> Done:
+    from .. import __version__
+
+    if work.version != __version__:
+        return Done(__version__, [])
+    there = dict(zip(names, networks, strict=True))
+    return perform(work, pack, there, lambda: run in _stopped)
+
+
+class Dask(Engine):
+    """A cluster of Dask's, however it grows and shrinks."""
+
+    on_loss = None
+
+    def __init__(self, work: Work, networks: Networks, client: Any, own: bool) -> None:
+        super().__init__(work, networks)
+        self._client = client
+        self._own = own
+        self._executor = client.get_executor(pure=False, retries=0)
+        self._run = f"{id(self):x}-{client.id}"
+        self._names = list(networks)
+        self._scattered: list[Any] = []
+
+    def workers(self) -> int:
+        # A cluster that grows on demand has to see some.
+        threads: dict[str, int] = self._client.nthreads()
+        return max(4, sum(threads.values()))
+
+    def submit(self, pack: Pack, with_networks: bool) -> Future[Done]:
+        if self._names and not self._scattered:
+            self._scatter()
+        future: Future[Done] = self._executor.submit(
+            _perform, self.work, self._run, list(pack), self._names, *self._scattered
+        )
+        return future
+
+    def renew(self) -> None:
+        self._scattered = []
+
+    def stop(self) -> None:
+        super().stop()
+        self._client.run(_stop, self._run, on_error="ignore")
+
+    def close(self) -> None:
+        self._scattered = []
+        if self._own:
+            self._client.close()
+        super().close()
+
+    def _scatter(self) -> None:
+        # To somebody: a cluster without workers makes one for the first task.
+        self._client.submit(_nothing, pure=False).result()
+        networks = list(plain(self.networks).values())
+        self._scattered = self._client.scatter(networks, broadcast=True, hash=False)
+
+
+def client_of(address: str) -> Any:
+    """A client of the scheduler at an address."""
+    try:
+        from distributed import Client
+    except ImportError as error:
+        raise ImportError(
+            'a scheduler needs Dask: install it with pip install "veq[dask]"'
+        ) from error
+    return Client(address, set_as_default=False)  # type: ignore[no-untyped-call]
+
+
+def client_in(executor: object) -> Any:
+    """The client of Dask's, if that is what it is, or what it is made of."""
+    if type(executor).__module__.split(".")[0] != "distributed":
+        return None
+    return getattr(executor, "_client", executor)
