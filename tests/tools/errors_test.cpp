@@ -115,14 +115,12 @@ TEST(ProgramErrors, AFileNameCannotBreakTheLine) {
 }
 
 TEST(ProgramErrors, WrongUsageSaysWhatAndWhereToRead) {
-  EXPECT_EQ(
-      errorOf({}, 2),
-      "veq: a command is missing: info, check, walk, convert, generate or components (see veq "
-      "--help)\n");
-  EXPECT_EQ(
-      errorOf({"dance"}, 2),
-      "veq: there is no command \"dance\": there are info, check, walk, convert, generate and "
-      "components (see veq --help)\n");
+  EXPECT_EQ(errorOf({}, 2),
+            "veq: a command is missing: info, check, walk, convert, generate, components, page or "
+            "ensemble (see veq --help)\n");
+  EXPECT_EQ(errorOf({"dance"}, 2),
+            "veq: there is no command \"dance\": there are info, check, walk, convert, generate, "
+            "components, page and ensemble (see veq --help)\n");
   EXPECT_EQ(errorOf({"info"}, 2), "veq: FILE is missing (see veq info --help)\n");
   EXPECT_EQ(errorOf({"info", ""}, 2), "veq: FILE is empty (see veq info --help)\n");
   EXPECT_EQ(errorOf({"info", "a", "b"}, 2),
@@ -136,10 +134,9 @@ TEST(ProgramErrors, WrongUsageSaysWhatAndWhereToRead) {
       "veq: there is no model \"foo\": there are barabasi, random, gnp, gnm, barabasi-albert, "
       "configuration, watts-strogatz, lattice, geometric, blocks and rewired (see veq generate "
       "--help)\n");
-  EXPECT_EQ(
-      errorOf({"help", "dance"}, 2),
-      "veq: there is no command \"dance\": there are info, check, walk, convert, generate and "
-      "components (see veq --help)\n");
+  EXPECT_EQ(errorOf({"help", "dance"}, 2),
+            "veq: there is no command \"dance\": there are info, check, walk, convert, generate, "
+            "components, page and ensemble (see veq --help)\n");
 }
 
 TEST(ProgramErrors, EverythingThatIsMissingIsToldAtOnce) {
@@ -185,6 +182,41 @@ TEST(ProgramErrors, ASlipOfTheKeyboardIsGuessed) {
   EXPECT_EQ(guess({"info", "a", "--" + std::string(100000, 'x')}), "");
 }
 
+TEST(ProgramErrors, WithoutPythonOrItsPackageAnEnsembleSaysWhatToInstall) {
+  const ProgramRun without = runShell("VEQ_PYTHON=/no/python '" VEQ_PROGRAM "' ensemble a.toml");
+  EXPECT_EQ(without.exitCode, 1);
+  EXPECT_EQ(without.output, "");
+  EXPECT_EQ(without.errors,
+            "veq: /no/python: No such file or directory, and ensembles are run by Python and its "
+            "package veq: install it with \"pip install .\" in the source tree of veq\n");
+  if (runShell("command -v python3").exitCode != 0) GTEST_SKIP() << "this system has no python3";
+  // Without its packages, wherever they are.
+  const TemporaryDirectory directory;
+  const std::string bare = directory.write("python", "#!/bin/sh\nexec python3 -I -S \"$@\"\n");
+  std::filesystem::permissions(bare, std::filesystem::perms::owner_all);
+  const ProgramRun run = runShell("VEQ_PYTHON='" + bare + "' '" VEQ_PROGRAM "' ensemble a.toml");
+  EXPECT_EQ(run.exitCode, 1);
+  EXPECT_EQ(run.output, "");
+  const std::string begin = "veq: ensembles are run by the Python package veq, which /";
+  EXPECT_EQ(run.errors.substr(0, begin.size()), begin);
+  EXPECT_NE(run.errors.find("does not have (No module named 'veq'): install it with \""),
+            std::string::npos)
+      << run.errors;
+}
+
+TEST(ProgramErrors, AnEnsembleIsHandedToPythonWithItsOptions) {
+  const TemporaryDirectory directory;
+  const std::string python = directory.write("python", "#!/bin/sh\nshift 2; echo \"$@\"\nexit 7\n");
+  std::filesystem::permissions(python, std::filesystem::perms::owner_all);
+  const ProgramRun run = runShell("VEQ_PYTHON='" + python +
+                                  "' '" VEQ_PROGRAM
+                                  "' ensemble --quiet --workers 0 a.toml --engine processes "
+                                  "--output b.csv --checkpoint kept");
+  EXPECT_EQ(run.exitCode, 7);
+  EXPECT_EQ(run.output,
+            "a.toml --engine processes --checkpoint kept --output b.csv --workers 0 --quiet\n");
+}
+
 TEST(ProgramErrors, OutputThatCannotBeWrittenIsAFailure) {
   if (!std::filesystem::exists("/dev/full")) GTEST_SKIP() << "this system has no /dev/full";
   const ProgramRun run = runShell("'" VEQ_PROGRAM "' info '" VEQ_DATA "/karate.xnet' >/dev/full");
@@ -193,7 +225,8 @@ TEST(ProgramErrors, OutputThatCannotBeWrittenIsAFailure) {
 }
 
 TEST(ProgramHelp, TeachesEachCommandByExample) {
-  for (const std::string command : {"info", "walk", "convert", "generate", "components"}) {
+  for (const std::string command :
+       {"info", "walk", "convert", "generate", "components", "ensemble"}) {
     const ProgramRun run = runVeq({command, "--help"});
     EXPECT_EQ(run.exitCode, 0);
     EXPECT_EQ(run.errors, "");

@@ -89,6 +89,7 @@ void addConvert(CommandLine& commandLine);
 void addGenerate(CommandLine& commandLine);
 void addComponents(CommandLine& commandLine);
 void addPage(CommandLine& commandLine);
+void addEnsemble(CommandLine& commandLine);
 /// @}
 
 }  // namespace veq::tool

@@ -35,6 +35,7 @@ int main(int argc, char** argv) {
     veq::tool::addGenerate(commandLine);
     veq::tool::addComponents(commandLine);
     veq::tool::addPage(commandLine);
+    veq::tool::addEnsemble(commandLine);
     veq::tool::rememberCall(argc, argv);
     const int code = commandLine.run(argc, argv);
     veq::tool::flushStandardOutput();

@@ -9,10 +9,10 @@ _veq() {
   case $previous in
     --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | \
       --edges | --degree | --probability | --probabilities | --links | --neighbours | --sizes | --radius | --dimensions | \
-      --tries | --title | --columns) return ;;
+      --tries | --title | --columns | --workers) return ;;
     --vertices) [[ $command == generate ]] && return
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
-    --split) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
+    --split | --checkpoint) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
     --start | --paths | --coverage | --output | --agents-network | --largest | --degrees | --network | --page | --svg)
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --from) words="xnet pajek list matrix-market gml graphml archive" ;;
@@ -22,11 +22,12 @@ _veq() {
     --layout) words="force given circle" ;;
     --color) words="degree visits" ;;
     --size) words="constant degree strength visits" ;;
+    --engine) words="threads processes" ;;
   esac
   if [[ -n $words ]]; then
     :
   elif [[ $COMP_CWORD -eq 1 || ${COMP_WORDS[1]} == help && $COMP_CWORD -eq 2 ]]; then
-    words="info check walk convert generate components page"
+    words="info check walk convert generate components page ensemble"
     [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
   elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
     words="barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice
@@ -42,6 +43,7 @@ _veq() {
                        --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;
       components) words="$reading --top --largest --split --to --format" ;;
       page) words="$reading --svg $showing" ;;
+      ensemble) words="--engine --workers --checkpoint --output --quiet" ;;
     esac
     words+=" --help"
   fi

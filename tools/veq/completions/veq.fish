@@ -20,10 +20,11 @@ complete -c veq -n __veq_nothing_yet -f -a convert -d 'Write a network in anothe
 complete -c veq -n __veq_nothing_yet -f -a generate -d 'Grow a model network'
 complete -c veq -n __veq_nothing_yet -f -a components -d 'Find the connected components'
 complete -c veq -n __veq_nothing_yet -f -a page -d 'Write a page that shows a network'
+complete -c veq -n __veq_nothing_yet -f -a ensemble -d 'Run many walks and models of a study file'
 complete -c veq -n __veq_nothing_yet -f -a help -d 'Teach a command by example'
 complete -c veq -n __veq_nothing_yet -l version -d 'Print the version'
 complete -c veq -l help -d 'Print help'
-complete -c veq -n '__veq_second_word help' -f -a 'info check walk convert generate components page'
+complete -c veq -n '__veq_second_word help' -f -a 'info check walk convert generate components page ensemble'
 complete -c veq -n '__veq_second_word generate' -f -a 'barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
 
 complete -c veq -n '__veq_command info check walk convert components page' -l from -x -a $formats -d 'The format to read'
@@ -86,3 +87,9 @@ complete -c veq -n '__veq_command walk page' -l layout -x -a 'force given circle
 complete -c veq -n '__veq_command walk page' -l columns -x -d 'Which properties can be looked at'
 complete -c veq -n '__veq_command walk page' -l color -x -a 'degree visits' -d 'What colours are by'
 complete -c veq -n '__veq_command walk page' -l size -x -a 'constant degree strength visits' -d 'What sizes are by'
+
+complete -c veq -n '__veq_command ensemble' -l engine -x -a 'threads processes' -d 'Who runs it'
+complete -c veq -n '__veq_command ensemble' -l workers -x -d 'How many threads or processes'
+complete -c veq -n '__veq_command ensemble' -l checkpoint -r -d 'Keep results there, and go on from there'
+complete -c veq -n '__veq_command ensemble' -l output -r -d 'The table to write'
+complete -c veq -n '__veq_command ensemble' -l quiet -d 'Say nothing'

@@ -3,7 +3,7 @@
 _veq() {
   local formats='xnet pajek list matrix-market gml graphml archive' answers='(table csv json)'
   local models='barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
-  local commands='(info check walk convert generate components page)'
+  local commands='(info check walk convert generate components page ensemble)'
   local -a reading=("--from[the format to read]:format:($formats)"
                     '--directed[take an edge list for a list of arcs]'
                     '--strict[refuse a file of which something is lost or mended]'
@@ -75,11 +75,18 @@ _veq() {
     page)
       _arguments $help $reading $showing '1: :' '2:network:_files' '3:output:_files' \
         '--svg[write a picture]:file:_files' ;;
+    ensemble)
+      _arguments $help '1: :' '2:study:_files' \
+        '--engine[who runs it]:engine:(threads processes)' \
+        '--workers[how many threads or processes]:number:' \
+        '--checkpoint[keep results there, and go on from there]:directory:_files -/' \
+        '--output[the table to write]:file:_files' \
+        '--quiet[say nothing]' ;;
     help)
       _arguments '1: :' "2:command:$commands" "3:model:($models)" ;;
     *)
       _arguments $help '--version[print the version]' \
-        '1:command:(info check walk convert generate components page help)' ;;
+        '1:command:(info check walk convert generate components page ensemble help)' ;;
   esac
 }
 # Loaded by its name it is to complete at once; read by somebody it is only to be known.
