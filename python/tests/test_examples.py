@@ -8,6 +8,7 @@ import pkgutil
 import pytest
 
 import veq
+import veq.ensemble
 
 MODULES = ["veq"] + [
     module.name
@@ -29,8 +30,9 @@ WITHOUT = {"UnsupportedError"}
 
 def of_python():
     """Every public class and function, and every method and property that is written in Python."""
-    for name in veq.__all__:
-        thing = getattr(veq, name)
+    public = [(package, name) for package in (veq, veq.ensemble) for name in package.__all__]
+    for package, name in public:
+        thing = getattr(package, name)
         yield name, thing
         for owner in thing.__mro__ if inspect.isclass(thing) else ():
             if owner.__module__.startswith("veq."):

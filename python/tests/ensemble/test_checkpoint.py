@@ -1,5 +1,7 @@
 """Runs that are killed go on, and their results are those of runs that were not."""
 
+import gc
+import itertools
 import json
 import os
 import resource
@@ -254,3 +256,39 @@ def test_who_is_killed_loses_little(tmp_path, workers):
     assert 300 < kept < 40 * 48
     subprocess.run([sys.executable, "-c", code, tmp_path], env=environment(), check=True)
     assert path.stat().st_size > kept
+
+
+# An interrupt of the end itself leaves files open until they are collected.
+@pytest.mark.filterwarnings("ignore::pytest.PytestUnraisableExceptionWarning")
+@pytest.mark.parametrize("reduce", [None, ve.summed("visits")])
+def test_an_interrupt_at_any_line_loses_and_doubles_nothing(tmp_path, reduce):
+    import veq.ensemble._checkpoint as checkpoint
+    import veq.ensemble._results as results
+
+    def made():
+        return study(count=3, reduce=reduce)
+
+    expected = made().run(workers=0).sha256()
+    files = {checkpoint.__file__, results.__file__}
+    for number in itertools.count(1):
+        left = [number]
+
+        def trace(frame, event, argument, left=left):
+            if frame.f_code.co_filename in files and event == "line":
+                left[0] -= 1
+                if left[0] == 0:
+                    raise KeyboardInterrupt
+            return trace
+
+        folder = tmp_path / str(number)
+        sys.settrace(trace)
+        try:
+            made().run(workers=0, checkpoint=folder)
+            break
+        except KeyboardInterrupt:
+            pass
+        finally:
+            sys.settrace(None)
+        gc.collect()
+        assert made().run(workers=0, checkpoint=folder).sha256() == expected
+    assert number > 50

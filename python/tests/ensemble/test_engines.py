@@ -8,6 +8,7 @@ import textwrap
 import threading
 import time
 from concurrent.futures import BrokenExecutor, Executor, Future, ProcessPoolExecutor
+from pathlib import Path
 
 import numpy as np
 import pytest
@@ -248,3 +249,20 @@ def test_seconds_are_those_of_the_tasks():
     results = ve.Ensemble(sleeping, ve.grid(seconds=[0.0, 0.05]), seed=1).run(workers=1)
     assert results.seconds[1] >= 0.05
     assert np.isfinite(results.seconds).all()
+
+
+def test_the_page_s_executor_of_ray_does_it(expected):
+    pytest.importorskip("ray")
+    page = (Path(__file__).parents[3] / "docs" / "ensembles.md").read_text()
+    recipe = next(part for part in page.split("```") if "RayExecutor" in part)
+    code = "import veq, veq.ensemble as ve\nfrom test_engines import study\nstudy = study()\n"
+    code += recipe.removeprefix("python\n").replace("ray.init()", "ray.init(num_cpus=2)")
+    code = code.replace("study.run(RayExecutor())", "results = study.run(RayExecutor())")
+    code += "print(results.sha256())\n"
+    shown = subprocess.run(
+        [sys.executable, "-W", "ignore", "-c", code],
+        capture_output=True,
+        text=True,
+        env={**environment(), "RAY_USAGE_STATS_ENABLED": "0"},
+    )
+    assert shown.stdout.split() == [expected], shown.stderr

@@ -1,5 +1,6 @@
 """Tasks, their random states, results and reductions."""
 
+import gc
 import inspect
 import pickle
 import subprocess
@@ -10,6 +11,7 @@ import pytest
 
 import veq
 import veq.ensemble as ve
+from veq.ensemble._shared import NetworkRef, forget, found
 from veq.ensemble._values import sha256
 
 
@@ -421,3 +423,17 @@ def test_sealed_networks_are_the_network():
     plain = ve.Ensemble(walk, [{}], seed=1, networks=network).run(workers=0)
     kept = ve.Ensemble(walk, [{}], seed=1, networks={"network": sealed}).run(workers=0)
     assert plain.sha256() == kept.sha256()
+
+
+def test_a_path_to_sealed_memory_leads_to_no_other():
+    first = ve.SealedNetwork(ring(5))
+    path = first.path
+    ref = NetworkRef(first.fingerprint, path)
+    assert found(ref).edges.tolist() == ring(5).edges.tolist()
+    forget()
+    del first
+    gc.collect()
+    other = ve.SealedNetwork(ring(7))
+    assert other.path.descriptor == path.descriptor
+    assert path.opened() is None
+    assert found(ref) is None

@@ -14,7 +14,7 @@ import pickle
 import struct
 import time
 import zlib
-from collections.abc import Iterator, Mapping, Sequence
+from collections.abc import Callable, Iterator, Mapping, Sequence
 from pathlib import Path
 from typing import Any, Self
 
@@ -23,6 +23,9 @@ from numpy.typing import NDArray
 
 from .._errors import FormatError
 from ._work import Outcome
+
+Total = tuple[NDArray[np.bool_], Any]
+"""Which tasks are in a total, and the total."""
 
 _FORMAT = 1
 _HEAD = struct.Struct("<QQdI")
@@ -56,7 +59,7 @@ class Checkpoint:
         self._end = 0
         self._synced = self._saved = time.monotonic()
         self._saving = 0.0
-        self._unsaved: tuple[NDArray[np.bool_], Any] | None = None
+        self._unsaved: Callable[[], Total] | None = None
 
     def _claim(self) -> None:
         try:
@@ -115,20 +118,20 @@ class Checkpoint:
             left = left[self._records.write(left) :]
         self._end += len(record)
 
-    def total(self) -> tuple[NDArray[np.bool_], Any] | None:
-        """Which tasks are in the total, and the total."""
+    def total(self) -> Total | None:
+        """What was kept last."""
         path = self.folder / "total.bin"
         if not path.exists():
             return None
         content = path.read_bytes()
         if len(content) < 4 or zlib.crc32(content[4:]) != int.from_bytes(content[:4], "little"):
             raise FormatError(f"{path}: damaged")
-        done, total = pickle.loads(content[4:])
-        return done, total
+        total: Total = pickle.loads(content[4:])
+        return total
 
-    def keep_total(self, done: NDArray[np.bool_], total: Any) -> None:
+    def keep_total(self, total: Callable[[], Total]) -> None:
         """Write the total, at once or soon: no later than after two seconds."""
-        self._unsaved = done, total
+        self._unsaved = total
         # Long tasks are saved one by one; short ones must not be slowed down by it.
         if time.monotonic() - self._saved >= min(_SAVE_SECONDS, 20 * self._saving):
             self._save_total()
@@ -137,7 +140,7 @@ class Checkpoint:
         if self._unsaved is None:
             return
         begun = time.monotonic()
-        content = pickle.dumps(self._unsaved, 5)
+        content = pickle.dumps(self._unsaved(), 5)
         crc = zlib.crc32(content).to_bytes(4, "little")
         _replace(self.folder / "total.bin", crc + content)
         self._unsaved = None

@@ -7,6 +7,7 @@ import time
 from collections import Counter, deque
 from collections.abc import Callable, Iterator, Sequence
 from concurrent.futures import BrokenExecutor, CancelledError, Future
+from contextlib import suppress
 from dataclasses import dataclass
 from queue import Empty, SimpleQueue
 from typing import Literal, Protocol
@@ -227,7 +228,8 @@ class Coordinator:
 
     def _abandon(self) -> None:
         """Cancel what waits, stop what runs after a whole step, and keep what came."""
-        self._engine.stop()
+        with suppress(Exception):  # A cluster that is gone cannot be told.
+            self._engine.stop()
         for future in list(self._flights):
             future.cancel()
         ends = time.monotonic() + 60

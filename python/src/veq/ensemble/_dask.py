@@ -2,9 +2,12 @@
 
 from __future__ import annotations
 
+import math
+import time
 from collections.abc import Sequence
 from concurrent.futures import Future
 from typing import Any
+from uuid import uuid4
 
 from .._network import Network
 from ._engines import Engine, Networks, Pack, plain
@@ -43,11 +46,18 @@ class Dask(Engine):
         self._client = client
         self._own = own
         self._executor = client.get_executor(pure=False, retries=0)
-        self._run = f"{id(self):x}-{client.id}"
+        self._run = uuid4().hex
         self._names = list(networks)
+        self._asked = -math.inf
+        self._workers = 0
         self._scattered: list[Any] = []
 
     def workers(self) -> int:
+        if time.monotonic() - self._asked > 1:
+            self._workers, self._asked = self._count(), time.monotonic()
+        return self._workers
+
+    def _count(self) -> int:
         # A cluster that grows on demand has to see some.
         threads: dict[str, int] = self._client.nthreads()
         return max(4, sum(threads.values()))

@@ -14,7 +14,7 @@ from dataclasses import replace
 from typing import Any
 
 from .._network import Network
-from ._shared import NetworkRef, SealedNetwork, StopFlag, preload, sealed_or_not
+from ._shared import NetworkRef, SealedNetwork, StopFlag, forget, preload, sealed_or_not
 from ._values import sha256
 from ._work import Done, Job, Work, perform, perform_elsewhere
 
@@ -140,6 +140,7 @@ class Elsewhere(Engine):
     def close(self) -> None:
         if self._own:
             self._executor.shutdown(wait=True)
+        forget()
         super().close()
 
 

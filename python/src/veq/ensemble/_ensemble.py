@@ -126,7 +126,13 @@ class Ensemble(Generic[R]):
 
     @staticmethod
     def grid(**axes: Iterable[Any]) -> list[dict[str, Any]]:
-        """As `veq.ensemble.grid`."""
+        """As `veq.ensemble.grid`.
+
+        Examples
+        --------
+        >>> veq.ensemble.Ensemble.grid(memory=[1, 2])
+        [{'memory': 1}, {'memory': 2}]
+        """
         return grid(**axes)
 
     def __len__(self) -> int:
@@ -139,6 +145,14 @@ class Ensemble(Generic[R]):
         """The result of one task, here and now: the same bits as among all.
 
         What it raises is raised as it is. With a reduction it is what would be added.
+
+        Examples
+        --------
+        >>> def task(context):
+        ...     return context.state.draw()
+        >>> study = veq.ensemble.Ensemble(task, [{}] * 5000, seed=1)
+        >>> study.one(4711) == veq.RandomState(1).substream(4711).draw()
+        True
         """
         if not -len(self) <= index < len(self):
             raise IndexError(f"task {index} of {len(self)}")
@@ -188,6 +202,14 @@ class Ensemble(Generic[R]):
         ------
         TaskError
             "task 17 (n=10): ValueError: ..."; "task 3 (n=10): worker lost 3 times".
+
+        Examples
+        --------
+        >>> walk = veq.ensemble.WalkTask(starts=[0], steps=100, collect=("positions",))
+        >>> study = veq.ensemble.Ensemble(walk, [{}] * 9, seed=1, networks=veq.lattice([5]))
+        >>> by_threads = study.run(workers=3)
+        >>> by_threads.sha256() == study.run("processes", workers=1).sha256()
+        True
         """
         if on_error not in ("raise", "collect"):
             raise ValueError(f"on_error {on_error!r}: give one of 'raise', 'collect'")

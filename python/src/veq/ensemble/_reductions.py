@@ -85,20 +85,56 @@ def _greatest(a: Any, b: Any) -> Any:
 
 
 def summed(field: str | None = None, *, exact: bool = True) -> Reduction:
-    """The sum of integers or arrays of them; of floats with ``exact=False``."""
+    """The sum of integers or arrays of them; of floats with ``exact=False``.
+
+    Examples
+    --------
+    >>> def task(context):
+    ...     return context.index / 2
+    >>> halves = veq.ensemble.summed(exact=False)
+    >>> veq.ensemble.Ensemble(task, [{}] * 4, seed=1, reduce=halves).run().reduced
+    3.0
+    """
     return Reduction(operator.add, exact, _Integers(field) if exact else _Field(field))
 
 
 def minimum(field: str | None = None) -> Reduction:
-    """The least, element by element of arrays."""
+    """The least, element by element of arrays.
+
+    Examples
+    --------
+    >>> def task(context):
+    ...     return 10 - context.index
+    >>> least = veq.ensemble.minimum()
+    >>> int(veq.ensemble.Ensemble(task, [{}] * 4, seed=1, reduce=least).run().reduced)
+    7
+    """
     return Reduction(_least, True, _Field(field))
 
 
 def maximum(field: str | None = None) -> Reduction:
-    """The greatest, element by element of arrays."""
+    """The greatest, element by element of arrays.
+
+    Examples
+    --------
+    >>> def task(context):
+    ...     return {"index": context.index}
+    >>> last = veq.ensemble.maximum("index")
+    >>> int(veq.ensemble.Ensemble(task, [{}] * 4, seed=1, reduce=last).run().reduced)
+    3
+    """
     return Reduction(_greatest, True, _Field(field))
 
 
 def histogram(field: str | None, edges: ArrayLike) -> Reduction:
-    """How many values lie between each two of the edges, as ``numpy.histogram`` has it."""
+    """How many values lie between each two of the edges, as ``numpy.histogram`` has it.
+
+    Examples
+    --------
+    >>> def task(context):
+    ...     return context.index
+    >>> counts = veq.ensemble.histogram(None, [0, 5, 20])
+    >>> veq.ensemble.Ensemble(task, [{}] * 12, seed=1, reduce=counts).run().reduced.tolist()
+    [5, 7]
+    """
     return Reduction(operator.add, True, _Counted(field, tuple(np.asarray(edges).tolist())))

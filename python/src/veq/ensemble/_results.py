@@ -21,6 +21,14 @@ class Results(Sequence[R], Generic[R]):
     """The results of all tasks, in the order of the list.
 
     Where results are reduced there is nothing but `reduced`, and the sequence is empty.
+
+    Examples
+    --------
+    >>> def task(context, n):
+    ...     return n**2
+    >>> results = veq.ensemble.Ensemble(task, veq.ensemble.grid(n=[3, 4]), seed=1).run()
+    >>> results[1], list(results), results.errors, results.seconds.shape
+    (16, [9, 16], [], (2,))
     """
 
     def __init__(
@@ -55,7 +63,14 @@ class Results(Sequence[R], Generic[R]):
         return f"<veq.ensemble.Results: {len(self)} results{failed}>"
 
     def sha256(self) -> str:
-        """The SHA-256 of all results: equal wherever, and by whomever, they were computed."""
+        """The SHA-256 of all results: equal wherever, and by whomever, they were computed.
+
+        Examples
+        --------
+        >>> study = veq.ensemble.Ensemble(veq.ensemble.RandomNetwork(n=9, degree=3.0), [{}], seed=1)
+        >>> study.run(workers=0).sha256() == study.run(workers=2).sha256()
+        True
+        """
         return sha256([self._values, self.reduced])
 
     def columns(self) -> dict[str, list[Any]]:
@@ -63,6 +78,13 @@ class Results(Sequence[R], Generic[R]):
 
         A result that has the name of a parameter gets "_result" behind it. What a task does not
         have is None.
+
+        Examples
+        --------
+        >>> def task(context, n):
+        ...     return {"square": n**2}
+        >>> veq.ensemble.Ensemble(task, veq.ensemble.grid(n=[3, 4]), seed=1).run().columns()
+        {'task': [0, 1], 'n': [3, 4], 'square': [9, 16]}
         """
         tasks = [{"task": k, **self._parameters[k]} for k in range(len(self))]
         names = dict.fromkeys(key for task in tasks for key in task) or {"task": None}
@@ -75,7 +97,17 @@ class Results(Sequence[R], Generic[R]):
         return made
 
     def to_frame(self) -> Any:
-        """The `columns` as a data frame of pandas, a row for each task."""
+        """The `columns` as a data frame of pandas, a row for each task.
+
+        Examples
+        --------
+        >>> def task(context, n):
+        ...     return n**2
+        >>> veq.ensemble.Ensemble(task, veq.ensemble.grid(n=[3, 4]), seed=1).run().to_frame()
+           task  n  result
+        0     0  3       9
+        1     1  4      16
+        """
         import pandas
 
         return pandas.DataFrame(self.columns())
@@ -91,9 +123,10 @@ class Kept:
         self.seconds = np.full(count, np.nan)
         self.done = np.zeros(count, np.bool_)
         self._values: dict[int, Any] = {}
-        self._total: list[Any] = []
+        # The total of those that were added, and the tasks that came last into it: together, for
+        # an interrupt may come between any two statements.
+        self._total: tuple[list[Any], list[int]] = [], []
         self._next = 0
-        self._failed: set[int] = set()
         self._checkpoint = checkpoint
         self._resume()
 
@@ -107,21 +140,21 @@ class Kept:
         if self._adds:
             there = self._checkpoint.total()
             if there is not None:
-                self.done, self._total = there[0], [there[1]]
+                self.done, self._total = there[0], ([there[1]], [])
             return
         for outcome in self._checkpoint.records():
-            self._place(outcome)
+            if not self.done[outcome.index]:
+                self._place(outcome)
 
     def keep(self, outcomes: Sequence[Outcome], total: object) -> None:
         """Of tasks that have succeeded, with their total if workers add."""
         fresh = [outcome for outcome in outcomes if not self.done[outcome.index]]
         if self._adds:
-            self._add(total)
+            self._add(total, [outcome.index for outcome in outcomes])
             for outcome in outcomes:
-                self.done[outcome.index] = True
                 self.seconds[outcome.index] = outcome.seconds
             if self._checkpoint is not None:
-                self._checkpoint.keep_total(self.done, self._total[0])
+                self._checkpoint.keep_total(self._settled)
             return
         if self._checkpoint is not None:
             self._checkpoint.append(fresh)
@@ -140,13 +173,20 @@ class Kept:
         if self.reduction is not None:
             self._add_in_order()
 
-    def _add(self, part: Any) -> None:
+    def _add(self, part: Any, indices: list[int]) -> None:
         assert self.reduction is not None
-        self._total = [self.reduction.all([*self._total, part])]
+        self._settled()
+        self._total = [self.reduction.all([*self._total[0], part])], indices
+        self._settled()
+
+    def _settled(self) -> tuple[NDArray[np.bool_], Any]:
+        """Which tasks are in the total, and the total."""
+        self.done[self._total[1]] = True
+        return self.done, self._total[0][0] if self._total[0] else None
 
     def _add_in_order(self) -> None:
         while self._next in self._values:
-            self._add(self._values.pop(self._next))
+            self._add(self._values.pop(self._next), [self._next])
             self._next += 1
 
     def results(
@@ -156,8 +196,7 @@ class Kept:
         if self.reduction is not None:
             # Those behind one that has failed.
             for index in sorted(self._values):
-                self._add(self._values.pop(index))
-            reduced = self._total[0] if self._total else None
-            return Results(parameters, [], self.seconds, errors, reduced)
+                self._add(self._values.pop(index), [index])
+            return Results(parameters, [], self.seconds, errors, self._settled()[1])
         values = [self._values.get(index) for index in range(len(parameters))]
         return Results(parameters, values, self.seconds, errors, None)

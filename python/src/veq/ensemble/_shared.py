@@ -9,7 +9,7 @@ from __future__ import annotations
 
 import mmap
 import os
-from collections.abc import Mapping
+from collections.abc import Container, Mapping
 from dataclasses import dataclass
 from functools import cache, cached_property
 from pathlib import Path
@@ -38,11 +38,13 @@ class MemoryPath:
     place: tuple[str, str] | None
     process: int
     descriptor: int
+    inode: int
+    """Tells it from a later file that has the same number."""
 
     @classmethod
     def of(cls, descriptor: int) -> MemoryPath:
         """Of this process's."""
-        return cls(_place(), os.getpid(), descriptor)
+        return cls(_place(), os.getpid(), descriptor, os.fstat(descriptor).st_ino)
 
     @property
     def is_near(self) -> bool:
@@ -53,10 +55,15 @@ class MemoryPath:
         """A descriptor of one's own; None where the file cannot be had."""
         if not self.is_near:
             return None
+        path = f"/proc/{self.process}/fd/{self.descriptor}"
         try:
-            return os.open(f"/proc/{self.process}/fd/{self.descriptor}", os.O_RDONLY | os.O_CLOEXEC)
+            descriptor = os.open(path, os.O_RDONLY | os.O_CLOEXEC)
         except OSError:
             return None
+        if os.fstat(descriptor).st_ino == self.inode:
+            return descriptor
+        os.close(descriptor)
+        return None
 
 
 class SealedNetwork:
@@ -84,17 +91,37 @@ class SealedNetwork:
 
     @property
     def bytes(self) -> int:
-        """How much memory it takes."""
+        """How much memory it takes.
+
+        Examples
+        --------
+        >>> veq.ensemble.SealedNetwork(veq.gnm(100, 1000, seed=1)).bytes < 30_000
+        True
+        """
         return self._shared.bytes
 
     @property
     def path(self) -> MemoryPath:
-        """Where other processes find it."""
+        """Where other processes find it.
+
+        Examples
+        --------
+        >>> veq.ensemble.SealedNetwork(veq.lattice([3])).path.is_near
+        True
+        """
         return MemoryPath.of(self._shared.descriptor)
 
     @cached_property
     def fingerprint(self) -> str:
-        """The SHA-256 of all that the network holds."""
+        """The SHA-256 of all that the network holds.
+
+        Examples
+        --------
+        >>> line, ring = veq.lattice([3]), veq.lattice([3], periodic=True)
+        >>> sealed = veq.ensemble.SealedNetwork
+        >>> sealed(line).fingerprint == sealed(ring).fingerprint
+        False
+        """
         return sha256(self.network)
 
     def __reduce__(self) -> Any:
@@ -115,6 +142,13 @@ _known: dict[str, Network] = {}
 def preload(networks: Mapping[str, Network]) -> None:
     """Let this process know networks, by their fingerprints."""
     _known.update(networks)
+
+
+def forget(besides: Container[str] = ()) -> None:
+    """Let go of all networks but some, which take memory."""
+    for fingerprint in list(_known):
+        if fingerprint not in besides:
+            _known.pop(fingerprint, None)
 
 
 def found(ref: NetworkRef) -> Network | None:

@@ -121,7 +121,16 @@ class WalkTask(_Prepared):
         return task.on(context.named(task.network), context)
 
     def on(self, network: Network, context: Context) -> dict[str, Any]:
-        """The same on any network."""
+        """The same on any network.
+
+        Examples
+        --------
+        >>> walk = veq.ensemble.WalkTask(starts=[0], steps=10, collect=("steps",))
+        >>> def task(context, n):
+        ...     return walk.on(veq.lattice([n]), context)
+        >>> list(veq.ensemble.Ensemble(task, [{"n": 9}], seed=1).run())
+        [{'steps': 10}]
+        """
         self._check(self.collect, self._KNOWN)
         walkers = self._walkers(network, context)
         if "paths" in self.collect:
@@ -141,7 +150,13 @@ class WalkTask(_Prepared):
         return {name: self._KNOWN[name](walkers, walk) for name in self.collect}
 
     def draws(self, **parameters: Any) -> int | None:
-        """How many numbers the walk draws; None where it has no number of steps."""
+        """How many numbers the walk draws; None where it has no number of steps.
+
+        Examples
+        --------
+        >>> veq.ensemble.WalkTask(starts=[0, 1], steps=10, memory=3).draws()
+        60
+        """
         task: WalkTask = self._with(parameters)
         if task.steps is None:
             return None
@@ -203,7 +218,17 @@ class _Model(_Prepared):
 
 @dataclass(frozen=True)
 class RandomNetwork(_Model):
-    """A network by `veq.random_network`."""
+    """A network by `veq.random_network`.
+
+    The result is a dictionary of what is to be collected: some of "network", "vertices", "edges"
+    and "degrees".
+
+    Examples
+    --------
+    >>> model = veq.ensemble.RandomNetwork(degree=4.0, collect=("vertices", "edges"))
+    >>> list(veq.ensemble.Ensemble(model, [{"n": 4}], seed=1).run())
+    [{'vertices': 4, 'edges': 6}]
+    """
 
     n: int = 0
     degree: float = 0.0
@@ -211,11 +236,26 @@ class RandomNetwork(_Model):
     repetition: int = 0
 
     def grown(self, context: Context) -> Network:
-        """The network alone."""
+        """The network alone.
+
+        Examples
+        --------
+        >>> model = veq.ensemble.RandomNetwork(n=30, degree=4.0)
+        >>> def task(context):
+        ...     return len(model.grown(context)) <= 30
+        >>> list(veq.ensemble.Ensemble(task, [{}] * 3, seed=1).run())
+        [True, True, True]
+        """
         return random_network(self.n, self.degree, seed=context.state)
 
     def draws(self, **parameters: Any) -> int | None:
-        """How many numbers are drawn: for every pair, in whole batches."""
+        """How many numbers are drawn: for every pair, in whole batches.
+
+        Examples
+        --------
+        >>> veq.ensemble.RandomNetwork(n=5, degree=1.0).draws()
+        12
+        """
         model: RandomNetwork = self._with(parameters)
         batch = float(model.n) * model.degree + 1.0
         if not 0.0 <= batch < 2.0**63:
@@ -226,7 +266,14 @@ class RandomNetwork(_Model):
 
 @dataclass(frozen=True)
 class PreferentialAttachment(_Model):
-    """A network by `veq.preferential_attachment`. Nobody knows before how many numbers it draws."""
+    """A network by `veq.preferential_attachment`. Nobody knows before how many numbers it draws.
+
+    Examples
+    --------
+    >>> model = veq.ensemble.PreferentialAttachment(n=10, degree=4, collect=("edges",))
+    >>> veq.ensemble.Ensemble(model, [{}], seed=1).one(0)
+    {'edges': 16}
+    """
 
     n: int = 0
     degree: int = 0
@@ -234,11 +281,26 @@ class PreferentialAttachment(_Model):
     repetition: int = 0
 
     def grown(self, context: Context) -> Network:
-        """The network alone."""
+        """The network alone.
+
+        Examples
+        --------
+        >>> model = veq.ensemble.PreferentialAttachment(n=30, degree=4)
+        >>> def task(context):
+        ...     return model.grown(context).num_edges
+        >>> list(veq.ensemble.Ensemble(task, [{}], seed=1).run())
+        [56]
+        """
         return preferential_attachment(self.n, self.degree, seed=context.state)
 
     def draws(self, **parameters: Any) -> int | None:
-        """None, as drawn targets may be drawn again."""
+        """None, as drawn targets may be drawn again.
+
+        Examples
+        --------
+        >>> veq.ensemble.PreferentialAttachment(n=10, degree=4).draws() is None
+        True
+        """
         return None
 
 
@@ -267,7 +329,14 @@ class Chain:
         return walk.on(model.grown(context), context)
 
     def draws(self, **parameters: Any) -> int | None:
-        """How many numbers are drawn by both, if both know."""
+        """How many numbers are drawn by both, if both know.
+
+        Examples
+        --------
+        >>> model = veq.ensemble.RandomNetwork(n=5, degree=1.0)
+        >>> veq.ensemble.Chain(model, veq.ensemble.WalkTask(starts=[0], steps=7)).draws()
+        19
+        """
         model, walk = self._with(parameters)
         by_model, by_walk = model.draws(), walk.draws()
         return None if by_model is None or by_walk is None else by_model + by_walk

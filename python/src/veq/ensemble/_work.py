@@ -15,7 +15,7 @@ from .._network import Network
 from .._random import RandomState
 from ._context import Context, Stopped
 from ._reductions import Reduction
-from ._shared import MemoryPath, NetworkRef, SeenFlag, found, preload
+from ._shared import MemoryPath, NetworkRef, SeenFlag, forget, found, preload
 from ._tasks import Counting
 
 
@@ -132,6 +132,7 @@ def perform_elsewhere(work: Work, pack: Sequence[Job], sent: Mapping[str, Networ
     """The same in another process, with networks that were sent along or can be found there."""
     if work.version != __version__:
         return Done(__version__, [])
+    forget(besides={ref.fingerprint for ref in work.networks.values()})
     preload({work.networks[name].fingerprint: network for name, network in sent.items()})
     networks = {name: found(ref) for name, ref in work.networks.items()}
     missing = tuple(name for name, network in networks.items() if network is None)
