@@ -76,13 +76,14 @@ def slow_study(count=100):
 class Killer(threading.Thread):
     """Kills a process of those that it is told of, at random moments."""
 
-    def __init__(self, victims, kills):
+    def __init__(self, victims, kills, slowest):
         super().__init__()
-        self.victims, self.left, self.draw = victims, kills, random.Random(2)
+        self.victims, self.left, self.slowest = victims, kills, slowest
+        self.draw = random.Random(2)
 
     def run(self):
         while self.left > 0:
-            time.sleep(self.draw.uniform(0.05, 0.6))
+            time.sleep(self.draw.uniform(0.05, self.slowest))
             victims = self.victims()
             if victims:
                 try:
@@ -92,10 +93,10 @@ class Killer(threading.Thread):
                 self.left -= 1
 
 
-def run_under_fire(run, victims, kills):
+def run_under_fire(run, victims, slowest):
     """How many runs it took."""
     expected = slow_study().run(workers=0).sha256()
-    killer = Killer(victims, kills)
+    killer = Killer(victims, rounds(50), slowest)
     killer.start()
     runs = 0
     try:
@@ -120,7 +121,7 @@ def test_workers_may_be_killed():
 
     with contextlib.ExitStack() as stack:
         assert run_under_fire(
-            lambda study: study.run(pool, retries=10_000, progress=False), victims, rounds(50)
+            lambda study: study.run(pool, retries=10_000, progress=False), victims, 0.6
         )
 
 
@@ -133,7 +134,7 @@ def test_workers_of_dask_may_be_killed():
             return [worker.pid for worker in workers if worker and worker.status.name == "running"]
 
         assert run_under_fire(
-            lambda study: study.run(client, retries=10_000, progress=False), victims, rounds(50)
+            lambda study: study.run(client, retries=10_000, progress=False), victims, 5.0
         )
 
 

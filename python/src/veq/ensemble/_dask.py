@@ -5,7 +5,7 @@ from __future__ import annotations
 import math
 import time
 from collections.abc import Sequence
-from concurrent.futures import Future
+from concurrent.futures import BrokenExecutor, Future
 from typing import Any
 from uuid import uuid4
 
@@ -64,7 +64,10 @@ class Dask(Engine):
 
     def submit(self, pack: Pack, with_networks: bool) -> Future[Done]:
         if self._names and not self._scattered:
-            self._scatter()
+            try:
+                self._scatter()
+            except Exception as error:  # As many kinds as there are ways to lose a worker.
+                raise BrokenExecutor(f"{type(error).__name__}: {error}") from error
         future: Future[Done] = self._executor.submit(
             _perform, self.work, self._run, list(pack), self._names, *self._scattered
         )

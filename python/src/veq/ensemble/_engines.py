@@ -6,8 +6,10 @@ each pack that is handed to it.
 
 from __future__ import annotations
 
+import ctypes
 import os
 import signal
+import sys
 from collections.abc import Callable, Mapping, Sequence
 from concurrent.futures import Executor, Future, ThreadPoolExecutor
 from dataclasses import replace
@@ -144,9 +146,17 @@ class Elsewhere(Engine):
         super().close()
 
 
-def _ignore_interrupts() -> None:
-    # The coordinator's: it tells the workers to stop.
+_END_WITH_PARENT = 1  # PR_SET_PDEATHSIG of prctl(2).
+
+
+def _begin(coordinator: int) -> None:
+    # Interrupts are the coordinator's: it tells the workers to stop.
     signal.signal(signal.SIGINT, signal.SIG_IGN)
+    # Nobody else tells a worker that the coordinator was killed.
+    if sys.platform == "linux":
+        ctypes.CDLL(None).prctl(_END_WITH_PARENT, int(signal.SIGKILL))
+        if os.getppid() != coordinator:
+            os._exit(1)
 
 
 def loky_pool(workers: int) -> Executor:
@@ -157,5 +167,5 @@ def loky_pool(workers: int) -> Executor:
         raise ImportError(
             'processes need loky: install it with pip install "veq[processes]"'
         ) from error
-    pool: Executor = ProcessPoolExecutor(workers, initializer=_ignore_interrupts)
+    pool: Executor = ProcessPoolExecutor(workers, initializer=_begin, initargs=(os.getpid(),))
     return pool
