@@ -5,14 +5,19 @@ import os
 import networkx as nx
 import numpy as np
 import pytest
-from hypothesis import given, settings
+from hypothesis import HealthCheck, given, settings
 from hypothesis import strategies as st
 
 import veq
 
-# Fewer under an emulator.
+# Fewer under an emulator, which is slow at all of it.
 SHARE = int(os.environ.get("VEQ_TEST_SHARE", "1"))
-settings.register_profile("veq", deadline=None, max_examples=max(60 // SHARE, 2))
+settings.register_profile(
+    "veq",
+    deadline=None,
+    max_examples=max(60 // SHARE, 2),
+    suppress_health_check=[HealthCheck.too_slow],
+)
 settings.load_profile("veq")
 
 KEYS = st.sampled_from(["Age", "x", "Some words", "Größe"])
