@@ -174,6 +174,16 @@ TEST(ReadingLists, AQuotedFieldMayHaveSeveralLines) {
               ElementsAre("c"));
 }
 
+TEST(ReadingLists, UndoesQuotesInTheFirstLineAndInComments) {
+  // Long enough to lie on the heap, where the address sanitizer sees who keeps it.
+  const std::string name = "a \"\"name\"\" that is longer than any that lies in place";
+  const Reading reading =
+      read("# \"" + name + "\" graph\n% \"" + name + "\" x\n\"" + name + "\" b\n");
+  EXPECT_EQ(summaryOf(reading), "undirected 2: 0>1");
+  EXPECT_THAT(vertexTexts(reading, "Name"),
+              ElementsAre("a \"name\" that is longer than any that lies in place", "b"));
+}
+
 TEST(ReadingLists, AQuoteThatNoLineClosesEndsWithItsOwn) {
   // The next quote begins a field, so that it closes none.
   const Reading reading = read("a,b,\"c\nd,e,\"f\"\ng,\"h\n");

@@ -40,8 +40,10 @@ bool isInteger(std::string_view text) {
 /// Tabs where there are any, unless all that stands between blanks is a number anyway; then
 /// semicolons, commas and blanks.
 char separatorOf(std::string_view line) {
+  // Which keeps the fields whose quotes had to be undone.
+  FieldSplitter splitter(' ');
   Fields words;
-  FieldSplitter(' ').split(line, words);
+  splitter.split(line, words);
   const bool hasNumbersOnly =
       std::all_of(words.begin(), words.end(), [](std::string_view w) { return wholeNumber(w); });
   if (hasNumbersOnly && words.size() > 1) return ' ';
@@ -60,7 +62,8 @@ class CommentReader {
     const char mark = *cursor.at();
     cursor.takeWord();
     Fields words;
-    FieldSplitter(' ').split(comment.substr(comment.find_first_not_of("#%/ \t")), words);
+    FieldSplitter splitter(' ');
+    splitter.split(comment.substr(comment.find_first_not_of("#%/ \t")), words);
     if (words.empty()) return;
     if (mark == '%') return readTagged(words, shape);
     if (words.size() > 1 && (sameWord(words[1], "graph") || sameWord(words[1], "graph:"))) {
