@@ -141,9 +141,9 @@ test("a walk from other words is found out by where agents end, too", async () =
 
 test("the template is what the program writes around its data", () => {
   const out = join(folder, "plain.html");
-  veq("page", "data/karate.xnet", out, "--title", `<b> & "'`);
+  veq("page", "data/karate.xnet", out, "--title", `<b> & "' @@VEQ-DATA@@`);
   const html = readFileSync(out, "utf8");
   const data = /application\/octet-stream">([^<]*)</.exec(html)?.[1] ?? "";
-  writeFileSync(join(folder, "same.html"), htmlOf(fromBase64(data), `<b> & "'`));
+  writeFileSync(join(folder, "same.html"), htmlOf(fromBase64(data), `<b> & "' @@VEQ-DATA@@`));
   assert.equal(html, readFileSync(join(folder, "same.html"), "utf8"));
 });

@@ -34,9 +34,10 @@ export function escaped(text: string): string {
 /** A page of a block, as the library writes it. */
 export function htmlOf(block: Uint8Array, title = ""): string {
   const template = readFileSync(templateFile, "utf8");
-  return template
-    .replace("@@VEQ-TITLE@@", () => escaped(title))
-    .replace("@@VEQ-DATA@@", () => Buffer.from(block).toString("base64"));
+  // In one pass, for a title may name the other slot.
+  return template.replace(/@@VEQ-(TITLE|DATA)@@/g, (_, slot) =>
+    slot === "TITLE" ? escaped(title) : Buffer.from(block).toString("base64"),
+  );
 }
 
 let files = 0;
