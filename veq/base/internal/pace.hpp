@@ -4,10 +4,9 @@
 #include <chrono>
 #include <cstdint>
 #include <exception>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
+#include "veq/base/export.hpp"
 #include "veq/base/progress.hpp"
 #include "veq/base/result.hpp"
 
@@ -24,7 +23,7 @@ struct ObserverThrew {
 
 /// Follows one piece of work for its Progress. To be asked between pieces of a few milliseconds,
 /// not in hot loops.
-class Pace {
+class VEQ_EXPORT Pace {
  public:
   /// How long an observer is left alone. Tests set it to 0, to be told at every look.
   static inline std::chrono::milliseconds usualInterval{50};
@@ -51,16 +50,7 @@ class Pace {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void tell(std::uint64_t done) {
-    const Clock::time_point now = Clock::now();
-    if (now - last_ < usualInterval) return;
-    last_ = now;
-    try {
-      progress_.observer(done, all_);
-    } catch (...) {
-      throw ObserverThrew{std::current_exception()};
-    }
-  }
+  void tell(std::uint64_t done);
 
   const Progress& progress_;
   std::uint64_t all_;
@@ -87,18 +77,18 @@ class SparsePace {
   std::uint64_t passed_ = 0;
 };
 
-/// Where work that follows a Pace begins: its result, the error that says that it was stopped, or
-/// what an observer threw. More elements than a standard container can count are lacking memory.
+/// What becomes of an exception where work that follows a Pace began, to be asked by a handler of
+/// all: the error that says that it was stopped, or what an observer threw. More elements than a
+/// standard container can count are lacking memory.
+[[nodiscard]] VEQ_EXPORT Error endOfWork();
+
+/// The result of such work.
 template <class Work>
 [[nodiscard]] auto untilStopped(Work work) -> decltype(work()) {
   try {
     return work();
-  } catch (const Stopped&) {
-    return Error(ErrorKind::kStopped, "stopped");
-  } catch (const ObserverThrew& observer) {
-    std::rethrow_exception(observer.thrown);
-  } catch (const std::length_error&) {
-    throw std::bad_alloc();
+  } catch (...) {
+    return endOfWork();
   }
 }
 

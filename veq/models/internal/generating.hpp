@@ -66,15 +66,15 @@ template <class Make>
     if (!seeded) return seeded.error();
     state = seeded.value();
   }
-  return untilStopped([&]() -> Result<Network> {
-    try {
-      Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
-      if (options.random) *options.random = *state;
-      return network;
-    } catch (const std::out_of_range& end) {  // of a substream
-      return argumentError(end.what());
-    }
-  });
+  try {
+    Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
+    if (options.random) *options.random = *state;
+    return network;
+  } catch (const std::out_of_range& end) {  // of a substream
+    return argumentError(end.what());
+  } catch (...) {
+    return endOfWork();
+  }
 }
 
 /// The same of `make(draws)`, which draws in blocks.
