@@ -18,6 +18,7 @@
 #include "veq/questions.hpp"
 #include "veq/reading.hpp"
 #include "veq/walkers.hpp"
+#include "veq/writing.hpp"
 
 namespace veq::test {
 namespace {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "veq/agents/internal/recorded_walk.hpp"
+#include "veq/random.hpp"
 #include "veq/walkers.hpp"
 
 namespace veq::test {
