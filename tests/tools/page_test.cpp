@@ -69,7 +69,7 @@ TEST(PageCommand, RefusesWhatCannotBe) {
     EXPECT_EQ(run.output, "");
     return run.errors;
   };
-  EXPECT_EQ(failing({}, 2), "veq: OUT is missing (see veq page --help)\n");
+  EXPECT_EQ(failing({}, 2), "veq: OUT or --svg is missing (see veq page --help)\n");
   EXPECT_EQ(failing({file, "--color", "Age"}, 1), "veq: " + kKarate + ": no column Age\n");
   EXPECT_EQ(failing({file, "--columns", "a,,b"}, 2),
             "veq: --columns lists an empty name (see veq page --help)\n");
