@@ -191,9 +191,11 @@ def test_progress_counts_tasks_and_can_end_the_run():
         study(20).run(workers=0, progress=lambda done, all: done < 5)
 
 
+# A shell that runs tests in the background has them ignore interrupts.
 INTERRUPTED = """
 import os, signal, sys, threading, time
 import veq, veq.ensemble as ve
+signal.signal(signal.SIGINT, signal.default_int_handler)
 walk = ve.WalkTask(starts=[0], steps=10**12, collect=("steps",))
 study = ve.Ensemble(walk, [{"steps": 5}] + [{}] * 3, seed=1, networks=veq.lattice([9]))
 threading.Timer(1.5, lambda: os.kill(os.getpid(), signal.SIGINT)).start()
@@ -212,7 +214,12 @@ def test_an_interrupt_ends_the_run_after_a_whole_step(tmp_path, engine, workers)
     command = [sys.executable, "-c", textwrap.dedent(code), tmp_path / "kept"]
     # A group of its own, as a terminal has it.
     shown = subprocess.run(
-        command, capture_output=True, text=True, env=environment(), start_new_session=True
+        command,
+        capture_output=True,
+        text=True,
+        env=environment(),
+        start_new_session=True,
+        timeout=120,
     )
     assert (shown.stdout, shown.stderr) == ("interrupted\n", "")
     # A record: 28 bytes before the payload; the first task has been kept.
