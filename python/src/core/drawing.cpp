@@ -20,7 +20,7 @@ PointArray pointsOf(const VEQVector2dArray& vectors) {
   }
   auto kept = std::make_unique<std::vector<double>>(std::move(points));
   double* const data = kept->data();
-  return arrayOver<double>(data, {kept->size() / 2, 2}, std::move(kept));
+  return arrayOver<double>(data, {vectors.count(), 2}, std::move(kept));
 }
 
 PointArray forced(const BoundNetwork& bound, std::uint64_t iterations, std::uint32_t seed,
