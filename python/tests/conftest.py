@@ -1,5 +1,6 @@
 """What all tests share. A test that is skipped fails the run, unless skips.txt names it."""
 
+import signal
 from pathlib import Path
 
 import pytest
@@ -12,6 +13,9 @@ ALLOWED = [
     if line and not line.startswith("#")
 ]
 skipped: list[str] = []
+
+# A shell that runs the tests in the background has them ignore interrupts, which some of them send.
+signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def pytest_runtest_logreport(report):
