@@ -51,7 +51,13 @@ class Reduction:
     of: Callable[[Any], Any] = _Field(None)
 
     def all(self, parts: Sequence[Any]) -> Any:
-        """Of at least one part."""
+        """Of at least one part.
+
+        Examples
+        --------
+        >>> veq.ensemble.summed("steps").all([1, 2, 3])
+        6
+        """
         return reduce(self.add, parts)
 
 
