@@ -114,11 +114,11 @@ test("a page one byte of whose data was changed says so", async () => {
 });
 
 test("a page whose visits were changed, check and all, says which vertex differs", async () => {
-  const spec = walked(network("karate"), 3, 200);
-  assert.ok(spec.walk);
-  const truth = spec.walk.arrivals[7];
-  spec.walk.arrivals[7] += 2;
-  const block = encode(spec);
+  const content = walked(network("karate"), 3, 200);
+  assert.ok(content.walk);
+  const truth = content.walk.arrivals[7];
+  content.walk.arrivals[7] += 2;
+  const block = encode(content);
   assert.equal(new DataView(block.buffer).getUint32(block.length - 4, true), crc32(block.subarray(0, -6)));
   const { page, close } = await open(browser, fileOf(htmlOf(block)));
   const says = await checked(page);
@@ -131,10 +131,10 @@ test("a page whose visits were changed, check and all, says which vertex differs
 });
 
 test("a walk from other words is found out by where agents end, too", async () => {
-  const spec = walked(network("karate"), 1, 50);
-  assert.ok(spec.walk);
-  spec.walk.ends = [(spec.walk.ends[0] + 1) % 34];
-  const { page, close } = await open(browser, fileOf(htmlOf(encode(spec))));
+  const content = walked(network("karate"), 1, 50);
+  assert.ok(content.walk);
+  content.walk.ends = [(content.walk.ends[0] + 1) % 34];
+  const { page, close } = await open(browser, fileOf(htmlOf(encode(content))));
   assert.equal(await checked(page), "recomputed in your browser: differs in where agents end");
   await close();
 });

@@ -4,7 +4,7 @@ import { readFileSync } from "node:fs";
 import { after, before, test } from "node:test";
 import type { Browser, Page } from "playwright-core";
 import { encode } from "../support/encode.ts";
-import type { Spec } from "../support/encode.ts";
+import type { Content } from "../support/encode.ts";
 import { checked, fileOf, htmlOf, launch, open, templateFile } from "../support/browser.ts";
 import { walked } from "../support/samples.ts";
 
@@ -30,10 +30,10 @@ const hostile = [
   "x".repeat(100_000),
 ];
 
-function hostilePage(): Spec {
+function hostilePage(): Content {
   const n = hostile.length;
   const edges = Array.from({ length: n }, (_, v): [number, number] => [v, (v + 1) % n]);
-  const spec: Spec = {
+  const content: Content = {
     title: hostile[0],
     version: hostile[1],
     call: hostile.slice(0, -1).join(" "),
@@ -44,7 +44,7 @@ function hostilePage(): Spec {
     texts: { [hostile[2]]: hostile, [hostile[3]]: hostile },
     color: { by: "column", column: n },
   };
-  return walked(spec, 3, 50);
+  return walked(content, 3, 50);
 }
 
 async function isUntouched(page: Page, faults: string[]): Promise<void> {

@@ -5,7 +5,7 @@ import type { Browser, Page } from "playwright-core";
 import { scaleOf, shadesOf } from "../../src/color.ts";
 import type { Color, Theme } from "../../src/color.ts";
 import { addressOf, checked, launch, open, settle } from "../support/browser.ts";
-import type { Spec } from "../support/encode.ts";
+import type { Content } from "../support/encode.ts";
 import { network } from "../support/networks.ts";
 import { smallSamples, walked } from "../support/samples.ts";
 
@@ -68,7 +68,7 @@ function ring(n: number): Point[] {
 }
 
 /** Vertices 0 to 9 in a row, whose number is their index. */
-const row: Spec = {
+const row: Content = {
   n: 10,
   edges: [[0, 9]],
   positions: Array.from({ length: 10 }, (_, v): Point => [v / 9, 0.5]),
@@ -77,10 +77,10 @@ const row: Spec = {
   size: { by: "constant" },
 };
 
-const scenes: { name: string; spec: Spec; positions: Point[]; hash: string; expected: (theme: Theme) => (Color | null)[] }[] = [
+const scenes: { name: string; content: Content; positions: Point[]; hash: string; expected: (theme: Theme) => (Color | null)[] }[] = [
   {
     name: "numbers in a row",
-    spec: row,
+    content: row,
     positions: row.positions ?? [],
     hash: "color=column0",
     // 255 v / 9, rounded, is the step of the scale.
@@ -88,14 +88,14 @@ const scenes: { name: string; spec: Spec; positions: Point[]; hash: string; expe
   },
   {
     name: "not visited yet",
-    spec: walked(network("karate"), 2, 100),
+    content: walked(network("karate"), 2, 100),
     positions: ring(34),
     hash: "agents=none&size=constant",
     expected: (theme) => new Array<Color>(34).fill(shadesOf(theme).none),
   },
   {
     name: "visited",
-    spec: walked(network("karate"), 2, 300),
+    content: walked(network("karate"), 2, 300),
     positions: ring(34),
     hash: "s=300&agents=none&size=constant",
     expected: (theme) => {
@@ -109,14 +109,14 @@ const scenes: { name: string; spec: Spec; positions: Point[]; hash: string; expe
   },
   {
     name: "two towns",
-    spec: smallSamples["columns"],
+    content: smallSamples["columns"],
     positions: ring(3),
     hash: "color=column2&size=constant",
     expected: (theme) => [null, shadesOf(theme).none, null],
   },
   {
     name: "one vertex marked",
-    spec: row,
+    content: row,
     positions: row.positions ?? [],
     hash: "color=column0&v=9",
     // Vertex 0 is a neighbour; those between stand back.
@@ -128,8 +128,8 @@ for (const view of ["canvas", "webgl"] as const) {
   for (const theme of ["light", "dark"] as const) {
     test(`${view}, ${theme}: vertices have their colours at their places`, async () => {
       for (const scene of scenes) {
-        const { page, watch, close } = await open(browser, `${addressOf(scene.spec)}#view=${view}&theme=${theme}&${scene.hash}`);
-        if (scene.spec.walk) await checked(page);
+        const { page, watch, close } = await open(browser, `${addressOf(scene.content)}#view=${view}&theme=${theme}&${scene.hash}`);
+        if (scene.content.walk) await checked(page);
         await settle(page);
         await page.waitForTimeout(250);
         const box = (await page.locator("#picture").boundingBox())!;

@@ -12,18 +12,18 @@ before(async () => {
 });
 after(() => browser.close());
 
-for (const [name, spec] of Object.entries(smallSamples)) {
+for (const [name, content] of Object.entries(smallSamples)) {
   for (const view of ["canvas", "webgl"]) {
     test(`${name}, ${view}`, async () => {
-      const { page, watch, close } = await open(browser, `${addressOf(spec)}#view=${view}`);
+      const { page, watch, close } = await open(browser, `${addressOf(content)}#view=${view}`);
       await settle(page);
       assert.equal(await page.isVisible("#picture"), true);
       await page.click("#zoom-in");
       await page.click("#zoom-fit");
       await page.click("#show-table");
-      assert.equal(await page.locator("#table-body tr:not(.space)").count(), spec.n);
+      assert.equal(await page.locator("#table-body tr:not(.space)").count(), content.n);
       await page.click("#show-picture");
-      if (spec.walk) assert.match(await checked(page), /: agrees$/);
+      if (content.walk) assert.match(await checked(page), /: agrees$/);
       assert.deepEqual(watch.faults, []);
       await close();
     });
@@ -84,13 +84,13 @@ test("a notebook's frame shows the page, with scripts and downloads and nothing 
 });
 
 test("a long walk is recomputed when asked", async () => {
-  const spec = walked(smallSamples["loops"], 1, 10);
-  assert.ok(spec.walk);
+  const content = walked(smallSamples["loops"], 1, 10);
+  assert.ok(content.walk);
   // Every vertex has loops alone, so that the only agent stands on vertex 0 for ever.
-  spec.walk.steps = 20_000_001;
-  spec.walk.arrivals = [20_000_001, 0, 0];
-  spec.walk.ends = [0];
-  const { page, close } = await open(browser, addressOf(spec));
+  content.walk.steps = 20_000_001;
+  content.walk.arrivals = [20_000_001, 0, 0];
+  content.walk.ends = [0];
+  const { page, close } = await open(browser, addressOf(content));
   assert.equal(await page.textContent("#check-text"), "20,000,001 moves, not recomputed yet");
   await page.click("#check-run");
   assert.equal(await checked(page), "recomputed in your browser: agrees");

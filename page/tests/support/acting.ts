@@ -4,16 +4,16 @@ import type { Page } from "playwright-core";
 import { settle } from "./browser.ts";
 import { network } from "./networks.ts";
 import { walked } from "./samples.ts";
-import type { Spec } from "./encode.ts";
+import type { Content } from "./encode.ts";
 
 export const STEPS = 2000;
 
 /** Les Misérables on a circle, with a column of each kind, after a walk of five agents. */
-export function novel(): Spec {
-  const spec = network("lesmis");
-  spec.numbers = { Age: Array.from({ length: spec.n }, (_, v) => v) };
-  spec.texts = { Town: Array.from({ length: spec.n }, (_, v) => ["Digne", "Paris", "Montreuil"][v % 3]) };
-  return { ...walked(spec, 5, STEPS, 1, 0.99), call: "veq walk" };
+export function novel(): Content {
+  const content = network("lesmis");
+  content.numbers = { Age: Array.from({ length: content.n }, (_, v) => v) };
+  content.texts = { Town: Array.from({ length: content.n }, (_, v) => ["Digne", "Paris", "Montreuil"][v % 3]) };
+  return { ...walked(content, 5, STEPS, 1, 0.99), call: "veq walk" };
 }
 
 export async function step(page: Page): Promise<number> {

@@ -7,7 +7,7 @@ import { chromium } from "playwright-core";
 import type { Browser, BrowserContextOptions, Page } from "playwright-core";
 import { fromBase64 } from "../../src/bytes.ts";
 import { encode } from "./encode.ts";
-import type { Spec } from "./encode.ts";
+import type { Content } from "./encode.ts";
 import { root } from "./networks.ts";
 
 export const templateFile = join(root, "veq/drawing/page_template.html");
@@ -49,8 +49,8 @@ export function fileOf(html: string, name = `page${++files}.html`): string {
   return pathToFileURL(file).href;
 }
 
-export function addressOf(spec: Spec): string {
-  return fileOf(htmlOf(encode(spec), spec.title ?? ""));
+export function addressOf(content: Content): string {
+  return fileOf(htmlOf(encode(content), content.title ?? ""));
 }
 
 /** The page that the program wrote, in the template as it is now, which the program may be older than. */

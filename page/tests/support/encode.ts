@@ -73,7 +73,7 @@ export interface WalkSpec {
   seed?: number;
 }
 
-export interface Spec {
+export interface Content {
   title?: string;
   version?: string;
   n: number;
@@ -92,61 +92,61 @@ export interface Spec {
 
 type Section = [number, number[]];
 
-function meta(spec: Spec): number[] {
-  const walk = spec.walk && {
-    seed: spec.walk.seed ?? null,
+function meta(content: Content): number[] {
+  const walk = content.walk && {
+    seed: content.walk.seed ?? null,
     substream: null,
     starts: "",
-    restart: (spec.walk.threshold ?? 0) / 2 ** 31,
+    restart: (content.walk.threshold ?? 0) / 2 ** 31,
     errors: [],
   };
   const columns = [
-    ...Object.keys(spec.numbers ?? {}).map((key) => ({ key, kind: "number" })),
-    ...Object.keys(spec.texts ?? {}).map((key) => ({ key, kind: "text" })),
+    ...Object.keys(content.numbers ?? {}).map((key) => ({ key, kind: "number" })),
+    ...Object.keys(content.texts ?? {}).map((key) => ({ key, kind: "text" })),
   ];
   const json = {
-    title: spec.title ?? "",
-    veq: spec.version ?? "0.9.0",
-    n: spec.n,
-    m: spec.edges.length,
-    directed: spec.directed ?? false,
-    edgeWeighted: !!spec.weights,
-    call: spec.call ?? "",
+    title: content.title ?? "",
+    veq: content.version ?? "0.9.0",
+    n: content.n,
+    m: content.edges.length,
+    directed: content.directed ?? false,
+    edgeWeighted: !!content.weights,
+    call: content.call ?? "",
     layout: "given",
     columns,
-    color: spec.color ?? null,
-    size: spec.size ?? null,
+    color: content.color ?? null,
+    size: content.size ?? null,
     ...(walk ? { walk } : {}),
   };
   return [...new TextEncoder().encode(JSON.stringify(json))];
 }
 
-function edgeBytes(spec: Spec): number[] {
+function edgeBytes(content: Content): number[] {
   const writer = new Writer();
   let before = 0;
-  for (const [source] of spec.edges) {
+  for (const [source] of content.edges) {
     const d = source - before;
     writer.varint(d >= 0 ? 2 * d : -2 * d - 1);
     before = source;
   }
-  return writer.varints(spec.edges.map(([, target]) => target)).bytes;
+  return writer.varints(content.edges.map(([, target]) => target)).bytes;
 }
 
-function positionBytes(spec: Spec): number[] {
+function positionBytes(content: Content): number[] {
   const writer = new Writer();
-  for (let v = 0; v < spec.n; ++v) {
-    const turn = (2 * Math.PI * v) / Math.max(1, spec.n);
-    const [x, y] = spec.positions?.[v] ?? [0.5 + 0.5 * Math.cos(turn), 0.5 + 0.5 * Math.sin(turn)];
+  for (let v = 0; v < content.n; ++v) {
+    const turn = (2 * Math.PI * v) / Math.max(1, content.n);
+    const [x, y] = content.positions?.[v] ?? [0.5 + 0.5 * Math.cos(turn), 0.5 + 0.5 * Math.sin(turn)];
     writer.u16(Math.round(x * 65535)).u16(Math.round(y * 65535));
   }
   return writer.bytes;
 }
 
-function columnSections(spec: Spec): Section[] {
-  const numbers = Object.values(spec.numbers ?? {}).map((values): Section => {
+function columnSections(content: Content): Section[] {
+  const numbers = Object.values(content.numbers ?? {}).map((values): Section => {
     return [5, new Writer().u8(4).all(values, (writer, value) => writer.f64(value)).bytes];
   });
-  const texts = Object.values(spec.texts ?? {}).map((values): Section => {
+  const texts = Object.values(content.texts ?? {}).map((values): Section => {
     const different = [...new Set(values.filter((value) => value !== ""))];
     const writer = new Writer().u8(3).varint(different.length);
     for (const text of different) writer.text(text);
@@ -190,21 +190,21 @@ export function blockOf(sections: Section[]): Uint8Array {
   return Uint8Array.from(writer.u8(127).varint(4).u32(check).bytes);
 }
 
-export function sectionsOf(spec: Spec): Section[] {
-  const sections: Section[] = [[1, meta(spec)], [2, edgeBytes(spec)], [3, positionBytes(spec)]];
-  if (spec.names) {
+export function sectionsOf(content: Content): Section[] {
+  const sections: Section[] = [[1, meta(content)], [2, edgeBytes(content)], [3, positionBytes(content)]];
+  if (content.names) {
     const writer = new Writer();
-    for (const name of spec.names) writer.text(name);
+    for (const name of content.names) writer.text(name);
     sections.push([4, writer.bytes]);
   }
-  sections.push(...columnSections(spec));
-  if (spec.walk) sections.push(...walkSections(spec.walk));
-  if (spec.weights) {
-    sections.push([8, new Writer().all(spec.weights, (writer, value) => writer.f32(value)).bytes]);
+  sections.push(...columnSections(content));
+  if (content.walk) sections.push(...walkSections(content.walk));
+  if (content.weights) {
+    sections.push([8, new Writer().all(content.weights, (writer, value) => writer.f32(value)).bytes]);
   }
   return sections.sort((a, b) => a[0] - b[0]);
 }
 
-export function encode(spec: Spec): Uint8Array {
-  return blockOf(sectionsOf(spec));
+export function encode(content: Content): Uint8Array {
+  return blockOf(sectionsOf(content));
 }

@@ -2,7 +2,7 @@
 import { execFileSync } from "node:child_process";
 import { existsSync, readFileSync } from "node:fs";
 import { dirname, join } from "node:path";
-import type { Spec } from "./encode.ts";
+import type { Content } from "./encode.ts";
 
 /** The root of the repository: the folder above that holds the file which names the library's version. */
 export const root = findRoot(dirname(new URL(import.meta.url).pathname));
@@ -28,7 +28,7 @@ export function veq(...words: string[]): string {
 }
 
 /** One of the repository's networks, whose files have a line for each edge, perhaps with a weight. */
-export function network(name: "karate" | "lesmis"): Spec {
+export function network(name: "karate" | "lesmis"): Content {
   const lines = readFileSync(join(root, "data", `${name}.xnet`), "utf8").split("\n");
   const head = /^#vertices (\d+)/.exec(lines[0]);
   if (!head) throw new Error(`${name} has another head`);
@@ -37,10 +37,10 @@ export function network(name: "karate" | "lesmis"): Spec {
   const until = lines.findIndex((line, i) => i > from && line.startsWith("#"));
   const rows = lines.slice(from + 1, until < 0 ? undefined : until).filter((line) => line !== "");
   const numbers = rows.map((row) => row.split(/\s+/).map(Number));
-  const spec: Spec = { title: name, n, edges: numbers.map(([a, b]) => [a, b]) };
-  if (lines[from].includes(" weighted")) spec.weights = numbers.map(([, , weight]) => weight);
-  if (from > 1) spec.names = lines.slice(1, from).map((line) => line.replace(/^"|"$/g, ""));
-  return spec;
+  const content: Content = { title: name, n, edges: numbers.map(([a, b]) => [a, b]) };
+  if (lines[from].includes(" weighted")) content.weights = numbers.map(([, , weight]) => weight);
+  if (from > 1) content.names = lines.slice(1, from).map((line) => line.replace(/^"|"$/g, ""));
+  return content;
 }
 
 /** Where each agent stood after each step, as `veq walk --paths` tells it: paths[agent][step]. */

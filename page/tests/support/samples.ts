@@ -3,18 +3,18 @@ import { outLists } from "../../src/lists.ts";
 import { LawMover, STAYED } from "../../src/walk.ts";
 import { network, seeded } from "./networks.ts";
 import { Writer, encode } from "./encode.ts";
-import type { Spec } from "./encode.ts";
+import type { Content } from "./encode.ts";
 
 /** The same network with a walk, which the page's own law makes. */
-export function walked(spec: Spec, agents: number, steps: number, seed = 1, target = 0): Spec {
-  const sources = Uint32Array.from(spec.edges, ([source]) => source);
-  const targets = Uint32Array.from(spec.edges, ([, end]) => end);
-  const lists = outLists(spec.n, sources, targets, spec.directed ?? false);
+export function walked(content: Content, agents: number, steps: number, seed = 1, target = 0): Content {
+  const sources = Uint32Array.from(content.edges, ([source]) => source);
+  const targets = Uint32Array.from(content.edges, ([, end]) => end);
+  const lists = outLists(content.n, sources, targets, content.directed ?? false);
   const words = seeded(seed);
   const mover = new LawMover({ lists, sums: null, choice: "published", words, restarts: null }, agents);
-  const starts = Array.from({ length: agents }, (_, a) => a % spec.n);
+  const starts = Array.from({ length: agents }, (_, a) => a % content.n);
   const positions = Uint32Array.from(starts);
-  const arrivals = new Array<number>(spec.n).fill(0);
+  const arrivals = new Array<number>(content.n).fill(0);
   const moves = new Int32Array(agents);
   for (let s = 0; s < steps; ++s) {
     mover.step(positions, moves);
@@ -24,11 +24,11 @@ export function walked(spec: Spec, agents: number, steps: number, seed = 1, targ
       ++arrivals[to];
     });
   }
-  return { ...spec, walk: { words, steps, starts, arrivals, ends: [...positions], seed, target } };
+  return { ...content, walk: { words, steps, starts, arrivals, ends: [...positions], seed, target } };
 }
 
 /** A star of three rays, on which two agents with memory were seen to walk. */
-export function remembered(): Spec {
+export function remembered(): Content {
   const edges: [number, number][] = [[0, 1], [0, 2], [0, 3]];
   // Agent 0: 0 to 1, back, to 2. Agent 1 begins at 3: to 0, to 3 as a vertex, stays.
   const moves = new Writer().varints([2, 2, 2, 1, 3, 3, 0, 1, 2, 0]).bytes;
@@ -50,7 +50,7 @@ export function remembered(): Spec {
 
 
 /** A network of random edges in a row of clusters, for sizes. */
-export function large(n: number, m: number): Spec {
+export function large(n: number, m: number): Content {
   let state = 1;
   const next = (below: number): number => {
     state = (state * 48271) % 2147483647;
@@ -63,7 +63,7 @@ export function large(n: number, m: number): Spec {
   return { title: `${n} vertices`, n, edges, positions };
 }
 
-export const smallSamples: Record<string, Spec> = {
+export const smallSamples: Record<string, Content> = {
   empty: { n: 0, edges: [] },
   one: { n: 1, edges: [] },
   loops: { n: 3, edges: [[0, 0], [1, 1], [2, 2], [2, 2]], title: "All loops" },

@@ -5,7 +5,7 @@ import { decode } from "../../src/data.ts";
 import { RecordMover } from "../../src/recorded.ts";
 import { Course, Replay } from "../../src/replay.ts";
 import { blockOf, encode, sectionsOf } from "../support/encode.ts";
-import type { Spec } from "../support/encode.ts";
+import type { Content } from "../support/encode.ts";
 import { network } from "../support/networks.ts";
 import { karateBlock, remembered, smallSamples, walked } from "../support/samples.ts";
 
@@ -86,10 +86,10 @@ test("recorded moves are made again, with what agents remember", () => {
 });
 
 test("agents tell each other what they remember", () => {
-  const spec = remembered();
+  const content = remembered();
   // Agent 0 tells agent 1, who tells nobody.
-  if (spec.walk) spec.walk.memories = { sizes: [2, 3], listeners: [[1], []] };
-  const { walk, meta } = decode(encode(spec));
+  if (content.walk) content.walk.memories = { sizes: [2, 3], listeners: [[1], []] };
+  const { walk, meta } = decode(encode(content));
   assert.ok(walk);
   const replay = new Replay(new Course(meta.n, walk.starts, walk.steps, walk.mover));
   const { rings } = recordOf(replay);
@@ -107,15 +107,15 @@ test("agents tell each other what they remember", () => {
 });
 
 test("small pages of every kind are read", () => {
-  for (const [name, spec] of Object.entries(smallSamples)) {
-    assert.equal(messageOf(encode(spec)), "", name);
+  for (const [name, content] of Object.entries(smallSamples)) {
+    assert.equal(messageOf(encode(content)), "", name);
   }
 });
 
 test("each damage has its sentence", () => {
-  const spec: Spec = { n: 2, edges: [[0, 1]], names: ["a", "b"] };
-  const sections = sectionsOf(spec);
-  const good = encode(spec);
+  const content: Content = { n: 2, edges: [[0, 1]], names: ["a", "b"] };
+  const sections = sectionsOf(content);
+  const good = encode(content);
   const damage = (text: string): string => `The data of this page is damaged: ${text}.`;
   const replaced = (tag: number, payload: number[]): string =>
     messageOf(blockOf(sections.map(([each, old]) => [each, each === tag ? payload : old])));
@@ -145,7 +145,7 @@ test("each damage has its sentence", () => {
 
 test("a walk must be one that can be made", () => {
   const good = walked(network("karate"), 2, 10);
-  const broken = (change: Partial<NonNullable<Spec["walk"]>>): string => {
+  const broken = (change: Partial<NonNullable<Content["walk"]>>): string => {
     assert.ok(good.walk);
     return messageOf(encode({ ...good, walk: { ...good.walk, ...change } }));
   };
@@ -161,9 +161,9 @@ test("a walk must be one that can be made", () => {
 
 test("a record must hold moves that can be made", () => {
   const broken = (moves: number[]): string => {
-    const spec = remembered();
-    if (spec.walk) spec.walk.moves = moves;
-    return messageOf(encode(spec));
+    const content = remembered();
+    if (content.walk) content.walk.moves = moves;
+    return messageOf(encode(content));
   };
   const damage = (text: string): string =>
     `The data of this page is damaged: the record of moves ${text}.`;

@@ -3,7 +3,7 @@ import { test } from "node:test";
 import { PageError, crc32 } from "../../src/bytes.ts";
 import { decode } from "../../src/data.ts";
 import { encode } from "../support/encode.ts";
-import type { Spec } from "../support/encode.ts";
+import type { Content } from "../support/encode.ts";
 import { smallSamples, walked } from "../support/samples.ts";
 
 const INPUTS = Number(process.env["VEQ_FUZZ_INPUTS"] ?? 1_000_000);
@@ -18,7 +18,7 @@ class Dice {
   }
 }
 
-const square: Spec = { n: 4, edges: [[0, 1], [1, 2], [2, 3], [3, 0]], names: ["a", "b", "c", "d"] };
+const square: Content = { n: 4, edges: [[0, 1], [1, 2], [2, 3], [3, 0]], names: ["a", "b", "c", "d"] };
 const restarting = walked(square, 2, 20);
 if (restarting.walk) {
   Object.assign(restarting.walk, { restarts: 2, threshold: 2 ** 29, homes: [0, 1] });

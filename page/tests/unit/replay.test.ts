@@ -6,13 +6,13 @@ import { LawMover } from "../../src/walk.ts";
 import { network, seeded } from "../support/networks.ts";
 
 function course(steps: number, agents: number, trail = 64): Course {
-  const spec = network("karate");
-  const sources = Uint32Array.from(spec.edges, ([source]) => source);
-  const targets = Uint32Array.from(spec.edges, ([, target]) => target);
-  const lists = outLists(spec.n, sources, targets, false);
-  const starts = Uint32Array.from({ length: agents }, (_, a) => a % spec.n);
+  const content = network("karate");
+  const sources = Uint32Array.from(content.edges, ([source]) => source);
+  const targets = Uint32Array.from(content.edges, ([, target]) => target);
+  const lists = outLists(content.n, sources, targets, false);
+  const starts = Uint32Array.from({ length: agents }, (_, a) => a % content.n);
   const law = { lists, sums: null, choice: "published", words: seeded(11), restarts: null } as const;
-  return new Course(spec.n, starts, steps, () => new LawMover(law, agents), trail);
+  return new Course(content.n, starts, steps, () => new LawMover(law, agents), trail);
 }
 
 /** What is shown at a step, after walking straight to it. */

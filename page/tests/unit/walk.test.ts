@@ -3,14 +3,14 @@ import { test } from "node:test";
 import { outLists, weightSums } from "../../src/lists.ts";
 import { LawMover, STAYED } from "../../src/walk.ts";
 import type { Choice, Law, Restarts } from "../../src/walk.ts";
-import type { Spec } from "../support/encode.ts";
+import type { Content } from "../support/encode.ts";
 import { after, network, pathsOf, seeded } from "../support/networks.ts";
 
-function lawOf(spec: Spec, choice: Choice, words: Uint32Array, restarts: Restarts | null): Law {
-  const sources = Uint32Array.from(spec.edges, ([source]) => source);
-  const targets = Uint32Array.from(spec.edges, ([, target]) => target);
-  const lists = outLists(spec.n, sources, targets, spec.directed ?? false);
-  const sums = spec.weights ? weightSums(lists, Float32Array.from(spec.weights)) : null;
+function lawOf(content: Content, choice: Choice, words: Uint32Array, restarts: Restarts | null): Law {
+  const sources = Uint32Array.from(content.edges, ([source]) => source);
+  const targets = Uint32Array.from(content.edges, ([, target]) => target);
+  const lists = outLists(content.n, sources, targets, content.directed ?? false);
+  const sums = content.weights ? weightSums(lists, Float32Array.from(content.weights)) : null;
   return { lists, sums, choice, words, restarts };
 }
 
@@ -43,58 +43,58 @@ for (const [name, choice, agents, steps, seed] of [
   ["lesmis", "weighted", 60, 1000, 31],
 ] as const) {
   test(`${name}: ${agents} agents, ${steps} steps, ${choice}, seed ${seed}, as the program walks`, () => {
-    const spec = network(name);
+    const content = network(name);
     const expected = pathsOf(
       `data/${name}.xnet`, "--agents", String(agents), "--steps", String(steps),
       "--seed", String(seed), "--choice", choice,
     );
-    const paths = walk(lawOf(spec, choice, seeded(seed), null), starts(agents, spec.n), steps);
+    const paths = walk(lawOf(content, choice, seeded(seed), null), starts(agents, content.n), steps);
     assert.equal(expected.length, agents);
     assert.deepEqual(paths, expected);
   });
 }
 
 test("restarts draw after all choices, where the number of steps is known", () => {
-  const spec = network("lesmis");
+  const content = network("lesmis");
   const [agents, steps, seed] = [6, 3000, 8];
   const expected = pathsOf(
     "data/lesmis.xnet", "--agents", "6", "--steps", "3000", "--seed", "8", "--choice", "even",
     "--restart", "0.25",
   );
-  const homes = Uint32Array.from(starts(agents, spec.n));
+  const homes = Uint32Array.from(starts(agents, content.n));
   const words = seeded(seed);
   const restarts = { threshold: 2 ** 29, homes, words: after(words, agents * steps) };
-  assert.deepEqual(walk(lawOf(spec, "even", words, restarts), [...homes], steps), expected);
+  assert.deepEqual(walk(lawOf(content, "even", words, restarts), [...homes], steps), expected);
 });
 
 test("restarts draw step by step, where it is not", () => {
-  const spec = network("karate");
+  const content = network("karate");
   const expected = pathsOf(
     "data/karate.xnet", "--agents", "3", "--until-reach", "1", "--seed", "4", "--restart", "0.5",
   );
-  const homes = Uint32Array.from(starts(3, spec.n));
-  const law = lawOf(spec, "published", seeded(4), { threshold: 2 ** 30, homes, words: null });
+  const homes = Uint32Array.from(starts(3, content.n));
+  const law = lawOf(content, "published", seeded(4), { threshold: 2 ** 30, homes, words: null });
   const steps = expected[0].length - 1;
   assert.ok(steps > 10);
   assert.deepEqual(walk(law, [...homes], steps), expected);
 });
 
 test("agents without a way stay", () => {
-  const spec: Spec = { n: 2, edges: [[0, 1]], directed: true };
-  assert.deepEqual(walk(lawOf(spec, "published", seeded(1), null), [0, 1], 3), [
+  const content: Content = { n: 2, edges: [[0, 1]], directed: true };
+  assert.deepEqual(walk(lawOf(content, "published", seeded(1), null), [0, 1], 3), [
     [0, 1, 1, 1],
     [1, 1, 1, 1],
   ]);
 });
 
 test("an edge of weight 0 is never taken, and where all are 0 agents stay", () => {
-  const star: Spec = { n: 3, edges: [[0, 1], [0, 2]], directed: true, weights: [0, 2] };
+  const star: Content = { n: 3, edges: [[0, 1], [0, 2]], directed: true, weights: [0, 2] };
   assert.deepEqual(walk(lawOf(star, "weighted", seeded(1), null), [0], 1), [[0, 2]]);
   // Without weights each is 1: the sums are 1 and 2, of which draws below 2^30 choose the first.
   const plain = lawOf({ ...star, weights: [1, 1] }, "weighted", seeded(1), null);
   const { lists } = plain;
   assert.deepEqual([...weightSums(lists, null)], [1, 2]);
-  const none: Spec = { ...star, weights: [0, 0] };
+  const none: Content = { ...star, weights: [0, 0] };
   assert.deepEqual(walk(lawOf(none, "weighted", seeded(1), null), [0], 2), [[0, 0, 0]]);
 });
 
