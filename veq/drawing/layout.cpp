@@ -30,23 +30,9 @@ Shared<VEQVector2dArray> vectorsOf(const std::vector<Point>& points) {
   return made;
 }
 
-struct Extent {
-  Point low;
-  Point high;
-};
-
-Extent extentOf(const std::vector<Point>& points) {
-  Extent extent{points[0], points[0]};
-  for (const Point& point : points) {
-    extent.low = {std::min(extent.low.x, point.x), std::min(extent.low.y, point.y)};
-    extent.high = {std::max(extent.high.x, point.x), std::max(extent.high.y, point.y)};
-  }
-  return extent;
-}
-
 // From the lower left corner of a box with room round them.
 Box moveIntoBox(std::vector<Point>& points) {
-  const Extent extent = extentOf(points);
+  const internal::Extent extent = internal::extentOf(points);
   for (Point& point : points) {
     point = {point.x - extent.low.x + kMargin, point.y - extent.low.y + kMargin};
   }
@@ -56,7 +42,7 @@ Box moveIntoBox(std::vector<Point>& points) {
 
 void fitIntoSquare(std::vector<Point>& points) {
   if (points.empty()) return;
-  const auto [low, high] = extentOf(points);
+  const auto [low, high] = internal::extentOf(points);
   const Point centre{(low.x + high.x) / 2.0, (low.y + high.y) / 2.0};
   const double half = std::max(high.x - low.x, high.y - low.y) / 2.0;
   if (!(half > 0.0)) {

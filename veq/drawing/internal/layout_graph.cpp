@@ -236,12 +236,9 @@ CoarserGraph coarser(const LayoutGraph& graph) {
   LayoutGraph& rough = made.graph;
   for (std::uint32_t c = 0; c < firsts.size(); ++c) {
     const std::uint64_t begin = rough.neighbours.size();
-    const std::uint32_t first = firsts[c];
-    const std::uint32_t second = matching.partner(first);
-    double mass = 0.0;
-    for (std::uint32_t child : {first, second}) {
-      if (child == first && mass > 0.0) break;
-      mass += graph.masses[child];
+    rough.masses.push_back(0.0);
+    const auto add = [&](std::uint32_t child) {
+      rough.masses[c] += graph.masses[child];
       const auto neighbours = graph.neighboursOf(child);
       const auto pulls = graph.pullsOf(child);
       for (std::size_t i = 0; i < neighbours.size(); ++i) {
@@ -255,9 +252,12 @@ CoarserGraph coarser(const LayoutGraph& graph) {
           rough.pulls.push_back(pulls[i]);
         }
       }
-    }
+    };
+    const std::uint32_t first = firsts[c];
+    const std::uint32_t second = matching.partner(first);
+    add(first);
+    if (second != first) add(second);
     rough.rowStarts.push_back(rough.neighbours.size());
-    rough.masses.push_back(mass);
   }
   return made;
 }

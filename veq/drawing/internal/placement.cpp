@@ -40,17 +40,14 @@ Result<std::vector<Point>> givenPoints(const Network& network) {
 // Halves keep differences of the largest doubles finite.
 void fitUnitSquare(std::vector<Point>& points) {
   if (points.empty()) return;
-  Point low = points[0];
-  Point high = points[0];
-  for (const Point& point : points) {
-    low = {std::min(low.x, point.x), std::min(low.y, point.y)};
-    high = {std::max(high.x, point.x), std::max(high.y, point.y)};
-  }
+  const Extent extent = extentOf(points);
+  const Point low = extent.low;
+  const Point high = extent.high;
   const double width = high.x / 2 - low.x / 2;
   const double height = high.y / 2 - low.y / 2;
   const double side = std::max(width, height);
-  const auto fit = [side](double offset, double extent) {
-    return side > 0.0 ? std::clamp((offset - extent / 2) / side + 0.5, 0.0, 1.0) : 0.5;
+  const auto fit = [side](double offset, double length) {
+    return side > 0.0 ? std::clamp((offset - length / 2) / side + 0.5, 0.0, 1.0) : 0.5;
   };
   for (Point& point : points) {
     point = {fit(point.x / 2 - low.x / 2, width), fit(point.y / 2 - low.y / 2, height)};

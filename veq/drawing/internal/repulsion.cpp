@@ -85,12 +85,9 @@ void Repulsion::add(std::span<const Point> points, std::span<const double> masse
 
 // By the bits of both coordinates in turn, so that each square is a run of points.
 void Repulsion::sortByPlace(std::span<const Point> points) {
-  Point low = points[0];
-  Point high = points[0];
-  for (const Point& point : points) {
-    low = {std::min(low.x, point.x), std::min(low.y, point.y)};
-    high = {std::max(high.x, point.x), std::max(high.y, point.y)};
-  }
+  const Extent extent = extentOf(points);
+  const Point low = extent.low;
+  const Point high = extent.high;
   side_ = std::max(high.x - low.x, high.y - low.y);
   const double scale = side_ > 0.0 ? 65536.0 / side_ : 0.0;
   codes_.resize(points.size());

@@ -6,12 +6,9 @@
 #include <span>
 #include <vector>
 
-namespace veq::internal {
+#include "veq/drawing/internal/points.hpp"
 
-struct Point {
-  double x = 0.0;
-  double y = 0.0;
-};
+namespace veq::internal {
 
 /// Each point pushes each other one off by the product of their masses over the distance. Points
 /// that are far away for how much room they take together count as one in their centre (Barnes and
