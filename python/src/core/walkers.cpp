@@ -109,16 +109,6 @@ CoverageTuple tupleOf(const std::vector<Coverage>& coverage) {
   return nb::make_tuple(arrayOf(std::move(steps)), arrayOf(std::move(vertices)));
 }
 
-// What f(walkers) gives, which walks where the networks are read and nobody else draws.
-template <class F>
-auto walking(BoundWalkers& bound, F f) {
-  const nb::gil_scoped_release released;
-  const ReadingUse network(*bound.network.use);
-  std::optional<ReadingUse> listeners;
-  if (bound.listeners) listeners.emplace(*bound.listeners->use);
-  return f(bound.walkers);
-}
-
 // (end, steps, paths or None, first arrivals or None, coverage or None)
 using WalkTuple = Tuple<nb::str, std::uint64_t, std::optional<PathsTuple>, std::optional<IntArray>,
                         std::optional<CoverageTuple>>;
@@ -130,17 +120,30 @@ WalkTuple tupleOf(WalkOutcome outcome, bool paths, bool firstArrivals) {
       firstArrivals ? nb::object(tupleOf(coverage)) : nb::none());
 }
 
-WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
-               bool paths, bool firstArrivals, std::string_view choice, double restart,
-               BoundRandom* random, nb::object progress) {
-  WalkOptions options = optionsOf(steps, until, paths, firstArrivals, choice, restart);
+// What go(walkers, options) gives, where the networks are read and nobody else draws.
+template <class Go>
+auto walked(BoundWalkers& bound, WalkOptions options, BoundRandom* random, nb::object progress,
+            Go go) {
   Follow follow(std::move(progress));
   options.progress = follow.progress();
   const EditingUse use(*bound.use, kWalking);
   const Drawing drawing(random);
   options.random = drawing.state();
-  return tupleOf(walking(bound, [&](Walkers& walkers) { return walkers.walk(options).value(); }),
-                 paths, firstArrivals);
+  const nb::gil_scoped_release released;
+  const ReadingUse network(*bound.network.use);
+  std::optional<ReadingUse> listeners;
+  if (bound.listeners) listeners.emplace(*bound.listeners->use);
+  return go(bound.walkers, options).value();
+}
+
+WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
+               bool paths, bool firstArrivals, std::string_view choice, double restart,
+               BoundRandom* random, nb::object progress) {
+  return tupleOf(
+      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart), random,
+             std::move(progress),
+             [](Walkers& walkers, const WalkOptions& options) { return walkers.walk(options); }),
+      paths, firstArrivals);
 }
 
 // (record, what a walk gives)
@@ -149,14 +152,10 @@ RecordTuple record(BoundWalkers& bound, std::optional<std::uint64_t> steps,
                    std::optional<double> until, bool paths, bool firstArrivals,
                    std::string_view choice, double restart, BoundRandom* random,
                    nb::object progress) {
-  WalkOptions options = optionsOf(steps, until, paths, firstArrivals, choice, restart);
-  Follow follow(std::move(progress));
-  options.progress = follow.progress();
-  const EditingUse use(*bound.use, kWalking);
-  const Drawing drawing(random);
-  options.random = drawing.state();
   const WalkRecord made =
-      walking(bound, [&](Walkers& walkers) { return walkers.record(options).value(); });
+      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart), random,
+             std::move(progress),
+             [](Walkers& walkers, const WalkOptions& options) { return walkers.record(options); });
   return nb::make_tuple(BoundRecord{made}, tupleOf(made.outcome(), paths, firstArrivals));
 }
 
