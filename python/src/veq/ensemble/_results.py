@@ -148,7 +148,6 @@ class Kept:
 
     def keep(self, outcomes: Sequence[Outcome], total: object) -> None:
         """Of tasks that have succeeded, with their total if workers add."""
-        fresh = [outcome for outcome in outcomes if not self.done[outcome.index]]
         if self._adds:
             self._add(total, [outcome.index for outcome in outcomes])
             for outcome in outcomes:
@@ -156,6 +155,7 @@ class Kept:
             if self._checkpoint is not None:
                 self._checkpoint.keep_total(self._settled)
             return
+        fresh = [outcome for outcome in outcomes if not self.done[outcome.index]]
         if self._checkpoint is not None:
             self._checkpoint.append(fresh)
         for outcome in fresh:
