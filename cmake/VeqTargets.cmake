@@ -50,7 +50,8 @@ function(veq_library name)
   # Not by default, since it hides an include that is missing.
   if(VEQ_PRECOMPILE)
     target_precompile_headers(${name} PRIVATE <algorithm> <charconv> <cmath> <filesystem> <functional>
-                              <memory> <mutex> <random> <string> "${PROJECT_SOURCE_DIR}/veq/veq.hpp")
+                              <memory> <mutex> <random> <string> "${PROJECT_SOURCE_DIR}/veq/veq.hpp"
+                              "${PROJECT_SOURCE_DIR}/veq/network/internal/network_core.hpp")
   endif()
   # A fused multiply-add would change the last bit of a walk or a strength between machines.
   target_compile_options(${name} PRIVATE -ffp-contract=off)
