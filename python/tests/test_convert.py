@@ -152,6 +152,40 @@ def test_exact_weights_survive():
     assert network.to_networkx().edges[0, 1] == {"weight": 0.1}
 
 
+def test_nothing_takes_the_place_of_something_else():
+    network = veq.Network([0], [1], edge_weights=[2])
+    network.edge_data["weight"] = [7.0]
+    for library in ("networkx", "igraph"):
+        with pytest.raises(ValueError, match="^column weight: the weights are called so there$"):
+            getattr(network, f"to_{library}")()
+    with pytest.raises(ValueError, match="^column weight: the table has a column of that name$"):
+        network.to_pandas()
+    network = veq.Network([0], [1])
+    network.vertex_data["Name"] = network.vertex_data["name"] = ["Ada", "Bob"]
+    with pytest.raises(ValueError, match="^column name: another is called 'name' there$"):
+        network.to_igraph()
+    graph = network.to_networkx()
+    assert veq.Network.from_networkx(graph).vertex_data["name"].tolist() == ["Ada", "Bob"]
+    graph = nx.relabel_nodes(graph, {0: "a", 1: "b"})
+    assert veq.Network.from_networkx(graph).vertex_data["Label"].tolist() == ["a", "b"]
+    nx.set_node_attributes(graph, 1, "Label")
+    with pytest.raises(ValueError, match="^nodes have attributes 'Name' and 'Label': rename one"):
+        veq.Network.from_networkx(graph)
+    graph = nx.Graph()
+    graph.add_edge(0, 1, **{"1": 5})
+    graph.edges[0, 1][1] = 6
+    with pytest.raises(ValueError, match="^attribute 1: another is called so as a text$"):
+        veq.Network.from_networkx(graph)
+
+
+def test_igraph_has_name_and_another_name():
+    igraph = pytest.importorskip("igraph")
+    graph = igraph.Graph(n=1)
+    graph.vs["name"] = graph.vs["Name"] = ["Ada"]
+    with pytest.raises(ValueError, match="^vertices have attributes 'name' and 'Name': rename one"):
+        veq.Network.from_igraph(graph)
+
+
 def test_attributes_that_no_column_holds():
     graph = nx.Graph()
     graph.add_node(0, tags={"a"})
@@ -241,6 +275,46 @@ def test_tables_keep_what_is_not_set(library):
     assert again.vertex_data["real"].tolist() == values["real"]
     assert again.vertex_data["nan"].dtype == np.float64
     assert np.isnan(again.vertex_data["nan"]).tolist() == [False, True, False]
+
+
+@pytest.mark.parametrize("library", ["pandas", "polars", "arrow"])
+def test_rows_of_vertices_are_told_by_their_index(library):
+    pytest.importorskip("pyarrow" if library == "arrow" else library)
+    network = veq.Network([0, 0], [1, 2])
+    network.vertex_data["Age"] = [31, 45, 27]
+    network.vertex_data["Town"] = ["Rome", None, "Oslo"]
+    edges, vertices = getattr(network, f"to_{library}")()
+    by_age = {"pandas": "sort_values", "polars": "sort", "arrow": "sort_by"}[library]
+    vertices = getattr(vertices, by_age)("Age")
+    again = veq.Network.from_frames(edges, vertices)
+    assert again.vertex_data["Age"].tolist() == [31, 45, 27]
+    assert again.vertex_data["Town"].tolist() == ["Rome", None, "Oslo"]
+    with pytest.raises(ValueError, match="^the index of vertices is not 0 to 1 in some order$"):
+        veq.Network.from_frames(edges, vertices[:2])
+
+
+def test_columns_of_tables_keep_their_names():
+    pandas = pytest.importorskip("pandas")
+    ends = {"source": [0], "target": [1]}
+    network = veq.Network.from_frames(pandas.DataFrame({**ends, 3: [5], "weight": ["heavy"]}))
+    assert network.edge_data["3"].tolist() == [5]
+    assert network.edge_data["weight"].tolist() == ["heavy"]
+    twice = pandas.DataFrame([[0, 1, 2, 3]], columns=["source", "target", "a", "a"])
+    with pytest.raises(ValueError, match="^column a: there are several of that name$"):
+        veq.Network.from_frames(twice)
+    network.vertex_data["index"] = [1, 2]
+    with pytest.raises(ValueError, match="^column index: the table has a column of that name$"):
+        network.to_pandas()
+
+
+def test_dates_of_tables_become_texts_where_asked():
+    pandas = pytest.importorskip("pandas")
+    table = pandas.DataFrame({"source": [0], "target": [1]})
+    table["when"] = pandas.to_datetime(["2020-02-01"])
+    with pytest.raises(ValueError, match="^column when: value 0 is a datetime64, not None"):
+        veq.Network.from_frames(table)
+    (text,) = veq.Network.from_frames(table, other="text").edge_data["when"]
+    assert text.startswith("2020-02-01")
 
 
 @pytest.mark.parametrize("library", ["polars", "arrow"])

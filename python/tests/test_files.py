@@ -149,6 +149,7 @@ def test_what_is_wrong_with_files(tmp_path):
     with pytest.raises(FileNotFoundError) as raised:
         veq.read(tmp_path / "none.xnet")
     assert raised.value.errno == 2
+    assert raised.value.filename == str(tmp_path / "none.xnet")
     with pytest.raises(IsADirectoryError):
         veq.read(tmp_path)
     with pytest.raises(veq.FormatError) as raised:

@@ -218,6 +218,15 @@ def test_columns_of_vectors_and_of_any_kind(triangle):
         triangle.vertex_data["Bad"] = [1, {}, 2, 3]
 
 
+def test_keys_are_strings(triangle):
+    assert triangle.vertex_data.get(1) is None
+    for call in (triangle.vertex_data.__getitem__, triangle.vertex_data.__delitem__):
+        with pytest.raises(KeyError, match="^1$"):
+            call(1)
+    with pytest.raises(TypeError, match="^column 1: keys are strings$"):
+        triangle.vertex_data[1] = [1, 2, 3, 4]
+
+
 def test_dates_are_no_numbers(triangle):
     with pytest.raises(
         ValueError, match="^column When: value 0 is a datetime64, not None, a string"

@@ -142,6 +142,13 @@ def test_visits_are_snapshots_unless_live():
         walkers.visits(live=True)
 
 
+def test_truths_and_seeds_of_numpy():
+    walkers = veq.Walkers(ring(5), [0])
+    assert walkers.walk(2, paths=np.True_, first_arrivals=np.False_, seed=1).paths.shape == (1, 2)
+    assert walkers.record(2, seed=np.uint32(7)).seed == 7
+    assert walkers.record(2, seed=veq.RandomState(7)).seed is None
+
+
 def test_a_target_ends_a_walk():
     walk = veq.Walkers(ring(6), [0]).walk(until=1.0, first_arrivals=True, seed=3)
     assert walk.end == "target"

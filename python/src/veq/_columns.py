@@ -131,6 +131,8 @@ class Columns(MutableMapping[str, Column]):
         >>> network.vertex_data.head("Name", 2).tolist()
         ['Ada', 'Bob']
         """
+        if not isinstance(key, str):
+            raise KeyError(key)
         found = _core.column(self._network, key, self._edges, most)
         if not isinstance(found, list):
             return found
@@ -139,6 +141,8 @@ class Columns(MutableMapping[str, Column]):
         return objects
 
     def __setitem__(self, key: str, values: ArrayLike | Sequence[object]) -> None:
+        if not isinstance(key, str):
+            raise TypeError(f"column {key!r}: keys are strings")
         made = prepared(values, f"column {key}")
         if isinstance(made, list):
             _core.set_values(self._network, key, made, self._edges)
@@ -149,6 +153,8 @@ class Columns(MutableMapping[str, Column]):
             _core.set_vectors(self._network, key, made, self._edges)
 
     def __delitem__(self, key: str) -> None:
+        if not isinstance(key, str):
+            raise KeyError(key)
         _core.remove_column(self._network, key, self._edges)
 
     def __iter__(self) -> Iterator[str]:

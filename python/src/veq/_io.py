@@ -149,7 +149,7 @@ def read(
     try:
         return _read(name, False, format, **options)
     except OSError:
-        with open(name, "rb"):  # Which knows the error's own class and number.
+        with open(path, "rb"):  # Which knows the error's own class and number.
             raise
 
 

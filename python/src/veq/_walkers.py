@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import operator
 from collections.abc import Sequence
 from typing import Any, Literal, NamedTuple, Self, cast
 
@@ -13,7 +14,7 @@ from ._ask import FloatArray
 from ._derive import IntArray
 from ._network import Network
 from ._progress import Progress, following
-from ._random import Seed, drawn_from
+from ._random import RandomState, Seed, drawn_from
 
 Choice = Literal["published", "even", "weighted"]
 End = Literal["steps", "target", "stopped", "stuck", "draws"]
@@ -343,8 +344,8 @@ class Walkers(_core.Walkers):
             told = self._walk(
                 None if steps is None else _arrays.count(steps, "steps"),
                 None if until is None else float(until),
-                paths,
-                first_arrivals,
+                bool(paths),
+                bool(first_arrivals),
                 choice,
                 float(restart),
                 drawn_from(seed),
@@ -379,14 +380,15 @@ class Walkers(_core.Walkers):
             core, told = self._record(
                 None if steps is None else _arrays.count(steps, "steps"),
                 None if until is None else float(until),
-                paths,
-                first_arrivals,
+                bool(paths),
+                bool(first_arrivals),
                 choice,
                 float(restart),
                 drawn_from(seed),
                 call,
             )
-        return WalkRecord(core, _walk_of(told), seed if isinstance(seed, int) else None)
+        number = None if seed is None or isinstance(seed, RandomState) else operator.index(seed)
+        return WalkRecord(core, _walk_of(told), number)
 
     @property
     def positions(self) -> IntArray:
@@ -551,4 +553,4 @@ class WalkLaw(_core.WalkLaw):
         (1.0, 1.0)
         """
         with following(progress, "sets") as call:
-            return self._cover_time(_arrays.single(start, "vertex"), start_counts, call)
+            return self._cover_time(_arrays.single(start, "vertex"), bool(start_counts), call)

@@ -48,6 +48,8 @@ def attributes(network: Network, edges: bool) -> dict[str, list[Any]]:
     for key, column in data.items():
         if key == EXACT and weights is not None and weights.dtype == np.float64:
             continue
+        if key in made:
+            raise ValueError(f"column {key}: the weights are called so there")
         made[key] = listed(column)
     return made
 
@@ -74,7 +76,12 @@ def records(columns: Mapping[str, Sequence[Any]], count: int) -> list[dict[str, 
 
 def columns_of(rows: Sequence[Mapping[Any, Any]]) -> dict[str, list[Any]]:
     """The other way round; None where an element has no such key."""
-    return {str(key): _values(rows, key) for key in dict.fromkeys(chain.from_iterable(rows))}
+    made: dict[str, list[Any]] = {}
+    for key in dict.fromkeys(chain.from_iterable(rows)):
+        if str(key) in made:
+            raise ValueError(f"attribute {key!r}: another is called so as a text")
+        made[str(key)] = _values(rows, key)
+    return made
 
 
 def _values(rows: Sequence[Mapping[Any, Any]], key: Any) -> list[Any]:
@@ -105,7 +112,9 @@ _PLAIN = {type(None), str, int, float}
 
 
 def _storable(value: Any, other: Other) -> Any:
-    if value is None or isinstance(value, (str, int, float, np.generic)):
+    if value is None or isinstance(value, (str, int, float)):
+        return value
+    if isinstance(value, np.generic) and value.dtype.kind not in "mM":
         return value
     if (
         isinstance(value, (tuple, list))

@@ -41,8 +41,9 @@ class Converting(Asking):
     def from_networkx(cls, graph: Any, *, other: Other = "error") -> Network:
         """The network of a graph of NetworkX.
 
-        Nodes that are not 0, 1, 2, ... become the column "Name", as texts. Attributes that no
-        column can hold are an error, or become texts with ``other="text"``.
+        Nodes that are not 0, 1, 2, ... become the column "Name", as texts, or "Label" where they
+        have an attribute "Name". Edges come in NetworkX's own order. Attributes that no column can
+        hold are an error, or become texts with ``other="text"``.
 
         Examples
         --------
@@ -162,6 +163,9 @@ class Converting(Asking):
         cls, edges: Any, vertices: Any = None, *, directed: bool = False, other: Other = "error"
     ) -> Network:
         """The network of tables of pandas, polars or Arrow with columns "source" and "target".
+
+        The rows of vertices are in their order, unless they have a column "index" or, in pandas,
+        an index of integers: then these say which is which.
 
         Examples
         --------

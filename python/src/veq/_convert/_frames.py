@@ -15,6 +15,7 @@ if TYPE_CHECKING:
     from .._network import Network
 
 _ENDS = ("source", "target")
+_INDEX = "index"
 
 
 def _texts(key: str, values: list[Any], other: Other) -> list[Any]:
@@ -42,7 +43,7 @@ def tables(
         if weights is not None:
             made[_columns.WEIGHT] = weights
         for key, column in data.items():
-            if key in made:
+            if key in made or (key == _INDEX and not ofEdges):
                 raise ValueError(f"column {key}: the table has a column of that name")
             if key == _columns.EXACT and weights is not None and weights.dtype == np.float64:
                 continue
@@ -73,8 +74,8 @@ def to_polars(network: Network, other: Other) -> tuple[Any, Any]:
         {key: polars.Series(key, value, strict=False) for key, value in table.items()}
         for table in tables(network, lambda key, values: _texts(key, values, other))
     )
-    index = polars.Series("index", np.arange(network.num_vertices))
-    return polars.DataFrame(edges), polars.DataFrame({"index": index, **vertices})
+    index = polars.Series(_INDEX, np.arange(network.num_vertices))
+    return polars.DataFrame(edges), polars.DataFrame({_INDEX: index, **vertices})
 
 
 def to_arrow(network: Network, other: Other) -> tuple[Any, Any]:
@@ -82,19 +83,25 @@ def to_arrow(network: Network, other: Other) -> tuple[Any, Any]:
 
     edges, vertices = tables(network, lambda key, values: _texts(key, values, other))
     index = np.arange(network.num_vertices)
-    return pyarrow.table(edges), pyarrow.table({"index": index, **vertices})
+    return pyarrow.table(edges), pyarrow.table({_INDEX: index, **vertices})
 
 
-def _read(table: Any, column: str) -> Any:
+def _read(table: Any, column: Any) -> Any:
     """A column as NumPy has it; lists of lists are vectors, and null is None."""
     values = given(table[column])
     return values if isinstance(values, list) else _plain(np.asarray(values))
 
 
 def _weights(table: Any, columns: dict[str, Any]) -> Any:
-    """Takes the weights out of the columns. In pandas, NaN is a number that is missing."""
-    weights = columns.pop(_columns.WEIGHT, None)
-    if weights is not None and hasattr(table, "iloc") and np.asarray(weights).dtype.kind == "f":
+    """Takes the weights out of the columns, if they are no texts or vectors.
+
+    In pandas, NaN is a number that is missing.
+    """
+    weights = columns.get(_columns.WEIGHT)
+    if weights is None or (isinstance(weights, list) and {str, tuple} & set(map(type, weights))):
+        return None
+    del columns[_columns.WEIGHT]
+    if hasattr(table, "iloc") and np.asarray(weights).dtype.kind == "f":
         missing = np.isnan(weights)
         if missing.any():
             raise ValueError(f"weight {int(np.argmax(missing))}: nan is no number")
@@ -107,8 +114,27 @@ def _plain(array: np.ndarray[Any, Any]) -> Any:
     return [tuple(v) if isinstance(v, (list, np.ndarray)) else v for v in array.tolist()]
 
 
-def _names(table: Any) -> list[str]:
-    return [str(name) for name in getattr(table, "column_names", None) or table.columns]
+def _labels(table: Any) -> dict[str, Any]:
+    """What the table calls its columns, by the names as texts."""
+    labels: dict[str, Any] = {}
+    for label in getattr(table, "column_names", None) or table.columns:
+        if str(label) in labels:
+            raise ValueError(f"column {label}: there are several of that name")
+        labels[str(label)] = label
+    return labels
+
+
+def _row_of_each(vertices: Any) -> Any:
+    """The rows of vertices 0, 1, 2, ..., where the table says which is which; else None."""
+    told = _INDEX in _labels(vertices)
+    numbers = np.asarray(given(vertices[_INDEX]) if told else getattr(vertices, _INDEX, None))
+    whole = numbers.ndim == 1 and numbers.dtype.kind in "iu"
+    if numbers.size == 0 or not (told or whole):
+        return None
+    rows = np.argsort(numbers, kind="stable") if whole else None
+    if rows is None or not np.array_equal(numbers[rows], np.arange(len(rows))):
+        raise ValueError(f"the index of vertices is not 0 to {len(vertices) - 1} in some order")
+    return rows
 
 
 def from_frames(
@@ -116,10 +142,16 @@ def from_frames(
 ) -> Network:
     sources, targets = (_read(edges, end) for end in _ENDS)
     n = None if vertices is None else len(vertices)
-    edge_columns = {key: _read(edges, key) for key in _names(edges) if key not in _ENDS}
+    edge_columns = {
+        key: _read(edges, label) for key, label in _labels(edges).items() if key not in _ENDS
+    }
     vertex_columns: dict[str, Any] = {}
     if vertices is not None:
-        vertex_columns = {key: _read(vertices, key) for key in _names(vertices) if key != "index"}
+        rows = _row_of_each(vertices)
+        for key, label in _labels(vertices).items():
+            if key != _INDEX:
+                values = _read(vertices, label)
+                vertex_columns[key] = values if rows is None else _reordered(values, rows)
     edge_weights = _weights(edges, edge_columns)
     vertex_weights = _weights(vertices, vertex_columns)
     network = cls(
@@ -137,9 +169,15 @@ def from_frames(
         if _columns.inexact(weights):
             data[_columns.EXACT] = np.asarray(weights, dtype=np.float64)
         for key, values in columns.items():
-            data[key] = values if isinstance(values, np.ndarray) else _stored(values, other)
+            data[key] = _stored(values, other)
     return network
 
 
-def _stored(values: Any, other: Other) -> list[Any]:
+def _reordered(values: Any, rows: Any) -> Any:
+    return values[rows] if isinstance(values, np.ndarray) else [values[row] for row in rows]
+
+
+def _stored(values: Any, other: Other) -> Any:
+    if isinstance(values, np.ndarray) and values.dtype.kind not in "mM":
+        return values
     return [_columns._storable(value, other) for value in values]

@@ -53,8 +53,11 @@ def to_graph_tool(network: Network) -> Any:
         if weights is not None:
             maps[_columns.WEIGHT] = _set(new, weights, order)
         for key, column in data.items():
-            if key != _columns.EXACT or weights is None or weights.dtype != np.float64:
-                maps[key] = _set(new, column, order)
+            if key == _columns.EXACT and weights is not None and weights.dtype == np.float64:
+                continue
+            if key in maps:
+                raise ValueError(f"column {key}: the weights are called so there")
+            maps[key] = _set(new, column, order)
     return graph
 
 

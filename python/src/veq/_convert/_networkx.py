@@ -73,7 +73,10 @@ def from_networkx(cls: type[Network], graph: Any, other: Other) -> Network:
     number = {node: index for index, node in enumerate(nodes)}
     vertices = _columns.columns_of([graph.nodes[node] for node in nodes])
     if nodes != list(range(len(nodes))):
-        vertices = {"Name": [str(node) for node in nodes], **vertices}
+        key = "Label" if "Name" in vertices else "Name"
+        if key in vertices:
+            raise ValueError("nodes have attributes 'Name' and 'Label': rename one of them")
+        vertices = {key: [str(node) for node in nodes], **vertices}
     ends = list(graph.edges(data=True))
     sources, targets = (
         np.fromiter(map(number.__getitem__, map(itemgetter(end), ends)), np.int64, len(ends))
