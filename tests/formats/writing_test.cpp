@@ -3,13 +3,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "tests/formats/reading_support.hpp"
+#include "tests/support/observers.hpp"
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/files.hpp"
 #include "veq/numeric/vector_arrays.hpp"
@@ -199,6 +204,34 @@ TEST(Writing, StopsAndLeavesTheOldFile) {
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error().kind(), ErrorKind::kStopped);
   EXPECT_EQ(readFile(path).value(), "old");
+}
+
+// A ring of 40,000: 80,000 rows with its edges, which take several pieces of any format.
+TEST(Writing, TellsHowManyRowsAreDone) {
+  const ObserverInterval none;
+  std::vector<std::uint64_t> from(40000);
+  std::iota(from.begin(), from.end(), 0U);
+  std::vector<std::uint64_t> to = from;
+  std::rotate(to.begin(), to.begin() + 1, to.end());
+  const Network ring = Network::build(from, to).value();
+  for (const FileFormat format :
+       {FileFormat::kXnet, FileFormat::kPajek, FileFormat::kList, FileFormat::kMatrixMarket,
+        FileFormat::kGml, FileFormat::kGraphMl, FileFormat::kArchive, FileFormat::kCsv}) {
+    std::vector<std::uint64_t> told;
+    auto climbs = climbing([](std::uint64_t) {});
+    Progress progress;
+    progress.observer = [&, climbs](std::uint64_t done, std::uint64_t all) mutable {
+      climbs(done, all);
+      EXPECT_EQ(all, 80000U);
+      told.push_back(done);
+    };
+    ASSERT_TRUE(networkText(ring, format, progress));
+    ASSERT_FALSE(told.empty());
+    EXPECT_EQ(told.back(), 80000U);
+    if (format == FileFormat::kArchive) continue;  // is made at once
+    ASSERT_GE(told.size(), 3U) << static_cast<int>(format);
+    EXPECT_GT(told[told.size() - 2], 20000U) << static_cast<int>(format);
+  }
 }
 
 TEST(Writing, CsvCallsVerticesByIdsWhereThereAreNoNames) {

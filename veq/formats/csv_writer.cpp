@@ -118,7 +118,7 @@ void writeEdgeTable(const NetworkCore& core, TextOutput& out) {
     appendRow(out.text, columns, edge);
     out.endRow();
   }
-  out.flush();
+  out.finish();
 }
 
 void writeVertexTable(const NetworkCore& core, TextOutput& out) {
@@ -145,7 +145,7 @@ void writeVertexTable(const NetworkCore& core, TextOutput& out) {
     appendRow(out.text, columns, vertex);
     out.endRow();
   }
-  out.flush();
+  out.finish();
 }
 
 }  // namespace veq::internal

@@ -85,7 +85,7 @@ class GmlWriter {
     for (std::uint64_t v = 0; v < core_.store.vertexCount(); ++v) writeVertex(v);
     for (std::uint64_t e = 0; e < core_.store.edgeCount(); ++e) writeEdge(e);
     out_.text += "]\n";
-    out_.flush();
+    out_.finish();
   }
 
  private:

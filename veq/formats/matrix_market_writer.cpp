@@ -48,7 +48,7 @@ void writeMatrixMarket(const NetworkCore& core, TextOutput& out) {
     out.text += '\n';
     out.endRow();
   }
-  out.flush();
+  out.finish();
 }
 
 }  // namespace veq::internal

@@ -23,14 +23,15 @@ using internal::CoreAccess;
 using internal::NetworkCore;
 using internal::TextOutput;
 
-void giveAll(internal::NetworkText&& text, TextOutput& out) {
-  const bool all = text.giveTo([&out](std::string_view piece) {
+// All of the vertices stand before the edges.
+void giveAll(const NetworkCore& core, internal::NetworkText&& text, TextOutput& out) {
+  const bool all = text.giveTo([&](std::string_view piece) {
     out.text += piece;
-    out.endRow();
+    out.endRows(core.store.vertexCount() + text.edgesGiven());
     return true;
   });
   static_cast<void>(all);
-  out.flush();
+  out.finish();
 }
 
 void writeXnetText(const NetworkCore& core, TextOutput& out) {
@@ -38,7 +39,7 @@ void writeXnetText(const NetworkCore& core, TextOutput& out) {
   if (!internal::isValidUtf8(text.beforeEdges) || !internal::isValidUtf8(text.behindEdges)) {
     throw Error(ErrorKind::kUnsupported, "xnet cannot hold a text that is not UTF-8");
   }
-  giveAll(std::move(text), out);
+  giveAll(core, std::move(text), out);
 }
 
 void writePajekText(const NetworkCore& core, TextOutput& out) {
@@ -48,18 +49,18 @@ void writePajekText(const NetworkCore& core, TextOutput& out) {
     throw Error(ErrorKind::kUnsupported, "Pajek cannot hold a name beyond ISO-8859-1");
   }
   text.beforeEdges = std::move(*latin1);
-  giveAll(std::move(text), out);
+  giveAll(core, std::move(text), out);
 }
 
 void writeListText(const NetworkCore& core, TextOutput& out) {
-  giveAll(internal::writeEdgeList(core), out);
+  giveAll(core, internal::writeEdgeList(core), out);
 }
 
 void writeArchiveBytes(const NetworkCore& core, TextOutput& out) {
   VEQKeyedArchiver archiver;
   internal::writeArchive(core, archiver);
   out.text = archiver.bytes();
-  out.flush();
+  out.finish();
 }
 
 using Write = void(const NetworkCore& core, TextOutput& out);
@@ -85,8 +86,9 @@ auto withSource(const Network& network, Result<Writer> writer, const Progress& p
   if (!writer) return writer.error();
   const NetworkCore& core = CoreAccess::of(*network.published());
   const ByteSource source = [&](const ByteSink& sink) {
-    internal::Pace pace(progress, core.store.vertexCount() + core.store.edgeCount());
-    TextOutput out(sink, pace);
+    const std::uint64_t rows = core.store.vertexCount() + core.store.edgeCount();
+    internal::Pace pace(progress, rows);
+    TextOutput out(sink, pace, rows);
     try {
       writer->write(core, out);
     } catch (const internal::SinkClosed&) {

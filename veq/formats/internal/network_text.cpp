@@ -55,9 +55,11 @@ bool NetworkText::giveEdgesTo(const ByteSink& sink) {
       end = write(end, style_.lineEnd);
       const auto length = static_cast<std::size_t>(end - begin);
       if (length < kPieceSize) continue;
+      edgesGiven_ = edge + 1;
       if (!sink({begin, length})) return false;
       end = begin;
     }
+    edgesGiven_ = core_.store.edgeCount();
     return sink({begin, static_cast<std::size_t>(end - begin)});
   });
 }

@@ -30,6 +30,8 @@ class NetworkText {
   [[nodiscard]] std::string whole();
   /// Needs no more memory, so that nothing can fail but the sink.
   [[nodiscard]] bool giveTo(const ByteSink& sink);
+  /// The number of edges that the sink has, or is just given.
+  [[nodiscard]] std::uint64_t edgesGiven() const { return edgesGiven_; }
   /// Whether all of it has arrived in the file.
   [[nodiscard]] bool writeTo(std::string_view path, bool atomically) {
     const ByteSource source = [this](const ByteSink& sink) { return giveTo(sink); };
@@ -43,6 +45,7 @@ class NetworkText {
   const NetworkCore& core_;
   EdgeLineStyle style_;
   Block<char> piece_;
+  std::uint64_t edgesGiven_ = 0;
 };
 
 }  // namespace veq::internal
