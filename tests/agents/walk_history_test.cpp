@@ -26,7 +26,8 @@ template <class Word>
 void append(WalkHistory<Word>& history, std::uint64_t agents,
             const std::vector<std::uint32_t>& moves) {
   const std::uint64_t steps = moves.size() / agents;
-  const MoveRoom<Word> room = history.roomFor(steps, true);
+  MoveRoom<Word> room;
+  while (room.steps == 0) room = history.roomFor(steps, true);
   std::transform(moves.begin(), moves.end(), room.first, [](std::uint32_t to) {
     return to == kNone ? kStayed<Word> : static_cast<Word>(to);
   });
@@ -190,10 +191,52 @@ TEST(WalkHistory, CountsAWalkAsItGoesThatTheLogHasNoRoomFor) {
   EXPECT_EQ(room.steps, history.stepsPerRun());
   std::fill_n(room.first, 10 * room.steps, 7);
   history.append(room.steps);
-  EXPECT_EQ(history.logBytes(), 0U);
+  // It is counted before there is room again.
+  EXPECT_EQ(history.roomFor(1000000, false).steps, 0U);
   EXPECT_EQ(history.roomFor(1000000, false).first, room.first);
+  EXPECT_EQ(history.logBytes(), 0U);
   EXPECT_EQ(history.visitsOf(9)[7], room.steps);
   EXPECT_EQ(history.visits()[7], 10 * room.steps);
+}
+
+// 300,000 moves of 40 agents, which are more than are counted at once.
+TEST(WalkHistory, CountsALongLogInPiecesBetweenWhichAWalkMayBeStopped) {
+  constexpr std::uint64_t kAgents = 40;
+  Narrow usual(5000, kAgents, 1);
+  Narrow stopped(5000, kAgents, 1, {.log = 4 * 300000});
+  std::mt19937 draw(6);
+  std::vector<std::uint32_t> moves(300000);
+  for (auto& to : moves) to = static_cast<std::uint32_t>(draw() % 5000);
+  append(usual, kAgents, moves);
+  usual.endWalk();
+  append(stopped, kAgents, moves);
+  stopped.endWalk();
+  // The next walk has no room in the log, and is stopped before it has any elsewhere.
+  EXPECT_EQ(stopped.roomFor(1000000, false).steps, 0U);
+  EXPECT_EQ(stopped.roomFor(1000000, false).steps, 0U);
+  stopped.endWalk(true);
+  usual.endWalk();
+  EXPECT_GT(stopped.logBytes(), 0U);
+  EXPECT_EQ(stopped.visitsOf(39), usual.visitsOf(39));
+  EXPECT_EQ(stopped.visits(), usual.visits());
+  // Of the next one what is counted as it goes is left, too.
+  std::uint64_t left = 0;
+  for (const bool inHaste : {false, true}) {
+    append(usual, kAgents, moves);
+    append(usual, kAgents, moves);
+    usual.endWalk();
+    append(stopped, kAgents, moves);
+    append(stopped, kAgents, moves);
+    stopped.endWalk(inHaste);
+    left = stopped.logBytes();
+    EXPECT_EQ(left > 0, inHaste);
+  }
+  append(usual, kAgents, {moves.begin(), moves.begin() + 400});
+  append(stopped, kAgents, {moves.begin(), moves.begin() + 400});
+  usual.endWalk();
+  stopped.endWalk();
+  expectSame(usual, stopped, kAgents);
+  EXPECT_EQ(usual.visits(), stopped.visits());
 }
 
 TEST(WalkHistory, MayBeOfMoreAgentsAndVerticesThanCanBeMultiplied) {

@@ -32,11 +32,13 @@ class MoveLog {
       throw std::length_error("The paths of a walk have less than 2^64 entries.");
     }
     if (steps != 0) makeReady();
-    if (withPaths && steps != 0) keepBlock();
+    if (!withPaths || steps == 0) return;
+    while (!isReady_) makeReady();
+    keepBlock();
   }
 
-  /// How many of the next steps have room, one at least, and `wanted` at most. std::bad_alloc where
-  /// there is none.
+  /// How many of the next steps have room, `wanted` at most, or none yet: then one asks again, and
+  /// may stop in between. std::bad_alloc where there is none.
   [[nodiscard]] std::uint64_t roomFor(std::uint64_t wanted) {
     if (group_.agents == 0) return wanted;
     if (pending_ >= stepsPerRun_ || room_.steps == 0) publish();
@@ -65,11 +67,11 @@ class MoveLog {
     commit(steps);
   }
 
-  /// Hands over to the history what is left, and ends the walk there.
-  void end() noexcept {
+  /// Hands over to the history what is left, and ends the walk there, in haste if it was stopped.
+  void end(bool inHaste) noexcept {
     publish();
     const std::lock_guard guard(group_.historyLock);
-    history_.endWalk();
+    history_.endWalk(inHaste);
   }
 
   /// The paths up to the last step committed, after end().
@@ -89,7 +91,7 @@ class MoveLog {
     stepsPerRun_ = history_.stepsPerRun();
     const std::uint64_t run = std::min(stepsLeft_, stepsPerRun_);
     room_ = history_.roomFor(mayEndEarly_ && !withPaths_ ? run : stepsLeft_, withPaths_);
-    isReady_ = true;
+    isReady_ = room_.steps != 0;
   }
   void keepBlock() {
     const std::lock_guard guard(group_.historyLock);

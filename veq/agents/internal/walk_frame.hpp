@@ -85,7 +85,7 @@ class WalkFrame {
     } catch (...) {
       failure = std::current_exception();
     }
-    finish();
+    finish(failure || end_ == WalkEnd::kStopped);
     if (failure) std::rethrow_exception(failure);
     WalkResult result{std::nullopt, done_, end_};
     if (request_.returnPath) result.paths = grown_ ? log_.pathsIn(grown_) : log_.paths();
@@ -106,6 +106,7 @@ class WalkFrame {
       }
       const std::uint64_t wanted = std::min(tile, request_.steps - done_);
       const std::uint64_t steps = log_.roomFor(wanted);
+      if (steps == 0) continue;
       if (walkTile(steps)) return;
       if (!Mover::kCanRewind && hasTarget_) continue;
       tile = std::min(2 * tile, longest);
@@ -163,9 +164,9 @@ class WalkFrame {
     }
   }
 
-  void finish() noexcept {
+  void finish(bool inHaste) noexcept {
     std::copy(positions_.begin(), positions_.end(), group_.positions->begin());
-    log_.end();
+    log_.end(inHaste);
     if (request_.endless) {
       (void)request_.source.take(Uint128{mover_.purposes() * group_.agents} * done_);
     }

@@ -56,12 +56,16 @@ std::uint64_t WalkHistory<Word>::logLimit() const {
 
 template <class Word>
 MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
+  if (isBehind()) countSome();
+  if (isBehind()) return {};
   reserveOneMore(log_);
   const std::uint64_t limit = logLimit();
   const std::uint64_t stepsLeft = (limit - std::min(limit, logBytes_)) / (agents_ * sizeof(Word));
   if (!isCounting_ && room_.steps < steps && (forAll ? steps : steps - room_.steps) > stepsLeft) {
-    fold();
+    beginToCountLog();
     isCounting_ = true;
+    if (isBehind()) countSome();
+    if (isBehind()) return {};
   }
   // Twice as many, for runs of paths end with the first tile beyond.
   if (isCounting_) prepareToCount(2 * stepsPerRun());
@@ -92,7 +96,7 @@ void WalkHistory<Word>::append(std::uint64_t steps) noexcept {
   if (!isCounting_) return;
   arrivalsCounted_ = logEnd();
   walkToCount_ = walks_ + 1;
-  countLog();
+  agentToCount_ = 0;
 }
 
 template <class Word>
@@ -127,18 +131,48 @@ void WalkHistory<Word>::prepareToCount(std::uint64_t steps) {
 
 template <class Word>
 void WalkHistory<Word>::fold() {
-  std::uint64_t steps = 0;
-  for (const MoveRun<Word>& run : log_) steps += run.steps;
-  prepareToCount(steps);
-  countArrivals();
-  countLog();
+  beginToCountLog();
+  catchUp();
 }
 
 template <class Word>
-void WalkHistory<Word>::countLog() noexcept {
-  for (std::uint64_t first = 0; first < agents_; first += kAgentsPerLine<Word>) {
-    bringUpToDate(first, std::min(kAgentsPerLine<Word>, agents_ - first));
+void WalkHistory<Word>::beginToCountLog() {
+  catchUp();
+  if (log_.empty()) return;
+  std::uint64_t steps = 0;
+  for (const MoveRun<Word>& run : log_) steps += run.steps;
+  prepareToCount(steps);
+  countArrivalsOfWalk();
+  agentToCount_ = 0;
+}
+
+template <class Word>
+void WalkHistory<Word>::catchUp() noexcept {
+  while (isBehind()) countSome();
+}
+
+// Into the group's arrivals, and then into the histories of some agents after those of others.
+// Where moves are an agent's first on a large network most of them wait for a page, so that few are
+// enough.
+template <class Word>
+void WalkHistory<Word>::countSome() noexcept {
+  std::uint64_t moves = 0;
+  while (arrivalsCounted_ < logEnd()) {
+    moves += countArrivalsOfRun();
+    if (moves >= kMovesPerTile) return;
   }
+  while (isBehind()) {
+    const std::uint64_t agents = std::min(kAgentsPerLine<Word>, agents_ - agentToCount_);
+    moves += bringUpToDate(agentToCount_, agents, kMovesPerTile - moves);
+    if (moves >= kMovesPerTile) return;
+    agentToCount_ += agents;
+  }
+  emptyLog();
+}
+
+template <class Word>
+void WalkHistory<Word>::emptyLog() noexcept {
+  agentToCount_ = UINT64_MAX;
   logBegin_ = logEnd();
   log_.clear();
   logBytes_ = 0;
@@ -147,33 +181,39 @@ void WalkHistory<Word>::countLog() noexcept {
 }
 
 // Agents are counted in turns of some steps, for their moves of these lie in the same lines of the
-// cache, and so do the tallies of one of them in a turn.
+// cache, and so do the tallies of one of them in a turn. Answers how many moves have been counted:
+// all of the log unless there are so many.
 template <class Word>
-void WalkHistory<Word>::bringUpToDate(std::uint64_t first, std::uint64_t agents) noexcept {
+std::uint64_t WalkHistory<Word>::bringUpToDate(std::uint64_t first, std::uint64_t agents,
+                                               std::uint64_t moves) noexcept {
   const std::span<AgentHistory> histories(histories_.data() + first, agents);
   std::uint64_t number = logEnd();
   for (const AgentHistory& history : histories) number = std::min(number, history.counted);
-  for (; number < logEnd(); ++number) {
+  std::uint64_t done = 0;
+  for (; number < logEnd() && done < moves; ++number) {
     const MoveRun<Word>& run = log_[number - logBegin_];
     for (std::uint64_t step = 0; step < run.steps; step += kStepsAtOnce) {
       const std::uint64_t steps = std::min(kStepsAtOnce, run.steps - step);
-      const Word* moves = run.first + step * agents_ + first;
+      const Word* move = run.first + step * agents_ + first;
       for (AgentHistory& history : histories) {
-        if (history.counted <= number) history.count(moves, agents_, steps, firstStamp_);
-        ++moves;
+        if (history.counted <= number) history.count(move, agents_, steps, firstStamp_);
+        ++move;
       }
     }
     for (AgentHistory& history : histories) {
       history.counted = std::max(history.counted, number + 1);
     }
+    done += run.steps * agents;
   }
+  return done;
 }
 
 template <class Word>
-void WalkHistory<Word>::endWalk() noexcept {
+void WalkHistory<Word>::endWalk(bool inHaste) noexcept {
+  if (!inHaste || totals_ || !live_.empty()) catchUp();
   ++walks_;
   isCounting_ = false;
-  for (const std::uint64_t agent : live_) bringUpToDate(agent, 1);
+  for (const std::uint64_t agent : live_) bringUpToDate(agent, 1, UINT64_MAX);
   if (totals_) {
     countArrivals();
     const auto totals = totals_->values<std::int64_t>();
@@ -192,18 +232,24 @@ void WalkHistory<Word>::endWalk() noexcept {
 template <class Word>
 void WalkHistory<Word>::countArrivals() {
   if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
+  catchUp();
   countArrivalsOfWalk();
+  while (arrivalsCounted_ < logEnd()) countArrivalsOfRun();
+}
+
+// Answers how many moves that were.
+template <class Word>
+std::uint64_t WalkHistory<Word>::countArrivalsOfRun() noexcept {
+  const MoveRun<Word>& run = log_[arrivalsCounted_++ - logBegin_];
   Arrivals* const arrivals = arrivals_.data();
-  for (; arrivalsCounted_ < logEnd(); ++arrivalsCounted_) {
-    const MoveRun<Word>& run = log_[arrivalsCounted_ - logBegin_];
-    const std::uint64_t walk = run.walk;
-    const Word* const end = run.first + run.steps * agents_;
-    for (const Word* to = run.first; to != end; ++to) {
-      if (*to == kStayed<Word>) continue;
-      ++arrivals[*to].count;
-      arrivals[*to].walks += walk;
-    }
+  const std::uint64_t walk = run.walk;
+  const std::uint64_t moves = run.steps * agents_;
+  for (const Word* to = run.first; to != run.first + moves; ++to) {
+    if (*to == kStayed<Word>) continue;
+    ++arrivals[*to].count;
+    arrivals[*to].walks += walk;
   }
+  return moves;
 }
 
 // What the agents' histories have counted beyond the group's came in one walk, and all of what they
@@ -247,7 +293,7 @@ const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
   makeHistories();
   if (!histories_[agent].arrays) {
     makeArrays(agent);
-    bringUpToDate(agent, 1);
+    bringUpToDate(agent, 1, UINT64_MAX);
   }
   return *histories_[agent].arrays;
 }

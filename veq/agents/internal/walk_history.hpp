@@ -50,15 +50,18 @@ class WalkHistory {
   /// \name Recording
   /// @{
   /// Room for some of the next steps, of which at least `steps` will be made, or for all of these,
-  /// until the next append(), which cannot fail then. std::bad_alloc where there is none.
+  /// until the next append(), which cannot fail then. For no step while earlier ones have to be
+  /// counted first: each call counts some, so that nobody waits long. std::bad_alloc where there is
+  /// none.
   [[nodiscard]] MoveRoom<Word> roomFor(std::uint64_t steps, bool forAll);
   /// The block in which that lies.
   [[nodiscard]] Shared<const void> block() const { return block_; }
   /// Takes steps that have been written there.
   void append(std::uint64_t steps) noexcept;
   /// Brings all arrays that have been handed out up to date, and the group's totals by the whole of
-  /// every agent's visits. O(n) while the totals are out.
-  void endWalk() noexcept;
+  /// every agent's visits. O(n) while the totals are out. In haste, and where nobody has such
+  /// arrays, what is not counted yet is left to the next walk or question.
+  void endWalk(bool inHaste = false) noexcept;
   /// After how many steps append() is to be called.
   [[nodiscard]] std::uint64_t stepsPerRun() const;
   /// @}
@@ -97,9 +100,15 @@ class WalkHistory {
   void makeHistories();
   void makeArrays(std::uint64_t agent);
   void prepareToCount(std::uint64_t steps);
-  void countLog() noexcept;
-  void bringUpToDate(std::uint64_t first, std::uint64_t agents) noexcept;
+  void beginToCountLog();
+  [[nodiscard]] bool isBehind() const { return agentToCount_ < agents_; }
+  void countSome() noexcept;
+  void catchUp() noexcept;
+  void emptyLog() noexcept;
+  std::uint64_t bringUpToDate(std::uint64_t first, std::uint64_t agents,
+                              std::uint64_t moves) noexcept;
   void countArrivals();
+  std::uint64_t countArrivalsOfRun() noexcept;
   void countArrivalsOfWalk() noexcept;
 
   std::uint64_t vertices_;
@@ -114,6 +123,8 @@ class WalkHistory {
   Shared<Block<Word>> block_;   // the last
   MoveRoom<Word> room_;         // what is left of it
   bool isCounting_ = false;     // whether the walk under way is counted as it goes
+  // While the log is being counted: the agents before have counted all of it.
+  std::uint64_t agentToCount_ = UINT64_MAX;
 
   std::vector<AgentHistory> histories_;  // empty until the first question or folding
   std::vector<std::uint64_t> live_;      // the agents that have arrays
