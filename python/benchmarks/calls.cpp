@@ -1,5 +1,5 @@
 // calls build|walk ENDS VERTICES: the least processor seconds of some rounds of the same calls as
-// in test_calls.py, for the edges of the file of 64-bit integers, first all sources and then all
+// in calls.py, for the edges of the file of 64-bit integers, first all sources and then all
 // targets.
 #include <algorithm>
 #include <cstdint>
