@@ -43,7 +43,8 @@ def verdict_of(ours, read, path):
 
 def readers_of(path, format_name):
     """Nobody is asked about makes of lists that have only a header in common with theirs."""
-    if format_name == "list" and path.suffix not in (".el", ".txt", ".tsv", ".ncol", ".csv", ""):
+    lists = (".el", ".edgelist", ".txt", ".tsv", ".ncol", ".csv", "")
+    if format_name == "list" and path.suffix not in lists:
         return []
     if path.suffix == ".csv" and path.name != "commas.csv" or path.name.startswith("konect"):
         return []
