@@ -1,8 +1,10 @@
-// The text of an xnet file.
+// The text of an xnet file, for the published reader and for that of any file.
 #include <string>
+#include <string_view>
 
 #include "fuzz/support/input.hpp"
 #include "fuzz/support/invariants.hpp"
+#include "fuzz/support/readings.hpp"
 #include "fuzz/support/target.hpp"
 #include "veq/base/internal/encodings.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -46,6 +48,8 @@ void run(std::string_view text) {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   veq::fuzz::silenceTheLog();
-  veq::fuzz::run(veq::fuzz::textOf(data, size));
+  const std::string_view text = veq::fuzz::textOf(data, size);
+  veq::fuzz::run(text);
+  veq::fuzz::checkReading(text, veq::FileFormat::kXnet);
   return 0;
 }

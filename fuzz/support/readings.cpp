@@ -114,8 +114,10 @@ void checkPieces(std::string_view bytes, const ReadStream& read, std::optional<F
       0, piece);
   const Reading expected = read(whole, options, "");
   const Reading found = read(pieces, options, "");
-  VEQ_CHECK(expected.hasValue() == found.hasValue());
   VEQ_CHECK(expected.format() == found.format());
+  // Lines of xnet may end with what is one character in UTF-8 and more in ISO-8859-1.
+  if (expected.format() == FileFormat::kXnet && !internal::isValidUtf8(bytes)) return;
+  VEQ_CHECK(expected.hasValue() == found.hasValue());
   // What ends before the first byte that is not UTF-8 takes the text for that, and notes nothing.
   if (!internal::isValidUtf8(bytes)) return;
   // An error in the middle of XML is seen before one at its end, or behind it.
