@@ -145,6 +145,10 @@ TEST(ReadingGml, RefusesWhatIsNoGraphWithThePlace) {
   EXPECT_EQ(summaryOf(read("graph [ node ]")), "error 1:14 a key without a value");
 }
 
+TEST(ReadingGml, TellsWhereANodeWithoutAnythingStands) {
+  EXPECT_EQ(summaryOf(read("graph [\n  node [ ]\n]")), "error 2:3 a node without an id");
+}
+
 TEST(ReadingGml, SurvivesListsOfAnyDepth) {
   const std::string deep = "graph [ x " + std::string(1'000'000, '[');
   EXPECT_EQ(summaryOf(read(deep)), "error 1:1000011 a \"[\" without its \"]\"");

@@ -105,6 +105,14 @@ TEST(ReadingLists, NamesColumnsByTheHeader) {
   EXPECT_THAT(edgeTexts(reading, "colour"), ElementsAre("red", "<null>"));
 }
 
+TEST(ReadingLists, KeepsAColumnWithoutANameApartFromOneThatIsCalledLikeIt) {
+  const Reading reading = read("source,target,Column 4,\na,b,x,y\n");
+  EXPECT_THAT(edgeTexts(reading, "Column 4"), ElementsAre("x"));
+  EXPECT_THAT(edgeTexts(reading, "Column 4 2"), ElementsAre("y"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("1:1 taken x1: a further column \"Column 4\" is called \"Column 4 2\""));
+}
+
 TEST(ReadingLists, SaysWhichLineItTakesForAHeader) {
   EXPECT_THAT(notesOf(read("# x\nperson,friend\n1,2\n")),
               ElementsAre("2:1 taken x1: this line is taken for the names of the columns, as the "
@@ -336,6 +344,10 @@ TEST(ReadingLists, TellsOfWeightsThatAFloatDoesNotHold) {
 TEST(ReadingLists, KnowsWhichDecimalsAFloatHolds) {
   EXPECT_THAT(notesOf(read("1 2 9.401956\n2 3 15.999999\n3 4 1234.560000\n4 5 0.000001\n")),
               IsEmpty());
+  // The longest of eight characters.
+  EXPECT_THAT(
+      notesOf(read("1 2 1.000001\n2 3 -9.99999\n3 4 10.00001\n4 5 15.99999\n5 6 .9999999\n")),
+      IsEmpty());
   // From 16 on floats lie 2^-19, almost 0.000002, apart.
   EXPECT_THAT(notesOf(read("1 2 9.401956\n2 3 16.000001\n")),
               ElementsAre("2:5 repaired x1: 1 weight is rounded to 32 bits: that of edge 1 from "

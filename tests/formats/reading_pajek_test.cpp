@@ -164,6 +164,33 @@ TEST(ReadingPajek, TakesPartitionsAndVectorsForColumns) {
                   "8:1 left out x1: \"Vector\" has 1 values for 2 vertices and is left out"));
 }
 
+TEST(ReadingPajek, KeepsColumnsOfOneNameApart) {
+  const Reading reading = read(
+      "*Vertices 2\n1 \"a\"\n2 \"b\"\n*Partition\n*Vertices 2\n1\n2\n*Partition\n*Vertices 2\n"
+      "3\n4\n*Vector Name\n*Vertices 2\n5\n6\n");
+  EXPECT_THAT(vertexTexts(reading, "Partition"), ElementsAre("1", "2"));
+  EXPECT_THAT(vertexTexts(reading, "Partition 2"), ElementsAre("3", "4"));
+  EXPECT_THAT(vertexTexts(reading, "Name"), ElementsAre("a", "b"));
+  EXPECT_THAT(vertexTexts(reading, "Name 2"), ElementsAre("5", "6"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("4:1 taken x1: \"Partition\" is taken for a property of the vertices",
+                          "8:1 taken x1: \"Partition\" is taken for a property of the vertices",
+                          "8:1 taken x1: a further column \"Partition\" is called \"Partition 2\"",
+                          "12:1 taken x1: \"Name\" is taken for a property of the vertices",
+                          "12:1 taken x1: a further column \"Name\" is called \"Name 2\""));
+}
+
+TEST(ReadingPajek, TellsOfVerticesWithoutALineAtTheirNumber) {
+  const std::string rest = " 0.5 0.25\n*Edges\n1 3\n";
+  EXPECT_THAT(notesOf(read("\n*Vertices 3\n1 \"a\"" + rest)),
+              ElementsAre("2:1 taken x1: 2 vertices without a position are taken to be at the "
+                          "origin"));
+  EXPECT_THAT(notesOf(read("*Vertices\n1 a" + rest)),
+              ElementsAre("1:1 taken x1: no number of vertices: 3 from the lines",
+                          "1:1 taken x1: 2 vertices without a position are taken to be at the "
+                          "origin"));
+}
+
 TEST(ReadingPajek, SkipsCommentsAndBlankLinesAnywhere) {
   EXPECT_EQ(summaryOf(read("% a\n\n*Vertices 2\n# b\n1 \"x\"\n\n/* c */\n*Edges\n% d\n1 2\n")),
             "undirected 2: 0>1");

@@ -1,3 +1,4 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -42,6 +43,28 @@ TEST(ReadingXnet, SaysWhereItEndsTooEarly) {
   const std::string error = " no number of vertices, or an empty name or key";
   EXPECT_EQ(xnetSummary("#vertices"), "error 1:10" + error);
   EXPECT_EQ(xnetSummary("#vertices 2\n#edges\n0 1\n#v"), "error 4:3" + error);
+}
+
+TEST(ReadingXnet, IsNoTextWithoutAHeader) {
+  ReadOptions options;
+  options.format = FileFormat::kXnet;
+  const std::string error = "error 1:1 no header of xnet, such as #vertices or #edges";
+  EXPECT_EQ(xnetSummary("a b\nb c\n", options), error);
+  EXPECT_EQ(xnetSummary("# 3\n#\n\n", options), error);
+  EXPECT_EQ(xnetSummary("\v#Vertices 2", options), "undirected 2:");
+  EXPECT_EQ(xnetSummary("first\n#edges\n0 1\n", options), "undirected 2: 0>1");
+}
+
+TEST(ReadingXnet, LeavesOutColumnsThatAreCalledAsWeightsAre) {
+  const Reading reading =
+      readNetworkText("#vertices 1\n#edges\n0 0\n#e \"Edge Weight\" n\n2\n#v \"Edge To\" n\n7\n");
+  EXPECT_THAT(
+      notesOf(reading),
+      testing::ElementsAre(
+          "4:5 left out x1: the column \"Edge Weight\" is left out, because weights and ends have "
+          "such names",
+          "6:5 left out x1: the column \"Edge To\" is left out, because weights and ends have such "
+          "names"));
 }
 
 TEST(ReadingXnet, CountsLinesThatEndWithCarriageReturns) {

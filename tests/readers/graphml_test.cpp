@@ -73,6 +73,22 @@ TEST(ReadingGraphMl, LeavesOutWhatIsSaidOfTheGraph) {
               ElementsAre("3:1 left out x1: data of the graph as a whole are left out"));
 }
 
+TEST(ReadingGraphMl, KeepsDataOfOneNameApart) {
+  // Two lines stand before the keys.
+  const Reading reading =
+      read(graphMl("<key id=\"a\" for=\"node\" attr.name=\"age\" attr.type=\"int\"/>\n"
+                   "<key id=\"b\" for=\"node\" attr.name=\"age\" attr.type=\"int\"/>\n"
+                   "<key id=\"c\" for=\"node\" attr.name=\"Edge From\" attr.type=\"int\"/>\n"
+                   "<graph><node id=\"n0\"><data key=\"a\">1</data><data key=\"b\">2</data>"
+                   "<data key=\"c\">3</data></node></graph>"));
+  EXPECT_THAT(vertexTexts(reading, "age"), ElementsAre("1"));
+  EXPECT_THAT(vertexTexts(reading, "age 2"), ElementsAre("2"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("4:1 taken x1: a further column \"age\" is called \"age 2\"",
+                          "5:1 left out x1: the column \"Edge From\" is left out, because weights "
+                          "and ends have such names"));
+}
+
 TEST(ReadingGraphMl, LeavesOutEdgesOfNodesThatAreLeftOut) {
   const Reading reading = read(graphMl(
       "<graph edgedefault=\"directed\">\n<node id=\"n0\">\n<graph><node id=\"x\"/><node id=\"y\">"

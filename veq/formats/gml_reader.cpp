@@ -156,7 +156,7 @@ class GmlReader {
   void readGraph() {
     forEachPair([this](const Token& key, const Token& value) {
       const bool isList = value.kind == Kind::kOpen;
-      if (isList && sameWord(key.text, "node")) return readNode();
+      if (isList && sameWord(key.text, "node")) return readNode(key.place);
       if (isList && sameWord(key.text, "edge")) return readEdge(key.place);
       if (isList) return leaveOutList(key);
       readGraphValue(key, value);
@@ -181,10 +181,9 @@ class GmlReader {
     skipList();
   }
 
-  void readNode() {
+  void readNode(Place place) {
     const std::uint64_t row = ids_.size();
     std::optional<std::int64_t> id;
-    Place place;
     forEachPair([&](const Token& key, const Token& value) {
       place = key.place;
       if (value.kind == Kind::kOpen) return leaveOutList(key);

@@ -18,6 +18,7 @@
 #include "veq/formats/internal/network_archive.hpp"
 #include "veq/formats/internal/pajek_sections.hpp"
 #include "veq/formats/internal/read_context.hpp"
+#include "veq/formats/internal/text_columns.hpp"
 #include "veq/formats/internal/text_input.hpp"
 #include "veq/formats/internal/xnet.hpp"
 #include "veq/formats/keyed_archiver.hpp"
@@ -32,7 +33,6 @@ using internal::NetworkDraft;
 using internal::ReadContext;
 using internal::TextInput;
 
-constexpr unsigned kReservedCode = 61;
 /// The place of what is wrong with a file as a whole.
 constexpr Place kBeginning{1, 1};
 
@@ -52,7 +52,26 @@ void requireAsMany(const std::optional<internal::Weights>& weights, std::uint64_
                              " " + std::string(section));
 }
 
+/// Whether a header may begin somewhere in the line, which to xnet may be several.
+bool hasXnetHeader(std::string_view line) {
+  for (std::size_t at = line.find('#'); at < line.size(); at = line.find('#', at + 1)) {
+    const std::string_view word = line.substr(at + 1, 1);
+    if (internal::sameWord(word, "v") || internal::sameWord(word, "e")) return true;
+  }
+  return false;
+}
+
+/// A text without any would be one vertex without edges.
+void requireXnetHeader(TextInput& text) {
+  internal::LineReader lines(text);
+  while (lines.next()) {
+    if (hasXnetHeader(lines.line())) return;
+  }
+  internal::failAt(kBeginning, "no header of xnet, such as #vertices or #edges");
+}
+
 NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
+  requireXnetHeader(text);
   std::optional<Place> stopped;
   std::optional<NetworkDraft> draft = internal::readXnet(text, &stopped, &context.pace);
   if (stopped) internal::failAt(*stopped, "no number of vertices, or an empty name or key");
@@ -85,9 +104,8 @@ constexpr std::array<TextReader, 6> kTextReaders{
      {FileFormat::kGml, internal::readGml}}};
 
 /// Where a text first has this, as a key in its header or its section.
-Place placeOf(std::string_view word, TextInput* text) {
-  if (!text) return {};
-  internal::LineReader lines(*text);
+Place placeOf(std::string_view word, TextInput& text) {
+  internal::LineReader lines(text);
   while (lines.next()) {
     const std::size_t at = lines.line().find(word);
     if (at != std::string_view::npos) return {lines.number(), at + 1};
@@ -95,15 +113,10 @@ Place placeOf(std::string_view word, TextInput* text) {
   return {};
 }
 
-void noteReservedKeys(const NetworkDraft& draft, ReadContext& context, TextInput* text) {
+void noteReservedKeys(const NetworkDraft& draft, ReadContext& context, TextInput& text) {
   for (const PropertyTable* table : {&draft.properties.vertices, &draft.properties.edges}) {
     for (const auto& [key, column] : *table) {
-      if (draft.columnsAreReady || !internal::isReservedKey(key)) continue;
-      context.note(kReservedCode, NoteKind::kLeftOut, placeOf(key, text),
-                   [name = std::string(key)] {
-                     return "the column \"" + name +
-                            "\" is left out, because weights and ends have such names";
-                   });
+      if (internal::isReservedKey(key)) internal::noteReserved(key, placeOf(key, text), context);
     }
   }
 }
@@ -184,7 +197,7 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
   for (const TextReader& reader : kTextReaders) {
     if (reader.format != *format) continue;
     NetworkDraft draft = reader.read(*text, context);
-    noteReservedKeys(draft, context, &*text);
+    noteReservedKeys(draft, context, *text);
     text.reset();
     return networkOf(std::move(draft), context);
   }
@@ -200,7 +213,6 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
 namespace internal {
 
 Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
-  noteReservedKeys(draft, context, nullptr);
   return networkOf(std::move(draft), context);
 }
 

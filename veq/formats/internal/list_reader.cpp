@@ -222,7 +222,9 @@ class FieldReader {
     }
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       if (!hasUnquoted_) columns_[i].unsetEmptyCells();
-      if (!columns_[i].empty()) draft.properties.edges.set(columns_[i].key(), finished(i));
+      if (columns_[i].empty()) continue;
+      addColumn(draft.properties.edges, columns_[i].key(), finished(i), {shape_.headerLine, 1},
+                context_);
     }
     return draft;
   }

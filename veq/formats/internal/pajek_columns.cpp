@@ -27,7 +27,8 @@ void PajekColumns::finish(NetworkDraft& draft, ReadContext& context) {
     }
     context.noteEach(NoteKind::kTaken, column.place,
                      key + " is taken for a property of the vertices");
-    draft.properties.vertices.set(column.cells.key(), column.cells.finish(column.rows));
+    addColumn(draft.properties.vertices, column.cells.key(), column.cells.finish(column.rows),
+              column.place, context);
   }
 }
 

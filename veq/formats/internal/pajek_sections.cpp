@@ -36,6 +36,12 @@ std::string_view withoutQuotes(std::string_view text) {
   return text;
 }
 
+bool isEmptyOrComment(const LineCursor& cursor) {
+  if (cursor.atEnd()) return true;
+  const char first = *cursor.at();
+  return first == '%' || first == '#' || (first == '/' && cursor.rest().substr(0, 2) == "/*");
+}
+
 class PajekSections {
  public:
   PajekSections(TextInput& text, ReadContext& context)
@@ -48,11 +54,9 @@ class PajekSections {
       if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
       LineCursor cursor = lines_.cursor();
       cursor.skipBlanks();
-      if (cursor.atEnd() || cursor.startsWith('%') || cursor.startsWith('#')) continue;
-      if (cursor.startsWith('/') && cursor.rest().substr(0, 2) == "/*") continue;
       if (cursor.match('*')) {
         readHeader(cursor);
-      } else {
+      } else if (!isEmptyOrComment(cursor)) {
         readLine(cursor);
       }
     }
@@ -355,8 +359,8 @@ class PajekSections {
     if (count_) {
       context_.requireVertices(*count_, countPlace_);
     } else {
-      const Place place = noCount_.value_or(firstArcs_.value_or(firstEdges_.value_or(Place{1, 1})));
-      context_.note(kNoCount, NoteKind::kTaken, place, [&] {
+      countPlace_ = noCount_.value_or(firstArcs_.value_or(firstEdges_.value_or(Place{1, 1})));
+      context_.note(kNoCount, NoteKind::kTaken, countPlace_, [&] {
         return "no number of vertices: " + std::to_string(largestEnd_) + " from the lines";
       });
       context_.requireVertices(largestEnd_, largestPlace_);
@@ -366,7 +370,7 @@ class PajekSections {
     const Place mixed = std::max(firstArcs_.value_or(Place{}), firstEdges_.value_or(Place{}),
                                  [](const Place& a, const Place& b) { return a.line < b.line; });
     edges_.finish(draft, context_, mixed, kMixed, kRounded);
-    vertices_.finish(draft, context_, kVertexCodes);
+    vertices_.finish(draft, context_, kVertexCodes, countPlace_);
     if (firstMode_) {
       draft.properties.vertices.set("Mode", modeColumn(*firstMode_, draft.vertexCount));
     }
@@ -381,6 +385,7 @@ class PajekSections {
   bool hasSections_ = false;
   bool ended_ = false;
   std::optional<std::uint64_t> count_;
+  /// The header with the number of vertices, or else what shows that there is none.
   Place countPlace_;
   std::optional<std::uint64_t> firstMode_;
   std::uint64_t largestEnd_ = 0;

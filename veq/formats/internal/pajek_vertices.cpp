@@ -99,7 +99,8 @@ void PajekVertices::readPosition(LineCursor& cursor, std::uint64_t vertex, Place
   }
 }
 
-void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode) {
+void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode,
+                           Place header) {
   // A number in the text is all that may stand for the elements of these columns.
   const bool hasNames = !names_.empty() || !furtherNames_.empty();
   const std::uint64_t bytes =
@@ -122,7 +123,7 @@ void PajekVertices::finish(NetworkDraft& draft, ReadContext& context, unsigned f
   if (positions_.empty()) return;
   if (positions_.size() < draft.vertexCount) {
     const std::uint64_t without = draft.vertexCount - positions_.size();
-    context.note(firstCode + kSomePositions, NoteKind::kTaken, noPosition_.value_or(Place{}), [&] {
+    context.note(firstCode + kSomePositions, NoteKind::kTaken, noPosition_.value_or(header), [&] {
       return std::to_string(without) +
              (without == 1 ? " vertex without a position is taken to be at the origin"
                            : " vertices without a position are taken to be at the origin");

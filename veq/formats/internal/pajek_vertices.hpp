@@ -25,8 +25,9 @@ class PajekVertices {
   /// An error where the next word is an integer of more digits than a number of a vertex may have.
   static void requireNoHugeNumber(LineCursor cursor, const LineReader& lines);
 
-  /// Gives the draft, whose number of vertices is known, the columns "Name" and "Position".
-  void finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode);
+  /// Gives the draft, whose number of vertices is known, the columns "Name" and "Position". The
+  /// header is the place of what is said of vertices that have no line.
+  void finish(NetworkDraft& draft, ReadContext& context, unsigned firstCode, Place header);
 
  private:
   enum Code : unsigned { kNoNumber, kFurtherWords, kOpenQuote, kSomePositions, kTwice };

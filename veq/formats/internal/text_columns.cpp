@@ -9,6 +9,7 @@
 
 #include "veq/base/internal/number_text.hpp"
 #include "veq/formats/internal/lines.hpp"
+#include "veq/network/internal/property_columns.hpp"
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
 
@@ -142,6 +143,26 @@ void WeightColumn::finish(NetworkDraft& draft, ReadContext& context, unsigned no
     }
   }
   draft.edgesWeights = std::move(weights_);
+}
+
+void noteReserved(std::string_view key, Place place, ReadContext& context) {
+  context.noteEach(NoteKind::kLeftOut, place,
+                   "the column \"" + std::string(key) +
+                       "\" is left out, because weights and ends have such names");
+}
+
+void addColumn(PropertyTable& table, const std::string& key, Shared<PropertyColumn> column,
+               Place place, ReadContext& context) {
+  if (isReservedKey(key)) return noteReserved(key, place, context);
+  std::string free = key;
+  for (std::uint64_t number = 2; table.contains(free); ++number) {
+    free = key + " " + std::to_string(number);
+  }
+  if (free != key) {
+    context.noteEach(NoteKind::kTaken, place,
+                     "a further column \"" + key + "\" is called \"" + free + "\"");
+  }
+  table.set(free, std::move(column));
 }
 
 Shared<PropertyColumn> nameColumn(const std::vector<std::string_view>& names, std::uint64_t rows) {

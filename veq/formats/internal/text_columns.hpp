@@ -64,6 +64,14 @@ class VEQ_EXPORT TextColumn {
   std::vector<std::string_view> cells_;
 };
 
+/// Notes that no column can have this key.
+void noteReserved(std::string_view key, Place place, ReadContext& context);
+
+/// Gives a table a column that is declared at the place. Where it has one of this key, the new one
+/// gets a number behind its key, with a note; where the key is reserved, it is left out with one.
+VEQ_EXPORT void addColumn(PropertyTable& table, const std::string& key,
+                          Shared<PropertyColumn> column, Place place, ReadContext& context);
+
 /// The weights of edges: decimals in a text, floats in a network.
 class VEQ_EXPORT WeightColumn {
  public:
@@ -75,9 +83,13 @@ class VEQ_EXPORT WeightColumn {
   bool append(double weight, std::size_t length) {
     weights_.push_back(static_cast<float>(weight));
     differsFromOne_ |= weight != 1.0;
-    // A float holds every decimal of six digits that is not too large.
-    const bool isLarge = !(weight < kSafeSize && weight > -kSafeSize);
-    return (length > kSafeLength || isLarge) && look(weight);
+    const double size = weight < 0 ? -weight : weight;
+    // A float holds every decimal of six digits that is not too large. Below 16 floats lie closer
+    // than decimals of six places, which is all that two more characters can say of a number from 1
+    // on.
+    const bool isHeld = length <= kSafeLength ? size < kSafeSize
+                                              : length <= kSafeLength + 2 && size >= 1 && size < 16;
+    return !isHeld && look(weight);
   }
   void setPlace(Place place) { place_ = place; }
   [[nodiscard]] Place place() const { return place_; }

@@ -34,8 +34,9 @@ Shared<PropertyColumn> vectors(const internal::TextColumn& cells, std::size_t di
 
 }  // namespace
 
-void GraphMlKeys::declare(const pugi::xml_node& node) {
+void GraphMlKeys::declare(const pugi::xml_node& node, Place place) {
   GraphMlKey key;
+  key.place = place;
   const std::string_view of = node.attribute("for").as_string("all");
   key.ofVertices = of == "node" || of == "all";
   key.ofEdges = of == "edge" || of == "all";
@@ -110,9 +111,11 @@ void GraphMlColumns::finish(const GraphMlKeys& keys, std::uint64_t rows,
   }
   PropertyTable& table = ofVertices_ ? draft.properties.vertices : draft.properties.edges;
   for (const auto& [key, cells] : columns_) {
-    table.set(key->name, key->dimensions != 0 ? vectors(cells, key->dimensions, rows)
-                         : key->isText        ? cells.finishAsText(rows)
-                                              : cells.finish(rows));
+    internal::addColumn(table, key->name,
+                        key->dimensions != 0 ? vectors(cells, key->dimensions, rows)
+                        : key->isText        ? cells.finishAsText(rows)
+                                             : cells.finish(rows),
+                        key->place, context_);
   }
   if (weightKey_) finishWeights(rows, draft);
 }

@@ -30,12 +30,13 @@ struct GraphMlKey {
   /// 2 or 3 for vectors, which GraphML itself does not know.
   std::size_t dimensions = 0;
   std::string byDefault;
+  Place place;
 };
 
 class GraphMlKeys {
  public:
-  /// From an element <key>.
-  void declare(const pugi::xml_node& node);
+  /// From an element <key>, which stands there.
+  void declare(const pugi::xml_node& node, Place place);
   /// Nothing where there is none. It stays where it is.
   [[nodiscard]] const GraphMlKey* find(std::string_view id) const;
   [[nodiscard]] const std::deque<GraphMlKey>& all() const { return keys_; }

@@ -121,7 +121,7 @@ class GraphMlReader {
     while (const pugi::xml_node root = pieces_.next()) {
       context_.pace.reach(pieces_.position());
       if (localName(root) != "graphml") fail(root, "XML, but no GraphML");
-      root_ = placeOf(root);
+      if (!pieces_.goesOn()) root_ = placeOf(root);
       readRoot(root);
       ends_.endPiece();
     }
@@ -134,7 +134,7 @@ class GraphMlReader {
     bool isFirst = true;
     for (const pugi::xml_node& child : root.children()) {
       const std::string_view name = localName(child);
-      if (name == "key") keys_.declare(child);
+      if (name == "key") keys_.declare(child, placeOf(child));
       if (name != "graph") continue;
       if (!isFirst) note(kSecondGraph, NoteKind::kLeftOut, child, "a second graph is left out");
       if (isFirst && !pieces_.goesOn()) readHeader(child);
@@ -298,7 +298,7 @@ class GraphMlReader {
   }
 
   /// The ids are the names where there are no others; ids that only count say nothing.
-  void setIds(NetworkDraft& draft) const {
+  void setIds(NetworkDraft& draft) {
     const std::vector<std::string_view>& ids = ends_.ids();
     const bool onlyCount = [&] {
       for (std::uint64_t row = 0; row < ids.size(); ++row) {
@@ -308,9 +308,8 @@ class GraphMlReader {
     }();
     if (onlyCount) return;
     const char* const key = draft.properties.vertices.contains("Name") ? "Id" : "Name";
-    if (!draft.properties.vertices.contains(key)) {
-      draft.properties.vertices.set(key, internal::nameColumn(ids, ids.size()));
-    }
+    internal::addColumn(draft.properties.vertices, key, internal::nameColumn(ids, ids.size()),
+                        root_, context_);
   }
 
   ReadContext& context_;
