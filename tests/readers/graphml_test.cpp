@@ -246,6 +246,17 @@ TEST(ReadingGraphMl, IsNeverFarAheadOfTheReader) {
                                      "<node id=\"b\"/>\n", &bytes)),
               testing::StartsWith("error 5:"));
   EXPECT_LE(bytes, std::size_t{1} << 20);
+  EXPECT_EQ(summaryOf(readByPieces("<?xml version=\"1.0\"?>\n<!-- <graphml> -->\n<!DOCTYPE html>"
+                                   "<html><body>",
+                                   std::size_t{1} << 18, "<p>text\n", &bytes)),
+            "error 3:16 XML, but no GraphML");
+  EXPECT_LE(bytes, std::size_t{1} << 20);
+}
+
+TEST(ReadingGraphMl, TakesNoElementOfAnEntityForTheFirst) {
+  const std::string text = "<!DOCTYPE graphml [<!ENTITY a \"<b>c</b>\">]><g:graphml><graph>" +
+                           std::string(100, ' ') + "<node id=\"a\"/></graph></g:graphml>";
+  EXPECT_EQ(summaryOf(readByPieces(text, 60)), "undirected 1:");
 }
 
 TEST(ReadingGraphMl, BringsBackAllThatIsWritten) {

@@ -120,7 +120,7 @@ class GraphMlReader {
   NetworkDraft read() {
     while (const pugi::xml_node root = pieces_.next()) {
       context_.pace.reach(pieces_.position());
-      if (localName(root) != "graphml") fail(root, "XML, but no GraphML");
+      if (localName(root) != "graphml") fail(root, kNoGraphMl);
       if (!pieces_.goesOn()) root_ = placeOf(root);
       readRoot(root);
       ends_.endPiece();

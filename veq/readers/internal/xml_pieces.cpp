@@ -1,6 +1,7 @@
 #include "veq/readers/internal/xml_pieces.hpp"
 
 #include <algorithm>
+#include <array>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -33,6 +34,38 @@ std::string utf8FromUtf16(std::string bytes, internal::ReadContext& context) {
   if (bytes.size() > 1 && bytes[0] == '\0') bytes.insert(0, "\xFE\xFF");
   if (bytes.size() > 1 && bytes[1] == '\0') bytes.insert(0, "\xFF\xFE");
   return internal::decoded(std::move(bytes), context);
+}
+
+/// Where the first element begins, behind what may stand before it. The end where it has not come,
+/// and where entities are declared, which may hold elements themselves.
+std::size_t placeOfRoot(std::string_view text) {
+  struct Other {
+    std::string_view begin;
+    std::string_view end;
+  };
+  constexpr std::array<Other, 3> kOthers{{{"<?", "?>"}, {"<!--", "-->"}, {"<!", ">"}}};
+  std::size_t at = text.find('<');
+  while (at < text.size()) {
+    const auto* const other = std::find_if(kOthers.begin(), kOthers.end(), [&](const Other& each) {
+      return text.substr(at, each.begin.size()) == each.begin;
+    });
+    if (other == kOthers.end()) return at;
+    const std::size_t end = text.find(other->end, at);
+    const bool declares = other->end == ">" && text.substr(at, end - at).find('[') != text.npos;
+    if (end == text.npos || declares) break;
+    at = text.find('<', end);
+  }
+  return text.size();
+}
+
+/// Whether the first element is there and is none of GraphML, whatever follows.
+bool beginsOtherwise(std::string_view text) {
+  constexpr std::string_view kBehindNames = " \t\r\n/>";
+  const std::size_t root = placeOfRoot(text);
+  const std::size_t end = text.find_first_of(kBehindNames, root);
+  if (end == text.npos) return false;
+  const std::string_view name = text.substr(root + 1, end - root - 1);
+  return name.substr(name.find(':') + 1) != "graphml";
 }
 
 /// Whether there is one graph and nothing behind it.
@@ -147,6 +180,8 @@ pugi::xml_node XmlPieces::beginning() {
       return isGood && endsWithItsGraph(document_.document_element()) ? made(inUtf8) : all(false);
     }
     if (ended_) return all(false);
+    // Else the whole text would be read for the sake of an error.
+    if (beginsOtherwise(ahead_)) internal::failAt(placeAt(placeOfRoot(ahead_)), kNoGraphMl);
     readMore();
   }
 }

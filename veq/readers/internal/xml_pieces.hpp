@@ -10,6 +10,9 @@
 
 namespace veq::readers {
 
+/// The error about a text of other elements.
+inline constexpr const char* kNoGraphMl = "XML, but no GraphML";
+
 /// A GraphML file as a row of small documents, so that there never is a tree of the whole file. The
 /// first one is its beginning; each further one has, inside elements <graphml> and <graph> of its
 /// own, some of the elements that follow each other in the file's graph. Where a file is of another
