@@ -49,17 +49,17 @@ int main(int, char** arguments) {
         .value();
   };
   if (std::string(arguments[1]) == "build") {
-    std::cout << least(9, [&] { static_cast<void>(build()); }) << '\n';
+    std::cout << least(20, [&] { static_cast<void>(build()); }) << '\n';
     return 0;
   }
   const veq::Network network = build();
   std::vector<std::uint64_t> starts(1000);
   std::iota(starts.begin(), starts.end(), std::uint64_t{0});
-  std::cout << least(5, [&] {
+  std::cout << least(40, [&] {
     veq::RandomState state = veq::RandomState::seeded(1).value();
     veq::Walkers walkers = veq::Walkers::at(network, starts).value();
     veq::WalkOptions walk;
-    walk.steps = 10000;
+    walk.steps = 1000;
     walk.random = &state;
     static_cast<void>(walkers.walk(walk).value());
     static_cast<void>(walkers.visits());

@@ -30,17 +30,17 @@ def main():
         build()
 
     if task == "build":
-        print(least(9, build_and_give_up))
+        print(least(20, build_and_give_up))
         return
     network = build()
     starts = np.arange(1000)
 
     def walk():
         walkers = veq.Walkers(network, starts)
-        walkers.walk(10_000, seed=1)
+        walkers.walk(1000, seed=1)
         walkers.visits()
 
-    print(least(5, walk))
+    print(least(40, walk))
 
 
 if __name__ == "__main__":
