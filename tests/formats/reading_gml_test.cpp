@@ -149,6 +149,17 @@ TEST(ReadingGml, TellsWhereANodeWithoutAnythingStands) {
   EXPECT_EQ(summaryOf(read("graph [\n  node [ ]\n]")), "error 2:3 a node without an id");
 }
 
+TEST(ReadingGml, FindsThePlaceOfAnEdgeAmongAllThatLooksLikeOne) {
+  ReadOptions options;
+  options.format = FileFormat::kGml;
+  const std::string text =
+      "other [ edge [ source 1 ] ]\ngraph [ edge 5 node [ id 1 graphics [ edge [ x 1 ] ] ]\n"
+      "edge [ source 1 target 1 a [ edge [ ] ] ] note \"edge [\"\n# edge [\n"
+      " Edge [ target 1 source 3 ] edge [ source 4 target 4 ] ]\ngraph [ edge [ a 1 ] ]\n";
+  EXPECT_EQ(summaryOf(readNetworkText(text, options)),
+            "error 5:2 an edge of node 3, which is not there");
+}
+
 TEST(ReadingGml, SurvivesListsOfAnyDepth) {
   const std::string deep = "graph [ x " + std::string(1'000'000, '[');
   EXPECT_EQ(summaryOf(read(deep)), "error 1:1000011 a \"[\" without its \"]\"");

@@ -83,7 +83,7 @@ class MappedKeys {
 class GmlReader {
  public:
   GmlReader(TextInput& text, ReadContext& context)
-      : keys_(LineReader(text)), tokens_(text), context_(context) {}
+      : text_(text), keys_(LineReader(text)), tokens_(text), context_(context) {}
 
   NetworkDraft read() {
     bool found = false;
@@ -111,12 +111,6 @@ class GmlReader {
   using Token = GmlTokens::Token;
   using Kind = GmlTokens::Kind;
 
-  struct Edge {
-    std::int64_t source;
-    std::int64_t target;
-    Place place;
-  };
-
   static std::string_view requireKey(const Token& token) {
     if (token.kind == Kind::kKey) return token.text;
     failAt(token.place, token.kind == Kind::kClose ? "a \"]\" without its \"[\""
@@ -130,9 +124,10 @@ class GmlReader {
   }
 
   /// To behind the end of the list that has begun. Lists may be nested as deep as they like.
-  void skipList() {
+  void skipList() { skipList(tokens_); }
+  static void skipList(GmlTokens& tokens) {
     for (std::uint64_t depth = 1; depth != 0;) {
-      const Token token = tokens_.next();
+      const Token token = tokens.next();
       if (token.kind == Kind::kEnd) failAt(token.place, "a \"[\" without its \"]\"");
       if (token.kind == Kind::kOpen) ++depth;
       if (token.kind == Kind::kClose) --depth;
@@ -204,7 +199,7 @@ class GmlReader {
   }
 
   void readEdge(Place place) {
-    const std::uint64_t row = edges_.size();
+    const std::uint64_t row = from_.size();
     std::optional<std::int64_t> source;
     std::optional<std::int64_t> target;
     std::optional<double> weight;
@@ -223,7 +218,9 @@ class GmlReader {
       }
     });
     if (!source || !target) failAt(place, "an edge without a source or a target");
-    edges_.push_back({*source, *target, place});
+    if (row == 0) firstEdge_ = place;
+    from_.push_back(static_cast<std::uint64_t>(*source));
+    to_.push_back(static_cast<std::uint64_t>(*target));
     appendWeight(weight, length, place);
     if ((row + 1) % 1024 == 0) context_.pace.reach(tokens_.position());
   }
@@ -240,8 +237,8 @@ class GmlReader {
   void appendWeight(std::optional<double> weight, std::size_t length, Place place) {
     if (weight && weights_.size() == 0) {
       // Edges before the first weight have none.
-      for (std::size_t i = 0; i + 1 < edges_.size(); ++i) weights_.append(1.0, 1);
-      if (edges_.size() > 1) noteNoWeight(edges_.front().place);
+      for (std::size_t i = 0; i + 1 < from_.size(); ++i) weights_.append(1.0, 1);
+      if (from_.size() > 1) noteNoWeight(firstEdge_);
     }
     if (weights_.size() == 0 && !weight) return;
     if (!weight) noteNoWeight(place);
@@ -270,31 +267,46 @@ class GmlReader {
     return *texts_.back();
   }
 
-  std::uint64_t indexOf(std::int64_t id, Place place) const {
-    const auto at = indices_.find(id);
-    if (at == indices_.end())
-      failAt(place, "an edge of node " + std::to_string(id) + ", which is not there");
-    return at->second;
+  /// Makes ids of an edge's ends indices.
+  void findEnds(std::uint64_t edge) {
+    for (RawVector<std::uint64_t>* const ends : {&from_, &to_}) {
+      const auto id = static_cast<std::int64_t>((*ends)[edge]);
+      const auto at = indices_.find(id);
+      if (at == indices_.end()) {
+        failAt(placeOfEdge(edge), "an edge of node " + std::to_string(id) + ", which is not there");
+      }
+      (*ends)[edge] = at->second;
+    }
+  }
+
+  /// Looks for it in the text, since an edge that is wrong is one of millions.
+  [[nodiscard]] Place placeOfEdge(std::uint64_t edge) const {
+    GmlTokens tokens(text_);
+    bool inGraph = false;
+    for (Token key = tokens.next(); key.kind != Kind::kEnd; key = tokens.next()) {
+      if (key.kind == Kind::kClose || tokens.next().kind != Kind::kOpen) continue;
+      if (!inGraph && sameWord(key.text, "graph")) {
+        inGraph = true;
+        continue;
+      }
+      if (inGraph && sameWord(key.text, "edge") && edge-- == 0) return key.place;
+      skipList(tokens);
+    }
+    return {};
   }
 
   NetworkDraft finish() {
     NetworkDraft draft;
     draft.vertexCount = ids_.size();
     draft.directed = directed_;
-    RawVector<std::uint64_t> from;
-    RawVector<std::uint64_t> to;
-    from.reserve(edges_.size());
-    to.reserve(edges_.size());
-    for (const Edge& edge : edges_) {
-      from.push_back(indexOf(edge.source, edge.place));
-      to.push_back(indexOf(edge.target, edge.place));
-    }
-    draft.from = std::move(from);
-    draft.to = std::move(to);
+    const std::uint64_t edges = from_.size();
+    for (std::uint64_t edge = 0; edge < edges; ++edge) findEnds(edge);
+    draft.from = std::move(from_);
+    draft.to = std::move(to_);
     if (weights_.size() != 0) weights_.finish(draft, context_, kRounded);
     draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
     vertexColumns_.finish(draft.properties.vertices, draft.vertexCount);
-    edgeColumns_.finish(draft.properties.edges, edges_.size());
+    edgeColumns_.finish(draft.properties.edges, edges);
     takeVertexWeights(draft);
     return draft;
   }
@@ -317,13 +329,17 @@ class GmlReader {
     draft.properties.vertices.remove("weight");
   }
 
+  TextInput& text_;
   MappedKeys keys_;
   GmlTokens tokens_;
   ReadContext& context_;
   bool directed_ = false;
   RawVector<std::int64_t> ids_;
   std::unordered_map<std::int64_t, std::uint64_t> indices_;
-  std::vector<Edge> edges_;
+  /// Ids, and indices in the end.
+  RawVector<std::uint64_t> from_;
+  RawVector<std::uint64_t> to_;
+  Place firstEdge_;
   WeightColumn weights_;
   ColumnSet vertexColumns_;
   ColumnSet edgeColumns_;
