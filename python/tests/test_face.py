@@ -86,7 +86,7 @@ def test_functions_release_the_interpreters_lock_or_are_fast():
         "steps",
     }
     releasing = ("gil_scoped_release", "reading(", "editing(", "following(", "modelled(")
-    releasing += ("resting(", "walking(", "solved(", "followed(")
+    releasing += ("resting(", "walked(", "solved(", "followed(")
     held, seen = [], set()
     for name, body in bindings():
         seen.add(name)

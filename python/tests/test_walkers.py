@@ -1,16 +1,21 @@
 """Walks, their paths, random states, and interrupts."""
 
 import _thread
+import io
 import os
+import select
+import signal
 import subprocess
 import sys
 import threading
 import time
+import types
 
 import numpy as np
 import pytest
 
 import veq
+from veq._progress import following
 
 
 def ring(n):
@@ -334,12 +339,13 @@ def test_an_interrupt_ends_a_walk_within_100_ms():
     assert max(took) < 0.1
 
 
-ON_A_TERMINAL = """
-import os, signal, sys, threading
+ENDLESS = """
+import signal, sys, threading
 import veq
 signal.signal(signal.SIGINT, signal.default_int_handler)
 walkers = veq.Walkers(veq.lattice([100], periodic=True), [0])
-threading.Timer(float(sys.argv[1]), os.kill, (os.getpid(), signal.SIGINT)).start()
+if len(sys.argv) > 1:
+    threading.Timer(float(sys.argv[1]), signal.raise_signal, (signal.SIGINT,)).start()
 try:
     walkers.walk(10**12, seed=1)
 except KeyboardInterrupt:
@@ -347,40 +353,74 @@ except KeyboardInterrupt:
 """
 
 
-def shown_after(seconds, on_a_terminal=True):
-    """What a walk shows of itself by the time that it is interrupted."""
-    code = [sys.executable, "-c", ON_A_TERMINAL, str(seconds)]
-    if not on_a_terminal:
-        return subprocess.run(code, stderr=subprocess.PIPE, check=True, timeout=60).stderr
+def test_a_bar_shows_after_a_while_where_somebody_looks():
+    pytest.importorskip("tqdm")
     import termios  # Which not every system has.
 
     ours, theirs = os.openpty()
     termios.tcsetwinsize(theirs, (24, 80))
-    subprocess.run(code, stderr=theirs, check=True, timeout=60)
+    with subprocess.Popen([sys.executable, "-c", ENDLESS], stderr=theirs) as process:
+        shown, end = b"", time.monotonic() + 120
+        while b"steps" not in shown and time.monotonic() < end:
+            if select.select([ours], [], [], 1)[0]:
+                shown += os.read(ours, 4096)
+        process.send_signal(signal.SIGINT)
     os.close(theirs)
-    shown = b""
-    try:
-        while part := os.read(ours, 4096):
-            shown += part
-    except OSError:  # What Linux says at the end.
-        pass
     os.close(ours)
-    return shown
+    assert b"steps" in shown
+    assert process.returncode == 0
 
 
-def test_a_bar_shows_after_a_while_where_somebody_looks():
+def test_no_bar_shows_where_nobody_looks():
     pytest.importorskip("tqdm")
-    assert b"steps" in shown_after(3)
-    assert shown_after(0.3) == b""
-    assert shown_after(3, on_a_terminal=False) == b""
+    code = [sys.executable, "-c", ENDLESS, "3"]
+    assert subprocess.run(code, stderr=subprocess.PIPE, check=True, timeout=120).stderr == b""
 
 
-def test_a_bar_that_is_asked_for(capsys):
+def test_a_bar_waits_for_a_while(monkeypatch):
     pytest.importorskip("tqdm")
+    made = []
+    monkeypatch.setattr("tqdm.auto.tqdm", lambda **options: made.append(options) or Bar())
+
+    class Bar:
+        n = 0
+
+        def update(self, more):
+            self.n += more
+
+        def close(self):
+            made.append(self.n)
+
+    now = [100.0]
+    monkeypatch.setattr("time.monotonic", lambda: now[0])
+    monkeypatch.setattr("sys.stderr", types.SimpleNamespace(isatty=lambda: True))
+    with following("auto", "steps") as call:
+        now[0] = 101.4
+        call(10, 50)
+        assert made == []
+        now[0] = 101.5
+        call(20, 50)
+        call(30, 50)
+    assert made == [{"total": 50, "unit": "steps", "leave": False}, 30]
+
+
+def test_a_bar_that_is_asked_for(monkeypatch):
+    pytest.importorskip("tqdm")
+    shown = io.StringIO()
+    monkeypatch.setattr("sys.stderr", shown)
+
+    def interrupt():
+        end = time.monotonic() + 120
+        while "steps" not in shown.getvalue() and time.monotonic() < end:
+            time.sleep(0.01)
+        _thread.interrupt_main()
+
+    thread = threading.Thread(target=interrupt)
+    thread.start()
     with pytest.raises(KeyboardInterrupt):
-        threading.Timer(0.3, _thread.interrupt_main).start()
         veq.Walkers(ring(100), [0]).walk(10**12, seed=1, progress=True)
-    assert "steps" in capsys.readouterr().err
+    thread.join()
+    assert "steps" in shown.getvalue()
 
 
 def test_the_law_of_a_walk():
