@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::uint64_t kMostBytes = 1 << 16;
+constexpr std::uint64_t kMostBytes = 1 << 14;
 
 std::string zipped(std::string_view text) {
   std::string bytes(compressBound(static_cast<uLong>(text.size())) + 64, '\0');
