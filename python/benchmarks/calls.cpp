@@ -1,15 +1,10 @@
-// calls build|walk ENDS VERTICES: the least processor seconds of some rounds of the same calls as
-// in calls.py, for the edges of the file of 64-bit integers, first all sources and then all
-// targets.
-#include <algorithm>
+// The calls of test_calls.py in C++, for the same process to load: what they take then is of one
+// heap, and of one moment.
+#include <cstddef>
 #include <cstdint>
-#include <ctime>
-#include <fstream>
-#include <iostream>
-#include <iterator>
 #include <numeric>
+#include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "veq/network.hpp"
@@ -17,51 +12,36 @@
 
 namespace {
 
-std::vector<std::int64_t> read(const char* path) {
-  std::ifstream file(path, std::ios::binary | std::ios::ate);
-  std::vector<std::int64_t> values(static_cast<std::size_t>(file.tellg()) / sizeof(std::int64_t));
-  file.seekg(0);
-  file.read(reinterpret_cast<char*>(values.data()),
-            static_cast<std::streamsize>(values.size() * sizeof(std::int64_t)));
-  return values;
-}
+std::optional<veq::Network> network;
 
-template <class Call>
-double least(int rounds, Call call) {
-  std::vector<double> times;
-  for (int round = 0; round <= rounds; ++round) {
-    const std::clock_t begun = std::clock();
-    call();
-    times.push_back(static_cast<double>(std::clock() - begun) / CLOCKS_PER_SEC);
-  }
-  return *std::min_element(times.begin(), times.end());
+veq::Network built(const std::int64_t* sources, const std::int64_t* targets, std::size_t edges,
+                   std::uint64_t vertices) {
+  veq::BuildOptions options;
+  options.vertices = vertices;
+  return veq::Network::build(std::span(sources, edges), std::span(targets, edges), options).value();
 }
 
 }  // namespace
 
-int main(int, char** arguments) {
-  const std::vector<std::int64_t> ends = read(arguments[2]);
-  const std::span<const std::int64_t> all(ends);
-  veq::BuildOptions options;
-  options.vertices = std::stoull(arguments[3]);
-  const auto build = [&] {
-    return veq::Network::build(all.first(all.size() / 2), all.last(all.size() / 2), options)
-        .value();
-  };
-  if (std::string(arguments[1]) == "build") {
-    std::cout << least(20, [&] { static_cast<void>(build()); }) << '\n';
-    return 0;
-  }
-  const veq::Network network = build();
-  std::vector<std::uint64_t> starts(1000);
+extern "C" void build(const std::int64_t* sources, const std::int64_t* targets, std::size_t edges,
+                      std::uint64_t vertices) {
+  static_cast<void>(built(sources, targets, edges, vertices));
+}
+
+// For the walks.
+extern "C" void prepare(const std::int64_t* sources, const std::int64_t* targets, std::size_t edges,
+                        std::uint64_t vertices) {
+  network = built(sources, targets, edges, vertices);
+}
+
+extern "C" void walk(std::uint64_t agents, std::uint64_t steps) {
+  std::vector<std::uint64_t> starts(agents);
   std::iota(starts.begin(), starts.end(), std::uint64_t{0});
-  std::cout << least(40, [&] {
-    veq::RandomState state = veq::RandomState::seeded(1).value();
-    veq::Walkers walkers = veq::Walkers::at(network, starts).value();
-    veq::WalkOptions walk;
-    walk.steps = 1000;
-    walk.random = &state;
-    static_cast<void>(walkers.walk(walk).value());
-    static_cast<void>(walkers.visits());
-  }) << '\n';
+  veq::RandomState state = veq::RandomState::seeded(1).value();
+  veq::Walkers walkers = veq::Walkers::at(*network, starts).value();
+  veq::WalkOptions options;
+  options.steps = steps;
+  options.random = &state;
+  static_cast<void>(walkers.walk(options).value());
+  static_cast<void>(walkers.visits());
 }

@@ -27,7 +27,9 @@ def of(module):
             task = result["extra_info"].get("task")
             if task is not None:
                 name = task
-                variant = next(one for one in LIBRARIES if one in variant)
+                variant = next(
+                    one for one in LIBRARIES if one in variant.removesuffix("]").split("-")
+                )
             found[name][variant.removesuffix("]")] = result
     return found
 

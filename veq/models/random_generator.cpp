@@ -16,8 +16,14 @@ namespace {
 using internal::RawVector;
 using internal::SharedRandomSequence;
 
-constinit std::mutex creation;
 constinit VEQRandomGenerator* instance = nullptr;
+
+// There for whoever asks before this file's own objects would be. Not every library has mutexes
+// that need no code for that.
+std::mutex& creation() {
+  static std::mutex mutex;
+  return mutex;
+}
 
 template <class T>
 RawVector<T> roomFor(std::uint64_t count) {
@@ -50,7 +56,7 @@ VEQRandomGenerator* VEQRandomGenerator::sharedRandomGenerator() {
 }
 
 VEQRandomGenerator* VEQRandomGenerator::allocWithZone(void*) {
-  const std::lock_guard guard(creation);
+  const std::lock_guard guard(creation());
   if (instance != nullptr) return nullptr;
   auto* const made = new VEQRandomGenerator;
   SharedRandomSequence::instance().seedFromSystem();
