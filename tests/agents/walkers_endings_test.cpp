@@ -100,8 +100,7 @@ TEST(WalkersEndings, AreStoppedAfterAWholeStepAndMoveTheSequenceByAllSteps) {
   options.progress.stop = source.token();
   options.progress.observer = [&](std::uint64_t done, std::uint64_t all) {
     EXPECT_EQ(all, 1000000000U);
-    EXPECT_GT(done, 0U);
-    source.requestStop();
+    if (done != 0) source.requestStop();
   };
   options.steps = 1000000000;
   RandomState random = seeded(8);
@@ -126,7 +125,9 @@ TEST(WalkersEndings, LetThroughWhatTheObserverThrows) {
   Walkers walkers = walkersAt(sixLinks(), {0});
   WalkOptions options;
   options.steps = 1000000000;
-  options.progress.observer = [](std::uint64_t, std::uint64_t) { throw std::string("enough"); };
+  options.progress.observer = [](std::uint64_t done, std::uint64_t) {
+    if (done != 0) throw std::string("enough");
+  };
   EXPECT_THROW((void)walkers.walk(options), std::string);
   EXPECT_FALSE(walkers.published()->isWorking());
   const auto steps = static_cast<std::uint64_t>(walkers.published()->currentProgress());
