@@ -17,17 +17,30 @@ if TYPE_CHECKING:
 _VERSION = 1
 
 
-def _saved(columns: Columns) -> list[tuple[str, Any]]:
+# Of an array: the type of its elements, its shape and its bytes. NumPy's own pickles of arrays name
+# modules that not every NumPy has.
+Saved = tuple[str, tuple[int, ...], Any]
+
+
+def _saved(array: np.ndarray[Any, Any] | None, protocol: int) -> Saved | None:
+    if array is None:
+        return None
+    array = np.ascontiguousarray(array)
+    data = pickle.PickleBuffer(array.data) if protocol >= 5 else array.tobytes()
+    return array.dtype.str, array.shape, data
+
+
+def _array(saved: Saved) -> np.ndarray[Any, Any]:
+    kind, shape, data = saved
+    return np.ndarray(shape, kind, data)
+
+
+def _saved_columns(columns: Columns, protocol: int) -> list[tuple[str, Any]]:
     saved: list[tuple[str, Any]] = []
     for key, column in columns.items():
-        kept = column.tolist() if column.dtype == object else _buffer(column)
+        kept = column.tolist() if column.dtype == object else _saved(column, protocol)
         saved.append((key, kept))
     return saved
-
-
-def _buffer(array: np.ndarray[Any, Any] | None) -> Any:
-    """NumPy pickles arrays out of band by itself, if they are contiguous."""
-    return None if array is None else np.ascontiguousarray(array)
 
 
 def reduced(network: Network, protocol: int) -> tuple[Callable[..., Any], tuple[Any, ...]]:
@@ -36,24 +49,24 @@ def reduced(network: Network, protocol: int) -> tuple[Callable[..., Any], tuple[
     return rebuilt, (
         type(network),
         header,
-        _buffer(network.sources),
-        _buffer(network.targets),
-        _buffer(network.vertex_weights),
-        _buffer(network.edge_weights),
-        _saved(network.vertex_data),
-        _saved(network.edge_data),
+        _saved(network.sources, protocol),
+        _saved(network.targets, protocol),
+        _saved(network.vertex_weights, protocol),
+        _saved(network.edge_weights, protocol),
+        _saved_columns(network.vertex_data, protocol),
+        _saved_columns(network.edge_data, protocol),
     )
 
 
 def rebuilt(
     cls: type[Network],
     header: dict[str, Any],
-    sources: Any,
-    targets: Any,
-    vertex_weights: Any,
-    edge_weights: Any,
-    vertex_columns: list[tuple[str, Any]],
-    edge_columns: list[tuple[str, Any]],
+    sources: Saved,
+    targets: Saved,
+    vertex_weights: Saved | None,
+    edge_weights: Saved | None,
+    vertex_columns: list[tuple[str, Saved | list[Any]]],
+    edge_columns: list[tuple[str, Saved | list[Any]]],
 ) -> Network:
     """The network of a pickle of this or an earlier release."""
     if header["version"] > _VERSION:
@@ -61,12 +74,12 @@ def rebuilt(
             f"a network of version {header['version']}, written by a later veq"
         )
     network = cls(
-        sources,
-        targets,
+        _array(sources),
+        _array(targets),
         n=header["n"],
         directed=header["directed"],
-        vertex_weights=vertex_weights,
-        edge_weights=edge_weights,
+        vertex_weights=None if vertex_weights is None else _array(vertex_weights),
+        edge_weights=None if edge_weights is None else _array(edge_weights),
     )
     for edges, columns in enumerate((vertex_columns, edge_columns)):
         data = network.edge_data if edges else network.vertex_data
@@ -75,5 +88,5 @@ def rebuilt(
             if isinstance(column, list):
                 _core.set_values(network, key, column, bool(edges))
             else:
-                data[key] = column
+                data[key] = _array(column)
     return network

@@ -123,7 +123,7 @@ class RandomState(_core.RandomState):
     def __reduce__(self) -> tuple[Callable[..., RandomState], tuple[Any]]:
         if self.draws_left is not None:
             raise TypeError("a substream cannot be pickled: send the state and the number k")
-        return RandomState.from_words, (self.words.copy(),)
+        return RandomState.from_words, (self.words.tolist(),)
 
     def __repr__(self) -> str:
         left = self.draws_left
