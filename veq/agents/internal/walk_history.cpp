@@ -56,16 +56,14 @@ std::uint64_t WalkHistory<Word>::logLimit() const {
 
 template <class Word>
 MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
-  if (isBehind()) countSome();
-  if (isBehind()) return {};
+  if (staysBehind()) return {};
   reserveOneMore(log_);
   const std::uint64_t limit = logLimit();
   const std::uint64_t stepsLeft = (limit - std::min(limit, logBytes_)) / (agents_ * sizeof(Word));
   if (!isCounting_ && room_.steps < steps && (forAll ? steps : steps - room_.steps) > stepsLeft) {
     beginToCountLog();
     isCounting_ = true;
-    if (isBehind()) countSome();
-    if (isBehind()) return {};
+    if (staysBehind()) return {};
   }
   // Twice as many, for runs of paths end with the first tile beyond.
   if (isCounting_) prepareToCount(2 * stepsPerRun());
@@ -144,6 +142,12 @@ void WalkHistory<Word>::beginToCountLog() {
   prepareToCount(steps);
   countArrivalsOfWalk();
   agentToCount_ = 0;
+}
+
+template <class Word>
+bool WalkHistory<Word>::staysBehind() noexcept {
+  if (isBehind()) countSome();
+  return isBehind();
 }
 
 template <class Word>

@@ -103,6 +103,8 @@ class WalkHistory {
   void beginToCountLog();
   [[nodiscard]] bool isBehind() const { return agentToCount_ < agents_; }
   void countSome() noexcept;
+  /// Whether there is more to count than it counts now.
+  [[nodiscard]] bool staysBehind() noexcept;
   void catchUp() noexcept;
   void emptyLog() noexcept;
   std::uint64_t bringUpToDate(std::uint64_t first, std::uint64_t agents,

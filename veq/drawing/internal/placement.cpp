@@ -40,9 +40,7 @@ Result<std::vector<Point>> givenPoints(const Network& network) {
 // Halves keep differences of the largest doubles finite.
 void fitUnitSquare(std::vector<Point>& points) {
   if (points.empty()) return;
-  const Extent extent = extentOf(points);
-  const Point low = extent.low;
-  const Point high = extent.high;
+  const auto [low, high] = extentOf(points);
   const double width = high.x / 2 - low.x / 2;
   const double height = high.y / 2 - low.y / 2;
   const double side = std::max(width, height);

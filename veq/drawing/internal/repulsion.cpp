@@ -85,9 +85,7 @@ void Repulsion::add(std::span<const Point> points, std::span<const double> masse
 
 // By the bits of both coordinates in turn, so that each square is a run of points.
 void Repulsion::sortByPlace(std::span<const Point> points) {
-  const Extent extent = extentOf(points);
-  const Point low = extent.low;
-  const Point high = extent.high;
+  const auto [low, high] = extentOf(points);
   side_ = std::max(high.x - low.x, high.y - low.y);
   const double scale = side_ > 0.0 ? 65536.0 / side_ : 0.0;
   codes_.resize(points.size());
