@@ -98,7 +98,7 @@ class LineCursor {
   }
   /// As readInteger, but of all integers that 64 bits hold.
   std::optional<std::int64_t> readLongInteger(char behind = ' ') {
-    if (const std::optional<std::int64_t> value = readInteger(behind)) return value;
+    if (const std::optional<std::int64_t> value = readInteger(behind)) return *value;
     const char* const from = at_ != end_ && *at_ == '+' ? at_ + 1 : at_;
     std::int64_t value = 0;
     const auto [at, error] = std::from_chars(from, end_, value);
