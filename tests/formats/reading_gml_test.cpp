@@ -165,6 +165,18 @@ TEST(ReadingGml, SurvivesListsOfAnyDepth) {
   EXPECT_EQ(summaryOf(read(deep)), "error 1:1000011 a \"[\" without its \"]\"");
 }
 
+TEST(ReadingGml, RefusesMoreUnsetCellsThanATextMayAskFor) {
+  // 2000 keys that the last of 2000 nodes has.
+  std::string text = "graph [\n";
+  for (int id = 1; id < 2000; ++id) text += "node[id " + std::to_string(id) + "]\n";
+  text += "node[id 0";
+  for (int key = 0; key < 2000; ++key) text += " k" + std::to_string(key) + " 1";
+  text += "]]";
+  EXPECT_THAT(summaryOf(read(text)),
+              testing::MatchesRegex("error 2001:[0-9]+ columns with more than the [0-9]+ cells "
+                                    "without a value that a text of [0-9]+ bytes may have"));
+}
+
 TEST(ReadingGml, SurvivesDamagedTexts) {
   std::uint64_t networks = 0;
   forMutationsOf(std::string(kTriangle), {"[", "]", "\"", "node [", "#", "-9999999999999999999999"},

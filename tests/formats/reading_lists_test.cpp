@@ -391,6 +391,22 @@ TEST(ReadingLists, RefusesMoreIndicesThanATextMayAskFor) {
             "error 3:2 4 vertices, more than the 3 that are allowed");
 }
 
+TEST(ReadingLists, RefusesMoreUnsetCellsThanATextMayAskFor) {
+  // 1700 columns that only the last of 1702 lines has are 2.9 million cells.
+  std::string text = "source,target";
+  for (int column = 0; column < 1700; ++column) text += ",c" + std::to_string(column);
+  for (int row = 0; row < 1700; ++row) text += "\na,b";
+  text += "\na,b";
+  const std::string shorter = text + ",1\n";
+  for (int column = 0; column < 1700; ++column) text += ",1";
+  EXPECT_EQ(text.size(), 13U + 10 * 3 + 90 * 4 + 900 * 5 + 700 * 6 + 1701 * 4 + 1700 * 2);
+  // 64 * 19307 + 10^6; the cell of column 1316, each of which has 1700 rows above, is one too many.
+  EXPECT_EQ(summaryOf(read(text)),
+            "error 1702:2635 columns with more than the 2235648 cells without a value that a text "
+            "of 19307 bytes may have");
+  EXPECT_THAT(edgeTexts(read(shorter), "c0"), testing::Contains("1").Times(1));
+}
+
 TEST(ReadingLists, SurvivesDamagedTexts) {
   const std::string text = "source,target,type,weight\n\"a\",b,Directed,1\nb,\"c\",,2.5\n% x\n";
   std::uint64_t networks = 0;

@@ -89,6 +89,49 @@ TEST(ReadingGraphMl, KeepsDataOfOneNameApart) {
                           "and ends have such names"));
 }
 
+TEST(ReadingGraphMl, NumbersEveryFurtherColumnOfAName) {
+  const Reading reading =
+      read(graphMl("<key id=\"a\" for=\"node\" attr.name=\"x\"/>\n"
+                   "<key id=\"b\" for=\"node\" attr.name=\"x 2\"/>\n"
+                   "<key id=\"c\" for=\"node\" attr.name=\"x\"/>\n"
+                   "<key id=\"d\" for=\"node\" attr.name=\"x\"/>\n"
+                   "<key id=\"e\" for=\"edge\" attr.name=\"x\"/>\n"
+                   "<graph><node id=\"n0\"><data key=\"a\">1</data><data key=\"b\">2</data>"
+                   "<data key=\"c\">3</data><data key=\"d\">4</data></node>"
+                   "<edge source=\"n0\" target=\"n0\"><data key=\"e\">5</data></edge></graph>"));
+  EXPECT_THAT(vertexTexts(reading, "x"), ElementsAre("1"));
+  EXPECT_THAT(vertexTexts(reading, "x 2"), ElementsAre("2"));
+  EXPECT_THAT(vertexTexts(reading, "x 3"), ElementsAre("3"));
+  EXPECT_THAT(vertexTexts(reading, "x 4"), ElementsAre("4"));
+  EXPECT_THAT(edgeTexts(reading, "x"), ElementsAre("5"));
+  EXPECT_THAT(notesOf(reading),
+              ElementsAre("5:1 taken x1: a further column \"x\" is called \"x 3\"",
+                          "6:1 taken x1: a further column \"x\" is called \"x 4\""));
+}
+
+TEST(ReadingGraphMl, FindsTheColumnsOfDataInAnyOrder) {
+  const Reading reading = read(
+      graphMl("<key id=\"a\" for=\"node\" attr.name=\"A\"/>"
+              "<key id=\"b\" for=\"node\" attr.name=\"B\"/>"
+              "<key id=\"c\" for=\"node\" attr.name=\"C\"><default>none</default></key>"
+              "<graph><node id=\"n0\"><data key=\"b\">1</data><data key=\"a\">2</data></node>"
+              "<node id=\"n1\"><data key=\"a\">3</data><data key=\"b\">4</data></node>"
+              "<node id=\"n2\"><data key=\"c\">5</data><data key=\"b\">6</data></node></graph>"));
+  EXPECT_THAT(vertexTexts(reading, "A"), ElementsAre("2", "3", "<null>"));
+  EXPECT_THAT(vertexTexts(reading, "B"), ElementsAre("1", "4", "6"));
+  EXPECT_THAT(vertexTexts(reading, "C"), ElementsAre("none", "none", "5"));
+}
+
+TEST(ReadingGraphMl, TakesASecondKeyOfTheWeightForAColumn) {
+  const Reading reading =
+      read(graphMl("<key id=\"a\" for=\"edge\" attr.name=\"weight\" attr.type=\"double\"/>"
+                   "<key id=\"b\" for=\"edge\" attr.name=\"weight\" attr.type=\"double\"/>"
+                   "<graph><node id=\"n0\"/><edge source=\"n0\" target=\"n0\">"
+                   "<data key=\"a\">2.5</data><data key=\"b\">7</data></edge></graph>"));
+  EXPECT_EQ(summaryOf(reading), "undirected 1: 0>0 w(2.5)");
+  EXPECT_THAT(edgeTexts(reading, "weight"), ElementsAre("7"));
+}
+
 TEST(ReadingGraphMl, LeavesOutEdgesOfNodesThatAreLeftOut) {
   const Reading reading = read(graphMl(
       "<graph edgedefault=\"directed\">\n<node id=\"n0\">\n<graph><node id=\"x\"/><node id=\"y\">"

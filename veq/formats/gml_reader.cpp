@@ -23,17 +23,19 @@ enum NoteCode : unsigned { kRounded, kNested, kSecondGraph, kNoWeight, kOfGraph,
 class ColumnSet {
  public:
   /// What stands in quotes is text. False where the row has a value of the key, which stays.
-  bool set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted) {
+  bool set(std::string_view key, std::uint64_t row, std::string_view cell, bool quoted, Place place,
+           ReadContext& context) {
     const auto [at, isNew] = places_.try_emplace(std::string(key), columns_.size());
     if (isNew) columns_.push_back({TextColumn(std::string(key)), false});
     Column& column = columns_[at->second];
     if (column.cells.at(row).data()) return false;
-    column.cells.set(row, cell);
+    context.addUnsetCells(column.cells.set(row, cell), [place] { return place; });
     column.isText |= quoted;
     return true;
   }
-  void finish(PropertyTable& table, std::uint64_t rows) const {
+  void finish(PropertyTable& table, std::uint64_t rows, ReadContext& context) const {
     for (const auto& [cells, isText] : columns_) {
+      context.addUnsetCells(cells.unsetBehind(rows), [] { return Place{1, 1}; });
       table.set(cells.key(), isText ? cells.finishAsText(rows) : cells.finish(rows));
     }
   }
@@ -227,7 +229,8 @@ class GmlReader {
 
   void setCell(ColumnSet& columns, std::string_view name, std::uint64_t row, const Token& key,
                const Token& value) {
-    if (columns.set(name, row, cellOf(value), value.kind == Kind::kString)) return;
+    const bool quoted = value.kind == Kind::kString;
+    if (columns.set(name, row, cellOf(value), quoted, key.place, context_)) return;
     context_.note(kTwice, NoteKind::kLeftOut, key.place, [&] {
       return "the key " + shown(key.text) +
              " stands more than once in a node or edge: all but its first value are left out";
@@ -305,8 +308,8 @@ class GmlReader {
     draft.to = std::move(to_);
     if (weights_.size() != 0) weights_.finish(draft, context_, kRounded);
     draft.properties.vertices.set("Id", std::make_shared<VEQNumberArray>(std::move(ids_)));
-    vertexColumns_.finish(draft.properties.vertices, draft.vertexCount);
-    edgeColumns_.finish(draft.properties.edges, edges);
+    vertexColumns_.finish(draft.properties.vertices, draft.vertexCount, context_);
+    edgeColumns_.finish(draft.properties.edges, edges, context_);
     takeVertexWeights(draft);
     return draft;
   }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -119,14 +120,9 @@ class FieldReader {
     while (columns_.size() <= column) {
       const std::size_t i = columns_.size();
       const bool hasName = i < shape_.header.size() && !shape_.header[i].empty() &&
-                           std::find(shape_.header.begin(), shape_.header.begin() + offset(i),
-                                     shape_.header[i]) == shape_.header.begin() + offset(i);
+                           named_.insert(shape_.header[i]).second;
       columns_.emplace_back(hasName ? shape_.header[i] : "Column " + std::to_string(i + 1));
     }
-  }
-
-  [[nodiscard]] static std::ptrdiff_t offset(std::size_t i) {
-    return static_cast<std::ptrdiff_t>(i);
   }
 
   void readFields() {
@@ -176,7 +172,7 @@ class FieldReader {
     const bool quoted = rows_.isQuoted(column);
     if (cell.empty() && !quoted) return;
     nameColumn(column);
-    columns_[column].set(edges_, cell);
+    context_.addUnsetCells(columns_[column].set(edges_, cell), [&] { return rows_.placeOf(cell); });
     if (quotedColumns_.size() <= column) quotedColumns_.resize(column + 1);
     if (quoted) quotedColumns_[column] = true;
   }
@@ -223,6 +219,7 @@ class FieldReader {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
       if (!hasUnquoted_) columns_[i].unsetEmptyCells();
       if (columns_[i].empty()) continue;
+      context_.addUnsetCells(columns_[i].unsetBehind(edges_), [] { return Place{1, 1}; });
       addColumn(draft.properties.edges, columns_[i].key(), finished(i), {shape_.headerLine, 1},
                 context_);
     }
@@ -281,6 +278,8 @@ class FieldReader {
   std::uint64_t edges_ = 0;
   WeightColumn weights_;
   std::vector<TextColumn> columns_;
+  /// The words of the header that are names of columns already.
+  std::unordered_set<std::string_view> named_;
   /// Those of which a cell stands in quotes, and whether any field stands in none.
   std::vector<bool> quotedColumns_;
   bool hasUnquoted_ = false;

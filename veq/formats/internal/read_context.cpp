@@ -4,6 +4,17 @@
 #include <limits>
 
 namespace veq::internal {
+namespace {
+
+/// Of what is nowhere in a text so much may follow from it, that thirty bytes ask for no gigabytes.
+std::uint64_t mostOf(std::uint64_t bytes) {
+  constexpr std::uint64_t kEachByte = 64;
+  constexpr std::uint64_t kAtLeast = 1'000'000;
+  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max() / 2;
+  return bytes > (kMost - kAtLeast) / kEachByte ? kMost : kEachByte * bytes + kAtLeast;
+}
+
+}  // namespace
 
 std::string shown(std::string_view text) {
   constexpr std::size_t kMost = 60;
@@ -40,11 +51,15 @@ std::vector<Note> ReadContext::takeNotes() {
 }
 
 std::uint64_t ReadContext::mostVertices() const {
-  constexpr std::uint64_t kEachByte = 64;
-  constexpr std::uint64_t kAtLeast = 1'000'000;
-  if (options.mostVertices) return *options.mostVertices;
-  constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max() / 2;
-  return bytes_ > (kMost - kAtLeast) / kEachByte ? kMost : kEachByte * bytes_ + kAtLeast;
+  return options.mostVertices.value_or(mostOf(bytes_));
+}
+
+std::uint64_t ReadContext::mostUnsetCells() const { return mostOf(bytes_); }
+
+void ReadContext::failForCells(Place place) const {
+  failAt(place, "columns with more than the " + std::to_string(mostUnsetCells()) +
+                    " cells without a value that a text of " + std::to_string(bytes_) +
+                    " bytes may have");
 }
 
 void ReadContext::requireVertices(std::uint64_t vertices, Place place,

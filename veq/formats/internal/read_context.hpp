@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,6 +33,8 @@ class VEQ_EXPORT ReadContext {
   const ReadOptions& options;
   Pace pace;
   std::string title;
+  /// For each key of columns that are several, the number of the last.
+  std::map<std::pair<const void*, std::string>, std::uint64_t> furtherColumns;
 
   /// Cases of one code are one note, whose text is made for the first of them. A reader numbers its
   /// codes from 0. In strict reading the first note that is no kTaken ends it.
@@ -60,6 +63,14 @@ class VEQ_EXPORT ReadContext {
   }
   [[nodiscard]] std::uint64_t mostVertices() const;
 
+  /// Counts cells of columns that no byte stands for, those of rows that say nothing; an error at
+  /// placeOf() where they are more than a text of this length may have.
+  template <class PlaceOf>
+  void addUnsetCells(std::uint64_t cells, PlaceOf placeOf) {
+    unsetCells_ += cells;
+    if (cells != 0 && unsetCells_ > mostUnsetCells()) failForCells(placeOf());
+  }
+
   /// How many bytes the text has.
   void setBytes(std::uint64_t bytes) { bytes_ = bytes; }
   /// Nobody knows: they are counted as they come.
@@ -76,8 +87,11 @@ class VEQ_EXPORT ReadContext {
 
  private:
   void keep(Note note);
+  [[nodiscard]] std::uint64_t mostUnsetCells() const;
+  [[noreturn]] void failForCells(Place place) const;
 
   std::uint64_t bytes_;
+  std::uint64_t unsetCells_ = 0;
   bool growing_ = false;
   std::vector<Note> notes_;
   std::uint64_t furtherNotes_ = 0;

@@ -155,10 +155,9 @@ void addColumn(PropertyTable& table, const std::string& key, Shared<PropertyColu
                Place place, ReadContext& context) {
   if (isReservedKey(key)) return noteReserved(key, place, context);
   std::string free = key;
-  for (std::uint64_t number = 2; table.contains(free); ++number) {
-    free = key + " " + std::to_string(number);
-  }
-  if (free != key) {
+  if (table.contains(key)) {
+    std::uint64_t& number = context.furtherColumns.try_emplace({&table, key}, 1).first->second;
+    while (table.contains(free)) free = key + " " + std::to_string(++number);
     context.noteEach(NoteKind::kTaken, place,
                      "a further column \"" + key + "\" is called \"" + free + "\"");
   }

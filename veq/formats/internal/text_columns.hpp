@@ -2,6 +2,7 @@
 /// Columns of a text on their way into a network.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -29,10 +30,17 @@ class VEQ_EXPORT TextColumn {
 
   [[nodiscard]] const std::string& key() const { return key_; }
   [[nodiscard]] bool empty() const { return cells_.empty(); }
-  void set(std::uint64_t row, std::string_view cell) {
-    if (row >= cells_.size()) cells_.resize(row + 1);
+  /// Answers how many cells before it are unset that the column did not have.
+  std::uint64_t set(std::uint64_t row, std::string_view cell) {
+    const std::uint64_t before = cells_.size();
+    if (row >= before) cells_.resize(row + 1);
     // An empty view may have no address, which would be no cell.
     cells_[row] = cell.data() ? cell : std::string_view("");
+    return row > before ? row - before : 0;
+  }
+  /// How many of the rows lie behind its last cell.
+  [[nodiscard]] std::uint64_t unsetBehind(std::uint64_t rows) const {
+    return rows - std::min<std::uint64_t>(rows, cells_.size());
   }
 
   /// Makes cells that are empty unset.

@@ -49,15 +49,14 @@ void GraphMlKeys::declare(const pugi::xml_node& node, Place place) {
   key.dimensions = kind == "vector2d" ? 2 : kind == "vector3d" ? 3 : 0;
   key.isWeight = kind == "weight" || (of == "edge" && name == "weight" && !key.isText);
   // There is one weight; a second key of it is a column like others.
-  for (const GraphMlKey& other : keys_) {
-    if (other.isWeight && (other.ofVertices == key.ofVertices || other.ofEdges == key.ofEdges)) {
-      key.isWeight = false;
-    }
+  for (const GraphMlKey* const other : weights_) {
+    if (other->ofVertices == key.ofVertices || other->ofEdges == key.ofEdges) key.isWeight = false;
   }
   for (const pugi::xml_node& child : node.children()) {
     if (localName(child) == "default") key.byDefault = child.text().get();
   }
   keys_.push_back(std::move(key));
+  if (keys_.back().isWeight) weights_.push_back(&keys_.back());
   byId_.insert_or_assign(ids_.kept(id), &keys_.back());
 }
 
@@ -67,13 +66,13 @@ const GraphMlKey* GraphMlKeys::find(std::string_view id) const {
 }
 
 GraphMlColumns::Column& GraphMlColumns::columnOf(const GraphMlKey& key) {
-  for (std::size_t tried = 0; tried < columns_.size(); ++tried) {
-    const std::size_t place = (next_ + tried) % columns_.size();
-    if (columns_[place].key != &key) continue;
-    next_ = place + 1;
-    return columns_[place];
+  if (next_ >= columns_.size()) next_ = 0;
+  if (columns_.empty() || columns_[next_].key != &key) {
+    const auto [at, isNew] = places_.try_emplace(&key, columns_.size());
+    if (isNew) columns_.emplace_back(key);
+    next_ = at->second;
   }
-  return columns_.emplace_back(key);
+  return columns_[next_++];
 }
 
 void GraphMlColumns::fillWeights(std::uint64_t rows) {
@@ -104,13 +103,17 @@ void GraphMlColumns::finish(const GraphMlKeys& keys, std::uint64_t rows,
       weightKey_ = &key;
       continue;
     }
+    context_.addUnsetCells(rows, [&key] { return key.place; });
     internal::TextColumn& cells = columnOf(key).cells;
     for (std::uint64_t row = 0; row < rows; ++row) {
       if (!cells.at(row).data()) cells.set(row, key.byDefault);
     }
   }
   PropertyTable& table = ofVertices_ ? draft.properties.vertices : draft.properties.edges;
-  for (const auto& [key, cells] : columns_) {
+  for (const auto& column : columns_) {
+    const GraphMlKey* const key = column.key;
+    const internal::TextColumn& cells = column.cells;
+    context_.addUnsetCells(cells.unsetBehind(rows), [key] { return key->place; });
     internal::addColumn(table, key->name,
                         key->dimensions != 0 ? vectors(cells, key->dimensions, rows)
                         : key->isText        ? cells.finishAsText(rows)

@@ -43,6 +43,8 @@ class GraphMlKeys {
 
  private:
   std::deque<GraphMlKey> keys_;
+  /// Those of them that are weights, of which there are few.
+  std::vector<const GraphMlKey*> weights_;
   std::unordered_map<std::string_view, const GraphMlKey*> byId_;
   TextStore ids_;
 };
@@ -61,7 +63,7 @@ class GraphMlColumns {
   template <class PlaceOf>
   void set(const GraphMlKey& key, std::uint64_t row, std::string_view text, PlaceOf placeOf) {
     if (key.isWeight) return setWeight(key, row, text, placeOf);
-    columnOf(key).cells.set(row, texts_.kept(text));
+    context_.addUnsetCells(columnOf(key).cells.set(row, texts_.kept(text)), placeOf);
   }
   /// To be called behind the data of a row.
   template <class PlaceOf>
@@ -106,6 +108,7 @@ class GraphMlColumns {
   unsigned missingCode_;
   TextStore texts_;
   std::vector<Column> columns_;
+  std::unordered_map<const GraphMlKey*, std::size_t> places_;
   /// Data come in the same order again and again.
   std::size_t next_ = 0;
   const GraphMlKey* weightKey_ = nullptr;

@@ -46,7 +46,7 @@ std::size_t placeOfRoot(std::string_view text) {
   constexpr std::array<Other, 3> kOthers{{{"<?", "?>"}, {"<!--", "-->"}, {"<!", ">"}}};
   std::size_t at = text.find('<');
   while (at < text.size()) {
-    const auto* const other = std::find_if(kOthers.begin(), kOthers.end(), [&](const Other& each) {
+    const auto other = std::find_if(kOthers.begin(), kOthers.end(), [&](const Other& each) {
       return text.substr(at, each.begin.size()) == each.begin;
     });
     if (other == kOthers.end()) return at;
