@@ -22,6 +22,11 @@ std::string graphMl(const std::string& inside) {
          inside + "\n</graphml>\n";
 }
 
+/// The line that declares texts of nodes or edges.
+std::string key(const std::string& id, const std::string& of, const std::string& name) {
+  return "<key id=\"" + id + "\" for=\"" + of + "\" attr.name=\"" + name + "\"/>\n";
+}
+
 TEST(ReadingGraphMl, ReadsNodesAndEdgesWithAllTheirData) {
   const Reading reading = read(
       graphMl("<key id=\"d0\" for=\"node\" attr.name=\"age\" attr.type=\"int\"/>\n"
@@ -91,11 +96,8 @@ TEST(ReadingGraphMl, KeepsDataOfOneNameApart) {
 
 TEST(ReadingGraphMl, NumbersEveryFurtherColumnOfAName) {
   const Reading reading =
-      read(graphMl("<key id=\"a\" for=\"node\" attr.name=\"x\"/>\n"
-                   "<key id=\"b\" for=\"node\" attr.name=\"x 2\"/>\n"
-                   "<key id=\"c\" for=\"node\" attr.name=\"x\"/>\n"
-                   "<key id=\"d\" for=\"node\" attr.name=\"x\"/>\n"
-                   "<key id=\"e\" for=\"edge\" attr.name=\"x\"/>\n"
+      read(graphMl(key("a", "node", "x") + key("b", "node", "x 2") + key("c", "node", "x") +
+                   key("d", "node", "x") + key("e", "edge", "x") +
                    "<graph><node id=\"n0\"><data key=\"a\">1</data><data key=\"b\">2</data>"
                    "<data key=\"c\">3</data><data key=\"d\">4</data></node>"
                    "<edge source=\"n0\" target=\"n0\"><data key=\"e\">5</data></edge></graph>"));
@@ -111,8 +113,7 @@ TEST(ReadingGraphMl, NumbersEveryFurtherColumnOfAName) {
 
 TEST(ReadingGraphMl, FindsTheColumnsOfDataInAnyOrder) {
   const Reading reading = read(
-      graphMl("<key id=\"a\" for=\"node\" attr.name=\"A\"/>"
-              "<key id=\"b\" for=\"node\" attr.name=\"B\"/>"
+      graphMl(key("a", "node", "A") + key("b", "node", "B") +
               "<key id=\"c\" for=\"node\" attr.name=\"C\"><default>none</default></key>"
               "<graph><node id=\"n0\"><data key=\"b\">1</data><data key=\"a\">2</data></node>"
               "<node id=\"n1\"><data key=\"a\">3</data><data key=\"b\">4</data></node>"

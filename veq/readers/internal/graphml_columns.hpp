@@ -43,7 +43,7 @@ class GraphMlKeys {
 
  private:
   std::deque<GraphMlKey> keys_;
-  /// Those of them that are weights, of which there are few.
+  /// Those of them that are weights: one of nodes and one of edges, or one of both.
   std::vector<const GraphMlKey*> weights_;
   std::unordered_map<std::string_view, const GraphMlKey*> byId_;
   TextStore ids_;
