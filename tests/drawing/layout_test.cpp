@@ -203,12 +203,15 @@ TEST(ForceLayout, WeightsDrawTogether) {
   EXPECT_EQ(refused.error().text(), "edge 2: weight -1");
 }
 
+// Has observers told at every look.
+struct EveryLook {
+  std::chrono::milliseconds usual = internal::Pace::usualInterval;
+  EveryLook() { internal::Pace::usualInterval = std::chrono::milliseconds(0); }
+  ~EveryLook() { internal::Pace::usualInterval = usual; }
+};
+
 TEST(ForceLayout, IsFollowedAndStopped) {
-  struct Interval {
-    std::chrono::milliseconds usual = internal::Pace::usualInterval;
-    Interval() { internal::Pace::usualInterval = std::chrono::milliseconds(0); }
-    ~Interval() { internal::Pace::usualInterval = usual; }
-  } const always;
+  const EveryLook always;
   const Network network = barabasiAlbertNetwork(1000, 2, {.seed = 1}).value();
   StopSource source;
   std::uint64_t looks = 0;
@@ -225,6 +228,28 @@ TEST(ForceLayout, IsFollowedAndStopped) {
   ASSERT_FALSE(stopped);
   EXPECT_EQ(stopped.error().kind(), ErrorKind::kStopped);
   EXPECT_EQ(looks, 20U);
+}
+
+TEST(ForceLayout, IsStoppedBeforeAnyVertexMoves) {
+  const EveryLook always;
+  // A look for each 2^14 edges: 24 while 200 000 are counted and put into rows, and over a hundred
+  // until the components are known.
+  const Network network = barabasiAlbertNetwork(100'000, 2, {.seed = 1}).value();
+  for (const std::uint64_t enough : {1U, 20U, 60U}) {
+    StopSource source;
+    std::uint64_t looks = 0;
+    LayoutOptions options;
+    options.progress.stop = source.token();
+    options.progress.observer = [&](std::uint64_t done, std::uint64_t all) {
+      EXPECT_EQ(done, 0U);
+      EXPECT_GT(all, 0U);
+      if (++looks == enough) source.requestStop();
+    };
+    const auto stopped = forceLayout(network, options);
+    ASSERT_FALSE(stopped);
+    EXPECT_EQ(stopped.error().kind(), ErrorKind::kStopped);
+    EXPECT_EQ(looks, enough);
+  }
 }
 
 std::uint32_t hashOf(const std::vector<Point>& points) {
@@ -311,6 +336,25 @@ TEST(Repulsion, OfFewIsThatOfAllPairs) {
   EXPECT_DOUBLE_EQ(forces[0].y, 1 - 1.5);
 }
 
+TEST(Repulsion, IsStoppedAmongThePointsOfOneStep) {
+  const EveryLook always;
+  std::vector<Point> points(10'000);
+  RandomState state = RandomState::seeded(1).value();
+  for (Point& point : points) point = {state.nextDouble(), state.nextDouble()};
+  const std::vector<double> masses(points.size(), 1.0);
+  std::vector<Point> forces(points.size());
+  StopSource source;
+  std::uint64_t looks = 0;
+  const Progress progress{.observer =
+                              [&](std::uint64_t, std::uint64_t) {
+                                if (++looks == 3) source.requestStop();
+                              },
+                          .stop = source.token()};
+  internal::Pace pace(progress, 1);
+  EXPECT_THROW(internal::Repulsion().add(points, masses, forces, &pace), internal::Stopped);
+  EXPECT_EQ(looks, 3U);
+}
+
 TEST(Repulsion, DrivesApartWhatIsInOnePlace) {
   for (const std::size_t count : {2U, 40U, 60U}) {
     const std::vector<Point> points(count, Point{3, 4});
@@ -354,6 +398,15 @@ TEST(Packing, BoxesDoNotOverlap) {
   }
   EXPECT_LT(right * top, 1.4 * area);
   EXPECT_LT(std::max(right, top), 1.5 * std::min(right, top));
+}
+
+TEST(Packing, IsStoppedAmongManyBoxes) {
+  const std::vector<internal::Box> boxes(1000, internal::Box{1.0, 1.0});
+  const StopSource source;
+  source.requestStop();
+  const Progress progress{.observer = {}, .stop = source.token()};
+  internal::Pace pace(progress, 1);
+  EXPECT_THROW(static_cast<void>(internal::packed(boxes, &pace)), internal::Stopped);
 }
 
 TEST(LayoutGraph, CoarserOnesHaveAboutHalfTheVertices) {

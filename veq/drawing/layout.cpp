@@ -55,11 +55,11 @@ void fitIntoSquare(std::vector<Point>& points) {
 }
 
 std::vector<Point> packAll(const LayoutParts& all, std::vector<std::vector<Point>>& drawings,
-                           std::uint64_t vertices) {
+                           std::uint64_t vertices, internal::Pace& pace) {
   std::vector<Box> boxes;
   for (std::vector<Point>& drawing : drawings) boxes.push_back(moveIntoBox(drawing));
   boxes.resize(boxes.size() + all.single.size(), Box{2.0 * kMargin, 2.0 * kMargin});
-  const std::vector<Point> corners = internal::packed(boxes);
+  const std::vector<Point> corners = internal::packed(boxes, &pace);
   std::vector<Point> points(vertices);
   for (std::size_t part = 0; part < drawings.size(); ++part) {
     for (std::size_t i = 0; i < drawings[part].size(); ++i) {
@@ -77,23 +77,26 @@ std::vector<Point> packAll(const LayoutParts& all, std::vector<std::vector<Point
 }  // namespace
 
 Result<Shared<VEQVector2dArray>> forceLayout(const Network& network, const LayoutOptions& options) {
-  Result<internal::LayoutGraph> graph = internal::layoutGraph(network, options.useWeights);
-  if (!graph) return graph.error();
-  const LayoutParts all = internal::partsOf(graph.value());
   const internal::StepPlan plan{options.iterations};
-  std::uint64_t work = 0;
-  for (const LayoutPart& part : all.parts) work += plan.workOf(part.graph.count());
-  internal::Pace pace(options.progress, work);
   return internal::untilStopped([&]() -> Result<Shared<VEQVector2dArray>> {
-    std::vector<std::vector<Point>> drawings;
+    // Until the components are known, what is to be done is an estimate.
+    internal::Pace early(options.progress,
+                         std::max<std::uint64_t>(1, plan.workOf(network.countVertices())));
+    const Result<internal::LayoutGraph> graph =
+        internal::layoutGraph(network, options.useWeights, &early);
+    if (!graph) return graph.error();
+    const LayoutParts all = internal::partsOf(graph.value(), &early);
+    std::uint64_t work = 0;
+    for (const LayoutPart& part : all.parts) work += plan.workOf(part.graph.count());
+    internal::Pace pace(options.progress, work);
     pace.reach(0);
+    std::vector<std::vector<Point>> drawings;
     for (const LayoutPart& part : all.parts) {
       drawings.push_back(
-          internal::placedByForces(part.graph, plan, options.seed + std::uint64_t{1},
-                                   [&](std::uint64_t moved) { pace.advance(moved); }));
+          internal::placedByForces(part.graph, plan, options.seed + std::uint64_t{1}, pace));
       internal::turnLevel(drawings.back());
     }
-    std::vector<Point> points = packAll(all, drawings, network.countVertices());
+    std::vector<Point> points = packAll(all, drawings, network.countVertices(), pace);
     fitIntoSquare(points);
     return vectorsOf(points);
   });

@@ -46,6 +46,8 @@ class VEQ_EXPORT Pace {
   }
   /// The same for work of several passes, whose sum is an estimate: so much more is done.
   void advance(std::uint64_t more) { reach(std::min(all_, passed_ + more)); }
+  /// The same for work that is needed first, of which nothing is counted.
+  void ask() { reach(passed_); }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -68,6 +70,13 @@ class SparsePace {
   void advance(std::uint64_t more) {
     passed_ += more;
     if (pace_ && passed_ >= kPieces) pace_->advance(std::exchange(passed_, 0));
+  }
+  /// The same for pieces that are not counted.
+  void ask(std::uint64_t more) {
+    passed_ += more;
+    if (!pace_ || passed_ < kPieces) return;
+    passed_ = 0;
+    pace_->ask();
   }
 
  private:

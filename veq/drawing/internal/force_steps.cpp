@@ -38,9 +38,9 @@ class Forces {
       : graph_(graph), points_(points), forces_(points.size()) {}
 
   // Moves each vertex to where its own forces would be in balance, but no further than so.
-  void move(double furthest) {
+  void move(double furthest, Pace& pace) {
     std::fill(forces_.begin(), forces_.end(), Point());
-    repulsion_.add(points_, graph_.masses, forces_);
+    repulsion_.add(points_, graph_.masses, forces_, &pace);
     for (std::uint32_t v = 0; v < graph_.count(); ++v) {
       const double stiffness = pull(v);
       Point& force = forces_[v];
@@ -83,12 +83,12 @@ class Forces {
 
 // First far, and less and less.
 void settle(const LayoutGraph& graph, std::vector<Point>& points, double furthest,
-            std::uint64_t steps, const std::function<void(std::uint64_t)>& moved) {
+            std::uint64_t steps, Pace& pace) {
   Forces forces(graph, points);
   for (std::uint64_t step = 0; step < steps; ++step) {
     const double left = static_cast<double>(steps - step) / static_cast<double>(steps);
-    forces.move(furthest * left);
-    moved(graph.count());
+    forces.move(furthest * left, pace);
+    pace.advance(graph.count());
   }
 }
 
@@ -112,14 +112,13 @@ std::uint64_t StepPlan::workOf(std::uint64_t vertices) const {
 }
 
 std::vector<Point> placedByForces(const LayoutGraph& graph, const StepPlan& plan,
-                                  std::uint64_t seed,
-                                  const std::function<void(std::uint64_t)>& moved) {
+                                  std::uint64_t seed, Pace& pace) {
   std::vector<CoarserGraph> levels;
   const auto levelAt = [&](std::size_t level) -> const LayoutGraph& {
     return level == 0 ? graph : levels[level - 1].graph;
   };
   while (levelAt(levels.size()).count() > kSmall) {
-    CoarserGraph next = coarser(levelAt(levels.size()));
+    CoarserGraph next = coarser(levelAt(levels.size()), &pace);
     if (next.graph.count() > levelAt(levels.size()).count() / 10 * 9) break;
     levels.push_back(std::move(next));
   }
@@ -131,7 +130,7 @@ std::vector<Point> placedByForces(const LayoutGraph& graph, const StepPlan& plan
     const LayoutGraph& here = levelAt(level);
     const bool coarsest = level == levels.size();
     const double furthest = coarsest ? side / 2.0 : spacing(graph.count(), here.count());
-    settle(here, points, furthest, plan.stepsOf(here.count(), coarsest), moved);
+    settle(here, points, furthest, plan.stepsOf(here.count(), coarsest), pace);
     if (level == 0) return points;
     const std::vector<std::uint32_t>& coarse = levels[level - 1].coarse;
     const double near = spacing(graph.count(), levelAt(level - 1).count()) / 4.0;

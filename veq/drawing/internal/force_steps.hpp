@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 #include "veq/drawing/internal/layout_graph.hpp"
@@ -21,11 +20,10 @@ struct StepPlan {
   [[nodiscard]] std::uint64_t workOf(std::uint64_t vertices) const;
 };
 
-/// Where the vertices of a connected graph go, edges being about 1 long. `moved` is called with the
-/// number of vertices after each time that all of a level were moved.
+/// Where the vertices of a connected graph go, edges being about 1 long. The pace counts how often
+/// vertices were moved.
 [[nodiscard]] std::vector<Point> placedByForces(const LayoutGraph& graph, const StepPlan& plan,
-                                                std::uint64_t seed,
-                                                const std::function<void(std::uint64_t)>& moved);
+                                                std::uint64_t seed, Pace& pace);
 
 /// So many points at equal distances on the unit circle, counter-clockwise from (1, 0).
 [[nodiscard]] std::vector<Point> circle(std::uint64_t count);

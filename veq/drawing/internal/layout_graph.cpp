@@ -32,14 +32,16 @@ struct Rows {
 };
 
 template <class PullOf>
-Rows rowsOf(const TopologyView& view, PullOf pullOf) {
+Rows rowsOf(const TopologyView& view, PullOf pullOf, Pace* pace) {
   const std::uint64_t n = view.countVertices();
   const std::uint64_t m = view.countEdges();
   Rows rows;
   rows.starts.assign(n + 1, 0);
   view.visit([&](const auto& topology) {
     const auto forEachEdge = [&](auto f) {
+      SparsePace asked(pace);
       for (std::uint64_t e = 0; e < m; ++e) {
+        asked.ask(1);
         if (topology.from[e] != topology.to[e] && pullOf(e) > 0.0) {
           f(static_cast<std::uint32_t>(topology.from[e]),
             static_cast<std::uint32_t>(topology.to[e]), pullOf(e));
@@ -62,8 +64,9 @@ Rows rowsOf(const TopologyView& view, PullOf pullOf) {
 }
 
 // With `merge` the pulls of parallel edges are added, in edge order; without it one counts.
-LayoutGraph simpleGraph(Rows rows, bool merge) {
+LayoutGraph simpleGraph(Rows rows, bool merge, Pace* pace) {
   const std::uint64_t n = rows.starts.size() - 1;
+  SparsePace asked(pace);
   LayoutGraph graph;
   graph.rowStarts.reserve(n + 1);
   graph.masses.assign(n, 1.0);
@@ -82,6 +85,7 @@ LayoutGraph simpleGraph(Rows rows, bool merge) {
       }
     }
     graph.rowStarts.push_back(graph.neighbours.size());
+    asked.ask(1 + row.size());
   }
   return graph;
 }
@@ -96,7 +100,7 @@ void scaleToMean(std::vector<double>& pulls) {
 
 // All vertices that can be reached, in the order in which they are found.
 void findPart(const LayoutGraph& graph, std::uint32_t first, std::vector<std::uint32_t>& local,
-              std::vector<std::uint32_t>& vertices) {
+              std::vector<std::uint32_t>& vertices, SparsePace& asked) {
   local[first] = 0;
   vertices = {first};
   for (std::size_t i = 0; i < vertices.size(); ++i) {
@@ -105,11 +109,12 @@ void findPart(const LayoutGraph& graph, std::uint32_t first, std::vector<std::ui
       local[neighbour] = static_cast<std::uint32_t>(vertices.size());
       vertices.push_back(neighbour);
     }
+    asked.ask(1 + graph.neighboursOf(vertices[i]).size());
   }
 }
 
 LayoutGraph subgraph(const LayoutGraph& graph, const std::vector<std::uint32_t>& vertices,
-                     const std::vector<std::uint32_t>& local) {
+                     const std::vector<std::uint32_t>& local, SparsePace& asked) {
   LayoutGraph part;
   part.rowStarts.reserve(vertices.size() + 1);
   for (const std::uint32_t vertex : vertices) {
@@ -120,6 +125,7 @@ LayoutGraph subgraph(const LayoutGraph& graph, const std::vector<std::uint32_t>&
     part.pulls.insert(part.pulls.end(), pulls.begin(), pulls.end());
     part.rowStarts.push_back(part.neighbours.size());
     part.masses.push_back(graph.masses[vertex]);
+    asked.ask(1 + pulls.size());
   }
   return part;
 }
@@ -127,9 +133,12 @@ LayoutGraph subgraph(const LayoutGraph& graph, const std::vector<std::uint32_t>&
 // Whom each vertex is matched with, or itself.
 class Matching {
  public:
-  explicit Matching(const LayoutGraph& graph)
+  Matching(const LayoutGraph& graph, SparsePace& asked)
       : graph_(graph), partner_(graph.count(), kNone), waiting_(graph.count(), kNone) {
-    for (const std::uint32_t vertex : byDegree()) matchWithNeighbour(vertex);
+    for (const std::uint32_t vertex : byDegree()) {
+      matchWithNeighbour(vertex);
+      asked.ask(1 + graph.neighboursOf(vertex).size());
+    }
     for (std::uint32_t v = 0; v < graph.count(); ++v) matchWithSibling(v);
   }
 
@@ -186,25 +195,28 @@ class Matching {
 
 }  // namespace
 
-Result<LayoutGraph> layoutGraph(const Network& network, bool useWeights) {
+Result<LayoutGraph> layoutGraph(const Network& network, bool useWeights, Pace* pace) {
   if (network.countVertices() >= kNone) {
     return Error(ErrorKind::kUnsupported, "a layout of 2^32 - 1 vertices or more");
   }
   const TopologyView view = network.topology();
   if (!useWeights || !network.isEdgeWeighted()) {
-    return simpleGraph(rowsOf(view, [](std::uint64_t) { return 1.0; }), false);
+    return simpleGraph(rowsOf(
+                           view, [](std::uint64_t) { return 1.0; }, pace),
+                       false, pace);
   }
   const std::vector<float> weights = network.edgeWeights();
   for (std::uint64_t e = 0; e < weights.size(); ++e) {
     if (!(weights[e] >= 0.0F && std::isfinite(weights[e]))) return weightError(e, weights[e]);
   }
-  LayoutGraph graph = simpleGraph(
-      rowsOf(view, [&](std::uint64_t e) { return static_cast<double>(weights[e]); }), true);
+  const auto pullOf = [&](std::uint64_t e) { return static_cast<double>(weights[e]); };
+  LayoutGraph graph = simpleGraph(rowsOf(view, pullOf, pace), true, pace);
   scaleToMean(graph.pulls);
   return graph;
 }
 
-LayoutParts partsOf(const LayoutGraph& graph) {
+LayoutParts partsOf(const LayoutGraph& graph, Pace* pace) {
+  SparsePace asked(pace);
   LayoutParts all;
   std::vector<std::uint32_t> local(graph.count(), kNone);
   for (std::uint32_t v = 0; v < graph.count(); ++v) {
@@ -214,15 +226,16 @@ LayoutParts partsOf(const LayoutGraph& graph) {
       continue;
     }
     LayoutPart part;
-    findPart(graph, v, local, part.vertices);
-    part.graph = subgraph(graph, part.vertices, local);
+    findPart(graph, v, local, part.vertices, asked);
+    part.graph = subgraph(graph, part.vertices, local, asked);
     all.parts.push_back(std::move(part));
   }
   return all;
 }
 
-CoarserGraph coarser(const LayoutGraph& graph) {
-  const Matching matching(graph);
+CoarserGraph coarser(const LayoutGraph& graph, Pace* pace) {
+  SparsePace asked(pace);
+  const Matching matching(graph, asked);
   CoarserGraph made;
   made.coarse.assign(graph.count(), kNone);
   std::vector<std::uint32_t> firsts;
@@ -258,6 +271,7 @@ CoarserGraph coarser(const LayoutGraph& graph) {
     add(first);
     if (second != first) add(second);
     rough.rowStarts.push_back(rough.neighbours.size());
+    asked.ask(1 + rough.neighbours.size() - begin);
   }
   return made;
 }

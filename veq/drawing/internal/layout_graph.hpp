@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "veq/base/internal/pace.hpp"
 #include "veq/base/result.hpp"
 #include "veq/natural/network.hpp"
 
@@ -33,7 +34,9 @@ struct LayoutGraph {
 };
 
 /// Without loops and parallel edges. Weights pull by their ratio to the mean, where they are used.
-[[nodiscard]] Result<LayoutGraph> layoutGraph(const Network& network, bool useWeights);
+/// All that makes graphs asks a pace now and then, if there is one, and throws what that does.
+[[nodiscard]] Result<LayoutGraph> layoutGraph(const Network& network, bool useWeights,
+                                              Pace* pace = nullptr);
 
 /// A part of a graph, and for each of its vertices the one of the whole.
 struct LayoutPart {
@@ -47,7 +50,7 @@ struct LayoutParts {
   std::vector<LayoutPart> parts;
   std::vector<std::uint32_t> single;
 };
-[[nodiscard]] LayoutParts partsOf(const LayoutGraph& graph);
+[[nodiscard]] LayoutParts partsOf(const LayoutGraph& graph, Pace* pace = nullptr);
 
 /// A graph of about half as many vertices, each of which stands for one or two, and for each vertex
 /// the one that stands for it. Neighbours are matched first, and then vertices that have a
@@ -56,6 +59,6 @@ struct CoarserGraph {
   LayoutGraph graph;
   std::vector<std::uint32_t> coarse;
 };
-[[nodiscard]] CoarserGraph coarser(const LayoutGraph& graph);
+[[nodiscard]] CoarserGraph coarser(const LayoutGraph& graph, Pace* pace = nullptr);
 
 }  // namespace veq::internal

@@ -7,6 +7,9 @@
 namespace veq::internal {
 namespace {
 
+/// What finding room for a box may take, where an edge takes 1.
+constexpr std::uint64_t kPiecesOfBox = 256;
+
 // What lies below free room, from left to right: where each level begins, and how high it is.
 class Skyline {
  public:
@@ -62,7 +65,7 @@ class Skyline {
 
 }  // namespace
 
-std::vector<Point> packed(std::span<const Box> boxes) {
+std::vector<Point> packed(std::span<const Box> boxes, Pace* pace) {
   double area = 0.0;
   double widest = 0.0;
   for (const Box& box : boxes) {
@@ -76,7 +79,11 @@ std::vector<Point> packed(std::span<const Box> boxes) {
   // Some room stays between boxes.
   Skyline skyline(std::max(widest, std::sqrt(area * 1.1)));
   std::vector<Point> corners(boxes.size());
-  for (const std::size_t box : order) corners[box] = skyline.place(boxes[box]);
+  SparsePace asked(pace);
+  for (const std::size_t box : order) {
+    asked.ask(kPiecesOfBox);
+    corners[box] = skyline.place(boxes[box]);
+  }
   return corners;
 }
 

@@ -18,6 +18,6 @@ struct Box {
 /// The lower left corners of the boxes, so that none overlap and all together are about a square:
 /// each box, the highest first, as low as it finds room, and as far left there. Boxes have some
 /// extent in both directions.
-[[nodiscard]] std::vector<Point> packed(std::span<const Box> boxes);
+[[nodiscard]] std::vector<Point> packed(std::span<const Box> boxes, Pace* pace = nullptr);
 
 }  // namespace veq::internal

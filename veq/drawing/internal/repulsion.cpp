@@ -25,6 +25,9 @@ std::uint32_t cellOf(double offset, double scale) {
   return cell < 65535.0 ? static_cast<std::uint32_t>(cell) : 65535U;
 }
 
+/// What the force on a point takes, where an edge takes 1.
+constexpr std::uint64_t kPiecesOfForce = 16;
+
 /// Of so few each pair is looked at.
 constexpr std::size_t kFew = 48;
 
@@ -62,7 +65,7 @@ void addPairs(std::span<const Point> points, std::span<const double> masses,
 }  // namespace
 
 void Repulsion::add(std::span<const Point> points, std::span<const double> masses,
-                    std::span<Point> forces) {
+                    std::span<Point> forces, Pace* pace) {
   if (points.size() <= kFew) return addPairs(points, masses, forces);
   sortByPlace(points);
   const auto n = static_cast<std::uint32_t>(points.size());
@@ -75,7 +78,9 @@ void Repulsion::add(std::span<const Point> points, std::span<const double> masse
   }
   nodes_.clear();
   build(0, n, 0);
+  SparsePace asked(pace);
   for (std::uint32_t i = 0; i < n; ++i) {
+    asked.ask(kPiecesOfForce);
     const Point force = forceOn(i);
     Point& sum = forces[static_cast<std::uint32_t>(codes_[i])];
     sum.x += masses_[i] * force.x;

@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "veq/base/internal/pace.hpp"
 #include "veq/drawing/internal/points.hpp"
 
 namespace veq::internal {
@@ -15,8 +16,9 @@ namespace veq::internal {
 /// Hut). Memory is kept from call to call.
 class Repulsion {
  public:
-  /// Adds to each point's force. O(n log n).
-  void add(std::span<const Point> points, std::span<const double> masses, std::span<Point> forces);
+  /// Adds to each point's force, and asks the pace now and then, if there is one. O(n log n).
+  void add(std::span<const Point> points, std::span<const double> masses, std::span<Point> forces,
+           Pace* pace = nullptr);
 
  private:
   /// A square of the plane. Those inside it follow it in the array, up to `next`.
