@@ -234,6 +234,7 @@ export class App {
     if (this.settings.size === "visits") this.measure();
     this.legend = paint(this.scene, this.facts, this.settings, this.theme);
     showLegend(block("legend"), this.legend);
+    this.stage.refit();
     if (this.settings.table) this.table.refresh();
     this.stage.restyle();
   }
@@ -375,6 +376,8 @@ function sceneOf(data: Data, theme: Theme): Scene {
     marked: -1,
     camera: { x: 0.5, y: 0.5, scale: 1 },
     fitted: 1,
+    home: { x: 0.5, y: 0.5 },
+    covers: [],
     width: 0,
     height: 0,
     shades: shadesOf(theme),

@@ -1,18 +1,20 @@
 import { css } from "./color.ts";
+import { FaintLines } from "./lines.ts";
 import { EDGES_WHILE_MOVING, FADED, edgeOpacity, growth } from "./scene.ts";
 import type { Detail, Scene, View } from "./scene.ts";
 
-/** Lines of one path; longer ones take a browser more time each. */
-const LINES_AT_ONCE = 400;
 /** Discs smaller than this are squares, which nobody can tell from discs. */
 const SQUARE_BELOW = 1.3;
 const ARROWS_UP_TO = 4000;
+/** Rings in the colour of the ground keep vertices apart, where there are not too many. */
+const RINGED_UP_TO = 3000;
 const FULL_TURN = 2 * Math.PI;
 
 /** Points and lines on a plain canvas: the view for browsers without a graphics processor. */
 export class CanvasView implements View {
   readonly kind = "canvas";
   private readonly context: CanvasRenderingContext2D;
+  private readonly lines = new FaintLines();
   private density = 1;
 
   constructor(private readonly canvas: HTMLCanvasElement) {
@@ -24,6 +26,7 @@ export class CanvasView implements View {
   resize(width: number, height: number, density: number): void {
     this.canvas.width = Math.max(1, Math.round(width * density));
     this.canvas.height = Math.max(1, Math.round(height * density));
+    this.lines.resize(this.canvas.width, this.canvas.height);
     this.density = density;
   }
 
@@ -31,26 +34,50 @@ export class CanvasView implements View {
     const c = this.context;
     c.setTransform(this.density, 0, 0, this.density, 0, 0);
     c.clearRect(0, 0, scene.width, scene.height);
-    drawEdges(c, scene, detail);
+    this.drawEdges(scene, detail);
     drawVertices(c, scene);
   }
 
   dispose(): void {
     this.canvas.width = 0;
     this.canvas.height = 0;
+    this.lines.resize(0, 0);
+  }
+
+  private drawEdges(scene: Scene, detail: Detail): void {
+    const { context: c, density, lines } = this;
+    const m = scene.sources.length;
+    const every = detail === "moving" ? Math.max(1, Math.ceil(m / EDGES_WHILE_MOVING)) : 1;
+    const opacity = edgeOpacity(m / every) * (scene.hasFaded ? 0.35 : 1);
+    lines.setInk(scene.shades.edge, opacity);
+    const place = new Places(scene, density);
+    const thickness = lineWidth(scene) * density;
+    for (let e = 0; e < m; e += every) {
+      const [source, target] = [scene.sources[e], scene.targets[e]];
+      lines.line(place.x(source), place.y(source), place.x(target), place.y(target), thickness);
+    }
+    lines.show(c);
+    if (scene.marked >= 0) strokeMarked(c, scene);
+    if (scene.directed && m <= ARROWS_UP_TO) {
+      c.fillStyle = css(scene.shades.edge, Math.min(1, opacity + 0.25));
+      fillArrows(c, scene);
+    }
   }
 }
 
-/** Where vertices are on the screen. */
+/** Where vertices are on the screen, or in the canvas's own pixels by its density. */
 class Places {
   private readonly dx: number;
   private readonly dy: number;
   private readonly scale: number;
 
-  constructor(private readonly scene: Scene) {
-    this.scale = scene.camera.scale;
-    this.dx = scene.width / 2 - scene.camera.x * this.scale;
-    this.dy = scene.height / 2 - scene.camera.y * this.scale;
+  constructor(
+    private readonly scene: Scene,
+    density = 1,
+  ) {
+    this.scale = scene.camera.scale * density;
+    this.dx = (scene.width / 2) * density - scene.camera.x * this.scale;
+    this.dy = (scene.height / 2) * density - scene.camera.y * this.scale;
   }
 
   x(v: number): number {
@@ -62,54 +89,21 @@ class Places {
   }
 }
 
-function drawEdges(c: CanvasRenderingContext2D, scene: Scene, detail: Detail): void {
-  const m = scene.sources.length;
-  const every = detail === "moving" ? Math.max(1, Math.ceil(m / EDGES_WHILE_MOVING)) : 1;
-  const opacity = edgeOpacity(m / every) * (scene.hasFaded ? 0.35 : 1);
-  c.strokeStyle = css(scene.shades.edge, opacity);
-  c.lineWidth = lineWidth(scene);
-  strokeLines(c, scene, every, () => true);
-  if (scene.marked >= 0) {
-    c.strokeStyle = css(scene.shades.ink, 0.75);
-    c.lineWidth = 1.6;
-    const { marked, sources, targets } = scene;
-    strokeLines(c, scene, 1, (e) => sources[e] === marked || targets[e] === marked);
-  }
-  if (scene.directed && m <= ARROWS_UP_TO) {
-    c.fillStyle = css(scene.shades.edge, Math.min(1, opacity + 0.25));
-    fillArrows(c, scene);
-  }
-}
-
 function lineWidth(scene: Scene): number {
   return Math.min(1.4, Math.max(0.5, 0.9 * Math.sqrt(growth(scene))));
 }
 
-function strokeLines(
-  c: CanvasRenderingContext2D,
-  scene: Scene,
-  every: number,
-  wanted: (edge: number) => boolean,
-): void {
-  const { sources, targets, width, height } = scene;
+/** The edges of the vertex that is looked at. */
+function strokeMarked(c: CanvasRenderingContext2D, scene: Scene): void {
+  const { marked, sources, targets } = scene;
   const place = new Places(scene);
-  let lines = 0;
+  c.strokeStyle = css(scene.shades.ink, 0.75);
+  c.lineWidth = 1.6;
   c.beginPath();
-  for (let e = 0; e < sources.length; e += every) {
-    if (!wanted(e)) continue;
-    const x0 = place.x(sources[e]);
-    const y0 = place.y(sources[e]);
-    const x1 = place.x(targets[e]);
-    const y1 = place.y(targets[e]);
-    // What lies on one side of the screen altogether is not seen.
-    if ((x0 < 0 && x1 < 0) || (x0 > width && x1 > width)) continue;
-    if ((y0 < 0 && y1 < 0) || (y0 > height && y1 > height)) continue;
-    c.moveTo(x0, y0);
-    c.lineTo(x1, y1);
-    if (++lines < LINES_AT_ONCE) continue;
-    c.stroke();
-    c.beginPath();
-    lines = 0;
+  for (let e = 0; e < sources.length; ++e) {
+    if (sources[e] !== marked && targets[e] !== marked) continue;
+    c.moveTo(place.x(sources[e]), place.y(sources[e]));
+    c.lineTo(place.x(targets[e]), place.y(targets[e]));
   }
   c.stroke();
 }
@@ -171,10 +165,10 @@ function drawTints(
   const place = new Places(scene);
   const grown = growth(scene);
   const { radius, width, height } = scene;
+  const isRinged = scene.n <= RINGED_UP_TO;
   for (let t = 0; t < scene.palette.length; ++t) {
     if (start[t] === start[t + 1]) continue;
     c.fillStyle = css(scene.palette[t]);
-    c.beginPath();
     for (let i = start[t]; i < start[t + 1]; ++i) {
       const v = order[i];
       if (scene.faded[v] !== faded) continue;
@@ -186,10 +180,11 @@ function drawTints(
         c.fillRect(x - r, y - r, 2 * r, 2 * r);
         continue;
       }
-      c.moveTo(x + r, y);
+      // Browsers fill a disc by itself sooner than one of many in a path.
+      c.beginPath();
       c.arc(x, y, r, 0, FULL_TURN);
+      c.fill();
+      if (isRinged) c.stroke();
     }
-    c.fill();
-    if (scene.n <= 3000) c.stroke();
   }
 }

@@ -1,6 +1,6 @@
 import { css } from "./color.ts";
 import { growth, screenX, screenY } from "./scene.ts";
-import type { Scene } from "./scene.ts";
+import type { Box, Scene } from "./scene.ts";
 
 const SMALLEST_NAMED = 3;
 /** So many are tried at most, the largest first. */
@@ -50,7 +50,7 @@ export class Labels {
   /** The names that have room, the wanted ones and then those of the largest vertices. */
   placed(c: CanvasRenderingContext2D, always: readonly number[]): Label[] {
     const labels: Label[] = [];
-    const taken = this.discs();
+    const taken = [...this.discs(), ...this.scene.covers];
     for (const v of always) this.place(c, v, true, labels, taken);
     let tried = 0;
     for (const v of this.order) {
@@ -88,7 +88,8 @@ export class Labels {
     c.stroke();
   }
 
-  // A label stands to the right of its vertex or else to the left, and gives way where others are.
+  // A label stands to the right of its vertex or else to the left, and gives way where others are or the picture
+  // ends.
   private place(
     c: CanvasRenderingContext2D,
     v: number,
@@ -107,13 +108,15 @@ export class Labels {
     const text = isLong ? `${characters.slice(0, LONGEST - 1).join("")}…` : characters.join("");
     c.font = fontOf(isWanted);
     const { width } = c.measureText(text);
-    for (const x of [middle + r + APART, middle - r - APART - width]) {
-      const box = { left: x - 1, right: x + width + 1, top: y - 7, bottom: y + 7 };
-      if (!isWanted && taken.some((each) => overlap(each, box))) continue;
-      taken.push(box);
-      labels.push({ text, x, y, isWanted });
-      return;
-    }
+    const right = middle + r + APART;
+    const left = middle - r - APART - width;
+    const boxOf = (x: number): Box => ({ left: x - 1, right: x + width + 1, top: y - 7, bottom: y + 7 });
+    const isIn = (x: number): boolean => x >= 2 && x + width <= scene.width - 2;
+    const isFree = (x: number): boolean => isIn(x) && !taken.some((each) => overlap(each, boxOf(x)));
+    const x = isWanted ? [right, left].find(isIn) ?? right : [right, left].find(isFree);
+    if (x === undefined) return;
+    taken.push(boxOf(x));
+    labels.push({ text, x, y, isWanted });
   }
 
   /** Where the largest vertices are. */
@@ -139,13 +142,6 @@ export interface Label {
 
 function fontOf(isWanted: boolean): string {
   return `${isWanted ? 600 : 450} 12px system-ui, sans-serif`;
-}
-
-interface Box {
-  readonly left: number;
-  readonly right: number;
-  readonly top: number;
-  readonly bottom: number;
 }
 
 function overlap(a: Box, b: Box): boolean {

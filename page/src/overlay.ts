@@ -15,7 +15,7 @@ export interface Marks {
   readonly progress: number;
 }
 
-/** Numbers are written on so many agents. */
+/** Numbers are written on so many agents, and their trails are broad; those of more are thin. */
 const NUMBERED = 40;
 /** More agents than this are specks without trails. */
 const TINY_FROM = 1000;
@@ -39,9 +39,12 @@ export function drawAgents(
   }
   for (const agent of marks.agents) drawTrail(c, scene, replay, marks, agent);
   const shared = new Map<number, number>();
+  const isNumbered = marks.agents.length > 1 && marks.agents.length <= NUMBERED;
   for (const agent of marks.agents) {
     const [x, y] = placeOf(scene, replay, marks, agent, shared);
-    drawMark(c, scene, marks, agent, x, y);
+    const isFollowed = agent === marks.followed;
+    stamp(c, density, spriteOf(scene, density, colorOf(marks, agent), isFollowed), x, y);
+    if (isNumbered) writeNumber(c, scene, agent, x + sizeOf(isFollowed) + 2, y - sizeOf(isFollowed));
   }
 }
 
@@ -68,13 +71,14 @@ function drawTrail(
   agent: number,
 ): void {
   const color = colorOf(marks, agent);
+  const isThin = marks.agents.length > NUMBERED;
   let to = replay.positions[agent];
   for (let ago = 1; ago <= marks.trail; ++ago) {
     const from = replay.trailOf(agent, ago);
     if (from === undefined) return;
     if (from === to) continue;
     c.strokeStyle = css(color, 0.85 * (1 - (ago - 1) / marks.trail));
-    c.lineWidth = 3.2 - (1.8 * (ago - 1)) / marks.trail;
+    c.lineWidth = isThin ? 1 : 3.2 - (1.8 * (ago - 1)) / marks.trail;
     c.beginPath();
     c.moveTo(screenX(scene, scene.x[from]), screenY(scene, scene.y[from]));
     // The latest move is drawn as far as the agent is.
@@ -109,24 +113,37 @@ function placeOf(
   return [x + apart * Math.cos(turn), y + apart * Math.sin(turn)];
 }
 
+function sizeOf(isFollowed: boolean): number {
+  return isFollowed ? SIZE + 2.5 : SIZE;
+}
+
+/** Marks are drawn once for each look, and copied from then on. */
+const sprites = new Map<string, HTMLCanvasElement>();
+
+function spriteOf(scene: Scene, density: number, color: Color, isFollowed: boolean): HTMLCanvasElement {
+  const key = [scene.shades.ground, scene.shades.ink, density, color, isFollowed].join(" ");
+  let sprite = sprites.get(key);
+  if (!sprite) sprites.set(key, (sprite = drawnMark(scene, density, color, isFollowed)));
+  return sprite;
+}
+
 /** A square on its corner, which no vertex is. */
-function drawMark(
-  c: CanvasRenderingContext2D,
-  scene: Scene,
-  marks: Marks,
-  agent: number,
-  x: number,
-  y: number,
-): void {
-  const isFollowed = agent === marks.followed;
-  const r = isFollowed ? SIZE + 2.5 : SIZE;
+function drawnMark(scene: Scene, density: number, color: Color, isFollowed: boolean): HTMLCanvasElement {
+  const sprite = document.createElement("canvas");
+  const r = sizeOf(isFollowed);
+  sprite.width = sprite.height = 2 * Math.ceil((r + 2) * density);
+  const c = sprite.getContext("2d");
+  if (!c) return sprite;
+  c.translate(sprite.width / 2, sprite.height / 2);
+  c.scale(density, density);
+  c.lineJoin = "round";
   c.beginPath();
-  c.moveTo(x, y - r);
-  c.lineTo(x + r, y);
-  c.lineTo(x, y + r);
-  c.lineTo(x - r, y);
+  c.moveTo(0, -r);
+  c.lineTo(r, 0);
+  c.lineTo(0, r);
+  c.lineTo(-r, 0);
   c.closePath();
-  c.fillStyle = css(colorOf(marks, agent));
+  c.fillStyle = css(color);
   c.fill();
   c.strokeStyle = css(scene.shades.ground);
   c.lineWidth = 2;
@@ -134,13 +151,23 @@ function drawMark(
   c.strokeStyle = css(scene.shades.ink);
   c.lineWidth = isFollowed ? 2 : 1;
   c.stroke();
-  if (marks.agents.length > NUMBERED || marks.agents.length < 2) return;
+  return sprite;
+}
+
+/** On whole pixels, where a copy is as sharp as what it was made from. */
+function stamp(c: CanvasRenderingContext2D, density: number, sprite: HTMLCanvasElement, x: number, y: number): void {
+  const side = sprite.width / density;
+  const onPixel = (at: number): number => Math.round(at * density - sprite.width / 2) / density;
+  c.drawImage(sprite, onPixel(x), onPixel(y), side, side);
+}
+
+function writeNumber(c: CanvasRenderingContext2D, scene: Scene, agent: number, x: number, y: number): void {
   c.font = "600 10px system-ui, sans-serif";
   c.textAlign = "left";
   c.textBaseline = "middle";
   c.lineWidth = 3;
   c.strokeStyle = css(scene.shades.ground, 0.9);
-  c.strokeText(String(agent), x + r + 2, y - r);
+  c.strokeText(String(agent), x, y);
   c.fillStyle = css(scene.shades.ink);
-  c.fillText(String(agent), x + r + 2, y - r);
+  c.fillText(String(agent), x, y);
 }

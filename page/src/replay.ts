@@ -88,6 +88,11 @@ export class Course {
     return this.kept < MOST_BYTES && step % this.spacing === 0 && this.keyframes[step / this.spacing] === undefined;
   }
 
+  /** How many steps there are from one to the next at which a keyframe may be wanted. */
+  untilKeyframe(step: number): number {
+    return this.spacing - (step % this.spacing);
+  }
+
   keep(keyframe: Keyframe): void {
     this.keyframes[keyframe.step / this.spacing] = keyframe;
     this.kept += this.bytesOf(keyframe.mover.length);
@@ -167,26 +172,39 @@ export class Replay {
     this.trail.set(this.positions, (this.step % this.rows) * this.course.agents);
   }
 
+  // In runs that end where a keyframe may be wanted.
   private walk(steps: number): void {
-    const { course, positions, moves, arrivals, latest } = this;
-    const agents = course.agents;
-    for (let i = 0; i < steps; ++i) {
-      this.mover.step(positions, moves);
-      const step = ++this.step;
+    for (let left = steps; left > 0; ) {
+      const run = Math.min(left, this.course.untilKeyframe(this.step));
+      this.run(run);
+      left -= run;
+      if (this.course.wantsKeyframe(this.step)) this.keep();
+    }
+    // Steps before this one were written over.
+    this.trailFrom = Math.max(this.trailFrom, this.step - this.course.trailLength);
+  }
+
+  private run(steps: number): void {
+    const { course, positions, moves, arrivals, latest, mover, trail, rows } = this;
+    const agents = positions.length;
+    const last = this.step + steps;
+    let row = (this.step % rows) * agents;
+    for (let step = this.step + 1; step <= last; ++step) {
+      mover.step(positions, moves);
+      row = row + agents < trail.length ? row + agents : 0;
       const isNew = step > course.frontier;
       for (let a = 0; a < agents; ++a) {
         const to = moves[a];
-        if (to === STAYED) continue;
-        positions[a] = to;
-        if (arrivals[to]++ === 0 && isNew) course.reachedAt.push(step);
-        latest[to] = step;
+        if (to !== STAYED) {
+          positions[a] = to;
+          latest[to] = step;
+          if (arrivals[to]++ === 0 && isNew) course.reachedAt.push(step);
+        }
+        trail[row + a] = positions[a];
       }
-      this.trail.set(positions, (step % this.rows) * agents);
-      if (isNew) course.frontier = step;
-      if (course.wantsKeyframe(step)) this.keep();
     }
-    // Steps before this one were written over.
-    this.trailFrom = Math.max(this.trailFrom, this.step - course.trailLength);
+    this.step = last;
+    course.frontier = Math.max(course.frontier, last);
   }
 
   private keep(): void {

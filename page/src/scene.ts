@@ -8,6 +8,14 @@ export interface Camera {
   scale: number;
 }
 
+/** In pixels of the screen, from the upper left corner of the picture. */
+export interface Box {
+  readonly left: number;
+  readonly top: number;
+  readonly right: number;
+  readonly bottom: number;
+}
+
 /** All that a view draws. Positions are those of a square of side 1, with y from top to bottom. */
 export interface Scene {
   readonly n: number;
@@ -28,8 +36,11 @@ export interface Scene {
   /** The vertex that is looked at, with its edges; or -1. */
   marked: number;
   readonly camera: Camera;
-  /** The scale at which the whole drawing is seen. */
+  /** The scale at which the whole drawing is seen, and its middle then. */
   fitted: number;
+  readonly home: { x: number; y: number };
+  /** What stands over the lower corners of the picture. */
+  covers: readonly Box[];
   width: number;
   height: number;
   shades: Shades;
@@ -51,15 +62,83 @@ export function screenY(scene: Scene, y: number): number {
 /** Room around the drawing, in pixels. */
 const MARGIN = 36;
 
+/** Shows the whole drawing, as large as it can be where nothing of it is covered. */
 export function fit(scene: Scene): void {
-  const side = Math.max(40, Math.min(scene.width, scene.height) - 2 * MARGIN);
+  const { camera, home, covers, width, height } = scene;
   const bounds = boundsOf(scene);
-  const across = Math.max(40, scene.width - 2 * MARGIN) / Math.max(bounds.width, 1e-3);
-  const down = Math.max(40, scene.height - 2 * MARGIN) / Math.max(bounds.height, 1e-3);
-  scene.fitted = Math.min(across, down, 3 * side);
-  scene.camera.x = bounds.x;
-  scene.camera.y = bounds.y;
-  scene.camera.scale = scene.fitted;
+  const [left, right] = [
+    Math.max(0, ...covers.filter((cover) => cover.left < width - cover.right).map((cover) => cover.right)),
+    Math.min(width, ...covers.filter((cover) => cover.left >= width - cover.right).map((cover) => cover.left)),
+  ];
+  const bottom = Math.min(height, ...covers.map((cover) => cover.top));
+  const rooms: Box[] = [
+    { left: 0, top: 0, right: width, bottom: height },
+    { left, top: 0, right: width, bottom: height },
+    { left: 0, top: 0, right, bottom: height },
+    { left, top: 0, right, bottom: height },
+    { left: 0, top: 0, right: width, bottom },
+  ];
+  const best = rooms
+    .map((room) => cameraIn(scene, bounds, room))
+    .sort((a, b) => b.scale - a.scale)
+    .find((each) => isClear({ ...scene, camera: each, fitted: each.scale }));
+  Object.assign(camera, best ?? cameraIn(scene, bounds, rooms[0]));
+  scene.fitted = camera.scale;
+  home.x = camera.x;
+  home.y = camera.y;
+}
+
+export function isHome({ camera, home, fitted }: Scene): boolean {
+  return camera.x === home.x && camera.y === home.y && camera.scale === fitted;
+}
+
+/** So that the drawing fills a part of the picture. */
+function cameraIn(scene: Scene, bounds: ReturnType<typeof boundsOf>, room: Box): Camera {
+  const across = Math.max(40, room.right - room.left - 2 * MARGIN);
+  const down = Math.max(40, room.bottom - room.top - 2 * MARGIN);
+  const scale = Math.min(
+    across / Math.max(bounds.width, 1e-3),
+    down / Math.max(bounds.height, 1e-3),
+    3 * Math.min(across, down),
+  );
+  return {
+    x: bounds.x - ((room.left + room.right - scene.width) / 2) / scale,
+    y: bounds.y - ((room.top + room.bottom - scene.height) / 2) / scale,
+    scale,
+  };
+}
+
+function isClear(scene: Scene): boolean {
+  const { covers, sources, targets, radius } = scene;
+  const x = scene.x.map((each) => screenX(scene, each));
+  const y = scene.y.map((each) => screenY(scene, each));
+  const grown = growth(scene);
+  for (const cover of covers) {
+    for (let v = 0; v < scene.n; ++v) {
+      const r = radius[v] * grown;
+      if (x[v] + r > cover.left && x[v] - r < cover.right && y[v] + r > cover.top) return false;
+    }
+    for (let e = 0; e < sources.length; ++e) {
+      const [a, b] = [sources[e], targets[e]];
+      if (passes(cover, x[a], y[a], x[b], y[b])) return false;
+    }
+  }
+  return true;
+}
+
+/** Whether a line goes through a box, neither end being in it. */
+function passes(box: Box, x0: number, y0: number, x1: number, y1: number): boolean {
+  if (Math.max(x0, x1) <= box.left || Math.min(x0, x1) >= box.right) return false;
+  if (Math.max(y0, y1) <= box.top || Math.min(y0, y1) >= box.bottom) return false;
+  // Then it does unless all corners are on one side of it.
+  const side = (x: number, y: number): number => Math.sign((x1 - x0) * (y - y0) - (y1 - y0) * (x - x0));
+  const sides = [
+    side(box.left, box.top),
+    side(box.right, box.top),
+    side(box.left, box.bottom),
+    side(box.right, box.bottom),
+  ];
+  return Math.min(...sides) < 1 && Math.max(...sides) > -1;
 }
 
 function boundsOf(scene: Scene): { x: number; y: number; width: number; height: number } {

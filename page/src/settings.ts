@@ -74,13 +74,18 @@ export function defaults(data: Data, offers: Offers): Settings {
     high: null,
     size: offers.sizes.includes(size) ? size : "degree",
     agents: "all",
-    trail: 6,
+    trail: usualTrail(data.walk?.starts.length ?? 0),
     follow: -1,
     vertex: -1,
     table: false,
     theme: "auto",
     view: "auto",
   };
+}
+
+/** Of many agents long trails hide the network, and each other. */
+export function usualTrail(agents: number): number {
+  return Math.max(1, Math.min(6, Math.floor(300 / Math.max(1, agents))));
 }
 
 /** So that a walk takes some twenty seconds, where that is neither too slow nor too fast to follow. */

@@ -5,8 +5,8 @@ import { Labels } from "./labels.ts";
 import { drawAgents } from "./overlay.ts";
 import type { Marks } from "./overlay.ts";
 import type { Replay } from "./replay.ts";
-import { EDGES_WHILE_MOVING, fit } from "./scene.ts";
-import type { Detail, Scene, View } from "./scene.ts";
+import { EDGES_WHILE_MOVING, fit, isHome } from "./scene.ts";
+import type { Box, Detail, Scene, View } from "./scene.ts";
 import type { Settings } from "./settings.ts";
 import { SigmaView } from "./sigma_view.ts";
 
@@ -25,6 +25,7 @@ export class Stage {
   private readonly names = byId("names", HTMLCanvasElement);
   private readonly agents = byId("agents", HTMLCanvasElement);
   private readonly notice = block("notice");
+  private readonly corners = [block("legend"), block("zoom")];
   private density = 1;
   private moved = false;
   private stale = true;
@@ -71,6 +72,17 @@ export class Stage {
     this.request();
   }
 
+  /** The legend is another, or smaller or larger than it was. */
+  refit(): void {
+    const { scene } = this;
+    const covers = this.covers();
+    if (scene.width === 0 || JSON.stringify(covers) === JSON.stringify(scene.covers)) return;
+    scene.covers = covers;
+    if (!isHome(scene)) return;
+    fit(scene);
+    this.restyle();
+  }
+
   /** Draws what is due; agents always. */
   frame(always: readonly number[]): void {
     if (this.isAsleep || this.scene.width === 0) return;
@@ -112,12 +124,13 @@ export class Stage {
     const { clientWidth: width, clientHeight: height } = this.picture;
     if (width === 0 || height === 0) return;
     const { scene } = this;
-    const wasFitted = scene.width === 0 || scene.camera.scale === scene.fitted;
+    const wasFitted = scene.width === 0 || isHome(scene);
     const before = scene.fitted;
     const { x, y, scale } = scene.camera;
     scene.width = width;
     scene.height = height;
     this.density = Math.min(3, window.devicePixelRatio || 1);
+    scene.covers = this.covers();
     fit(scene);
     if (!wasFitted) {
       scene.camera.x = x;
@@ -130,6 +143,14 @@ export class Stage {
       canvas.height = Math.round(height * this.density);
     }
     this.restyle();
+  }
+
+  private covers(): Box[] {
+    const { left, top } = this.picture.getBoundingClientRect();
+    return this.corners
+      .map((corner) => corner.getBoundingClientRect())
+      .filter((box) => box.width > 0)
+      .map((box) => ({ left: box.left - left, top: box.top - top, right: box.right - left, bottom: box.bottom - top }));
   }
 
   private choose(): View {

@@ -35,6 +35,10 @@ export interface Restarts {
 const HALF = 2 ** 30;
 const ALL = 2 ** 31;
 
+function publishedPlace(k: number, draw: number): number {
+  return Math.floor(((k - 1) * draw + HALF) / ALL);
+}
+
 /** The law of plain agents. All products stay below 2^53 and hence exact. */
 export class LawMover implements Mover {
   private readonly choices: RandomStream;
@@ -64,8 +68,28 @@ export class LawMover implements Mover {
       }
       return;
     }
+    if (this.law.choice === "published") {
+      this.stepPublished(positions, moves);
+      return;
+    }
     for (let a = 0; a < positions.length; ++a) {
       moves[a] = this.next(positions[a], this.choices.next());
+    }
+  }
+
+  // What most walks do. All places are found before any neighbour is looked up, so that a processor waits for
+  // many of them at once.
+  private stepPublished(positions: Uint32Array, moves: Int32Array): void {
+    const { choices } = this;
+    const { start, neighbours } = this.law.lists;
+    for (let a = 0; a < positions.length; ++a) {
+      const draw = choices.next();
+      const from = start[positions[a]];
+      const k = start[positions[a] + 1] - from;
+      moves[a] = k === 0 ? STAYED : from + publishedPlace(k, draw);
+    }
+    for (let a = 0; a < positions.length; ++a) {
+      if (moves[a] !== STAYED) moves[a] = neighbours[moves[a]];
     }
   }
 
@@ -93,9 +117,7 @@ export class LawMover implements Mover {
     const from = lists.start[vertex];
     const k = lists.start[vertex + 1] - from;
     if (k === 0) return STAYED;
-    if (choice === "published") {
-      return lists.neighbours[from + Math.floor(((k - 1) * draw + HALF) / ALL)];
-    }
+    if (choice === "published") return lists.neighbours[from + publishedPlace(k, draw)];
     if (choice === "even") return lists.neighbours[from + Math.floor((k * draw) / ALL)];
     return sums ? weighted(lists, sums, from, k, draw) : STAYED;
   }

@@ -1,10 +1,11 @@
 /** Measures views inside a browser; the benchmark puts this into an empty page. */
 import { CanvasView } from "../../src/canvas2d.ts";
-import { shadesOf } from "../../src/color.ts";
+import { kindsOf, shadesOf } from "../../src/color.ts";
 import { paletteOf, radii } from "../../src/looks.ts";
 import { outLists } from "../../src/lists.ts";
 import { drawAgents } from "../../src/overlay.ts";
 import { Course, Replay } from "../../src/replay.ts";
+import { usualTrail } from "../../src/settings.ts";
 import { fit, zoomAt } from "../../src/scene.ts";
 import type { Scene, View } from "../../src/scene.ts";
 import { SigmaView } from "../../src/sigma_view.ts";
@@ -44,6 +45,8 @@ function sceneOf(n: number, m: number): Scene {
     marked: -1,
     camera: { x: 0, y: 0, scale: 1 },
     fitted: 1,
+    home: { x: 0, y: 0 },
+    covers: [],
     width: WIDTH,
     height: HEIGHT,
     shades: shadesOf("light"),
@@ -119,8 +122,8 @@ function replayOf(n: number, m: number, agents: number, steps: number): [Scene, 
   return [scene, new Replay(new Course(n, starts, steps, () => new LawMover(law, agents)))];
 }
 
-/** Milliseconds for the layer of agents. */
-function overlay(agents: number): number {
+/** Milliseconds for the layer of agents, with trails of that length or of the usual one. */
+function overlay(agents: number, trail = usualTrail(agents)): number {
   const [scene, replay] = replayOf(10_000, 30_000, agents, 100);
   replay.seek(100);
   const canvas = document.createElement("canvas");
@@ -129,7 +132,7 @@ function overlay(agents: number): number {
   const c = canvas.getContext("2d");
   if (!c) return NaN;
   const all = Array.from({ length: agents }, (_, a) => a);
-  const marks = { agents: all, trail: 6, followed: -1, colors: [0xff0000, 0x0000ff], progress: 1 };
+  const marks = { agents: all, trail, followed: -1, colors: kindsOf("light"), progress: 1 };
   return timed(30, () => {
     drawAgents(c, 1, scene, replay, marks);
     finish(canvas);
@@ -139,11 +142,14 @@ function overlay(agents: number): number {
 /** Nanoseconds a move. */
 function walking(n: number, agents: number): number {
   const steps = Math.ceil(3e6 / agents);
-  const [, replay] = replayOf(n, 3 * n, agents, steps);
-  replay.seek(steps / 10);
-  const begun = performance.now();
-  replay.seek(steps);
-  return ((performance.now() - begun) * 1e6) / (0.9 * steps * agents);
+  const times = Array.from({ length: 5 }, () => {
+    const [, replay] = replayOf(n, 3 * n, agents, steps);
+    replay.seek(steps / 10);
+    const begun = performance.now();
+    replay.seek(steps);
+    return ((performance.now() - begun) * 1e6) / (0.9 * steps * agents);
+  });
+  return median(times);
 }
 
 Object.assign(window, { measure: { views, overlay, walking } });
