@@ -38,24 +38,42 @@ interface Told {
 }
 
 const WALKS = 100;
-const kinds = [
-  ["--choice", "published"],
-  ["--choice", "even"],
-  ["--choice", "weighted"],
-  ["--choice", "even", "--restart", "0.2"],
-  ["--start", "degree"],
-];
+const lengths = [["--steps", "400"], ["--steps", "3000"], ["--until-reach", "0.5", "--steps", "5000"], ["--steps", "1"]];
+const choices = ["published", "even", "weighted"];
+const starts = [[], ["--start", "degree"], ["--start", "uniform"]];
+const restarts = [[], ["--restart", "0.2"], [], ["--restart", "1"]];
 
-test(`${WALKS} walks of the program agree`, async () => {
+/** Random edges, among them loops, parallel ones and vertices without any, in every second network with weights. */
+function randomNetwork(name: string, next: (below: number) => number): { file: string; isWeighted: boolean } {
+  const file = join(folder, name);
+  const n = 2 + next(120);
+  const isWeighted = next(2) === 0;
+  const edges = Array.from({ length: 1 + next(4 * n) }, () => {
+    const weight = isWeighted ? ` ${next(4) === 0 ? 0 : next(1000) / 8}` : "";
+    return `${next(n)} ${next(n)}${weight}`;
+  });
+  const kind = `${isWeighted ? "weighted" : "nonweighted"} ${next(2) === 0 ? "directed" : "undirected"}`;
+  writeFileSync(file, `#vertices ${n} nonweighted\n#edges ${kind}\n${edges.join("\n")}\n`);
+  return { file, isWeighted };
+}
+
+test(`${WALKS} walks of the program on random networks agree`, async () => {
   const { page, close } = await open(browser, addressOf(smallSamples["one"]));
   const faults: string[] = [];
   page.on("pageerror", (error) => faults.push(error.message));
+  let state = 20260102;
+  const next = (below: number): number => (state = (state * 48271) % 2147483647) % below;
+  const of = <T>(list: readonly T[]): T => list[next(list.length)];
+  let moves = 0;
+  const met = new Set<string>();
   for (let i = 0; i < WALKS; ++i) {
-    const file = `data/${i % 2 === 0 ? "lesmis" : "karate"}.xnet`;
-    const kind = kinds[i % kinds.length].join(" ") === "--choice weighted" && i % 2 === 1
-      ? kinds[0] : kinds[i % kinds.length];
-    const length = i % 4 === 3 ? ["--until-reach", "0.9"] : ["--steps", String(1 + 37 * i)];
-    const options = ["--agents", String(1 + (i % 7)), ...length, "--seed", String(i * i * 43 + 1), ...kind];
+    const { file, isWeighted } = randomNetwork(`random${i}.xnet`, next);
+    const choice = of(isWeighted ? choices : choices.slice(0, 2));
+    // Those with restarts do not choose in the published way.
+    const restart = choice === "published" ? [] : of(restarts);
+    const options = ["--agents", String(1 + next(30)), ...of(lengths), "--seed", String(next(2 ** 31) * (1 + next(2))),
+      "--choice", choice, ...of(starts), ...restart];
+    met.add([choice, ...restart].join(" "));
     const out = join(folder, `walk${i}.html`);
     const told = JSON.parse(veq("walk", file, ...options, "--page", out, "--format", "json")) as Told;
     const visits: number[] = [];
@@ -64,7 +82,11 @@ test(`${WALKS} walks of the program agree`, async () => {
     assert.equal(shown.says, "recomputed in your browser: agrees", options.join(" "));
     assert.deepEqual(shown.visits, visits, options.join(" "));
     assert.deepEqual(faults, []);
+    moves += visits.reduce((sum, each) => sum + each, 0);
   }
+  assert.ok(moves > 100_000, `${moves} moves`);
+  // Each choice, and the two that may restart in each way.
+  assert.equal(met.size, 7, [...met].join(", "));
   await close();
 });
 
