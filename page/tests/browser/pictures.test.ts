@@ -7,7 +7,7 @@ import type { Color, Theme } from "../../src/color.ts";
 import { addressOf, checked, launch, open, settle } from "../support/browser.ts";
 import type { Content } from "../support/encode.ts";
 import { network } from "../support/networks.ts";
-import { smallSamples, walked } from "../support/samples.ts";
+import { large, smallSamples, walked } from "../support/samples.ts";
 
 let browser: Browser;
 before(async () => {
@@ -162,6 +162,53 @@ test("a browser without WebGL gets the canvas view, and a line says so", async (
   await close();
   await poor.close();
 });
+
+test("a browser whose WebGL is slow gets the canvas view, and a line says so", async () => {
+  const context = await browser.newContext({ reducedMotion: "reduce" });
+  const page = await context.newPage();
+  // Software that calls itself something else takes seconds for three such pictures.
+  await page.addInitScript(() => {
+    const { prototype } = WebGL2RenderingContext;
+    const told = Reflect.get(prototype, "getParameter") as (name: number) => unknown;
+    prototype.getParameter = function (name: number): unknown {
+      const answer = Reflect.apply(told, this, [name]);
+      return typeof answer === "string" && answer.includes("SwiftShader") ? "Graphics 3000" : answer;
+    };
+  });
+  await page.goto(addressOf(large(10_000, 30_000)));
+  await page.waitForFunction(() => document.getElementById("notice")?.textContent === "Canvas view: WebGL is slow here");
+  await page.waitForFunction(() => document.querySelectorAll("#webgl canvas").length === 0);
+  await context.close();
+});
+
+/** How many of the pixels of an element's place have another colour than the ground. */
+async function inked(page: Page, id: string): Promise<number> {
+  const box = (await page.locator(id).boundingBox())!;
+  await page.evaluate((selector) => {
+    document.querySelector<HTMLElement>(selector)!.style.visibility = "hidden";
+  }, id);
+  const points: Point[] = [];
+  for (let x = Math.ceil(box.x); x < box.x + box.width; ++x) {
+    for (let y = Math.ceil(box.y); y < box.y + box.height; ++y) points.push([x, y]);
+  }
+  const colors = await colorsAt(page, points);
+  return colors.filter((color) => !isNear(color, shadesOf("light").ground)).length;
+}
+
+for (const [width, height] of [[360, 700], [700, 700], [1180, 760]]) {
+  test(`nothing is drawn under the legend and the buttons at ${width} x ${height}`, async () => {
+    const corners: Content = {
+      ...walked({ n: 4, edges: [[0, 1], [1, 2], [2, 3]], positions: [[0, 0], [0, 1], [1, 1], [1, 0]] }, 2, 50),
+      names: ["lower left", "upper left", "upper right", "lower right"],
+    };
+    const { page, close } = await open(browser, `${addressOf(corners)}#s=50`, { viewport: { width, height } });
+    await settle(page);
+    await page.waitForTimeout(250);
+    assert.equal(await inked(page, "#legend"), 0);
+    assert.equal(await inked(page, "#zoom"), 0);
+    await close();
+  });
+}
 
 test("where the browser takes WebGL away the canvas view goes on", async () => {
   const { page, close } = await open(browser, `${addressOf(row)}#view=webgl`);
