@@ -13,6 +13,7 @@
 #include "veq/base/encodings.hpp"
 #include "veq/base/files.hpp"
 #include "veq/base/ownership.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/base/progress.hpp"
 #include "veq/base/result.hpp"
 #include "veq/drawing.hpp"

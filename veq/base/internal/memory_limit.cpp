@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <fstream>
 
+#include "veq/base/internal/control_groups.hpp"
+
 #if defined(__linux__)
 #include <unistd.h>
 #endif
@@ -31,17 +33,6 @@ std::uint64_t limitIn(const std::string& path) {
   return file >> limit ? limit : UINT64_MAX;
 }
 
-// Of a group and those that it is a part of.
-std::uint64_t limitOfGroups(const std::string& mount, std::string group, const char* file) {
-  std::uint64_t limit = UINT64_MAX;
-  for (;;) {
-    limit = std::min(limit, limitIn(mount + group + file));
-    const std::size_t end = group.rfind('/');
-    if (end == std::string::npos) return limit;
-    group.resize(end);
-  }
-}
-
 }  // namespace
 
 std::uint64_t memoryLimit() {
@@ -52,19 +43,9 @@ std::uint64_t memoryLimit() {
 
 std::uint64_t controlGroupLimit(const std::string& list, const std::string& mount) {
   std::uint64_t limit = UINT64_MAX;
-  std::ifstream lines(list);
-  // A line is "number:controllers:group"; version 2 has one hierarchy, without names of
-  // controllers.
-  for (std::string line; std::getline(lines, line);) {
-    const std::size_t first = line.find(':');
-    const std::size_t second = first == std::string::npos ? first : line.find(':', first + 1);
-    if (second == std::string::npos) continue;
-    const std::string controllers = ',' + line.substr(first + 1, second - first - 1) + ',';
-    const std::string group = line.substr(second + 1);
-    if (controllers == ",,") limit = std::min(limit, limitOfGroups(mount, group, "/memory.max"));
-    if (controllers.find(",memory,") != std::string::npos) {
-      limit = std::min(limit, limitOfGroups(mount + "/memory", group, "/memory.limit_in_bytes"));
-    }
+  for (const std::string& group : controlGroups(list, mount, "memory")) {
+    limit = std::min(
+        {limit, limitIn(group + "/memory.max"), limitIn(group + "/memory.limit_in_bytes")});
   }
   return limit;
 }

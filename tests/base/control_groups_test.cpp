@@ -1,11 +1,13 @@
-#include "veq/base/internal/memory_limit.hpp"
-
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "veq/base/internal/memory_limit.hpp"
+#include "veq/base/internal/processors.hpp"
 
 namespace veq::internal {
 namespace {
@@ -30,6 +32,9 @@ class ControlGroups : public testing::Test {
   }
   [[nodiscard]] std::uint64_t limit() const {
     return controlGroupLimit((folder_ / "list").string(), (folder_ / "mount").string());
+  }
+  [[nodiscard]] unsigned processors() const {
+    return controlGroupProcessors((folder_ / "list").string(), (folder_ / "mount").string());
   }
 
  private:
@@ -62,6 +67,33 @@ TEST_F(ControlGroups, ThatCannotBeSeenSayNothing) {
   EXPECT_EQ(limit(), UINT64_MAX);
   write("mount/memory.max", "max\n");
   EXPECT_EQ(limit(), UINT64_MAX);
+}
+
+// Half a processor is one, and two and a half are three.
+TEST_F(ControlGroups, HaveAQuotaOfProcessors) {
+  write("list", "0::/jobs/one\n");
+  EXPECT_EQ(processors(), UINT_MAX);
+  write("mount/jobs/one/cpu.max", "max 100000\n");
+  EXPECT_EQ(processors(), UINT_MAX);
+  write("mount/jobs/cpu.max", "250000 100000\n");
+  EXPECT_EQ(processors(), 3U);
+  write("mount/jobs/one/cpu.max", "200000 100000\n");
+  EXPECT_EQ(processors(), 2U);
+  write("mount/jobs/one/cpu.max", "50000 100000\n");
+  EXPECT_EQ(processors(), 1U);
+  write("mount/jobs/one/cpu.max", "nonsense\n");
+  EXPECT_EQ(processors(), 3U);
+}
+
+TEST_F(ControlGroups, OfTheFirstVersionTellTheQuotaInTwoFiles) {
+  write("list", "4:cpu,cpuacct:/jobs\n5:memory:/\n");
+  write("mount/cpu/jobs/cpu.cfs_quota_us", "-1\n");
+  write("mount/cpu/jobs/cpu.cfs_period_us", "100000\n");
+  EXPECT_EQ(processors(), UINT_MAX);
+  write("mount/cpu/jobs/cpu.cfs_quota_us", "400000\n");
+  EXPECT_EQ(processors(), 4U);
+  write("mount/cpu/jobs/cpu.cfs_period_us", "0\n");
+  EXPECT_EQ(processors(), UINT_MAX);
 }
 
 // Less than no object is large, and what this machine has is asked for once.

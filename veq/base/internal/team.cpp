@@ -1,0 +1,223 @@
+#include "veq/base/internal/team.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <new>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "veq/base/internal/blocked_signals.hpp"
+#include "veq/base/internal/processors.hpp"
+#include "veq/base/ownership.hpp"
+#include "veq/base/parallelism.hpp"
+
+namespace veq {
+namespace internal {
+namespace {
+
+// More are a mistake, and would be asked of the system one by one.
+constexpr unsigned kMostThreads = 1024;
+
+std::atomic<unsigned> threadsOfProcess{1};
+
+// A runner may be set while others run, which keep it.
+struct LentRunner {
+  std::mutex lock;
+  Shared<const ParallelRunner> runner;
+};
+LentRunner& lentRunner() {
+  static auto* const lent = new LentRunner;  // for static objects that work when they are destroyed
+  return *lent;
+}
+
+Shared<const ParallelRunner> currentRunner() {
+  LentRunner& lent = lentRunner();
+  const std::lock_guard guard(lent.lock);
+  return lent.runner;
+}
+
+// What pieces throw: of the lowest.
+class Failure {
+ public:
+  void note(std::uint64_t piece, std::exception_ptr thrown) {
+    if (thrown_ && piece > piece_) return;
+    piece_ = piece;
+    thrown_ = std::move(thrown);
+  }
+  [[nodiscard]] bool isNoted() const { return thrown_ != nullptr; }
+  void rethrow() {
+    if (thrown_) std::rethrow_exception(std::exchange(thrown_, nullptr));
+  }
+
+ private:
+  std::uint64_t piece_ = 0;
+  std::exception_ptr thrown_;
+};
+
+template <class Work>
+std::exception_ptr thrownBy(Work work) noexcept {
+  try {
+    work();
+  } catch (...) {
+    return std::current_exception();
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+// Pieces are large, so that one lock for all that the threads share is no hindrance. They are
+// handed out in order: when one has thrown, all below it have been.
+struct Team::Crew {
+  explicit Crew(unsigned helpers) : process(processNumber()) {
+    // A signal is for the threads of the program.
+    const BlockedSignals blocked;
+    try {
+      threads.reserve(helpers);
+      while (threads.size() < helpers) threads.emplace_back([this] { help(); });
+    } catch (const std::system_error&) {  // there are as many as the system gives
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  ~Crew() {
+    {
+      const std::lock_guard guard(lock);
+      isOver = true;
+    }
+    thereIsWork.notify_all();
+    for (std::thread& thread : threads) thread.join();
+  }
+  Crew(const Crew&) = delete;
+  Crew& operator=(const Crew&) = delete;
+
+  void run(std::uint64_t count, Task shared) {
+    std::unique_lock held(lock);
+    task = shared;
+    next = 0;
+    pieces = count;
+    thereIsWork.notify_all();
+    takePieces(held);
+    allIsDone.wait(held, [this] { return underWay == 0; });
+    failure.rethrow();
+  }
+
+  void help() {
+    std::unique_lock held(lock);
+    for (;;) {
+      thereIsWork.wait(held, [this] { return isOver || next < pieces; });
+      if (isOver) return;
+      takePieces(held);
+      if (underWay == 0) allIsDone.notify_one();
+    }
+  }
+
+  void takePieces(std::unique_lock<std::mutex>& held) {
+    while (next < pieces) {
+      const std::uint64_t piece = next++;
+      const Task now = task;
+      ++underWay;
+      held.unlock();
+      std::exception_ptr thrown = thrownBy([&] { now(piece); });
+      held.lock();
+      --underWay;
+      if (!thrown) continue;
+      failure.note(piece, std::move(thrown));
+      pieces = next;
+    }
+  }
+
+  const long process;  // a forked child has none of the threads
+  std::mutex lock;
+  std::condition_variable thereIsWork;
+  std::condition_variable allIsDone;
+  Task task;
+  std::uint64_t next = 0;
+  std::uint64_t pieces = 0;
+  std::uint64_t underWay = 0;
+  Failure failure;
+  bool isOver = false;
+  std::vector<std::thread> threads;  // of help()
+};
+
+namespace {
+
+// What a runner leaves out, or leaves by an exception, this thread does; what it calls twice is
+// done once.
+template <class Task>
+void shareBy(const ParallelRunner& runner, std::uint64_t pieces, Task task) {
+  auto isTaken =
+      orNothing([=] { return std::vector<std::atomic<bool>>(static_cast<std::size_t>(pieces)); });
+  if (isTaken.empty()) {
+    for (std::uint64_t i = 0; i < pieces; ++i) task(i);
+    return;
+  }
+  std::mutex lock;
+  Failure failure;
+  const auto take = [&](std::size_t piece) {
+    if (piece >= isTaken.size() || isTaken[piece].exchange(true, std::memory_order_relaxed)) return;
+    if (std::exception_ptr thrown = thrownBy([&] { task(piece); })) {
+      const std::lock_guard guard(lock);
+      failure.note(piece, std::move(thrown));
+    }
+  };
+  static_cast<void>(thrownBy([&] { runner(isTaken.size(), take); }));
+  for (std::size_t piece = 0; piece < isTaken.size(); ++piece) take(piece);
+  failure.rethrow();
+}
+
+}  // namespace
+
+unsigned resolvedThreads(unsigned threads) {
+  return std::min(threads == 0 ? usableProcessors() : threads, kMostThreads);
+}
+
+Team::Team(unsigned threads) : threads_(std::max(threads, 1U)) {}
+
+Team::~Team() {
+  // Whoever was forked while helpers were at rest has nobody to wait for.
+  if (crew_ && crew_->process != processNumber()) static_cast<void>(crew_.release());
+}
+
+Team& Team::alone() {
+  // Never destroyed, for static objects may work when they are, and without an allocation.
+  alignas(Team) static unsigned char memory[sizeof(Team)];
+  static auto* const alone = new (memory) Team(1);
+  return *alone;
+}
+
+void Team::share(std::uint64_t pieces, Task task) {
+  if (const Shared<const ParallelRunner> runner = currentRunner()) {
+    return shareBy(*runner, pieces, task);
+  }
+  if (crew_ && crew_->process != processNumber()) static_cast<void>(crew_.release());
+  if (!crew_) {
+    const auto helpers = static_cast<unsigned>(std::min<std::uint64_t>(threads_, pieces) - 1);
+    crew_ = orNothing([=] { return std::make_unique<Crew>(helpers); });
+  }
+  if (crew_) return crew_->run(pieces, task);
+  for (std::uint64_t i = 0; i < pieces; ++i) task(i);
+}
+
+}  // namespace internal
+
+void setParallelism(unsigned threads) {
+  internal::threadsOfProcess.store(internal::resolvedThreads(threads), std::memory_order_relaxed);
+}
+
+unsigned parallelism() { return internal::threadsOfProcess.load(std::memory_order_relaxed); }
+
+void setParallelRunner(ParallelRunner runner) {
+  Shared<const ParallelRunner> made =
+      runner ? std::make_shared<const ParallelRunner>(std::move(runner)) : nullptr;
+  internal::LentRunner& lent = internal::lentRunner();
+  const std::lock_guard guard(lent.lock);
+  std::swap(lent.runner, made);  // what it was is destroyed outside the lock
+}
+
+}  // namespace veq
