@@ -13,6 +13,7 @@
 #include "tests/support/agents.hpp"
 #include "tests/support/literal_dynamic_walk.hpp"
 #include "tests/support/rounds.hpp"
+#include "tests/support/shared_work.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 
 namespace veq::test {
@@ -204,6 +205,7 @@ void walkAtRandom(Draw& draw, DynamicPair& pair) {
 TEST(DynamicWalkOracle, AgreesWithTheLiteralWalkThroughRandomHistories) {
   Draw draw(20261120);
   for (int round = 0; round < rounds(400); ++round) {
+    const SharedWork shared = SharedWork::inTurn(round);
     SCOPED_TRACE(::testing::Message() << "round " << round);
     DynamicPair pair(draw, networkOfAnyKind(draw));
     ASSERT_TRUE(pair.isMade());

@@ -21,6 +21,7 @@ template <class Word>
 class CyclicMover {
  public:
   static constexpr bool kCanRewind = false;
+  static constexpr internal::Meetings kMeetings = internal::Meetings::kSeldom;
 
   CyclicMover(std::uint64_t vertices, std::uint64_t agents,
               std::function<void(std::uint64_t)>& before)
@@ -59,11 +60,11 @@ class CyclicGroup final : public VEQNetworkAgentsGroup {
     request.steps = steps;
     request.returnPath = returnPath;
     request.untilReach = static_cast<double>(untilReach);
-    return internal::runWalk(state(), request,
-                             [&]<class Word>(const auto&, const internal::WalkHistory<Word>&) {
-                               return CyclicMover<Word>(state().network->countVertices(),
-                                                        state().agents, before);
-                             })
+    return internal::runWalk(
+               state(), request,
+               [&]<class Word>(const auto&, const internal::WalkHistory<Word>&, internal::Team&) {
+                 return CyclicMover<Word>(state().network->countVertices(), state().agents, before);
+               })
         .paths;
   }
 

@@ -8,6 +8,7 @@
 #include "gtest/gtest.h"
 #include "tests/support/agents.hpp"
 #include "tests/support/rounds.hpp"
+#include "tests/support/shared_work.hpp"
 #include "veq/agents/internal/group_state.hpp"
 
 namespace veq::test {
@@ -143,6 +144,7 @@ TEST(WalkOracle, AgreesWithTheLiteralWalkThroughRandomHistories) {
   static constexpr std::uint64_t kVertices[] = {1, 2, 5, 34, 200, 1000};
   Draw draw(20261120);
   for (int round = 0; round < rounds(120); ++round) {
+    const SharedWork shared = SharedWork::inTurn(round);
     const std::uint64_t n = kVertices[below(draw, std::size(kVertices))];
     const std::uint64_t agents = kAgents[below(draw, std::size(kAgents))];
     const bool wide = below(draw, 3) == 0;
@@ -189,8 +191,13 @@ class FoldingGroup final : public VEQNetworkAgentsGroup {
 // Long enough for the log of moves to be folded several times, in the middle of a walk, with dense
 // and with sparse visits.
 TEST(WalkOracle, AgreesWhileTheLogIsFolded) {
-  for (const auto& [n, agents] :
-       {std::pair<std::uint64_t, std::uint64_t>{40, 3}, {40, 50}, {3000, 20}, {20000, 1}}) {
+  int round = 0;
+  for (const auto& [n, agents] : {std::pair<std::uint64_t, std::uint64_t>{40, 3},
+                                  {40, 50},
+                                  {40, 50},
+                                  {3000, 20},
+                                  {20000, 1}}) {
+    const SharedWork shared = SharedWork::inTurn(round++);
     Draw draw(n);
     const LiteralNetwork network = randomNetwork(draw, n, 3 * n, false);
     Indices start(agents);

@@ -13,6 +13,7 @@
 #include "tests/support/agents.hpp"
 #include "tests/support/literal_walkers.hpp"
 #include "tests/support/rounds.hpp"
+#include "tests/support/shared_work.hpp"
 #include "veq/walkers.hpp"
 
 namespace veq::test {
@@ -123,6 +124,7 @@ void walkBoth(Draw& draw, LiteralWalkers& literal, Walkers& walkers) {
 TEST(WalkersOracle, AgreesForEveryChoiceWithAndWithoutMemoryAndRestarts) {
   Draw draw(20261122);
   for (int round = 0; round < rounds(400); ++round) {
+    const SharedWork shared = SharedWork::inTurn(round);
     LiteralWalkers literal = randomWalkers(draw);
     const bool wide = below(draw, 3) == 0;
     SCOPED_TRACE(testing::Message()

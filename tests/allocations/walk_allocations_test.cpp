@@ -10,6 +10,7 @@
 
 #include "tests/support/agents.hpp"
 #include "tests/support/failing_allocation.hpp"
+#include "tests/support/shared_work.hpp"
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/walkers.hpp"
 
@@ -80,7 +81,7 @@ TEST(FailingWalk, AGroupIsMadeOrNot) {
 }
 
 // Before the first step nothing is changed; later the walk ends between two steps.
-TEST(FailingWalk, EndsWithEverythingInAgreement) {
+void expectAgreementWhereAllocationsFail() {
   seed(1);  // makes the generator, which is never deleted
   for (const bool paths : {false, true}) {
     for (const float target : {-1.0F, 2.0F}) {
@@ -101,6 +102,14 @@ TEST(FailingWalk, EndsWithEverythingInAgreement) {
       EXPECT_GE(failures, 4U);
     }
   }
+}
+
+TEST(FailingWalk, EndsWithEverythingInAgreement) { expectAgreementWhereAllocationsFail(); }
+
+// In pieces, whose memory is this thread's here.
+TEST(FailingWalk, EndsSoWhereItIsShared) {
+  const SharedWork shared(2, SharedWork::InReverse());
+  expectAgreementWhereAllocationsFail();
 }
 
 // Either nothing is made, or walkers that can walk.

@@ -7,6 +7,8 @@
 #include <variant>
 
 #include "veq/agents/internal/group_state.hpp"
+#include "veq/base/internal/team.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/numeric/generic_array.hpp"
 
@@ -126,7 +128,8 @@ void VEQNetworkAgentsGroup::setCurrentVertex_forAgent(const VEQVertex& vertex,
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::globalVisitFrequencyOfVertices() const {
   const std::lock_guard guard(state_->historyLock);
-  return std::visit([](auto& history) { return history.totals(); }, state_->history);
+  internal::Team team(parallelism());
+  return std::visit([&](auto& history) { return history.totals(team); }, state_->history);
 }
 
 Shared<const VEQNumberArray> VEQNetworkAgentsGroup::globalOrderOfVisitedVertices() const {

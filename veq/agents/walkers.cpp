@@ -14,6 +14,8 @@
 #include "veq/agents/internal/weight_sums.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/team.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/models/internal/random_source.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -198,6 +200,7 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
   request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)),
                       *state_->starts};
   request.progress = &options.progress;
+  request.threads = options.threads ? internal::resolvedThreads(*options.threads) : parallelism();
   request.endless = !options.steps;
   const Uint128 draws = drawsOfWalk(options).all();
   if (options.steps) {
@@ -243,7 +246,8 @@ std::vector<std::uint64_t> Walkers::positions() const {
 std::vector<std::uint64_t> Walkers::visits() const {
   GroupState& group = GroupAccess::of(*state_->published);
   const std::lock_guard guard(group.historyLock);
-  return std::visit([](auto& history) { return history.visits(); }, group.history);
+  internal::Team team(parallelism());
+  return std::visit([&](auto& history) { return history.visits(team); }, group.history);
 }
 
 std::vector<std::uint64_t> Walkers::visits(std::uint64_t agent) const {

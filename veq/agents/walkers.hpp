@@ -43,8 +43,10 @@ struct WalkOptions {
   /// step, and so does what the observer throws. The sequence is moved by the draws of all steps
   /// all the same.
   Progress progress{};
-  /// Taken as 1 for now. What a walk leads to will never depend on it.
-  unsigned threads = 1;
+  /// How many threads walk, 0 being as many as the process may use; without it as many as
+  /// parallelism() says. What the walk leads to does not depend on it. Agents that pass on what
+  /// they remember walk on one.
+  std::optional<unsigned> threads{};
 };
 
 /// What agents remember, see VEQNetworkDynamicAgentsGroup.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -73,11 +74,11 @@ struct AgentHistory {
     }
   }
 
-  /// Calls f(vertex, visits) for each vertex that has been counted.
+  /// Calls f(vertex, visits) for each vertex from `begin` to before `end` that has been counted.
   template <class F>
-  void forEachVisits(F f) const {
-    const std::uint64_t vertices = arrays ? arrays->visits->count() : tallies.size();
-    for (std::uint64_t v = 0; v < vertices; ++v) {
+  void forEachVisits(std::uint64_t begin, std::uint64_t end, F f) const {
+    if (!arrays) end = std::min(end, tallies.size());
+    for (std::uint64_t v = begin; v < end; ++v) {
       f(v, arrays ? static_cast<std::uint64_t>(arrays->visitsData[v]) : tallies[v].count);
     }
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -13,12 +14,15 @@ class ArrivalRecord {
  public:
   explicit ArrivalRecord(std::uint64_t vertices) : first_(vertices, UINT64_MAX) {}
 
-  /// Takes steps into the record, of which the first has the number `number`.
-  template <class Word>
-  void take(const Word* moves, std::uint64_t agents, std::uint64_t steps, std::uint64_t number) {
+  /// Whether an arrival at the vertex would leave the record as it is.
+  [[nodiscard]] bool has(std::uint64_t vertex) const { return first_[vertex] != UINT64_MAX; }
+  /// Takes steps into the record, of which the first has the number `number`. `movesOf(s)` gives
+  /// the moves of one.
+  template <class MovesOf>
+  void take(const MovesOf& movesOf, std::uint64_t steps, std::uint64_t number) {
     for (std::uint64_t s = 0; s < steps; ++s) {
-      for (std::uint64_t a = 0; a < agents; ++a, ++moves) {
-        if (*moves != kStayed<Word> && first_[*moves] == UINT64_MAX) first_[*moves] = number + s;
+      for (const auto to : movesOf(s)) {
+        if (to != kStayed<std::remove_const_t<decltype(to)>> && !has(to)) first_[to] = number + s;
       }
     }
   }

@@ -6,8 +6,10 @@
 
 #include "veq/agents/internal/agent_memories.hpp"
 #include "veq/agents/internal/choice.hpp"
+#include "veq/agents/internal/shared_tiles.hpp"
 #include "veq/agents/internal/tiles.hpp"
 #include "veq/agents/internal/walk_draws.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
@@ -18,10 +20,11 @@ template <class Index, class Word, class Choice>
 class DynamicMover {
  public:
   static constexpr bool kCanRewind = false;
+  static constexpr Meetings kMeetings = Meetings::kOften;
 
   DynamicMover(const AdjacencyLists<Index>& lists, std::uint64_t vertices, std::uint64_t agents,
                std::uint64_t steps, Choice choice, Restarts restarts, AgentMemories<Word>& memories,
-               const VEQNetwork* agentsNetwork)
+               const VEQNetwork* agentsNetwork, Team& team)
       : lists_(lists),
         vertices_(vertices),
         agents_(agents),
@@ -29,37 +32,32 @@ class DynamicMover {
         restarts_(restarts),
         memories_(memories),
         agentsNetwork_(agentsNetwork),
-        draws_(agents, steps, restarts_.happen() ? 4 : 3) {}
+        tiles_(agents, steps, restarts_.happen() ? 4 : 3, team, kMeetings) {}
 
   void draw(const RandomSource& source, std::uint64_t steps, bool endless) {
-    draws_.take(source, steps, endless);
+    tiles_.take(source, steps, endless);
   }
 
-  [[nodiscard]] std::uint64_t purposes() const { return draws_.purposes(); }
+  [[nodiscard]] std::uint64_t purposes() const { return tiles_.purposes(); }
 
+  /// With listeners for a team of one alone.
   void walk(Word* positions, Word* moves, std::uint64_t steps) {
-    draws_.fill(steps);
-    for (std::uint64_t s = 0; s < steps; ++s, moves += agents_) {
-      const std::uint64_t first = agents_ * s;
-      bool moved = false;
-      for (std::uint64_t a = 0; a < agents_; ++a) {
-        fetchAhead(positions, a);
-        moves[a] = move(a, positions[a], first + a);
-        moved |= moves[a] != kStayed<Word>;
+    tiles_.forEach(steps, [&](const WalkDraws& draws, AgentRange agents, std::uint64_t first,
+                              std::uint64_t some) {
+      for (std::uint64_t s = 0; s < some; ++s) {
+        const bool moved =
+            moveSome({draws, agents_ * s}, positions, moves + agents_ * (first + s), agents);
+        if (agentsNetwork_) share(moved);
       }
-      const bool shared = agentsNetwork_ && shareAll();
-      if (moved) {
-        idling_ = {};
-      } else {
-        lookForPeriod(shared);
-      }
-    }
+    });
   }
 
   /// Sharing goes on when nobody moves any longer: until it changes nothing, or for ever round the
   /// same states, as where two agents pass their latest visits on to a third that has one slot.
   [[nodiscard]] bool skip(std::uint64_t steps) {
-    if (restarts_.happen() || idling_.period == 0) return false;
+    if (restarts_.happen()) return false;
+    if (!agentsNetwork_) return true;
+    if (idling_.period == 0) return false;
     for (std::uint64_t s = steps % idling_.period; s > 0; --s) shareAll();
     return true;
   }
@@ -77,33 +75,63 @@ class DynamicMover {
     std::uint64_t patience = 1;
   };
 
-  Word move(std::uint64_t agent, Word& position, std::uint64_t number) {
-    const Word to = next(agent, position, number);
+  // The draws of a step.
+  struct StepDraws {
+    const WalkDraws& draws;
+    std::uint64_t begin;
+
+    [[nodiscard]] std::uint32_t operator()(Purpose purpose, std::uint64_t agent) const {
+      return draws[purpose][begin + agent];
+    }
+  };
+
+  // Answers whether any of them moved.
+  bool moveSome(StepDraws draws, Word* positions, Word* moves, AgentRange agents) {
+    bool moved = false;
+    for (std::uint64_t a = agents.first; a < agents.end; ++a) {
+      fetchAhead(positions, a, agents.end);
+      moves[a] = move(draws, a, positions[a]);
+      moved |= moves[a] != kStayed<Word>;
+    }
+    return moved;
+  }
+
+  void share(bool moved) {
+    const bool shared = shareAll();
+    if (moved) {
+      idling_ = {};
+    } else {
+      lookForPeriod(shared);
+    }
+  }
+
+  Word move(StepDraws draws, std::uint64_t agent, Word& position) {
+    const Word to = next(draws, agent, position);
     if (to == kStayed<Word>) return to;
     position = to;
     std::uint64_t remembered = to;
-    if (memories_.isMistaken(agent, draws_[kError][number])) {
-      remembered = chooseEntry(vertices_, draws_[kWrongVertex][number]);
+    if (memories_.isMistaken(agent, draws(kError, agent))) {
+      remembered = chooseEntry(vertices_, draws(kWrongVertex, agent));
     }
     memories_.remember(agent, remembered, agentsNetwork_ != nullptr);
     return to;
   }
 
-  [[nodiscard]] Word next(std::uint64_t agent, Word position, std::uint64_t number) const {
-    if (restarts_.happen() && draws_[kRestart][number] < restarts_.threshold) {
+  [[nodiscard]] Word next(StepDraws draws, std::uint64_t agent, Word position) const {
+    if (restarts_.happen() && draws(kRestart, agent) < restarts_.threshold) {
       return static_cast<Word>(restarts_.starts[agent]);
     }
     const Index chosen =
-        choice_.among(lists_.rows()[position], lists_.neighbourPool(), draws_[kNextVertex][number],
+        choice_.among(lists_.rows()[position], lists_.neighbourPool(), draws(kNextVertex, agent),
                       [&](Index neighbour) { return memories_.remembers(agent, neighbour); });
     return chosen == kNoPlace<Index> ? kStayed<Word>
                                      : static_cast<Word>(lists_.neighbourPool()[chosen]);
   }
 
   // Lists and their places, for agents that come soon: each waits for memory on its own otherwise.
-  void fetchAhead(const Word* positions, std::uint64_t agent) const {
+  void fetchAhead(const Word* positions, std::uint64_t agent, std::uint64_t end) const {
     constexpr std::uint64_t kAgentsAhead = 4;
-    if (agent + 2 * kAgentsAhead >= agents_) return;
+    if (agent + 2 * kAgentsAhead >= end) return;
     lists_.prefetchRow(positions[agent + 2 * kAgentsAhead]);
     lists_.prefetchNeighbours(positions[agent + kAgentsAhead]);
   }
@@ -151,7 +179,7 @@ class DynamicMover {
   Restarts restarts_;
   AgentMemories<Word>& memories_;
   const VEQNetwork* agentsNetwork_;
-  WalkDraws draws_;
+  SharedTiles tiles_;
   Idling idling_;
 };
 

@@ -9,6 +9,7 @@
 #include "veq/agents/internal/tiles.hpp"
 #include "veq/agents/internal/walk_history.hpp"
 #include "veq/agents/vertex_paths.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/network/internal/network_core.hpp"
 
 namespace veq::internal {
@@ -21,12 +22,13 @@ class MoveLog {
   /// std::length_error or std::bad_alloc where paths of all steps cannot be had.
   /// All steps will be made unless the walk may end early.
   MoveLog(GroupState& group, WalkHistory<Word>& history, std::uint64_t steps, bool withPaths,
-          bool mayEndEarly)
+          bool mayEndEarly, Team& team)
       : group_(group),
         history_(history),
         stepsLeft_(steps),
         withPaths_(withPaths),
-        mayEndEarly_(mayEndEarly) {
+        mayEndEarly_(mayEndEarly),
+        team_(team) {
     if (group.agents == 0) return;
     if (withPaths && steps > UINT64_MAX / group.agents) {
       throw std::length_error("The paths of a walk have less than 2^64 entries.");
@@ -71,7 +73,7 @@ class MoveLog {
   void end(bool inHaste) noexcept {
     publish();
     const std::lock_guard guard(group_.historyLock);
-    history_.endWalk(inHaste);
+    history_.endWalk(inHaste, team_);
   }
 
   /// The paths up to the last step committed, after end().
@@ -90,7 +92,7 @@ class MoveLog {
     const std::lock_guard guard(group_.historyLock);
     stepsPerRun_ = history_.stepsPerRun();
     const std::uint64_t run = std::min(stepsLeft_, stepsPerRun_);
-    room_ = history_.roomFor(mayEndEarly_ && !withPaths_ ? run : stepsLeft_, withPaths_);
+    room_ = history_.roomFor(mayEndEarly_ && !withPaths_ ? run : stepsLeft_, withPaths_, team_);
     isReady_ = room_.steps != 0;
   }
   void keepBlock() {
@@ -112,6 +114,7 @@ class MoveLog {
   std::uint64_t stepsDone_ = 0;
   bool withPaths_;
   bool mayEndEarly_;
+  Team& team_;
   bool isReady_ = false;  // for the next steps and to be published
   std::uint64_t stepsPerRun_ = 1;
   MoveRoom<Word> room_;

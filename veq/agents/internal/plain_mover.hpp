@@ -4,9 +4,11 @@
 #include <cstdint>
 
 #include "veq/agents/internal/choice.hpp"
+#include "veq/agents/internal/shared_tiles.hpp"
 #include "veq/agents/internal/tiles.hpp"
 #include "veq/agents/internal/walk_draws.hpp"
 #include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/network/internal/adjacency_lists.hpp"
 
 namespace veq::internal {
@@ -16,26 +18,29 @@ template <class Index, class Word, class Choice>
 class PlainMover {
  public:
   static constexpr bool kCanRewind = true;
+  static constexpr Meetings kMeetings = Meetings::kSeldom;
 
   PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps,
-             Choice choice, Restarts restarts)
+             Choice choice, Restarts restarts, Team& team)
       : rows_(lists.rows()),
         neighbours_(lists.neighbourPool()),
         agents_(agents),
         choice_(choice),
         restarts_(restarts),
-        draws_(agents, steps, restarts_.happen() ? 2 : 1) {}
+        tiles_(agents, steps, restarts_.happen() ? 2 : 1, team, kMeetings) {}
 
   void draw(const RandomSource& source, std::uint64_t steps, bool endless) {
-    draws_.take(source, steps, endless);
+    tiles_.take(source, steps, endless);
   }
 
-  [[nodiscard]] std::uint64_t purposes() const { return draws_.purposes(); }
+  [[nodiscard]] std::uint64_t purposes() const { return tiles_.purposes(); }
 
   void walk(Word* positions, Word* moves, std::uint64_t steps) {
-    draws_.fill(steps);
-    restarts_.happen() ? walkAll<true>(positions, moves, steps)
-                       : walkAll<false>(positions, moves, steps);
+    tiles_.forEach(steps, [&](const WalkDraws& draws, AgentRange agents, std::uint64_t first,
+                              std::uint64_t some) {
+      restarts_.happen() ? walkAll<true>(draws, positions, moves + first * agents_, agents, some)
+                         : walkAll<false>(draws, positions, moves + first * agents_, agents, some);
+    });
   }
 
   /// Steps in which nobody moves change nothing, but restarts end them.
@@ -47,32 +52,38 @@ class PlainMover {
   enum Purpose : std::uint8_t { kNextVertex, kRestart };
 
   template <bool kRestarts>
-  void walkAll(Word* positions, Word* moves, std::uint64_t steps) {
-    if (agents_ == 1) return walkOne<kRestarts>(*positions, moves, steps);
-    for (std::uint64_t first = 0; first < agents_; first += kAgentsAtOnce) {
-      walkSome<kRestarts>(positions, moves, first, std::min(agents_ - first, kAgentsAtOnce), steps);
+  void walkAll(const WalkDraws& draws, Word* positions, Word* moves, AgentRange agents,
+               std::uint64_t steps) {
+    if (agents_ == 1) return walkOne<kRestarts>(draws, *positions, moves, steps);
+    for (std::uint64_t first = agents.first; first < agents.end; first += kAgentsAtOnce) {
+      const AgentRange some{first, std::min(first + kAgentsAtOnce, agents.end)};
+      walkSome<kRestarts>(draws, positions, moves, some, steps);
     }
   }
 
   // Moves some neighbouring agents by all steps, in rounds of two passes: each pass fetches ahead
   // what the next will read, so that the agents wait for memory together.
   template <bool kRestarts>
-  void walkSome(Word* positions, Word* moves, std::uint64_t first, std::uint64_t some,
+  void walkSome(const WalkDraws& allDraws, Word* positions, Word* moves, AgentRange agents,
                 std::uint64_t steps) {
-    const std::uint32_t* draws = draws_[kNextVertex] + first;
-    const std::uint32_t* restarts = kRestarts ? draws_[kRestart] + first : nullptr;
-    positions += first;
+    const auto [first, end] = agents;
+    const std::uint64_t some = end - first;
+    const std::uint32_t* draws = allDraws[kNextVertex] + first;
+    const std::uint32_t* restarts = kRestarts ? allDraws[kRestart] + first : nullptr;
     moves += first;
+    // Of its own, for other threads write to what lies beside.
+    Word at[kAgentsAtOnce];
+    std::copy_n(positions + first, some, at);
     Index chosen[kAgentsAtOnce];
     for (std::uint64_t s = 0; s < steps; ++s, draws += agents_, moves += agents_) {
       for (std::uint64_t i = 0; i < some; ++i) {
-        chosen[i] = choice_(rows_[positions[i]], draws[i]);
+        chosen[i] = choice_(rows_[at[i]], draws[i]);
         prefetchElement(neighbours_, chosen[i]);
       }
       for (std::uint64_t i = 0; i < some; ++i) {
         if constexpr (kRestarts) {
           if (restarts[i] < restarts_.threshold) {
-            positions[i] = moves[i] = static_cast<Word>(restarts_.starts[first + i]);
+            at[i] = moves[i] = static_cast<Word>(restarts_.starts[first + i]);
             continue;
           }
         }
@@ -82,19 +93,20 @@ class PlainMover {
         }
         const auto to = static_cast<Word>(neighbours_[chosen[i]]);
         prefetch(rows_ + to);
-        positions[i] = moves[i] = to;
+        at[i] = moves[i] = to;
       }
       if constexpr (kRestarts) restarts += agents_;
     }
+    std::copy_n(at, some, positions + first);
   }
 
   template <bool kRestarts>
-  void walkOne(Word& position, Word* moves, std::uint64_t steps) {
-    const std::uint32_t* const draws = draws_[kNextVertex];
+  void walkOne(const WalkDraws& allDraws, Word& position, Word* moves, std::uint64_t steps) {
+    const std::uint32_t* const draws = allDraws[kNextVertex];
     Word at = position;
     for (std::uint64_t s = 0; s < steps; ++s) {
       if constexpr (kRestarts) {
-        if (draws_[kRestart][s] < restarts_.threshold) {
+        if (allDraws[kRestart][s] < restarts_.threshold) {
           moves[s] = at = static_cast<Word>(restarts_.starts[0]);
           continue;
         }
@@ -114,7 +126,7 @@ class PlainMover {
   std::uint64_t agents_;
   Choice choice_;
   Restarts restarts_;
-  WalkDraws draws_;
+  SharedTiles tiles_;
 };
 
 }  // namespace veq::internal

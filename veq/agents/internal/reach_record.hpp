@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <span>
 
 #include "veq/agents/agent_information.hpp"
 #include "veq/agents/internal/tiles.hpp"
@@ -34,14 +35,17 @@ class ReachRecord {
     information_.visitedVertices = static_cast<unsigned char*>(marks);
   }
 
+  /// Whether an arrival at the vertex would leave the record as it is.
+  [[nodiscard]] bool has(std::uint64_t vertex) const {
+    return information_.visitedVertices[vertex] != 0;
+  }
   /// Takes the steps into the record one by one until the target is met, and answers how many that
-  /// were; whether it was met is in `met`.
-  template <class Index>
-  std::uint64_t take(const Index* moves, std::uint64_t agents, std::uint64_t steps, double target,
-                     bool& met) {
+  /// were; whether it was met is in `met`. `movesOf(s)` gives the moves of one.
+  template <class MovesOf>
+  std::uint64_t take(const MovesOf& movesOf, std::uint64_t steps, double target, bool& met) {
     std::uint64_t taken = 0;
     while (taken < steps && !met) {
-      mark(moves + taken * agents, agents);
+      mark(movesOf(taken));
       ++taken;
       met = isMet(target);
     }
@@ -65,17 +69,17 @@ class ReachRecord {
   }
 
  private:
-  template <class Index>
-  void mark(const Index* moves, std::uint64_t agents) {
+  template <class Word>
+  void mark(std::span<const Word> moves) {
     if (marked_ == vertices_) return;
     // A mark is a character, which might lie in this record for all that the compiler knows: what
     // the loop needs stays outside.
     unsigned char* const marks = information_.visitedVertices;
     std::uint64_t fresh = 0;
-    for (std::uint64_t a = 0; a < agents; ++a) {
-      if (moves[a] == kStayed<Index>) continue;
-      fresh += marks[moves[a]] == 0;
-      marks[moves[a]] = 1;
+    for (const Word to : moves) {
+      if (to == kStayed<Word>) continue;
+      fresh += marks[to] == 0;
+      marks[to] = 1;
     }
     marked_ += fresh;
   }

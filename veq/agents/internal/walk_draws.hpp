@@ -33,7 +33,13 @@ class WalkDraws {
     for (std::uint64_t i = 0; i < streams; ++i) streams_.push_back(source.take(count));
   }
 
-  /// Draws for the next steps.
+  /// Takes the same as others have, which have not been filled yet.
+  void takeAs(const WalkDraws& others) {
+    isEndless_ = others.isEndless_;
+    for (const RandomStream& stream : others.streams_) streams_.push_back(stream);
+  }
+
+  /// Draws for the next steps, of which there are stepsPerTile() at most.
   void fill(std::uint64_t steps) {
     if (!isEndless_) {
       for (std::size_t i = 0; i < draws_.size(); ++i) {

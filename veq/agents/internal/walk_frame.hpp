@@ -11,12 +11,14 @@
 #include "veq/agents/internal/arrival_record.hpp"
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/agents/internal/move_log.hpp"
+#include "veq/agents/internal/moves_of_steps.hpp"
 #include "veq/agents/internal/tiles.hpp"
 #include "veq/agents/internal/walk_draws.hpp"
 #include "veq/agents/internal/walk_history.hpp"
 #include "veq/agents/vertex_paths.hpp"
 #include "veq/agents/walk_outcome.hpp"
 #include "veq/base/internal/pace.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/uint128.hpp"
 #include "veq/base/progress.hpp"
 #include "veq/models/internal/random_source.hpp"
@@ -37,6 +39,7 @@ struct WalkRequest {
   /// To be followed and stopped by, and to be told of first arrivals, where somebody wants that.
   const Progress* progress = nullptr;
   ArrivalRecord* arrivals = nullptr;
+  unsigned threads = 1;
 };
 
 struct WalkResult {
@@ -49,25 +52,29 @@ struct WalkResult {
 /// paths. The moves are a Mover's:
 ///   static constexpr bool kCanRewind: whether the last steps can be taken back by putting the
 ///     agents back to where they stood;
+///   static constexpr Meetings kMeetings: how long its moves take;
 ///   draw(source, steps, endless): takes its numbers; must not fail;
 ///   purposes(): how many numbers it takes for each agent and step;
-///   walk(Word* positions, Word* moves, steps): moves all agents by some steps (up to
-///     stepsPerTile), and writes for each step where each agent arrived, or kStayed;
-///   bool skip(steps): if it can, brings itself at once to where so many further steps would bring
+///   walk(Word* positions, Word* moves, steps): moves all agents by some steps, and writes for each
+///   step where each agent arrived, or kStayed; bool skip(steps): if it can, brings itself at once
+///   to where so many further steps would bring
 ///     it in which nobody moves, as nobody did in the last one; must not fail.
 template <class Word, class Mover>
 class WalkFrame {
  public:
   /// Throws before anything is changed or drawn.
-  WalkFrame(GroupState& group, WalkHistory<Word>& history, const WalkRequest& request, Mover& mover)
+  WalkFrame(GroupState& group, WalkHistory<Word>& history, const WalkRequest& request, Mover& mover,
+            Team& team)
       : group_(group),
         request_(request),
         mover_(mover),
+        longestTile_(stepsPerMeeting(group.agents, team, Mover::kMeetings)),
         positions_(group.ownPositions().begin(),
                    group.ownPositions().begin() + static_cast<std::ptrdiff_t>(group.agents)),
         hasTarget_(request.untilReach > 0.0),
         log_(group, history, request.steps, request.returnPath && !request.endless,
-             hasTarget_ || request.endless) {
+             hasTarget_ || request.endless, team) {
+    if (hasTarget_ || request.arrivals) newMoves_.emplace(group.agents, longestTile_, team);
     if (request.returnPath && request.endless) grown_ = std::make_shared<Block<Word>>();
     if (!hasTarget_) return;
     before_.resize(positions_.size());
@@ -96,9 +103,8 @@ class WalkFrame {
   void walk() {
     std::optional<Pace> pace;
     if (request_.progress) pace.emplace(*request_.progress, request_.endless ? 0 : request_.steps);
-    const std::uint64_t longest = stepsPerTile(group_.agents);
     // A target may be met at once, so the first tiles are short.
-    std::uint64_t tile = hasTarget_ ? 1 : longest;
+    std::uint64_t tile = hasTarget_ ? 1 : longestTile_;
     while (done_ < request_.steps) {
       if (pace && pace->shallStop(done_)) {
         end_ = WalkEnd::kStopped;
@@ -109,7 +115,7 @@ class WalkFrame {
       if (steps == 0) continue;
       if (walkTile(steps)) return;
       if (!Mover::kCanRewind && hasTarget_) continue;
-      tile = std::min(2 * tile, longest);
+      tile = std::min(2 * tile, longestTile_);
     }
   }
 
@@ -121,11 +127,18 @@ class WalkFrame {
     mover_.walk(positions_.data(), moves, steps);
     std::uint64_t taken = steps;
     bool met = false;
+    const MovesOfSteps<Word> all{moves, group_.agents};
     if (hasTarget_) {
-      taken = group_.reached.take(moves, group_.agents, steps, request_.untilReach, met);
+      ReachRecord& reached = group_.reached;
+      newMoves_->give(all, steps, reached, [&](const auto& movesOf) {
+        taken = reached.take(movesOf, steps, request_.untilReach, met);
+      });
       if (taken < steps) rewind(moves, taken);
     }
-    if (request_.arrivals) request_.arrivals->take(moves, group_.agents, taken, done_ + 1);
+    if (ArrivalRecord* const arrivals = request_.arrivals) {
+      newMoves_->give(all, taken, *arrivals,
+                      [&](const auto& movesOf) { arrivals->take(movesOf, taken, done_ + 1); });
+    }
     if (grown_) {
       std::copy_n(moves, taken * group_.agents, grown_->data() + done_ * group_.agents);
     }
@@ -176,28 +189,32 @@ class WalkFrame {
   GroupState& group_;
   WalkRequest request_;
   Mover& mover_;
+  std::uint64_t longestTile_;
   std::vector<Word> positions_;
   std::vector<Word> before_;  // the positions at a tile's beginning
   bool hasTarget_;
   MoveLog<Word> log_;
+  std::optional<NewMoves<Word>> newMoves_;  // where a record takes them
   /// The paths of a walk without a number of steps.
   Shared<Block<Word>> grown_;
   std::uint64_t done_ = 0;
   WalkEnd end_ = WalkEnd::kSteps;
 };
 
-/// Walks with the movers that `makeMover(topology, history)` makes for the network's lists and the
-/// group's history in their widths.
+/// Walks with the movers that `makeMover(topology, history, team)` makes for the network's lists
+/// and the group's history in their widths.
 template <class MakeMover>
 WalkResult runWalk(GroupState& group, const WalkRequest& request, MakeMover makeMover) {
   const WalkUnderWay walk(group);
   requireAgentsWithin(group);
   const auto& store = CoreAccess::of(*group.network).store;
+  const bool isLarge = group.agents > 16 && request.steps >= Team::worthSharing / group.agents;
+  Team team(isLarge ? request.threads : 1);
   return std::visit(
       [&]<class Word>(WalkHistory<Word>& history) {
         return store.visit([&](const auto& topology) {
-          auto mover = makeMover(topology, history);
-          return WalkFrame<Word, decltype(mover)>(group, history, request, mover).run();
+          auto mover = makeMover(topology, history, team);
+          return WalkFrame<Word, decltype(mover)>(group, history, request, mover, team).run();
         });
       },
       group.history);

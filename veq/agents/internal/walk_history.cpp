@@ -1,6 +1,7 @@
 #include "veq/agents/internal/walk_history.hpp"
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <span>
 #include <utility>
@@ -17,6 +18,10 @@ constexpr std::uint64_t kSmallestRun = std::uint64_t{1} << 20;
 template <class Word>
 constexpr std::uint64_t kAgentsPerLine = 64 / sizeof(Word);
 constexpr std::uint64_t kStepsAtOnce = 512;
+// How often all moves of a run are read at most, by threads that count some of them.
+constexpr std::uint64_t kMostReadings = 8;
+// A move waits longer for where it is counted than one among many agents takes.
+constexpr std::uint64_t kWorkOfCounting = 2;
 
 std::uint64_t product(std::uint64_t a, std::uint64_t b) {
   return b != 0 && a > UINT64_MAX / b ? UINT64_MAX : a * b;
@@ -55,15 +60,15 @@ std::uint64_t WalkHistory<Word>::logLimit() const {
 }
 
 template <class Word>
-MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
-  if (staysBehind()) return {};
+MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll, Team& team) {
+  if (staysBehind(team)) return {};
   reserveOneMore(log_);
   const std::uint64_t limit = logLimit();
   const std::uint64_t stepsLeft = (limit - std::min(limit, logBytes_)) / (agents_ * sizeof(Word));
   if (!isCounting_ && room_.steps < steps && (forAll ? steps : steps - room_.steps) > stepsLeft) {
-    beginToCountLog();
+    beginToCountLog(team);
     isCounting_ = true;
-    if (staysBehind()) return {};
+    if (staysBehind(team)) return {};
   }
   // Twice as many, for runs of paths end with the first tile beyond.
   if (isCounting_) prepareToCount(2 * stepsPerRun());
@@ -86,7 +91,7 @@ MoveRoom<Word> WalkHistory<Word>::roomFor(std::uint64_t steps, bool forAll) {
 template <class Word>
 void WalkHistory<Word>::append(std::uint64_t steps) noexcept {
   // Before anybody's arrays get ahead of it.
-  if (walkToCount_ != walks_ + 1) countArrivalsOfWalk();
+  if (walkToCount_ != walks_ + 1) countArrivalsOfWalk(Team::alone());
   if (log_.empty() || log_.back().block != block_) logBytes_ += block_->size() * sizeof(Word);
   log_.push_back({block_, room_.first, steps, walks_ + 1});
   room_.first += steps * agents_;
@@ -94,6 +99,7 @@ void WalkHistory<Word>::append(std::uint64_t steps) noexcept {
   if (!isCounting_) return;
   arrivalsCounted_ = logEnd();
   walkToCount_ = walks_ + 1;
+  stepsToCount_ = steps;
   agentToCount_ = 0;
 }
 
@@ -128,50 +134,75 @@ void WalkHistory<Word>::prepareToCount(std::uint64_t steps) {
 }
 
 template <class Word>
-void WalkHistory<Word>::fold() {
-  beginToCountLog();
-  catchUp();
+void WalkHistory<Word>::fold(Team& team) {
+  beginToCountLog(team);
+  catchUp(team);
 }
 
 template <class Word>
-void WalkHistory<Word>::beginToCountLog() {
-  catchUp();
+void WalkHistory<Word>::beginToCountLog(Team& team) {
+  catchUp(team);
   if (log_.empty()) return;
   std::uint64_t steps = 0;
   for (const MoveRun<Word>& run : log_) steps += run.steps;
   prepareToCount(steps);
-  countArrivalsOfWalk();
+  countArrivalsOfWalk(team);
+  stepsToCount_ = steps;
   agentToCount_ = 0;
 }
 
 template <class Word>
-bool WalkHistory<Word>::staysBehind() noexcept {
-  if (isBehind()) countSome();
+bool WalkHistory<Word>::staysBehind(Team& team) noexcept {
+  if (isBehind()) countSome(team);
   return isBehind();
 }
 
 template <class Word>
-void WalkHistory<Word>::catchUp() noexcept {
-  while (isBehind()) countSome();
+void WalkHistory<Word>::catchUp(Team& team) noexcept {
+  while (isBehind()) countSome(team);
 }
 
 // Into the group's arrivals, and then into the histories of some agents after those of others.
 // Where moves are an agent's first on a large network most of them wait for a page, so that few are
 // enough.
 template <class Word>
-void WalkHistory<Word>::countSome() noexcept {
+void WalkHistory<Word>::countSome(Team& team) noexcept {
   std::uint64_t moves = 0;
   while (arrivalsCounted_ < logEnd()) {
-    moves += countArrivalsOfRun();
+    moves += countArrivalsOfRun(team);
     if (moves >= kMovesPerTile) return;
   }
   while (isBehind()) {
-    const std::uint64_t agents = std::min(kAgentsPerLine<Word>, agents_ - agentToCount_);
-    moves += bringUpToDate(agentToCount_, agents, kMovesPerTile - moves);
+    moves += countLines(team, kMovesPerTile - moves);
     if (moves >= kMovesPerTile) return;
-    agentToCount_ += agents;
   }
   emptyLog();
+}
+
+// Those of the next agents, a line of the cache or as many lines as keep all threads busy, and up
+// to so many moves of each. Answers how many that were.
+template <class Word>
+std::uint64_t WalkHistory<Word>::countLines(Team& team, std::uint64_t most) noexcept {
+  std::array<std::uint64_t, 16> done;
+  const std::uint64_t left =
+      (agents_ - agentToCount_ + kAgentsPerLine<Word> - 1) / kAgentsPerLine<Word>;
+  const std::uint64_t lines = team.threads() == 1 ? 1 : std::min<std::uint64_t>(left, done.size());
+  const auto agentsOf = [this](std::uint64_t first) {
+    return std::min(kAgentsPerLine<Word>, agents_ - first);
+  };
+  const std::uint64_t moves = std::min(product(stepsToCount_, kAgentsPerLine<Word>), most);
+  team.forEachPiece(lines, kWorkOfCounting * lines * moves, [&](std::uint64_t line) {
+    const std::uint64_t first = agentToCount_ + line * kAgentsPerLine<Word>;
+    done[line] = bringUpToDate(first, agentsOf(first), most);
+  });
+  std::uint64_t all = 0;
+  bool isComplete = true;
+  for (std::uint64_t line = 0; line < lines; ++line) {
+    all += done[line];
+    isComplete = isComplete && done[line] < most;
+    if (isComplete) agentToCount_ += agentsOf(agentToCount_);
+  }
+  return all;
 }
 
 template <class Word>
@@ -213,13 +244,13 @@ std::uint64_t WalkHistory<Word>::bringUpToDate(std::uint64_t first, std::uint64_
 }
 
 template <class Word>
-void WalkHistory<Word>::endWalk(bool inHaste) noexcept {
-  if (!inHaste || totals_ || !live_.empty()) catchUp();
+void WalkHistory<Word>::endWalk(bool inHaste, Team& team) noexcept {
+  if (!inHaste || totals_ || !live_.empty()) catchUp(team);
   ++walks_;
   isCounting_ = false;
-  for (const std::uint64_t agent : live_) bringUpToDate(agent, 1, UINT64_MAX);
+  bringArraysUpToDate(team);
   if (totals_) {
-    countArrivals();
+    countArrivals(team);
     const auto totals = totals_->values<std::int64_t>();
     for (std::uint64_t v = 0; v < vertices_; ++v) {
       totals[v] =
@@ -234,50 +265,75 @@ void WalkHistory<Word>::endWalk(bool inHaste) noexcept {
 }
 
 template <class Word>
-void WalkHistory<Word>::countArrivals() {
-  if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
-  catchUp();
-  countArrivalsOfWalk();
-  while (arrivalsCounted_ < logEnd()) countArrivalsOfRun();
+void WalkHistory<Word>::bringArraysUpToDate(Team& team) noexcept {
+  if (live_.empty()) return;
+  std::uint64_t steps = 0;
+  for (std::uint64_t r = histories_[live_[0]].counted; r < logEnd(); ++r) {
+    steps += log_[r - logBegin_].steps;
+  }
+  team.forEachPiece(live_.size(), kWorkOfCounting * steps * live_.size(),
+                    [this](std::uint64_t i) { bringUpToDate(live_[i], 1, UINT64_MAX); });
 }
 
-// Answers how many moves that were.
 template <class Word>
-std::uint64_t WalkHistory<Word>::countArrivalsOfRun() noexcept {
+void WalkHistory<Word>::countArrivals(Team& team) {
+  if (arrivals_.empty()) arrivals_ = Block<Arrivals>(vertices_);
+  catchUp(team);
+  countArrivalsOfWalk(team);
+  while (arrivalsCounted_ < logEnd()) countArrivalsOfRun(team);
+}
+
+// Answers how many moves that were. Each thread counts those to some of the vertices.
+template <class Word>
+std::uint64_t WalkHistory<Word>::countArrivalsOfRun(Team& team) noexcept {
   const MoveRun<Word>& run = log_[arrivalsCounted_++ - logBegin_];
-  Arrivals* const arrivals = arrivals_.data();
-  const std::uint64_t walk = run.walk;
   const std::uint64_t moves = run.steps * agents_;
-  for (const Word* to = run.first; to != run.first + moves; ++to) {
-    if (*to == kStayed<Word>) continue;
-    ++arrivals[*to].count;
-    arrivals[*to].walks += walk;
-  }
+  const std::uint64_t pieces = std::min<std::uint64_t>(team.threads(), kMostReadings);
+  const std::uint64_t some = vertices_ / pieces + 1;
+  team.forEachPiece(pieces, kWorkOfCounting * moves, [&](std::uint64_t piece) {
+    Arrivals* const arrivals = arrivals_.data();
+    const std::uint64_t walk = run.walk;
+    const std::uint64_t first = std::min(piece * some, vertices_);
+    const auto begin = static_cast<Word>(first);
+    const auto count = static_cast<Word>(std::min(some, vertices_ - first));
+    for (const Word* to = run.first; to != run.first + moves; ++to) {
+      if (static_cast<Word>(*to - begin) >= count) continue;  // so it is where an agent stayed, too
+      ++arrivals[*to].count;
+      arrivals[*to].walks += walk;
+    }
+  });
   return moves;
 }
 
 // What the agents' histories have counted beyond the group's came in one walk, and all of what they
 // have counted is in both then.
 template <class Word>
-void WalkHistory<Word>::countArrivalsOfWalk() noexcept {
+void WalkHistory<Word>::countArrivalsOfWalk(Team& team) noexcept {
   if (walkToCount_ == 0) return;
-  for (std::uint64_t v = 0; v < vertices_; ++v) {
-    arrivals_[v].walks -= walkToCount_ * std::exchange(arrivals_[v].count, 0);
-  }
-  for (const AgentHistory& history : histories_) {
-    history.forEachVisits([this](std::uint64_t v, std::uint64_t n) { arrivals_[v].count += n; });
-  }
-  for (std::uint64_t v = 0; v < vertices_; ++v) {
-    arrivals_[v].walks += walkToCount_ * arrivals_[v].count;
-  }
+  const std::uint64_t pieces = team.threads() == 1 ? 1 : 4 * std::uint64_t{team.threads()};
+  const std::uint64_t some = vertices_ / pieces + 1;
+  team.forEachPiece(pieces, product(agents_, vertices_), [&](std::uint64_t piece) {
+    const std::uint64_t begin = std::min(piece * some, vertices_);
+    const std::uint64_t end = std::min(begin + some, vertices_);
+    for (std::uint64_t v = begin; v < end; ++v) {
+      arrivals_[v].walks -= walkToCount_ * std::exchange(arrivals_[v].count, 0);
+    }
+    for (const AgentHistory& history : histories_) {
+      history.forEachVisits(begin, end,
+                            [this](std::uint64_t v, std::uint64_t n) { arrivals_[v].count += n; });
+    }
+    for (std::uint64_t v = begin; v < end; ++v) {
+      arrivals_[v].walks += walkToCount_ * arrivals_[v].count;
+    }
+  });
   walkToCount_ = 0;
 }
 
 template <class Word>
-Shared<const VEQNumberArray> WalkHistory<Word>::totals() {
+Shared<const VEQNumberArray> WalkHistory<Word>::totals(Team& team) {
   if (totals_) return totals_;
   Shared<VEQNumberArray> made = VEQNumberArray::initWithIntegerScalar_count(0, vertices_);
-  countArrivals();
+  countArrivals(team);
   const auto totals = made->values<std::int64_t>();
   // An arrival in walk k was there at the end of K + 1 - k of the K walks.
   for (std::uint64_t v = 0; v < vertices_; ++v) {
@@ -303,9 +359,9 @@ const AgentArrays& WalkHistory<Word>::arraysOf(std::uint64_t agent) {
 }
 
 template <class Word>
-std::vector<std::uint64_t> WalkHistory<Word>::visits() {
+std::vector<std::uint64_t> WalkHistory<Word>::visits(Team& team) {
   std::vector<std::uint64_t> counts(vertices_);
-  countArrivals();
+  countArrivals(team);
   for (std::uint64_t v = 0; v < vertices_; ++v) counts[v] = arrivals_[v].count;
   return counts;
 }
@@ -315,7 +371,7 @@ std::vector<std::uint64_t> WalkHistory<Word>::visitsOf(std::uint64_t agent) {
   makeHistories();
   std::vector<std::uint64_t> counts(vertices_);
   const AgentHistory& history = histories_[agent];
-  history.forEachVisits([&](std::uint64_t v, std::uint64_t n) { counts[v] = n; });
+  history.forEachVisits(0, vertices_, [&](std::uint64_t v, std::uint64_t n) { counts[v] = n; });
   for (std::uint64_t r = history.counted; r < logEnd(); ++r) {
     const MoveRun<Word>& run = log_[r - logBegin_];
     const Word* to = run.first + agent;

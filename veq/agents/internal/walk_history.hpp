@@ -5,6 +5,7 @@
 
 #include "veq/agents/internal/agent_history.hpp"
 #include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/base/ownership.hpp"
 #include "veq/numeric/number_array.hpp"
 
@@ -39,7 +40,8 @@ struct MoveRoom {
 /// two forms that take less: a log of moves, and tallies for each agent, which take half as much as
 /// the arrays. The log may take the other half. A walk that has no room there is counted into the
 /// tallies as it goes, a run at a time, while the processor's cache holds its moves. A Word holds
-/// any vertex, and one value more. Not safe for several threads by itself.
+/// any vertex, and one value more. Not safe for several threads by itself; a team counts different
+/// agents, or vertices, on each of its own.
 template <class Word>
 class WalkHistory {
  public:
@@ -53,7 +55,8 @@ class WalkHistory {
   /// until the next append(), which cannot fail then. For no step while earlier ones have to be
   /// counted first: each call counts some, so that nobody waits long. std::bad_alloc where there is
   /// none.
-  [[nodiscard]] MoveRoom<Word> roomFor(std::uint64_t steps, bool forAll);
+  [[nodiscard]] MoveRoom<Word> roomFor(std::uint64_t steps, bool forAll,
+                                       Team& team = Team::alone());
   /// The block in which that lies.
   [[nodiscard]] Shared<const void> block() const { return block_; }
   /// Takes steps that have been written there.
@@ -61,18 +64,18 @@ class WalkHistory {
   /// Brings all arrays that have been handed out up to date, and the group's totals by the whole of
   /// every agent's visits. O(n) while the totals are out. In haste, and where nobody has such
   /// arrays, what is not counted yet is left to the next walk or question.
-  void endWalk(bool inHaste = false) noexcept;
+  void endWalk(bool inHaste = false, Team& team = Team::alone()) noexcept;
   /// After how many steps append() is to be called.
   [[nodiscard]] std::uint64_t stepsPerRun() const;
   /// @}
 
   /// Counts all moves of the log and empties it. std::bad_alloc loses nothing.
-  void fold();
+  void fold(Team& team = Team::alone());
 
   /// \name The arrays, live
   /// The same objects at every call. std::bad_alloc where one cannot be made.
   /// @{
-  [[nodiscard]] Shared<const VEQNumberArray> totals();
+  [[nodiscard]] Shared<const VEQNumberArray> totals(Team& team = Team::alone());
   [[nodiscard]] Shared<const VEQNumberArray> zeros();
   [[nodiscard]] const AgentArrays& arraysOf(std::uint64_t agent);
   /// @}
@@ -81,7 +84,7 @@ class WalkHistory {
   /// How often each vertex was arrived at, by all agents or by one. During a walk as far as
   /// append() was told.
   /// @{
-  [[nodiscard]] std::vector<std::uint64_t> visits();
+  [[nodiscard]] std::vector<std::uint64_t> visits(Team& team = Team::alone());
   [[nodiscard]] std::vector<std::uint64_t> visitsOf(std::uint64_t agent);
   /// @}
 
@@ -100,18 +103,20 @@ class WalkHistory {
   void makeHistories();
   void makeArrays(std::uint64_t agent);
   void prepareToCount(std::uint64_t steps);
-  void beginToCountLog();
+  void beginToCountLog(Team& team);
   [[nodiscard]] bool isBehind() const { return agentToCount_ < agents_; }
-  void countSome() noexcept;
+  void countSome(Team& team) noexcept;
+  std::uint64_t countLines(Team& team, std::uint64_t most) noexcept;
   /// Whether there is more to count than it counts now.
-  [[nodiscard]] bool staysBehind() noexcept;
-  void catchUp() noexcept;
+  [[nodiscard]] bool staysBehind(Team& team) noexcept;
+  void catchUp(Team& team) noexcept;
   void emptyLog() noexcept;
   std::uint64_t bringUpToDate(std::uint64_t first, std::uint64_t agents,
                               std::uint64_t moves) noexcept;
-  void countArrivals();
-  std::uint64_t countArrivalsOfRun() noexcept;
-  void countArrivalsOfWalk() noexcept;
+  void bringArraysUpToDate(Team& team) noexcept;
+  void countArrivals(Team& team);
+  std::uint64_t countArrivalsOfRun(Team& team) noexcept;
+  void countArrivalsOfWalk(Team& team) noexcept;
 
   std::uint64_t vertices_;
   std::uint64_t agents_;
@@ -127,6 +132,7 @@ class WalkHistory {
   bool isCounting_ = false;     // whether the walk under way is counted as it goes
   // While the log is being counted: the agents before have counted all of it.
   std::uint64_t agentToCount_ = UINT64_MAX;
+  std::uint64_t stepsToCount_ = 0;  // all that were in the log then
 
   std::vector<AgentHistory> histories_;  // empty until the first question or folding
   std::vector<std::uint64_t> live_;      // the agents that have arrays
