@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "gtest/gtest.h"
@@ -70,6 +71,42 @@ TEST(HitsBelow, GoesThroughSeveralChunksOfLanes) {
   for (const bool wideVectors : {false, wideVectorsRun()}) {
     expectEqualToSlowHits(2 * kChunk + 123457, 1 << 18, wideVectors);
   }
+}
+
+// Rare hits in stretches of 2^23 draws, others in stretches of 2^20.
+TEST(HitsBelow, IsTheSameForAnyNumberOfThreads) {
+  constexpr std::uint32_t kCommon = (std::uint32_t{1} << 26) + 1;
+  for (const auto& [total, threshold] : {std::pair{(std::uint64_t{2} << 23) + 77, 3000U},
+                                         {std::uint64_t{1} << 23, 3000U},
+                                         {(std::uint64_t{5} << 20) + 1, kCommon},
+                                         {std::uint64_t{7} << 20, kCommon}}) {
+    RandomStream slow = RandomStream::seeded(8);
+    const std::vector<std::uint64_t> expected = slowHits(slow, total, threshold);
+    for (const unsigned threads : {1U, 2U, 3U, 16U}) {
+      SCOPED_TRACE(testing::Message() << total << " draws, " << threads << " threads");
+      Team team(threads);
+      RandomStream stream = RandomStream::seeded(8);
+      std::vector<std::uint64_t> hits;
+      hitsBelow(
+          stream, total, threshold,
+          [&](std::span<const std::uint64_t> piece) {
+            hits.insert(hits.end(), piece.begin(), piece.end());
+          },
+          team);
+      EXPECT_TRUE(hits == expected);
+      EXPECT_EQ(stream, slow);
+    }
+  }
+}
+
+TEST(HitsBelow, OfThreadsLeavesTheStreamWhereItWasWhenTheSinkThrows) {
+  Team team(2);
+  RandomStream stream = RandomStream::seeded(3);
+  const RandomStream before = stream;
+  const HitSink refuse = [](std::span<const std::uint64_t>) { throw std::runtime_error("full"); };
+  EXPECT_THROW(hitsBelow(stream, std::uint64_t{3} << 20, 1 << 30, refuse, team),
+               std::runtime_error);
+  EXPECT_EQ(stream, before);
 }
 
 TEST(HitsBelow, NamesEveryPositionBelowTheUpperEnd) {

@@ -12,6 +12,7 @@
 
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/base/internal/memory.hpp"
+#include "veq/network/internal/component_forest.hpp"
 #include "veq/network/internal/components.hpp"
 #include "veq/network/internal/copied_properties.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -22,7 +23,6 @@ namespace veq {
 using internal::AdjacencyStore;
 using internal::Block;
 using internal::Components;
-using internal::ComponentSearch;
 using internal::CoreAccess;
 using internal::HandleRun;
 using internal::HeldWeights;
@@ -126,8 +126,7 @@ void logWeights(const std::optional<Weights>& edgesWeights) {
 std::vector<Shared<VEQNetwork>> VEQNetwork::connectedSubNetworksArray() const {
   const AdjacencyStore& store = core_->store;
   const Partition parts = store.visit([&store](const auto& topology) {
-    return Partition(ComponentSearch(topology, store.vertexCount()).run(), topology,
-                     store.edgeCount());
+    return Partition(internal::weakComponents(store, topology), topology, store.edgeCount());
   });
   std::vector<Shared<VEQNetwork>> result;
   result.reserve(parts.count());
@@ -140,8 +139,7 @@ std::vector<Shared<VEQNetwork>> VEQNetwork::connectedSubNetworksArray() const {
 Shared<VEQNetwork> VEQNetwork::largestConnectedSubNetwork() const {
   const AdjacencyStore& store = core_->store;
   const LargestPart largest = store.visit([&store](const auto& topology) {
-    return LargestPart(ComponentSearch(topology, store.vertexCount()).run(), topology,
-                       store.edgeCount());
+    return LargestPart(internal::weakComponents(store, topology), topology, store.edgeCount());
   });
   std::optional<Weights> verticesWeights =
       weightsAt(core_->verticesWeights, runOf(*core_, largest.vertices), core_->handles().vertices);

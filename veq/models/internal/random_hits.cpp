@@ -23,6 +23,10 @@ constexpr std::uint64_t kMostRounds = 8192;
 constexpr std::uint64_t kFewestRounds = 64;
 // Above this threshold, one draw in 32, hits are not rare.
 constexpr std::uint32_t kRare = std::uint32_t{1} << 26;
+// What a thread draws at once: so much that the jump there costs little, and so little that its
+// hits take some megabytes at most.
+constexpr std::uint64_t kRareStretch = std::uint64_t{1} << 23;
+constexpr std::uint64_t kStretch = std::uint64_t{1} << 20;
 
 template <std::size_t kBytes>
 struct VectorOf {
@@ -172,6 +176,37 @@ void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshol
     }
   }
   scanInOrder(current, done, total - done, threshold, sink);
+  stream = current;
+}
+
+void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshold,
+               const HitSink& sink, Team& team) {
+  const std::uint64_t stretch = threshold <= kRare ? kRareStretch : kStretch;
+  if (team.threads() == 1 || total <= stretch) return hitsBelow(stream, total, threshold, sink);
+  RandomStream current = stream;
+  std::vector<std::vector<std::uint64_t>> hits(2 * std::uint64_t{team.threads()});
+  for (std::uint64_t done = 0; done < total;) {
+    const std::uint64_t left = total - done;
+    const std::uint64_t pieces =
+        std::min<std::uint64_t>(hits.size(), left / stretch + (left % stretch != 0 ? 1 : 0));
+    team.forEachPiece(pieces, pieces * stretch, [&](std::uint64_t piece) {
+      const std::uint64_t skipped = piece * stretch;
+      std::vector<std::uint64_t>& found = hits[piece];
+      found.clear();
+      RandomStream own = current;
+      own.advance(skipped);
+      hitsBelow(own, std::min(stretch, left - skipped), threshold,
+                [&](std::span<const std::uint64_t> some) {
+                  for (const std::uint64_t hit : some) found.push_back(done + skipped + hit);
+                });
+    });
+    for (std::uint64_t piece = 0; piece < pieces; ++piece) {
+      if (!hits[piece].empty()) sink(hits[piece]);
+    }
+    const std::uint64_t drawn = std::min(left, pieces * stretch);
+    current.advance(drawn);
+    done += drawn;
+  }
   stream = current;
 }
 

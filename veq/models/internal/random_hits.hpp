@@ -6,6 +6,7 @@
 #include <functional>
 #include <span>
 
+#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/wide_vectors.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
@@ -20,5 +21,9 @@ using HitSink = std::function<void(std::span<const std::uint64_t>)>;
 /// double lies below p takes the threshold ceil(p x 2^31).
 void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshold,
                const HitSink& sink, bool wideVectors = wideVectorsRun());
+/// The same by several threads, each of which draws stretches of the run. The sink is called by
+/// this one alone.
+void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshold,
+               const HitSink& sink, Team& team);
 
 }  // namespace veq::internal

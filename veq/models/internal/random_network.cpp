@@ -8,7 +8,9 @@
 #include <span>
 #include <utility>
 
+#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/uint128.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/models/internal/random_hits.hpp"
 #include "veq/numeric/internal/element_storage.hpp"
 
@@ -61,11 +63,15 @@ void reserve(PairRows& rows, Uint128 pairs, double probability) {
 void linkBelow(PairRows& rows, RandomStream stream, Uint128 pairs, double probability) {
   const auto threshold = static_cast<std::uint32_t>(std::ceil(probability * 0x1p31));
   constexpr std::uint64_t kStretch = std::uint64_t{1} << 62;
+  Team team(parallelism());
   for (Uint128 start = 0; start < pairs;) {
     const auto stretch = static_cast<std::uint64_t>(std::min<Uint128>(pairs - start, kStretch));
-    hitsBelow(stream, stretch, threshold, [&](std::span<const std::uint64_t> hits) {
-      for (const std::uint64_t hit : hits) rows.link(start + hit);
-    });
+    hitsBelow(
+        stream, stretch, threshold,
+        [&](std::span<const std::uint64_t> hits) {
+          for (const std::uint64_t hit : hits) rows.link(start + hit);
+        },
+        team);
     start += stretch;
   }
 }
