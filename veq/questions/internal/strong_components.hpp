@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
+#include "veq/network/internal/component_forest.hpp"
 #include "veq/network/internal/components.hpp"
 
 namespace veq::internal {
@@ -111,7 +112,7 @@ template <class Index>
   if (strong && store.directed()) {
     return StrongComponentSearch<Index>(topology, store.vertexCount(), pace).run();
   }
-  return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
+  return weakComponents(store, topology, pace);
 }
 
 }  // namespace veq::internal

@@ -1,0 +1,142 @@
+/// \file
+/// Weakly connected components by several threads.
+#pragma once
+
+#include <algorithm>
+#include <atomic>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "veq/base/internal/atomic_ref.hpp"
+#include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/pace.hpp"
+#include "veq/base/internal/team.hpp"
+#include "veq/base/parallelism.hpp"
+#include "veq/network/internal/adjacency_store.hpp"
+#include "veq/network/internal/components.hpp"
+
+namespace veq::internal {
+
+/// Trees of vertices that are connected, in which everybody's parent is lower. Whoever links two
+/// trees puts the root that is higher below the other one, so that in the end the root of each tree
+/// is the lowest vertex of its component, in whatever order edges came.
+template <class Index>
+class ComponentForest {
+ public:
+  /// A pace is told of vertices.
+  ComponentForest(const Topology<Index>& topology, std::uint64_t vertices, std::uint64_t edges,
+                  Team& team, Pace* pace)
+      : topology_(topology), edges_(edges), team_(team), pace_(pace) {
+    parents_.resize(vertices);
+  }
+
+  Components<Index> run() && {
+    forEachRange(parents_.size(), 0, [this](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t v = begin; v < end; ++v) parents_[v] = static_cast<Index>(v);
+    });
+    forEachRange(edges_, parents_.size(), [this](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t e = begin; e < end; ++e) {
+        if (e + kAhead < end) {
+          prefetch(parents_.data() + topology_.from[e + kAhead]);
+          prefetch(parents_.data() + topology_.to[e + kAhead]);
+        }
+        link(topology_.from[e], topology_.to[e]);
+      }
+    });
+    forEachRange(parents_.size(), 0, [this](std::uint64_t begin, std::uint64_t end) {
+      for (std::uint64_t v = begin; v < end; ++v) set(v, rootOf(static_cast<Index>(v)));
+    });
+    return numbered();
+  }
+
+ private:
+  static constexpr std::uint64_t kAhead = 16;
+  static constexpr std::uint64_t kRange = std::uint64_t{1} << 14;
+  // So many ranges are worth a meeting, and are over in some milliseconds.
+  static constexpr std::uint64_t kRanges = 64;
+
+  // Calls f(begin, end) for ranges of so many things, which count as so many vertices.
+  template <class F>
+  void forEachRange(std::uint64_t count, std::uint64_t vertices, F f) {
+    for (std::uint64_t begin = 0; begin < count;) {
+      const std::uint64_t some = std::min(count - begin, kRanges * kRange);
+      team_.forEachPiece((some + kRange - 1) / kRange, some, [&](std::uint64_t range) {
+        const std::uint64_t first = begin + range * kRange;
+        f(first, std::min(first + kRange, begin + some));
+      });
+      if (pace_) pace_->advance(vertices * some / count);
+      begin += some;
+    }
+  }
+
+  // A thread may see an older parent than there is: it is a vertex of the same tree, too.
+  [[nodiscard]] Index parentOf(std::uint64_t vertex) {
+    return AtomicRef<Index>(parents_[vertex]).load(std::memory_order_relaxed);
+  }
+  void set(std::uint64_t vertex, Index parent) {
+    AtomicRef<Index>(parents_[vertex]).store(parent, std::memory_order_relaxed);
+  }
+
+  // Leaves those on the way nearer to it.
+  Index rootOf(Index vertex) {
+    for (;;) {
+      const Index parent = parentOf(vertex);
+      if (parent == vertex) return vertex;
+      const Index above = parentOf(parent);
+      if (above != parent) set(vertex, above);
+      vertex = above;
+    }
+  }
+
+  void link(Index a, Index b) {
+    for (;;) {
+      a = rootOf(a);
+      b = rootOf(b);
+      if (a == b) return;
+      if (a < b) std::swap(a, b);
+      Index root = a;  // unless another thread has linked it meanwhile
+      if (AtomicRef<Index>(parents_[a])
+              .compare_exchange_strong(root, b, std::memory_order_relaxed)) {
+        return;
+      }
+    }
+  }
+
+  // Everybody's parent is the root now, which is lower and has its number already.
+  Components<Index> numbered() {
+    std::vector<std::uint64_t> sizes;
+    for (std::uint64_t v = 0; v < parents_.size(); ++v) {
+      if (parents_[v] == v) {
+        sizes.push_back(0);
+        parents_[v] = static_cast<Index>(sizes.size());
+      } else {
+        parents_[v] = parents_[parents_[v]];
+      }
+      ++sizes[parents_[v] - 1u];
+    }
+    return {std::move(parents_), std::move(sizes)};
+  }
+
+  const Topology<Index>& topology_;
+  std::uint64_t edges_;
+  Team& team_;
+  Pace* pace_;
+  Block<Index> parents_;
+};
+
+/// As many threads look for them as parallelism() says, by searching or by linking: what comes out
+/// is the same.
+template <class Index>
+[[nodiscard]] Components<Index> weakComponents(const AdjacencyStore& store,
+                                               const Topology<Index>& topology,
+                                               Pace* pace = nullptr) {
+  const std::uint64_t edges = store.edgeCount();
+  Team team(edges >= Team::worthSharing ? parallelism() : 1);
+  if (team.threads() == 1) {
+    return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
+  }
+  return ComponentForest<Index>(topology, store.vertexCount(), edges, team, pace).run();
+}
+
+}  // namespace veq::internal
