@@ -165,7 +165,7 @@ TEST(Documentation, BashCompletesEveryOptionAndNoOther) {
        {"info", "check", "walk", "convert", "generate", "components", "page", "ensemble"}) {
     EXPECT_EQ(bashCompletions(command + " x"), optionsOf(command)) << command;
   }
-  EXPECT_EQ(bashCompletions(""), (std::set<std::string>{"--help", "--version"}));
+  EXPECT_EQ(bashCompletions(""), (std::set<std::string>{"--help", "--threads", "--version"}));
 }
 
 TEST(Documentation, FishCompletesEveryOptionAndNoOther) {

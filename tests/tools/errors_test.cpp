@@ -140,9 +140,10 @@ TEST(ProgramErrors, WrongUsageSaysWhatAndWhereToRead) {
 }
 
 TEST(ProgramErrors, EverythingThatIsMissingIsToldAtOnce) {
-  EXPECT_EQ(errorOf({"walk"}, 2),
-            "veq: FILE is missing; --agents needs a number; --steps or --until-reach needs a number "
-            "(see veq walk --help)\n");
+  EXPECT_EQ(
+      errorOf({"walk"}, 2),
+      "veq: FILE is missing; --agents needs a number; --steps or --until-reach needs a number "
+      "(see veq walk --help)\n");
   EXPECT_EQ(errorOf({"walk", "a", "--until-reach", "1"}, 2),
             "veq: --agents needs a number (see veq walk --help)\n");
   EXPECT_EQ(errorOf({"walk", "a", "--steps", "none"}, 2),

@@ -64,6 +64,15 @@ TEST(WalkArguments, SeedsAre32BitNumbers) {
                    "needs a whole number from 0 to 4294967295, not 4294967296");
 }
 
+TEST(WalkArguments, ThreadsAreCountedBeforeOrAfterTheCommand) {
+  expectWrongUsage("--threads", "1025", "needs a whole number from 0 to 1024, not 1025");
+  expectWrongUsage("--threads", "-1", "needs a whole number from 0 to 1024, not -1");
+  EXPECT_EQ(walkWith({"--threads", "0"}).exitCode, 0);
+  EXPECT_EQ(runVeq({"--threads", "2", "info", VEQ_DATA "/karate.xnet"}).exitCode, 0);
+  EXPECT_EQ(runVeq({"--threads", "two", "info", VEQ_DATA "/karate.xnet"}).errors,
+            "veq: --threads needs a whole number from 0 to 1024, not two (see veq info --help)\n");
+}
+
 TEST(WalkArguments, TheTargetIsAShareAbove0) {
   EXPECT_EQ(walkWith({"--until-reach", "1"}).exitCode, 0);
   for (const std::string value :

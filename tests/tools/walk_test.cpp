@@ -129,6 +129,22 @@ TEST(WalkCommand, ListsTheVisitsOfTheWalkThatTheSeedStandsFor) {
                                             rowsOf(network, walk, 77));
 }
 
+// 600,000 moves, which threads share.
+TEST(WalkCommand, PrintsTheSameForAnyNumberOfThreads) {
+  const std::vector<std::string> walk = {"walk",   kLesMis, "--agents", "200", "--steps",  "3000",
+                                         "--seed", "7",     "--top",    "77",  "--threads"};
+  std::vector<std::string> outputs;
+  for (const std::string threads : {"1", "2", "5", "0"}) {
+    std::vector<std::string> arguments = walk;
+    arguments.push_back(threads);
+    const ProgramRun run = runVeq(arguments);
+    EXPECT_EQ(run.exitCode, 0);
+    outputs.push_back(run.output);
+  }
+  EXPECT_NE(outputs[0].find("reached"), std::string::npos);
+  for (const std::string& output : outputs) EXPECT_EQ(output, outputs[0]);
+}
+
 TEST(WalkCommand, StopsWithTheStepInWhichTheTargetIsMet) {
   const NamedNetwork network(kKarate);
   // 33 / 34 is below 0.98, and 32 / 34 below 0.95: all but one vertex are needed for the latter.

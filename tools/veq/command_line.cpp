@@ -5,6 +5,8 @@
 #include <iostream>
 #include <utility>
 
+#include <veq/base/parallelism.hpp>
+
 #include "failure.hpp"
 #include "option_values.hpp"
 #include "suggestions.hpp"
@@ -303,6 +305,12 @@ void Command::addNumber(const std::string& option, double& target, const std::st
   addOption(*record_, option, "a number", true, read, description)->type_name("X");
 }
 
+void Command::addThreads() {
+  const auto store = [](std::uint64_t threads) { setParallelism(static_cast<unsigned>(threads)); };
+  addWholeNumberTo(*record_, "--threads", {0, 1024}, false, store,
+                   "How many threads may work; 0, the default: one for each processor");
+}
+
 Command Command::addCommand(const std::string& what, const std::string& name,
                             const std::string& summary, const std::string& examples) {
   record_->what = what;
@@ -333,6 +341,7 @@ CommandLine::CommandLine() : root_(std::make_unique<CommandRecord>()) {
   app->get_formatter()->label("SUBCOMMAND", "COMMAND");
   app->set_version_flag("-V,--version", "veq " VEQ_VERSION, "Print the version and exit");
   app->footer(kHelp);
+  Command(*root_).addThreads();
 }
 
 CommandLine::~CommandLine() = default;
@@ -354,6 +363,7 @@ int CommandLine::run(int argc, char** argv) {
       throw WrongUsage(reasonOf(*root_, arguments, error));
     }
     const CommandRecord& command = chosenFrom(*root_);
+    readValues(*root_);
     readValues(command);
     return command.action();
   } catch (const WrongUsage& error) {

@@ -49,6 +49,8 @@ class Command {
   /// A number from 0 to 1, or one that is above 0.
   void addShare(const std::string& option, bool aboveZero, std::optional<double>& target,
                 const std::string& description);
+  /// How many threads the library may use, for commands whose work they share.
+  void addThreads();
   /// A command below this one. One of them must be chosen. What they are is said in messages, as
   /// in "command".
   Command addCommand(const std::string& what, const std::string& name, const std::string& summary,

@@ -25,6 +25,7 @@ int fail(std::string_view reason) {
 
 int main(int argc, char** argv) {
   veq::setDiagnosticSink({});
+  veq::setParallelism(0);
   veq::tool::tidyUpOnSignals();
   try {
     veq::tool::CommandLine commandLine;

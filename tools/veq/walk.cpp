@@ -376,6 +376,7 @@ void addWalk(CommandLine& commandLine) {
   command.addText("--output", "OUT", "a file", arguments->output.file,
                   "Write the network with its visits; - for standard output");
   addOutputFormat(command, arguments->output);
+  command.addThreads();
   command.addFlag("--force", arguments->force, "Let --output replace a property \"Visits\"");
   addAnswer(command, arguments->format);
   command.onRun([arguments] { runWalk(*arguments); });

@@ -9,7 +9,7 @@ _veq() {
   case $previous in
     --agents | --steps | --until-reach | --seed | --substream | --restart | --top | --memory | --errors | \
       --edges | --degree | --probability | --probabilities | --links | --neighbours | --sizes | --radius | --dimensions | \
-      --tries | --title | --columns | --workers) return ;;
+      --tries | --title | --columns | --workers | --threads) return ;;
     --vertices) [[ $command == generate ]] && return
       mapfile -t COMPREPLY < <(compgen -f -- "$current") && return ;;
     --split | --checkpoint) mapfile -t COMPREPLY < <(compgen -d -- "$current") && return ;;
@@ -28,7 +28,7 @@ _veq() {
     :
   elif [[ $COMP_CWORD -eq 1 || ${COMP_WORDS[1]} == help && $COMP_CWORD -eq 2 ]]; then
     words="info check walk convert generate components page ensemble"
-    [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version"
+    [[ $COMP_CWORD -eq 1 ]] && words+=" help --help --version --threads"
   elif [[ $command == generate && $COMP_CWORD -eq 2 ]]; then
     words="barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice
             geometric blocks rewired --help"
@@ -37,7 +37,7 @@ _veq() {
       info) words="$reading --all --raw --matrix --format" ;;
       check) words="$reading --format" ;;
       walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
-                   --errors --agents-network --paths --coverage --page $showing --output --to --force --format" ;;
+                   --errors --agents-network --paths --coverage --page $showing --output --to --force --format --threads" ;;
       convert) words="$reading --to --lossy --number-names --vertices" ;;
       generate) words="--vertices --edges --degree --degrees --simple --probability --probabilities --links --neighbours
                        --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;

@@ -23,6 +23,7 @@ complete -c veq -n __veq_nothing_yet -f -a page -d 'Write a page that shows a ne
 complete -c veq -n __veq_nothing_yet -f -a ensemble -d 'Run many walks and models of a study file'
 complete -c veq -n __veq_nothing_yet -f -a help -d 'Teach a command by example'
 complete -c veq -n __veq_nothing_yet -l version -d 'Print the version'
+complete -c veq -n __veq_nothing_yet -l threads -x -d 'How many threads may work'
 complete -c veq -l help -d 'Print help'
 complete -c veq -n '__veq_second_word help' -f -a 'info check walk convert generate components page ensemble'
 complete -c veq -n '__veq_second_word generate' -f -a 'barabasi random gnp gnm barabasi-albert configuration watts-strogatz lattice geometric blocks rewired'
@@ -56,6 +57,7 @@ complete -c veq -n '__veq_command walk' -l paths -r -d 'Write the path of every 
 complete -c veq -n '__veq_command walk' -l page -r -d 'Write a page that walks again in a browser'
 complete -c veq -n '__veq_command walk' -l output -r -d 'Write the network with its visits'
 complete -c veq -n '__veq_command walk' -l force -d 'Replace a property Visits'
+complete -c veq -n '__veq_command walk' -l threads -x -d 'How many threads may work'
 
 complete -c veq -n '__veq_command generate' -l vertices -x -d 'How many vertices'
 complete -c veq -n '__veq_command generate' -l degree -x -d 'The mean degree'

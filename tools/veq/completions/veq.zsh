@@ -18,6 +18,7 @@ _veq() {
                     '--columns[which properties can be looked at]:properties:'
                     '--color[what colours are by]:property:(degree visits)'
                     '--size[what sizes are by]:property:(constant degree strength visits)')
+  local -a threading=('--threads[how many threads may work]:number:')
   local -a help=('--help[print help]')
   case $words[2] in
     info)
@@ -28,7 +29,7 @@ _veq() {
     check)
       _arguments $help $reading $answering '1: :' '2:network:_files' ;;
     walk)
-      _arguments $help $reading $writing $answering $seeding $showing '1: :' '2:network:_files' \
+      _arguments $help $threading $reading $writing $answering $seeding $showing '1: :' '2:network:_files' \
         '--agents[how many agents walk]:number:' \
         '--steps[how many steps each takes]:number:' \
         '--until-reach[stop once this share was reached]:share:' \
@@ -85,7 +86,7 @@ _veq() {
     help)
       _arguments '1: :' "2:command:$commands" "3:model:($models)" ;;
     *)
-      _arguments $help '--version[print the version]' \
+      _arguments $help $threading '--version[print the version]' \
         '1:command:(info check walk convert generate components page ensemble help)' ;;
   esac
 }
