@@ -353,6 +353,38 @@ except KeyboardInterrupt:
 """
 
 
+@pytest.mark.parametrize("memory", [None, 4])
+def test_threads_change_nothing(memory):
+    network = veq.gnm(2000, 6000, seed=3)
+
+    def walked(**more):
+        walkers = veq.Walkers(network, range(200), memory=memory)
+        walk = walkers.walk(1500, first_arrivals=True, seed=5, **more)
+        return walkers.positions, walkers.visits(), walkers.visits(199), walk.first_arrivals
+
+    alone = walked()
+    for threads in (0, 1, 2, 5, 2**63):
+        for one, other in zip(walked(threads=threads), alone, strict=True):
+            assert np.array_equal(one, other)
+    veq.set_parallelism(3)
+    try:
+        for one, other in zip(walked(), alone, strict=True):
+            assert np.array_equal(one, other)
+    finally:
+        veq.set_parallelism(1)
+
+
+def test_numbers_of_threads():
+    for threads, meant in ((7, 7), (2**64 - 1, 1024), (np.int64(2), 2), (1, 1)):
+        veq.set_parallelism(threads)
+        assert veq.parallelism() == meant
+    with pytest.raises(ValueError, match=r"threads = -1: give 0 to 2\*\*64 - 1"):
+        veq.set_parallelism(-1)
+    with pytest.raises(TypeError):
+        veq.Walkers(veq.lattice([3]), [0]).walk(1, threads=1.5)
+    assert veq.parallelism() == 1
+
+
 def test_a_bar_shows_after_a_while_where_somebody_looks():
     pytest.importorskip("tqdm")
     import termios  # Which not every system has.

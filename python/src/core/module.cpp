@@ -6,6 +6,7 @@ NB_MODULE(_core, m) {
   using namespace veq::python;
   m.attr("version") = VEQ_VERSION;
   bindErrors(m);
+  bindParallelism(m);
   bindRandom(m);
   bindNetwork(m);
   bindColumns(m);

@@ -322,6 +322,7 @@ void bindDerived(nb::module_& m);
 void bindQuestions(nb::module_& m);
 void bindDistances(nb::module_& m);
 void bindModels(nb::module_& m);
+void bindParallelism(nb::module_& m);
 void bindRandom(nb::module_& m);
 void bindWalkers(nb::module_& m);
 void bindWalkLaw(nb::module_& m);

@@ -56,7 +56,8 @@ IntArray starts(const BoundNetwork& bound, std::uint64_t agents, bool byDegree,
 }
 
 WalkOptions optionsOf(std::optional<std::uint64_t> steps, std::optional<double> until, bool paths,
-                      bool firstArrivals, std::string_view choice, double restart) {
+                      bool firstArrivals, std::string_view choice, double restart,
+                      std::optional<unsigned> threads) {
   WalkOptions options;
   options.steps = steps;
   options.target = until;
@@ -64,6 +65,7 @@ WalkOptions optionsOf(std::optional<std::uint64_t> steps, std::optional<double> 
   options.firstArrivals = firstArrivals;
   options.choice = choiceNamed(choice);
   options.restart = restart;
+  options.threads = threads;
   return options;
 }
 
@@ -138,9 +140,9 @@ auto walked(BoundWalkers& bound, WalkOptions options, BoundRandom* random, nb::o
 
 WalkTuple walk(BoundWalkers& bound, std::optional<std::uint64_t> steps, std::optional<double> until,
                bool paths, bool firstArrivals, std::string_view choice, double restart,
-               BoundRandom* random, nb::object progress) {
+               BoundRandom* random, nb::object progress, std::optional<unsigned> threads) {
   return tupleOf(
-      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart), random,
+      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart, threads), random,
              std::move(progress),
              [](Walkers& walkers, const WalkOptions& options) { return walkers.walk(options); }),
       paths, firstArrivals);
@@ -151,9 +153,9 @@ using RecordTuple = Tuple<BoundRecord, WalkTuple>;
 RecordTuple record(BoundWalkers& bound, std::optional<std::uint64_t> steps,
                    std::optional<double> until, bool paths, bool firstArrivals,
                    std::string_view choice, double restart, BoundRandom* random,
-                   nb::object progress) {
+                   nb::object progress, std::optional<unsigned> threads) {
   const WalkRecord made =
-      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart), random,
+      walked(bound, optionsOf(steps, until, paths, firstArrivals, choice, restart, threads), random,
              std::move(progress),
              [](Walkers& walkers, const WalkOptions& options) { return walkers.record(options); });
   return nb::make_tuple(BoundRecord{made}, tupleOf(made.outcome(), paths, firstArrivals));
@@ -216,10 +218,10 @@ void bindWalkers(nb::module_& m) {
            nb::arg("errors").none(), nb::arg("listeners").none())
       .def("_walk", &walk, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
            nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
-           nb::arg("random").none(), nb::arg("progress").none())
+           nb::arg("random").none(), nb::arg("progress").none(), nb::arg("threads").none())
       .def("_record", &record, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
            nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
-           nb::arg("random").none(), nb::arg("progress").none())
+           nb::arg("random").none(), nb::arg("progress").none(), nb::arg("threads").none())
       .def("_positions", &positions)
       .def("_visits", &visits, nb::arg("agent").none())
       .def("_live_visits", &liveVisits, nb::arg("agent"))

@@ -34,6 +34,7 @@ from ._models import (
     watts_strogatz,
 )
 from ._network import Adjacency, Edge, Network, Vertex
+from ._parallelism import parallelism, set_parallelism
 from ._random import RandomState, random_state, seed, set_random_state
 from ._walkers import Coverage, HittingTimes, Paths, Walk, Walkers, WalkLaw, WalkRecord
 
@@ -72,6 +73,7 @@ __all__ = [
     "gnm",
     "gnp",
     "lattice",
+    "parallelism",
     "preferential_attachment",
     "random_network",
     "random_state",
@@ -79,6 +81,7 @@ __all__ = [
     "reads",
     "rewired",
     "seed",
+    "set_parallelism",
     "set_random_state",
     "watts_strogatz",
 ]

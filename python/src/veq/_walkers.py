@@ -13,6 +13,7 @@ from . import _arrays, _core
 from ._ask import FloatArray
 from ._derive import IntArray
 from ._network import Network
+from ._parallelism import of_threads
 from ._progress import Progress, following
 from ._random import RandomState, Seed, drawn_from
 
@@ -308,6 +309,7 @@ class Walkers(_core.Walkers):
         restart: float = 0.0,
         seed: Seed = None,
         progress: Progress = "auto",
+        threads: int | None = None,
     ) -> Walk:
         """Walk, every agent one edge in each step.
 
@@ -332,6 +334,10 @@ class Walkers(_core.Walkers):
         progress
             ``"auto"`` shows a bar of tqdm after 1.5 s where somebody looks; a callable gets the
             steps done and all, every 50 ms, and ends the walk by returning False.
+        threads
+            How many threads walk, 0 being one for each processor that may be used; by default as
+            many as `parallelism` says. The walk is the same for any number. Agents with listeners
+            walk on one.
 
         Examples
         --------
@@ -350,6 +356,7 @@ class Walkers(_core.Walkers):
                 float(restart),
                 drawn_from(seed),
                 call,
+                None if threads is None else of_threads(threads),
             )
         return _walk_of(told)
 
@@ -364,6 +371,7 @@ class Walkers(_core.Walkers):
         restart: float = 0.0,
         seed: Seed = None,
         progress: Progress = "auto",
+        threads: int | None = None,
     ) -> WalkRecord:
         """Walk as `walk` does, and keep what `Network.show` needs to walk the same way again.
 
@@ -386,6 +394,7 @@ class Walkers(_core.Walkers):
                 float(restart),
                 drawn_from(seed),
                 call,
+                None if threads is None else of_threads(threads),
             )
         number = None if seed is None or isinstance(seed, RandomState) else operator.index(seed)
         return WalkRecord(core, _walk_of(told), number)

@@ -1,0 +1,13 @@
+// How many threads long work may use.
+#include "veq/base/parallelism.hpp"
+
+#include "support.hpp"
+
+namespace veq::python {
+
+void bindParallelism(nb::module_& m) {
+  m.def("parallelism", &parallelism);
+  m.def("set_parallelism", &setParallelism, nb::arg("threads"));
+}
+
+}  // namespace veq::python
