@@ -2,10 +2,11 @@
 """Measures the library beside the peers that were built, and prints one table of ratios.
 
     run.py DIRECTORY [--only TASK[,TASK]] [--smallest SIZE] [--largest SIZE] [--rounds N] [--quick]
-           [--cpu N] [--work DIRECTORY] [--markdown] [--against PROGRAM]
+           [--cpu N] [--work DIRECTORY] [--markdown] [--against PROGRAM] [--threads 1,2]
 
 DIRECTORY holds the programs. --against compares with this library's own program of another revision alone,
-in the lines that it offers: results must be equal, and the bar is 1.02. --largest leaves out the lines with more vertices, edges or numbers,
+in the lines that it offers: results must be equal, and the bar is 1.02. --threads 1,2 compares two threads
+with one, where work is shared. --largest leaves out the lines with more vertices, edges or numbers,
 --smallest those with fewer, --quick those with more than 1e5, for a look. Every line of the table compares medians of one run:
 the programs of a line take turns, `rounds` times, on one core. A bar is the largest ratio of our
 figure to the peer's that is good enough. Where results must be equal, the checksums are compared.
@@ -227,6 +228,23 @@ def archives():
                [Peer("veq", "build m=1e7", 1.2, "build")])
 
 
+def shared(threads):
+    """What several threads share, by the clock on the wall, beside one of them: the bar is what two are to
+    gain."""
+    def line(name, call, gain):
+        one = Peer("veq", call + f" threads={threads[0]}", 1 / gain, f"{threads[0]} thread", True)
+        return Line("threads", f"{name}, {threads[1]} threads", call + f" threads={threads[1]}", [one])
+    for size in ("1e6", "1e7"):
+        for agents, steps in ((256, 15625), (1024, 3906)):
+            yield line(f"walk, A = {agents}, {size}", f"walk m={size} A={agents} S={steps}", 1.7)
+    walk = "walk m=1e6 A=256 S=15625"
+    yield line("walk to a target, 1e6", walk + " reach=2", 1.3)
+    yield line("walk with paths, 1e6", walk + " paths=1", 1.7)
+    yield line("walk beyond the log, 1e4", "walk m=1e4 A=1024 S=39060", 1.7)
+    yield line("walk with memory, 1e6", "walk m=1e6 A=256 S=2000 memory=10", 1.7)
+    yield line("random network, n = 2e4", "gnp n=2e4 k=10", 1.8)
+
+
 def files(runner, work, lines):
     for size in ("1e4", "1e6", "1e7"):
         if not any(f"{work}/{size}." in line.call for line in lines):
@@ -316,6 +334,7 @@ def main():
     options.add_argument("--work", default="")
     options.add_argument("--markdown", action="store_true")
     options.add_argument("--against", default="")
+    options.add_argument("--threads", default="")
     options = options.parse_args()
     if options.quick:
         options.largest = min(options.largest, 1e5)
@@ -326,8 +345,12 @@ def main():
     with tempfile.TemporaryDirectory() as temporary:
         work = options.work or temporary
         os.makedirs(work, exist_ok=True)
-        lines = [*building(), *questions(), *components(), *structure(), *models(), *walks(), *texts(work),
-                 *any_file(work), *archives()]
+        if options.threads:
+            runner.pin = []
+            lines = [*shared(options.threads.split(","))]
+        else:
+            lines = [*building(), *questions(), *components(), *structure(), *models(), *walks(),
+                     *texts(work), *any_file(work), *archives()]
         lines = [l for l in lines if not only or l.group in only]
         lines = [l for l in lines if options.smallest <= l.size <= options.largest]
         files(runner, work, lines)

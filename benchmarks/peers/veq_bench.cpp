@@ -1,4 +1,5 @@
 #include "veq/base/diagnostic_log.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq_tasks.hpp"
 
 namespace bench {
@@ -39,6 +40,7 @@ Owned<VEQNetwork> namedNetworkOf(const Edges& edges) {
 
 int main(int count, char** values) {
   veq::setDiagnosticSink({});
+  veq::setParallelism(static_cast<unsigned>(bench::Arguments(count, values).count("threads", 1)));
   std::vector<bench::Task> tasks;
   for (const auto& group : {bench::modelTasks(), bench::networkTasks(), bench::questionTasks(),
                             bench::formatTasks(), bench::walkTasks()}) {

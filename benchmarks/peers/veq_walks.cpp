@@ -1,6 +1,7 @@
 #include <malloc.h>
 
 #include "veq/agents/agents_group.hpp"
+#include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/models/random_generator.hpp"
 #include "veq_tasks.hpp"
 
@@ -8,6 +9,7 @@ namespace bench {
 namespace {
 
 using veq::VEQNetworkAgentsGroup;
+using veq::VEQNetworkDynamicAgentsGroup;
 using veq::VEQRandomGenerator;
 
 /// A network with a group on it, and where its agents start.
@@ -17,7 +19,15 @@ struct Scene {
     const Edges edges = edgesOf(arguments);
     starts = numberArrayOf(startsOf(edges, agents));
     network = networkOf(edges);
-    group = VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(network, *starts);
+    const std::uint64_t memory = arguments.count("memory");
+    group = memory == 0
+                ? VEQNetworkAgentsGroup::initAtNetwork_initialVerticesIndices(network, *starts)
+                : VEQNetworkDynamicAgentsGroup::
+                      initAtNetwork_initialVerticesIndices_agentsNetwork_agentsErrors_agentsMemory(
+                          network, *starts, nullptr,
+                          *veq::VEQNumberArray::initWithIntegerScalar_count(0, agents),
+                          *veq::VEQNumberArray::initWithIntegerScalar_count(
+                              static_cast<std::int64_t>(memory), agents));
   }
 
   void begin() const {
@@ -39,7 +49,8 @@ struct Scene {
   veq::Owned<VEQNetworkAgentsGroup> group;
 };
 
-/// paths=1 asks for paths, reach= for a target. Every walk is a group's first one.
+/// paths=1 asks for paths, reach= for a target, memory= for agents that remember so many visits.
+/// Every walk is a group's first one.
 bool measureWalk(const Arguments& arguments, Measurement& measurement) {
   const Scene scene(arguments);
   const bool paths = arguments.count("paths") != 0;
