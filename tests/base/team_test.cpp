@@ -87,7 +87,7 @@ TEST(Team, ThrowsWhatTheLowestPieceThrew) {
                 });
               }),
               "7");
-    for (int piece = 0; piece <= 7; ++piece) EXPECT_EQ(times[piece], 1) << piece;
+    for (std::size_t piece = 0; piece <= 7; ++piece) EXPECT_EQ(times[piece], 1) << piece;
     EXPECT_EQ(timesDone(team, 50), std::vector<int>(50, 1));  // and it goes on
   }
 }
