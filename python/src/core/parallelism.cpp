@@ -6,8 +6,9 @@
 namespace veq::python {
 
 void bindParallelism(nb::module_& m) {
-  m.def("parallelism", &parallelism);
-  m.def("set_parallelism", &setParallelism, nb::arg("threads"));
+  m.def("parallelism", [] { return parallelism(); });
+  m.def(
+      "set_parallelism", [](unsigned threads) { setParallelism(threads); }, nb::arg("threads"));
 }
 
 }  // namespace veq::python

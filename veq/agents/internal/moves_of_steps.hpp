@@ -42,7 +42,7 @@ class NewMoves {
   template <class Record, class Take>
   void give(const MovesOfSteps<Word>& all, std::uint64_t steps, const Record& record, Take take) {
     if (team_.threads() == 1 || steps * agents_ < Team::worthSharing) return take(all);
-    const std::uint64_t some = (steps + kPieces - 1) / kPieces;
+    const std::uint64_t some = steps / kPieces + 1;
     team_.forEachPiece((steps + some - 1) / some, steps * agents_, [&](std::uint64_t piece) {
       const std::uint64_t end = std::min(steps, (piece + 1) * some);
       for (std::uint64_t s = piece * some; s < end; ++s) counts_[s] = collect(all(s), s, record);
