@@ -166,7 +166,8 @@ test("a browser without WebGL gets the canvas view, and a line says so", async (
 test("a browser whose WebGL is slow gets the canvas view, and a line says so", async () => {
   const context = await browser.newContext({ reducedMotion: "reduce" });
   const page = await context.newPage();
-  // Software that calls itself something else takes seconds for three such pictures.
+  page.setDefaultTimeout(120_000);
+  // Software that calls itself something else takes over a second for three such pictures.
   await page.addInitScript(() => {
     const { prototype } = WebGL2RenderingContext;
     const told = Reflect.get(prototype, "getParameter") as (name: number) => unknown;
@@ -175,7 +176,7 @@ test("a browser whose WebGL is slow gets the canvas view, and a line says so", a
       return typeof answer === "string" && answer.includes("SwiftShader") ? "Graphics 3000" : answer;
     };
   });
-  await page.goto(addressOf(large(10_000, 30_000)));
+  await page.goto(addressOf(large(4000, 12_000)));
   await page.waitForFunction(() => document.getElementById("notice")?.textContent === "Canvas view: WebGL is slow here");
   await page.waitForFunction(() => document.querySelectorAll("#webgl canvas").length === 0);
   await context.close();
