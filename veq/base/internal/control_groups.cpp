@@ -21,6 +21,7 @@ void addWithThoseAbove(std::vector<std::string>& groups, const std::string& moun
 std::vector<std::string> controlGroups(const std::string& list, const std::string& mount,
                                        const std::string& controller) {
   std::vector<std::string> groups;
+  const std::string named = std::string(",").append(controller).append(",");
   std::ifstream lines(list);
   // A line is "number:controllers:group"; version 2 has one hierarchy, without names of
   // controllers.
@@ -31,7 +32,7 @@ std::vector<std::string> controlGroups(const std::string& list, const std::strin
     const std::string controllers = ',' + line.substr(first + 1, second - first - 1) + ',';
     const std::string group = line.substr(second + 1);
     if (controllers == ",,") addWithThoseAbove(groups, mount, group);
-    if (controllers.find(',' + controller + ',') != std::string::npos) {
+    if (controllers.find(named) != std::string::npos) {
       addWithThoseAbove(groups, mount + '/' + controller, group);
     }
   }
