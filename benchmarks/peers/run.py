@@ -246,6 +246,7 @@ def shared(threads):
     yield line("walk beyond the log, 1e4", "walk m=1e4 A=1024 S=39060", 1.7)
     yield line("walk with memory, 1e6", "walk m=1e6 A=256 S=2000 memory=10", 1.7)
     yield line("random network, n = 2e4", "gnp n=2e4 k=10", 1.8)
+    yield line("weak components, 1e6", "labels kind=un n=1e6 m=1e6", 1.4)
 
 
 def files(runner, work, lines):
