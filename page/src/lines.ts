@@ -18,7 +18,7 @@ const SLACK = 0.25;
 export class FaintLines {
   private width = 0;
   private height = 0;
-  private counts = new Uint16Array();
+  private counts = new Uint32Array();
   private image: ImageData | null = null;
   private readonly inks = new Uint32Array(MOST + 1);
   private ink = "";
@@ -27,7 +27,7 @@ export class FaintLines {
   resize(width: number, height: number): void {
     this.width = width;
     this.height = height;
-    this.counts = new Uint16Array(width * height);
+    this.counts = new Uint32Array(width * height);
     this.image = null;
   }
 
