@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/support/observers.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/drawing/internal/checksum.hpp"
 #include "veq/drawing/internal/force_steps.hpp"
@@ -203,15 +204,8 @@ TEST(ForceLayout, WeightsDrawTogether) {
   EXPECT_EQ(refused.error().text(), "edge 2: weight -1");
 }
 
-// Has observers told at every look.
-struct EveryLook {
-  std::chrono::milliseconds usual = internal::Pace::usualInterval;
-  EveryLook() { internal::Pace::usualInterval = std::chrono::milliseconds(0); }
-  ~EveryLook() { internal::Pace::usualInterval = usual; }
-};
-
 TEST(ForceLayout, IsFollowedAndStopped) {
-  const EveryLook always;
+  const ObserverInterval always;
   const Network network = barabasiAlbertNetwork(1000, 2, {.seed = 1}).value();
   StopSource source;
   std::uint64_t looks = 0;
@@ -231,7 +225,7 @@ TEST(ForceLayout, IsFollowedAndStopped) {
 }
 
 TEST(ForceLayout, IsStoppedBeforeAnyVertexMoves) {
-  const EveryLook always;
+  const ObserverInterval always;
   // A look for each 2^14 ends or vertices: 6 while 50 000 edges are counted and put into rows, 12
   // while these are sorted, 24 while components are found. Pairs are moved at once then.
   Edges edges;
@@ -339,7 +333,7 @@ TEST(Repulsion, OfFewIsThatOfAllPairs) {
 }
 
 TEST(Repulsion, IsStoppedAmongThePointsOfOneStep) {
-  const EveryLook always;
+  const ObserverInterval always;
   std::vector<Point> points(10'000);
   RandomState state = RandomState::seeded(1).value();
   for (Point& point : points) point = {state.nextDouble(), state.nextDouble()};

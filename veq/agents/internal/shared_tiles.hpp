@@ -68,8 +68,8 @@ class SharedTiles {
   }
 
  private:
-  // Agents whose moves of a step fill lines of the cache, so that threads seldom wait for these.
-  static constexpr std::uint64_t kLine = 16;
+  // Of the narrower words, which fill lines of the wider ones, too.
+  static constexpr std::uint64_t kLine = kAgentsPerLine<std::uint32_t>;
 
   std::uint64_t agents_;
   Team& team_;

@@ -14,6 +14,11 @@ namespace veq::internal {
 template <class Word>
 inline constexpr Word kStayed = std::numeric_limits<Word>::max();
 
+/// The agents whose moves of a step lie in one line of the cache: threads that move others seldom
+/// wait for it.
+template <class Word>
+inline constexpr std::uint64_t kAgentsPerLine = 64 / sizeof(Word);
+
 /// The moves that are made before the progress climbs: few enough to take no more than a few
 /// milliseconds, and enough to draw their numbers and to look at the log for all of them together.
 inline constexpr std::uint64_t kMovesPerTile = std::uint64_t{1} << 15;

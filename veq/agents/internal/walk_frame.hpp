@@ -208,7 +208,8 @@ WalkResult runWalk(GroupState& group, const WalkRequest& request, MakeMover make
   const WalkUnderWay walk(group);
   requireAgentsWithin(group);
   const auto& store = CoreAccess::of(*group.network).store;
-  const bool isLarge = group.agents > 16 && request.steps >= Team::worthSharing / group.agents;
+  const bool isLarge = group.agents > kAgentsPerLine<std::uint32_t> &&
+                       request.steps >= Team::worthSharing / group.agents;
   Team team(isLarge ? request.threads : 1);
   return std::visit(
       [&]<class Word>(WalkHistory<Word>& history) {

@@ -14,9 +14,7 @@ constexpr std::uint64_t kSmallestLog = std::uint64_t{512} << 10;
 // What the moves of a run take: so little that they are near when they are counted, but not less
 // than the tallies which have to be fetched for that.
 constexpr std::uint64_t kSmallestRun = std::uint64_t{1} << 20;
-// Whose moves of a step lie in one line of the cache, and how many steps of theirs it holds.
-template <class Word>
-constexpr std::uint64_t kAgentsPerLine = 64 / sizeof(Word);
+// So many steps of the agents in a line of the cache are still near when all of these were counted.
 constexpr std::uint64_t kStepsAtOnce = 512;
 // How often all moves of a run are read at most, by threads that count some of them.
 constexpr std::uint64_t kMostReadings = 8;

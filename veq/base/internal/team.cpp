@@ -24,6 +24,7 @@ namespace {
 // More are a mistake, and would be asked of the system one by one.
 constexpr unsigned kMostThreads = 1024;
 
+// 0 until somebody asks how many processors there are, which means reading files.
 std::atomic<unsigned> threadsOfProcess{1};
 
 // A runner may be set while others run, which keep it.
@@ -207,10 +208,16 @@ void Team::share(std::uint64_t pieces, Task task) {
 }  // namespace internal
 
 void setParallelism(unsigned threads) {
-  internal::threadsOfProcess.store(internal::resolvedThreads(threads), std::memory_order_relaxed);
+  internal::threadsOfProcess.store(threads, std::memory_order_relaxed);
 }
 
-unsigned parallelism() { return internal::threadsOfProcess.load(std::memory_order_relaxed); }
+unsigned parallelism() {
+  unsigned threads = internal::threadsOfProcess.load(std::memory_order_relaxed);
+  const unsigned resolved = internal::resolvedThreads(threads);
+  // Unless another number has been set meanwhile.
+  if (threads == 0) internal::threadsOfProcess.compare_exchange_strong(threads, resolved);
+  return resolved;
+}
 
 void setParallelRunner(ParallelRunner runner) {
   Shared<const ParallelRunner> made =
