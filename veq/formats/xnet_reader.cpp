@@ -119,10 +119,9 @@ class XnetReader {
   std::optional<NetworkDraft> read() {
     do {
       while (!scanner_.atEnd()) {
-        stopped_ = !readLine();
+        stopped_ = !readLines();
         if (stopped_) return std::nullopt;
-        scanner_.finishLine();
-        if (pace_ && ++lines_ % kLinesAtOnce == 0) pace_->reach(before_ + scanner_.position());
+        if (pace_) pace_->reach(before_ + scanner_.position());
       }
     } while (nextPiece());
     closeSection();
@@ -157,17 +156,28 @@ class XnetReader {
     return true;
   }
 
+  /// As many as are read between two questions whether to go on.
+  bool readLines() {
+    for (std::uint64_t line = 0; line < kLinesAtOnce && !scanner_.atEnd(); ++line) {
+      if (section_ == XnetSection::kEdges && !scanner_.startsWith('#')) {
+        readEdges(kLinesAtOnce - line);
+        return true;
+      }
+      if (!readLine()) return false;
+      scanner_.finishLine();
+    }
+    return true;
+  }
+
   bool readLine() {
     if (scanner_.match('#')) return readHeader();
     scanner_.skipBlanks();
     switch (section_) {
       case XnetSection::kNone:
+      case XnetSection::kEdges:
         return true;
       case XnetSection::kVertices:
         return readVertex();
-      case XnetSection::kEdges:
-        readEdge();
-        return true;
       case XnetSection::kVertexProperty:
       case XnetSection::kEdgeProperty:
         column_.readLine(scanner_);
@@ -251,13 +261,20 @@ class XnetReader {
     return true;
   }
 
-  void readEdge() {
-    topology_.readSource(scanner_);
-    topology_.readTarget(scanner_);
-    topology_.append();
-    if (!edgesWeights_) return;
-    scanner_.skipBlanks();
-    edgesWeights_->push_back(scanner_.readFloat().value_or(1.0F));
+  /// So many lines, or those up to the next header.
+  void readEdges(std::uint64_t most) {
+    Weights* const weights = edgesWeights_ ? &*edgesWeights_ : nullptr;
+    for (; most > 0 && !scanner_.atEnd() && !scanner_.startsWith('#'); --most) {
+      scanner_.skipBlanks();
+      topology_.readSource(scanner_);
+      topology_.readTarget(scanner_);
+      topology_.append();
+      if (weights) {
+        scanner_.skipBlanks();
+        weights->push_back(scanner_.readFloat().value_or(1.0F));
+      }
+      scanner_.finishLine();
+    }
   }
 
   void closeSection() {
@@ -283,7 +300,6 @@ class XnetReader {
 
   TextInput& input_;
   Pace* pace_;
-  std::uint64_t lines_ = 0;
   std::size_t piece_ = 0;
   /// The bytes of the pieces before it.
   std::uint64_t before_ = 0;
