@@ -249,6 +249,13 @@ class ListFiller {
     edges_ = lists.edges_.data();
   }
 
+  /// One that fills the lists behind those that have so many entries, of vertices of its own.
+  [[nodiscard]] ListFiller behind(std::uint64_t entries) const {
+    ListFiller next = *this;
+    next.used_ = static_cast<Index>(AdjacencyLists<Index>::kFirst + entries);
+    return next;
+  }
+
   void announce(std::uint64_t vertex) { ++rows_[vertex].count; }
   void place(std::uint64_t vertex, Entry<Index> entry) {
     Row<Index>& row = rows_[vertex];

@@ -4,6 +4,12 @@
 #include <array>
 #include <mutex>
 #include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "veq/base/internal/team.hpp"
+#include "veq/base/internal/tiled_work.hpp"
+#include "veq/base/parallelism.hpp"
 
 namespace veq::internal {
 namespace {
@@ -22,19 +28,36 @@ constexpr std::uint64_t kBulkInsertion = 64;
 constexpr std::uint64_t kWatchedInsertion = std::uint64_t{1} << 19;
 constexpr std::uint64_t kWatchedShare = 16;
 
-// The entries of one direction, in edge order: calls f(vertex, neighbour, edge).
-template <bool kBothWays, class Index, class F>
-void forEachEntry(const Block<Index>& at, const Block<Index>& neighbour, std::uint64_t edges,
-                  Pace* pace, F f) {
-  const Index* const a = at.data();
-  const Index* const b = neighbour.data();
-  forEachTile(edges, pace, [=](std::uint64_t begin, std::uint64_t end) {
+// Edges whose entries are counted and sorted in one go, by one thread.
+constexpr std::uint64_t kEdgesAtOnce = std::uint64_t{1} << 17;
+
+// The entries of one direction: of those edges' ends that stand in `at`, or of both where they go
+// both ways.
+template <bool kBothWays, class Index>
+struct EntriesOfEdges {
+  const Index* at;
+  const Index* neighbour;
+  std::uint64_t edges;
+
+  [[nodiscard]] std::uint64_t count() const { return kBothWays ? 2 * edges : edges; }
+
+  // In edge order: calls f(vertex, neighbour, edge).
+  template <class F>
+  void forEach(std::uint64_t begin, std::uint64_t end, F f) const {
+    // Locals, which what f writes cannot change.
+    const Index* const a = at;
+    const Index* const b = neighbour;
     for (std::uint64_t e = begin; e < end; ++e) {
       f(a[e], b[e], static_cast<Index>(e));
       if constexpr (kBothWays) f(b[e], a[e], static_cast<Index>(e));
     }
-  });
-}
+  }
+  template <class F>
+  void forEach(Pace* pace, F f) const {
+    forEachTile(edges, pace,
+                [&](std::uint64_t begin, std::uint64_t end) { forEach(begin, end, f); });
+  }
+};
 
 template <class Index>
 struct BucketEntry {
@@ -46,52 +69,73 @@ struct BucketEntry {
 template <class Index>
 class EntryBuckets {
  public:
-  template <class ForEach>
-  EntryBuckets(std::uint64_t vertices, std::uint64_t entries, ForEach forEach) {
+  template <class Entries>
+  EntryBuckets(std::uint64_t vertices, const Entries& entries, Team& team, Pace* pace)
+      : places_((entries.edges + kEdgesAtOnce - 1) / kEdgesAtOnce) {
     while (vertices >> shift_ >= kBuckets) ++shift_;
-    items_.resize(entries);
-    forEach([this](Index vertex, Index, Index) { ++ends_[(vertex >> shift_) + 1]; });
-    for (unsigned p = 1; p <= kBuckets; ++p) ends_[p] += ends_[p - 1];
-    // Filling a range moves its start up to its end, which is where the next one starts.
-    forEach([this](Index vertex, Index neighbour, Index edge) {
-      items_[ends_[vertex >> shift_]++] = {vertex, {neighbour, edge}};
+    items_.resize(entries.count());
+    const auto forEach = [&](auto f) {
+      forEachSharedTile(entries.edges, kEdgesAtOnce, team, pace,
+                        [&](std::uint64_t begin, std::uint64_t end) {
+                          Places& places = places_[begin / kEdgesAtOnce];
+                          entries.forEach(begin, end, [&](Index vertex, Index to, Index edge) {
+                            f(places[vertex >> shift_], vertex, to, edge);
+                          });
+                        });
+    };
+    forEach([](std::uint64_t& count, Index, Index, Index) { ++count; });
+    turnIntoPlaces();
+    BucketEntry<Index>* const items = items_.data();
+    forEach([items](std::uint64_t& place, Index vertex, Index to, Index edge) {
+      items[place++] = {vertex, {to, edge}};
     });
   }
 
+  // Calls f(number of its first entry, entries) for each range.
   template <class F>
-  void forEachRange(F f) const {
-    std::uint64_t start = 0;
-    for (unsigned p = 0; p < kBuckets; ++p) {
-      f(std::span(items_.data() + start, ends_[p] - start));
-      start = ends_[p];
-    }
+  void forEachRange(Team& team, Pace* pace, F f) const {
+    // Filling has moved each place up to where the next one begins.
+    const Places& ends = places_.back();
+    const TiledWork ranges{kBuckets, 1, items_.size(), items_.size()};
+    forEachSharedTile(ranges, team, pace, [&](std::uint64_t p, std::uint64_t) {
+      const std::uint64_t begin = p == 0 ? 0 : ends[p - 1];
+      f(begin, std::span(items_.data() + begin, ends[p] - begin));
+    });
   }
 
  private:
+  using Places = std::array<std::uint64_t, kBuckets>;
+
+  // How many entries each piece has for a range becomes where it writes them.
+  void turnIntoPlaces() {
+    std::uint64_t place = 0;
+    for (unsigned p = 0; p < kBuckets; ++p) {
+      for (Places& places : places_) place += std::exchange(places[p], place);
+    }
+  }
+
   unsigned shift_ = 0;
-  std::array<std::uint64_t, kBuckets + 1> ends_{};
+  std::vector<Places> places_;
   Block<BucketEntry<Index>> items_;
 };
 
-// The lists of those edges' ends that stand in `at`, or of both where they go both ways.
-template <bool kBothWays, class Index>
-void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Block<Index>& at,
-                const Block<Index>& neighbour, std::uint64_t edges, Arena<Index>& arena,
-                Pace* pace) {
-  const std::uint64_t entries = kBothWays ? 2 * edges : edges;
-  ListFiller<Index> filler(lists, vertices, entries, arena);
-  const auto forEach = [&](auto f) { forEachEntry<kBothWays>(at, neighbour, edges, pace, f); };
-  if (vertices >= kPartitionVertices && entries >= kPartitionEntries) {
-    const EntryBuckets<Index> buckets(vertices, entries, forEach);
-    buckets.forEachRange([&filler, pace](std::span<const BucketEntry<Index>> items) {
-      for (const BucketEntry<Index>& item : items) filler.announce(item.vertex);
-      for (const BucketEntry<Index>& item : items) filler.place(item.vertex, item.entry);
-      if (pace) pace->advance(items.size());
+template <class Index, class Entries>
+void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Entries& entries,
+                Arena<Index>& arena, Team& team, Pace* pace) {
+  ListFiller<Index> filler(lists, vertices, entries.count(), arena);
+  if (vertices < kPartitionVertices || entries.count() < kPartitionEntries) {
+    entries.forEach(pace, [&filler](Index vertex, Index, Index) { filler.announce(vertex); });
+    entries.forEach(pace, [&filler](Index vertex, Index to, Index edge) {
+      filler.place(vertex, {to, edge});
     });
-  } else {
-    forEach([&filler](Index vertex, Index, Index) { filler.announce(vertex); });
-    forEach([&filler](Index vertex, Index to, Index edge) { filler.place(vertex, {to, edge}); });
+    return;
   }
+  const EntryBuckets<Index> buckets(vertices, entries, team, pace);
+  buckets.forEachRange(team, pace, [&](std::uint64_t before, const auto& items) {
+    ListFiller<Index> range = filler.behind(before);
+    for (const BucketEntry<Index>& item : items) range.announce(item.vertex);
+    for (const BucketEntry<Index>& item : items) range.place(item.vertex, item.entry);
+  });
 }
 
 // The indices in a megabyte, the largest arena: a large block by itself can be enlarged without
@@ -115,11 +159,12 @@ bool fitsNarrow(std::uint64_t vertices, std::uint64_t edges, std::uint64_t limit
 }
 
 template <class From, class To>
-void copyIndices(std::span<const From> indices, To* out, Pace* pace) {
-  forEachTile(indices.size(), pace, [&](std::uint64_t begin, std::uint64_t end) {
+void copyIndices(std::span<const From> indices, To* out, Team& team, Pace* pace) {
+  const auto copy = [&](std::uint64_t begin, std::uint64_t end) {
     std::transform(indices.data() + begin, indices.data() + end, out + begin,
                    [](From index) { return static_cast<To>(index); });
-  });
+  };
+  forEachSharedTile(indices.size(), kEdgesAtOnce, team, pace, copy);
 }
 
 }  // namespace
@@ -282,6 +327,7 @@ void AdjacencyStore::rebuildWith(IndexList from, IndexList to, Pace* pace) {
 template <class Index>
 TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to, Pace* pace) const {
   const std::uint64_t edges = edges_ + from.all().size();
+  Team team(edges >= Team::worthSharing ? parallelism() : 1);
   const std::uint64_t inArena = arenaSize<Index>(vertices_, edges, directed_);
   auto* const next = Topology<Index>::make(inArena);
   TopologyShare share(next);
@@ -290,21 +336,27 @@ TopologyShare AdjacencyStore::topologyWith(IndexList from, IndexList to, Pace* p
   next->to = arena.template block<Index>(edges);
   if (edges_ != 0) {
     visit([&](const auto& present) {
-      copyIndices(std::span(present.from.data(), edges_), next->from.data(), pace);
-      copyIndices(std::span(present.to.data(), edges_), next->to.data(), pace);
+      copyIndices(std::span(present.from.data(), edges_), next->from.data(), team, pace);
+      copyIndices(std::span(present.to.data(), edges_), next->to.data(), team, pace);
     });
   }
-  copyIndices(from.all(), next->from.data() + edges_, pace);
-  copyIndices(to.all(), next->to.data() + edges_, pace);
+  copyIndices(from.all(), next->from.data() + edges_, team, pace);
+  copyIndices(to.all(), next->to.data() + edges_, team, pace);
   // They may make place for the lists.
   from = IndexList();
   to = IndexList();
+  const auto build = [&]<bool kBothWays>(std::bool_constant<kBothWays>,
+                                         AdjacencyLists<Index>& lists, const Block<Index>& at,
+                                         const Block<Index>& neighbour) {
+    const EntriesOfEdges<kBothWays, Index> entries{at.data(), neighbour.data(), edges};
+    buildLists(lists, vertices_, entries, arena, team, pace);
+  };
   if (directed_) {
-    buildLists<false>(next->out, vertices_, next->from, next->to, edges, arena, pace);
+    build(std::false_type(), next->out, next->from, next->to);
     next->in = std::make_unique<AdjacencyLists<Index>>();
-    buildLists<false>(*next->in, vertices_, next->to, next->from, edges, arena, pace);
+    build(std::false_type(), *next->in, next->to, next->from);
   } else {
-    buildLists<true>(next->out, vertices_, next->from, next->to, edges, arena, pace);
+    build(std::true_type(), next->out, next->from, next->to);
   }
   return share;
 }

@@ -2,7 +2,6 @@
 /// Weakly connected components by several threads.
 #pragma once
 
-#include <algorithm>
 #include <atomic>
 #include <cstdint>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/base/internal/team.hpp"
+#include "veq/base/internal/tiled_work.hpp"
 #include "veq/base/parallelism.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
 #include "veq/network/internal/components.hpp"
@@ -52,22 +52,12 @@ class ComponentForest {
 
  private:
   static constexpr std::uint64_t kAhead = 16;
-  static constexpr std::uint64_t kRange = std::uint64_t{1} << 14;
-  // So many ranges are worth a meeting, and are over in some milliseconds.
-  static constexpr std::uint64_t kRanges = 64;
+  static constexpr std::uint64_t kRange = std::uint64_t{1} << 16;
 
   // Calls f(begin, end) for ranges of so many things, which count as so many vertices.
   template <class F>
   void forEachRange(std::uint64_t count, std::uint64_t vertices, F f) {
-    for (std::uint64_t begin = 0; begin < count;) {
-      const std::uint64_t some = std::min(count - begin, kRanges * kRange);
-      team_.forEachPiece((some + kRange - 1) / kRange, some, [&](std::uint64_t range) {
-        const std::uint64_t first = begin + range * kRange;
-        f(first, std::min(first + kRange, begin + some));
-      });
-      if (pace_) pace_->advance(vertices * some / count);
-      begin += some;
-    }
+    forEachSharedTile({count, kRange, count, vertices}, team_, pace_, f);
   }
 
   // A thread may see an older parent than there is: it is a vertex of the same tree, too.
