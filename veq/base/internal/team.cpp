@@ -178,11 +178,9 @@ unsigned resolvedThreads(unsigned threads) {
   return std::min(threads == 0 ? usableProcessors() : threads, kMostThreads);
 }
 
-Team::Team(unsigned threads) : threads_(std::max(threads, 1U)) {}
-
-Team::~Team() {
-  // Whoever was forked while helpers were at rest has nobody to wait for.
-  if (crew_ && crew_->process != processNumber()) static_cast<void>(crew_.release());
+// Whoever was forked while helpers were at rest has nobody to wait for.
+void Team::Dismissal::operator()(Crew* crew) const {
+  if (crew->process == processNumber()) delete crew;
 }
 
 Team& Team::alone() {
@@ -196,10 +194,10 @@ void Team::share(std::uint64_t pieces, Task task) {
   if (const Shared<const ParallelRunner> runner = currentRunner()) {
     return shareBy(*runner, pieces, task);
   }
-  if (crew_ && crew_->process != processNumber()) static_cast<void>(crew_.release());
+  if (crew_ && crew_->process != processNumber()) crew_.reset();
   if (!crew_) {
     const auto helpers = static_cast<unsigned>(std::min<std::uint64_t>(threads_, pieces) - 1);
-    crew_ = orNothing([=] { return std::make_unique<Crew>(helpers); });
+    crew_.reset(orNothing([=] { return new Crew(helpers); }));
   }
   if (crew_) return crew_->run(pieces, task);
   for (std::uint64_t i = 0; i < pieces; ++i) task(i);

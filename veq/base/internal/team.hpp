@@ -22,8 +22,7 @@ class Team {
   static inline std::uint64_t worthSharing = std::uint64_t{1} << 17;
 
   /// Of at least one thread. No helper has started yet.
-  explicit Team(unsigned threads);
-  ~Team();
+  explicit Team(unsigned threads) : threads_(threads == 0 ? 1 : threads) {}
   Team(const Team&) = delete;
   Team& operator=(const Team&) = delete;
 
@@ -48,6 +47,9 @@ class Team {
 
  private:
   struct Crew;
+  struct Dismissal {
+    void operator()(Crew* crew) const;
+  };
   struct Task {
     void (*call)(void* function, std::uint64_t piece) = nullptr;
     void* function = nullptr;
@@ -58,7 +60,7 @@ class Team {
   void share(std::uint64_t pieces, Task task);
 
   unsigned threads_;
-  std::unique_ptr<Crew> crew_;
+  std::unique_ptr<Crew, Dismissal> crew_;
 };
 
 }  // namespace veq::internal

@@ -17,16 +17,8 @@ struct TiledWork {
   std::uint64_t told;   ///< What a pace is told of it in the end.
 };
 
-/// Calls f(begin, end) for each tile. A pace is asked between some tiles and the next by this
-/// thread, when all threads have met.
 template <class F>
-void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace, F f) {
-  // As it is for nearly all networks, which are small.
-  if (work.elements <= work.tile) {
-    f(std::uint64_t{0}, work.elements);
-    if (pace) pace->advance(work.told);
-    return;
-  }
+[[gnu::noinline]] void forEachOfManyTiles(const TiledWork& work, Team& team, Pace* pace, F f) {
   constexpr std::uint64_t kTilesOfThread = 8;
   const std::uint64_t tiles = work.elements / work.tile + (work.elements % work.tile != 0);
   const std::uint64_t atOnce = !pace                 ? tiles
@@ -46,6 +38,16 @@ void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace, F f) {
     if (pace) pace->advance(partBefore(work.told, next) - partBefore(work.told, first));
     first = next;
   }
+}
+
+/// Calls f(begin, end) for each tile. A pace is asked between some tiles and the next by this
+/// thread, when all threads have met.
+template <class F>
+void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace, F f) {
+  // Nearly all networks are small.
+  if (work.elements > work.tile) return forEachOfManyTiles(work, team, pace, f);
+  f(std::uint64_t{0}, work.elements);
+  if (pace) pace->advance(work.told);
 }
 
 /// The same where the elements are the units and are what is told.

@@ -120,21 +120,26 @@ class EntryBuckets {
 };
 
 template <class Index, class Entries>
-void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Entries& entries,
-                Arena<Index>& arena, Team& team, Pace* pace) {
-  ListFiller<Index> filler(lists, vertices, entries.count(), arena);
-  if (vertices < kPartitionVertices || entries.count() < kPartitionEntries) {
-    entries.forEach(pace, [&filler](Index vertex, Index, Index) { filler.announce(vertex); });
-    entries.forEach(pace, [&filler](Index vertex, Index to, Index edge) {
-      filler.place(vertex, {to, edge});
-    });
-    return;
-  }
+[[gnu::noinline]] void fillByRanges(const ListFiller<Index>& filler, std::uint64_t vertices,
+                                    const Entries& entries, Team& team, Pace* pace) {
   const EntryBuckets<Index> buckets(vertices, entries, team, pace);
   buckets.forEachRange(team, pace, [&](std::uint64_t before, const auto& items) {
     ListFiller<Index> range = filler.behind(before);
     for (const BucketEntry<Index>& item : items) range.announce(item.vertex);
     for (const BucketEntry<Index>& item : items) range.place(item.vertex, item.entry);
+  });
+}
+
+template <class Index, class Entries>
+void buildLists(AdjacencyLists<Index>& lists, std::uint64_t vertices, const Entries& entries,
+                Arena<Index>& arena, Team& team, Pace* pace) {
+  ListFiller<Index> filler(lists, vertices, entries.count(), arena);
+  if (vertices >= kPartitionVertices && entries.count() >= kPartitionEntries) {
+    return fillByRanges(filler, vertices, entries, team, pace);
+  }
+  entries.forEach(pace, [&filler](Index vertex, Index, Index) { filler.announce(vertex); });
+  entries.forEach(pace, [&filler](Index vertex, Index to, Index edge) {
+    filler.place(vertex, {to, edge});
   });
 }
 
