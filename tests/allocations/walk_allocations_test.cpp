@@ -81,20 +81,20 @@ TEST(FailingWalk, AGroupIsMadeOrNot) {
 }
 
 // Before the first step nothing is changed; later the walk ends between two steps.
-void expectAgreementWhereAllocationsFail() {
+void expectAgreementWhereAllocationsFail(std::uint64_t steps) {
   seed(1);  // makes the generator, which is never deleted
   for (const bool paths : {false, true}) {
     for (const float target : {-1.0F, 2.0F}) {
       const std::uint64_t failures = forEachFailingAllocation(
           walkers,
           [&](std::unique_ptr<FoldingGroup>& group) {
-            (void)group->walkForSteps_returnPath_untilReach(2000, paths, target);
+            (void)group->walkForSteps_returnPath_untilReach(steps, paths, target);
           },
           [&](std::unique_ptr<FoldingGroup>& group, bool failed) {
             const auto progress = static_cast<std::uint64_t>(group->currentProgress());
-            const bool begun = group->currentWork() == 2000;
+            const bool begun = static_cast<std::uint64_t>(group->currentWork()) == steps;
             if (!failed) {
-              EXPECT_EQ(progress, 2000U);
+              EXPECT_EQ(progress, steps);
             }
             EXPECT_EQ(group->walkCount(), begun && target > 0.0F ? 70 + progress : 70);
             expectSteps(*group, begun ? 70 + progress : 70);
@@ -104,12 +104,16 @@ void expectAgreementWhereAllocationsFail() {
   }
 }
 
-TEST(FailingWalk, EndsWithEverythingInAgreement) { expectAgreementWhereAllocationsFail(); }
+TEST(FailingWalk, EndsWithEverythingInAgreement) { expectAgreementWhereAllocationsFail(2000); }
 
-// In pieces, whose memory is this thread's here.
-TEST(FailingWalk, EndsSoWhereItIsShared) {
+TEST(FailingWalk, EndsSoWhereThreadsShareIt) {
+  const SharedWork shared(3);
+  expectAgreementWhereAllocationsFail(100);
+}
+
+TEST(FailingWalk, EndsSoInPiecesInReverse) {
   const SharedWork shared(2, SharedWork::InReverse());
-  expectAgreementWhereAllocationsFail();
+  expectAgreementWhereAllocationsFail(100);
 }
 
 // Either nothing is made, or walkers that can walk.

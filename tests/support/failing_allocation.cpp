@@ -2,13 +2,11 @@
 
 #include <malloc.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-#include <utility>
 
 // The linker sends every call of these functions in the program's own objects and in the library to
 // __wrap_..., and calls of __real_... to the functions themselves.
@@ -22,17 +20,20 @@ void __real_free(void* block);
 namespace veq::test {
 namespace {
 
+// Of all threads, which take numbers by turns.
 struct State {
-  bool armed = false;
-  bool all = false;
-  bool happened = false;
-  std::uint64_t countdown = 0;
-  LiveMemory live;
-  std::int64_t peak = 0;
-  std::uint64_t bytes = 0;
+  std::atomic<bool> armed{false};
+  std::atomic<bool> happened{false};
+  std::atomic<std::uint64_t> number{0};  // of the next allocation
+  std::uint64_t failing = 0;
+  bool allFrom = false;
+  std::atomic<std::int64_t> blocks{0};
+  std::atomic<std::int64_t> liveBytes{0};
+  std::atomic<std::int64_t> peak{0};
+  std::atomic<std::uint64_t> bytes{0};
 };
 
-thread_local State state;
+constinit State state;
 std::atomic<std::uint64_t> failedInAll{0};
 
 /// Tells at the program's end how much these tests have tried.
@@ -46,39 +47,41 @@ class Report final : public testing::Environment {
     testing::AddGlobalTestEnvironment(new Report);
 
 bool mustFail() {
-  if (!state.armed) return false;
-  if (state.countdown > 0) {
-    --state.countdown;
-    return false;
-  }
+  if (!state.armed.load(std::memory_order_acquire)) return false;
+  const std::uint64_t number = state.number.fetch_add(1, std::memory_order_relaxed);
+  if (state.allFrom ? number < state.failing : number != state.failing) return false;
   state.happened = true;
   failedInAll.fetch_add(1, std::memory_order_relaxed);
-  if (!state.all) state.armed = false;
   return true;
 }
 
-void* counted(void* block, std::size_t size) {
-  state.bytes += size;
-  if (block) {
-    ++state.live.blocks;
-    state.live.bytes += static_cast<std::int64_t>(malloc_usable_size(block));
-    state.peak = std::max(state.peak, state.live.bytes);
+void count(std::int64_t blocks, std::int64_t bytes) {
+  state.blocks.fetch_add(blocks, std::memory_order_relaxed);
+  const std::int64_t live = state.liveBytes.fetch_add(bytes, std::memory_order_relaxed) + bytes;
+  std::int64_t peak = state.peak.load(std::memory_order_relaxed);
+  while (live > peak && !state.peak.compare_exchange_weak(peak, live, std::memory_order_relaxed)) {
   }
+}
+
+std::int64_t sizeOf(void* block) { return static_cast<std::int64_t>(malloc_usable_size(block)); }
+
+void* counted(void* block, std::size_t size) {
+  state.bytes.fetch_add(size, std::memory_order_relaxed);
+  if (block) count(1, sizeOf(block));
   return block;
 }
 
 void uncounted(void* block) {
-  if (!block) return;
-  --state.live.blocks;
-  state.live.bytes -= static_cast<std::int64_t>(malloc_usable_size(block));
+  if (block) count(-1, -sizeOf(block));
 }
 
 }  // namespace
 
 FailingAllocation::FailingAllocation(std::uint64_t n, Mode mode) {
-  state.all = mode == Mode::kAllFrom;
+  state.allFrom = mode == Mode::kAllFrom;
+  state.failing = n;
+  state.number = 0;
   state.happened = false;
-  state.countdown = n;
   state.armed = true;
 }
 
@@ -86,11 +89,9 @@ FailingAllocation::~FailingAllocation() { state.armed = false; }
 
 bool FailingAllocation::happened() { return state.happened; }
 
-LiveMemory FailingAllocation::liveMemory() { return state.live; }
+LiveMemory FailingAllocation::liveMemory() { return {state.blocks, state.liveBytes}; }
 
-std::int64_t FailingAllocation::takePeakBytes() {
-  return std::exchange(state.peak, state.live.bytes);
-}
+std::int64_t FailingAllocation::takePeakBytes() { return state.peak.exchange(state.liveBytes); }
 
 std::uint64_t FailingAllocation::allocatedBytes() { return state.bytes; }
 
@@ -117,11 +118,10 @@ void* __wrap_calloc(std::size_t count, std::size_t size) {
 
 void* __wrap_realloc(void* block, std::size_t size) {
   if (mustFail()) return nullptr;
-  // Counted off first, for its size cannot be asked for once it has moved.
-  const veq::test::LiveMemory before = veq::test::FailingAllocation::liveMemory();
-  uncounted(block);
-  void* moved = __real_realloc(block, size);
-  if (!moved) veq::test::state.live = before;
+  // Asked for first, for where it has moved nobody can.
+  const std::int64_t before = block ? veq::test::sizeOf(block) : 0;
+  void* const moved = __real_realloc(block, size);
+  if (moved && block) veq::test::count(-1, -before);
   return counted(moved, size);
 }
 

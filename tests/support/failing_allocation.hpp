@@ -8,14 +8,14 @@
 
 namespace veq::test {
 
-/// What this thread has allocated, less what it has freed.
+/// What all threads have allocated, less what they have freed.
 struct LiveMemory {
   std::int64_t blocks = 0;
   std::int64_t bytes = 0;
 };
 
-/// Makes allocations of this thread fail: those of operator new, malloc, calloc and realloc in the
-/// test program and the library. Linked only into the program of these tests, see
+/// Makes allocations fail, in whichever thread: those of operator new, malloc, calloc and realloc
+/// in the test program and the library. Linked only into the program of these tests, see
 /// tests/CMakeLists.txt.
 class FailingAllocation {
  public:
@@ -35,7 +35,7 @@ class FailingAllocation {
   /// The most bytes that liveMemory() has told of since the last call.
   static std::int64_t takePeakBytes();
 
-  /// Bytes that this thread has asked for so far, whether or not it has freed them.
+  /// Bytes that have been asked for so far, whether or not they have been freed.
   static std::uint64_t allocatedBytes();
 };
 

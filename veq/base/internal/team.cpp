@@ -32,10 +32,15 @@ struct LentRunner {
   std::mutex lock;
   Shared<const ParallelRunner> runner;
 };
-LentRunner& lentRunner() {
-  static auto* const lent = new LentRunner;  // for static objects that work when they are destroyed
-  return *lent;
+// Never destroyed, for static objects may work when they are. Without an allocation, which might
+// fail where nothing may be thrown and would be lost when a shared object is unloaded.
+template <class T, class... Arguments>
+T& lasting(Arguments... arguments) {
+  alignas(T) static unsigned char memory[sizeof(T)];
+  static auto* const made = new (memory) T(arguments...);
+  return *made;
 }
+LentRunner& lentRunner() { return lasting<LentRunner>(); }
 
 Shared<const ParallelRunner> currentRunner() {
   LentRunner& lent = lentRunner();
@@ -183,12 +188,7 @@ void Team::Dismissal::operator()(Crew* crew) const {
   if (crew->process == processNumber()) delete crew;
 }
 
-Team& Team::alone() {
-  // Never destroyed, for static objects may work when they are, and without an allocation.
-  alignas(Team) static unsigned char memory[sizeof(Team)];
-  static auto* const alone = new (memory) Team(1);
-  return *alone;
-}
+Team& Team::alone() { return lasting<Team>(1U); }
 
 void Team::share(std::uint64_t pieces, Task task) {
   if (const Shared<const ParallelRunner> runner = currentRunner()) {
