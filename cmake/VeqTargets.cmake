@@ -33,6 +33,10 @@ function(veq_units target)
                          $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endfunction()
 
+# What GCC makes unique in the process is never unloaded, and the standard library has such things in every
+# header. Clang makes nothing so.
+set(VEQ_UNLOADABLE $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)
+
 # veq_library(NAME [STATIC] [EXCLUDE_FROM_ALL]): the library from VEQ_SOURCES, static or shared as
 # BUILD_SHARED_LIBS says. What is PRIVATE here reaches no project that uses the library.
 function(veq_library name)
@@ -54,7 +58,7 @@ function(veq_library name)
                               "${PROJECT_SOURCE_DIR}/veq/network/internal/network_core.hpp")
   endif()
   # A fused multiply-add would change the last bit of a walk or a strength between machines.
-  target_compile_options(${name} PRIVATE -ffp-contract=off)
+  target_compile_options(${name} PRIVATE -ffp-contract=off ${VEQ_UNLOADABLE})
 endfunction()
 
 # veq_need(FOUND NAME PACKAGE SWITCH): ends the configuration where something is missing, and says

@@ -108,7 +108,7 @@ std::uint64_t stepsOf(const Walkers& agents) {
   EXPECT_EQ(agents.positions(), Indices(kAgents, steps % kVertices));
   Indices visits(kVertices);
   for (std::uint64_t s = 1; s <= steps; ++s) ++visits[s % kVertices];
-  for (const std::uint64_t agent : {0, 17, 39}) EXPECT_EQ(agents.visits(agent), visits) << agent;
+  for (const std::uint64_t agent : {0U, 17U, 39U}) EXPECT_EQ(agents.visits(agent), visits) << agent;
   for (std::uint64_t& visit : visits) visit *= kAgents;
   EXPECT_EQ(agents.visits(), visits);
   return steps;

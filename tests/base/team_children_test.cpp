@@ -1,10 +1,12 @@
 // Teams in child processes, in which the thread sanitizer lets nobody start a thread.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <cstdint>
+#include <future>
 #include <vector>
 
 #include "tests/support/child_process.hpp"
@@ -43,6 +45,27 @@ TEST(TeamInAChild, MayBeDestroyedThere) {
               return 0;
             }),
             0);
+}
+
+// Whatever the other thread and its helpers were doing.
+TEST(TeamInAChild, WorksWhereAnotherThreadSharesWorkMeanwhile) {
+  std::atomic<bool> isOver{false};
+  auto other = std::async(std::launch::async, [&] {
+    while (!isOver) {
+      Team team(2);
+      EXPECT_EQ(timesDone(team), std::vector<int>(20, 1));
+    }
+  });
+  for (int round = 0; round < 200; ++round) {
+    ASSERT_EQ(statusOfChild([] {
+                ::alarm(20);
+                Team team(3);
+                return timesDone(team) == std::vector<int>(20, 1) ? 0 : 1;
+              }),
+              0);
+  }
+  isOver = true;
+  other.get();
 }
 
 // A stack takes more addresses than are left, so that no thread can be made.

@@ -27,9 +27,11 @@ constexpr unsigned kMostThreads = 1024;
 // 0 until somebody asks how many processors there are, which means reading files.
 std::atomic<unsigned> threadsOfProcess{1};
 
-// A runner may be set while others run, which keep it.
+// A runner may be set while others run, which keep it. Where none is, nobody takes the lock: who
+// was forked while another thread held it would wait for ever.
 struct LentRunner {
   std::mutex lock;
+  std::atomic<bool> isThere{false};
   Shared<const ParallelRunner> runner;
 };
 // Never destroyed, for static objects may work when they are. Without an allocation, which might
@@ -44,6 +46,7 @@ LentRunner& lentRunner() { return lasting<LentRunner>(); }
 
 Shared<const ParallelRunner> currentRunner() {
   LentRunner& lent = lentRunner();
+  if (!lent.isThere.load(std::memory_order_acquire)) return nullptr;
   const std::lock_guard guard(lent.lock);
   return lent.runner;
 }
@@ -223,6 +226,7 @@ void setParallelRunner(ParallelRunner runner) {
   internal::LentRunner& lent = internal::lentRunner();
   const std::lock_guard guard(lent.lock);
   std::swap(lent.runner, made);  // what it was is destroyed outside the lock
+  lent.isThere.store(lent.runner != nullptr, std::memory_order_release);
 }
 
 }  // namespace veq
