@@ -184,7 +184,9 @@ void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshol
   const std::uint64_t stretch = threshold <= kRare ? kRareStretch : kStretch;
   if (team.threads() == 1 || total <= stretch) return hitsBelow(stream, total, threshold, sink);
   RandomStream current = stream;
-  std::vector<std::vector<std::uint64_t>> hits(2 * std::uint64_t{team.threads()});
+  // So many that threads seldom wait for each other, and that hits are few at a time.
+  constexpr std::uint64_t kPiecesOfThread = 16;
+  std::vector<std::vector<std::uint64_t>> hits(kPiecesOfThread * team.threads());
   for (std::uint64_t done = 0; done < total;) {
     const std::uint64_t left = total - done;
     const std::uint64_t pieces =
