@@ -4,11 +4,15 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <memory>
+#include <numeric>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "tests/support/agents.hpp"
+#include "tests/support/log_capture.hpp"
 #include "tests/support/rounds.hpp"
 #include "tests/support/shared_work.hpp"
 #include "veq/models.hpp"
@@ -56,6 +60,57 @@ TEST(SharedComponents, OfALongRingAreFound) {
     EXPECT_EQ(found.sizes[0], kRing);
     for (std::uint64_t v = 0; v < kRing; ++v) ASSERT_EQ(found.labels[v], 0U) << v;
     for (std::uint64_t v = 0; v < 100; ++v) ASSERT_EQ(found.labels[kRing + v], 1 + v);
+  }
+}
+
+// 0 - 1 - ... - 99 - 0, and behind it 2000 pairs a - b, in whose column "number" each has its own.
+Network ringAndPairs() {
+  constexpr std::uint64_t kRing = 100;
+  constexpr std::uint64_t kPairs = 2000;
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> edges;
+  for (std::uint64_t v = 0; v < kRing; ++v) edges.emplace_back(v, (v + 1) % kRing);
+  for (std::uint64_t p = 0; p < kPairs; ++p) {
+    edges.emplace_back(kRing + 2 * p, kRing + 2 * p + 1);
+  }
+  const auto network = networkOf(kRing + 2 * kPairs, edges, false);
+  internal::RawVector<double> numbers(network->countVertices());
+  std::iota(numbers.begin(), numbers.end(), 0.0);
+  network->setPropertiesOfVertices_forKey(std::make_shared<VEQNumberArray>(std::move(numbers)),
+                                          "number");
+  return Network(network);
+}
+
+void expectRingAndPairs(const Network& network) {
+  const LogCapture log;
+  const auto parts = componentNetworks(network, Connection::kWeak).value();
+  const auto published = network.published()->connectedSubNetworksArray();
+  ASSERT_EQ(parts.size(), 2001U);
+  ASSERT_EQ(published.size(), 2001U);
+  EXPECT_EQ(parts[0].network.countVertices(), 100U);
+  EXPECT_EQ(parts[0].network.countEdges(), 100U);
+  EXPECT_EQ(published[0]->countEdges(), 100U);
+  EXPECT_EQ(log.lines(), std::vector<std::string>(2001, "Loading Weighted Network? NO"));
+  for (std::uint64_t p = 1; p <= 2000; ++p) {
+    const std::uint64_t first = 98 + 2 * p;
+    ASSERT_EQ(parts[p].vertices, (std::vector<std::uint64_t>{first, first + 1}));
+    ASSERT_EQ(parts[p].edges, (std::vector<std::uint64_t>{99 + p}));
+    for (const Shared<VEQNetwork>& part : {parts[p].network.published(), published[p]}) {
+      ASSERT_EQ(part->countVertices(), 2U);
+      ASSERT_EQ(part->countEdges(), 1U);
+      const auto numbers = part->propertiesOfVertices()->find("number");
+      ASSERT_EQ((*numbers)->objectAtIndex(0).number()->text(), std::to_string(first));
+      ASSERT_EQ((*numbers)->objectAtIndex(1).number()->text(), std::to_string(first + 1));
+    }
+  }
+}
+
+// By one thread, by all together, and those of fewer than 50 edges side by side.
+TEST(SharedComponents, AreMadeIntoNetworksInTheirOrder) {
+  const Network network = ringAndPairs();
+  expectRingAndPairs(network);
+  for (const std::uint64_t worthSharing : {0, 50}) {
+    const SharedWork shared(3, worthSharing);
+    expectRingAndPairs(network);
   }
 }
 

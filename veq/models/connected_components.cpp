@@ -12,10 +12,12 @@
 
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/base/internal/memory.hpp"
+#include "veq/base/internal/pace.hpp"
 #include "veq/network/internal/component_forest.hpp"
 #include "veq/network/internal/components.hpp"
 #include "veq/network/internal/copied_properties.hpp"
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/shared_parts.hpp"
 #include "veq/network/network.hpp"
 
 namespace veq {
@@ -29,6 +31,7 @@ using internal::HeldWeights;
 using internal::IndexList;
 using internal::NetworkCore;
 using internal::NetworkDraft;
+using internal::Pace;
 using internal::Part;
 using internal::Partition;
 using internal::RawVector;
@@ -40,17 +43,21 @@ HandleRun runOf(const NetworkCore& core, std::span<const std::uint64_t> indices)
   return {&core.handles().record, indices.size(), indices.data()};
 }
 
-// What initWithVertices_edges_directed_... makes of the part's handles.
+// What initWithVertices_edges_directed_... says of the part's handles.
+void announce(const NetworkCore& core, const Part& part, bool weighted) {
+  logDiagnostic(weighted ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
+  internal::visitInvalid(core.handles().vertices, runOf(core, part.vertices),
+                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
+  internal::visitInvalid(core.handles().edges, runOf(core, part.edges),
+                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
+}
+
+// What it makes of them.
 Shared<VEQNetwork> networkOf(const NetworkCore& core, const Part& part,
                              std::optional<Weights> verticesWeights,
                              std::optional<Weights> edgesWeights) {
-  logDiagnostic(edgesWeights ? "Loading Weighted Network? YES" : "Loading Weighted Network? NO");
   const HandleRun vertices = runOf(core, part.vertices);
   const HandleRun edges = runOf(core, part.edges);
-  internal::visitInvalid(core.handles().vertices, vertices,
-                         [](const VEQVertex& v) { static_cast<void>(v.properties()); });
-  internal::visitInvalid(core.handles().edges, edges,
-                         [](const VEQEdge& e) { static_cast<void>(e.fromVertex()); });
   NetworkDraft draft;
   draft.columnsAreReady = true;
   if (vertices.count != 0) {
@@ -128,11 +135,17 @@ std::vector<Shared<VEQNetwork>> VEQNetwork::connectedSubNetworksArray() const {
   const Partition parts = store.visit([&store](const auto& topology) {
     return Partition(internal::weakComponents(store, topology), topology, store.edgeCount());
   });
-  std::vector<Shared<VEQNetwork>> result;
-  result.reserve(parts.count());
-  for (std::uint64_t c = 0; c < parts.count(); ++c) {
-    result.push_back(networkOf(*core_, parts[c], std::nullopt, std::nullopt));
+  const bool hasHandles =
+      core_->handles().vertices.hasMadeAny() || core_->handles().edges.hasMadeAny();
+  if (hasHandles || diagnosticLogListens()) {
+    for (std::uint64_t c = 0; c < parts.count(); ++c) announce(*core_, parts[c], false);
   }
+  std::vector<Shared<VEQNetwork>> result(parts.count());
+  const Progress nobody;
+  Pace unwatched(nobody, 0);
+  internal::forEachPart(parts, unwatched, 0, [&](std::uint64_t c, Pace&) {
+    result[c] = networkOf(*core_, parts[c], std::nullopt, std::nullopt);
+  });
   return result;
 }
 
@@ -146,6 +159,7 @@ Shared<VEQNetwork> VEQNetwork::largestConnectedSubNetwork() const {
   std::optional<Weights> edgesWeights =
       weightsAt(core_->edgesWeights, runOf(*core_, largest.edges), core_->handles().edges);
   logWeights(edgesWeights);
+  announce(*core_, largest.part(), edgesWeights.has_value());
   Shared<VEQNetwork> network =
       networkOf(*core_, largest.part(), std::move(verticesWeights), std::move(edgesWeights));
   if (diagnosticLogListens()) {

@@ -1,12 +1,14 @@
 #include "veq/questions/components.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/network/internal/components.hpp"
 #include "veq/network/internal/network_core.hpp"
+#include "veq/network/internal/shared_parts.hpp"
 #include "veq/questions/internal/strong_components.hpp"
 
 namespace veq {
@@ -79,11 +81,13 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
                        core.store.edgeCount(),
                        strong ? Partition::CrossEdges::kPossible : Partition::CrossEdges::kNone);
     });
+    std::vector<std::optional<DerivedNetwork>> made(parts.count());
+    internal::forEachPart(parts, pace, core.store.edgeCount(), [&](std::uint64_t c, Pace& own) {
+      made[c] = networkOf(core, parts[c], own);
+    });
     std::vector<DerivedNetwork> result;
-    result.reserve(parts.count());
-    for (std::uint64_t c = 0; c < parts.count(); ++c) {
-      result.push_back(networkOf(core, parts[c], pace));
-    }
+    result.reserve(made.size());
+    for (std::optional<DerivedNetwork>& part : made) result.push_back(std::move(*part));
     return result;
   });
 }

@@ -43,7 +43,8 @@ template <class F>
 /// Calls f(begin, end) for each tile. A pace is asked between some tiles and the next by this
 /// thread, when all threads have met.
 template <class F>
-void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace, F f) {
+[[gnu::always_inline]] inline void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace,
+                                                     F f) {
   // Nearly all networks are small.
   if (work.elements > work.tile) return forEachOfManyTiles(work, team, pace, f);
   f(std::uint64_t{0}, work.elements);
@@ -52,7 +53,8 @@ void forEachSharedTile(const TiledWork& work, Team& team, Pace* pace, F f) {
 
 /// The same where the elements are the units and are what is told.
 template <class F>
-void forEachSharedTile(std::uint64_t elements, std::uint64_t tile, Team& team, Pace* pace, F f) {
+[[gnu::always_inline]] inline void forEachSharedTile(std::uint64_t elements, std::uint64_t tile,
+                                                     Team& team, Pace* pace, F f) {
   forEachSharedTile(TiledWork{elements, tile, elements, elements}, team, pace, f);
 }
 
