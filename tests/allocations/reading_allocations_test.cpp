@@ -8,6 +8,8 @@
 
 #include "tests/support/failing_allocation.hpp"
 #include "tests/support/network_dump.hpp"
+#include "tests/support/shared_work.hpp"
+#include "tests/support/small_pieces.hpp"
 #include "veq/formats/reading.hpp"
 #include "veq/formats/writing.hpp"
 
@@ -25,6 +27,24 @@ std::string archive() {
   return networkText(reading.value(), FileFormat::kArchive).value();
 }
 
+void expectNetworkOrLackOfMemory(const std::string& text) {
+  const Reading whole = readNetworkText(text);
+  ASSERT_TRUE(whole);
+  const std::string expected = dump(whole.value().published().get());
+  const std::uint64_t failures = forEachFailingAllocation(
+      [] { return std::optional<Reading>(); },
+      [&text](std::optional<Reading>& reading) { reading.emplace(readNetworkText(text)); },
+      [&expected](std::optional<Reading>& reading, bool failed) {
+        if (failed) return;
+        if (*reading) {
+          EXPECT_EQ(dump(reading->value().published().get()), expected);
+        } else {
+          EXPECT_EQ(reading->error().kind(), ErrorKind::kMemory) << reading->error().text();
+        }
+      });
+  EXPECT_GE(failures, 5U);
+}
+
 TEST(ReadingAllocations, EveryFormatGivesTheNetworkOrSaysThatMemoryIsLacking) {
   const std::vector<std::string> texts{
       archive(),
@@ -32,24 +52,16 @@ TEST(ReadingAllocations, EveryFormatGivesTheNetworkOrSaysThatMemoryIsLacking) {
       "1 2\n2 30\n",
       "*Vertices 3\n1 \"" + kLongName + "\" 0.1 0.2\n*Arcs :1 \"likes\"\n1 2 2\n*Edges\n2 3\n",
       "%%MatrixMarket matrix coordinate real general\n2 2 2\n1 2 0.5\n2 2 1\n",
+      "#vertices 3\n#edges weighted\n0 1 0.5\n1 2 0.25\n2 0 4\n",
+      "*Vertices 3\n*Edges\n1 2 0.5\n2 3 0.25\n3 1 4\n",
       "graph [ node [ id 1 label \"" + kLongName + "\" size 2 ] edge [ source 1 target 1 ] ]"};
   for (const std::string& text : texts) {
     SCOPED_TRACE(text);
-    const Reading whole = readNetworkText(text);
-    ASSERT_TRUE(whole);
-    const std::string expected = dump(whole.value().published().get());
-    const std::uint64_t failures = forEachFailingAllocation(
-        [] { return std::optional<Reading>(); },
-        [&text](std::optional<Reading>& reading) { reading.emplace(readNetworkText(text)); },
-        [&expected](std::optional<Reading>& reading, bool failed) {
-          if (failed) return;
-          if (*reading) {
-            EXPECT_EQ(dump(reading->value().published().get()), expected);
-          } else {
-            EXPECT_EQ(reading->error().kind(), ErrorKind::kMemory) << reading->error().text();
-          }
-        });
-    EXPECT_GE(failures, 5U);
+    expectNetworkOrLackOfMemory(text);
+    // Also in what would be other threads' pieces.
+    const SmallPieces pieces(1);
+    const SharedWork work(2, SharedWork::InReverse());
+    expectNetworkOrLackOfMemory(text);
   }
 }
 

@@ -9,7 +9,9 @@
 
 #include "veq/base/internal/encodings.hpp"
 #include "veq/base/internal/file_url.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/whole_files.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/formats/internal/edge_list.hpp"
 #include "veq/formats/internal/name_lists.hpp"
 #include "veq/formats/internal/pajek.hpp"
@@ -22,6 +24,7 @@ namespace {
 
 using internal::CoreAccess;
 using internal::NetworkDraft;
+using internal::Team;
 
 /// The path of a URL given to f; a result that means failure where the URL names none.
 template <class F>
@@ -31,7 +34,8 @@ auto withPathOf(std::string_view url, F f) {
 }
 
 std::optional<NetworkDraft> readXnetText(std::string_view text) {
-  return internal::isValidUtf8(text) ? internal::readXnet(text) : std::nullopt;
+  Team team(parallelism());
+  return internal::isValidUtf8(text, team) ? internal::readXnet(text, team) : std::nullopt;
 }
 
 std::optional<NetworkDraft> readXnetFile(std::string_view path) {
@@ -40,18 +44,22 @@ std::optional<NetworkDraft> readXnetFile(std::string_view path) {
 }
 
 std::optional<NetworkDraft> readPajekText(std::string_view text) {
-  return internal::isValidUtf8(text) ? internal::readPajek(text) : std::nullopt;
+  Team team(parallelism());
+  return internal::isValidUtf8(text, team) ? internal::readPajek(text, team) : std::nullopt;
 }
 
 std::optional<NetworkDraft> readPajekFile(std::string_view path) {
   Result<std::string> bytes = internal::readWholeFile(path);
   if (!bytes) return std::nullopt;
-  const std::optional<std::string> text = internal::decodeAutomatically(std::move(bytes).value());
-  return text ? internal::readPajek(*text) : std::nullopt;
+  Team team(parallelism());
+  const std::optional<std::string> text =
+      internal::decodeAutomatically(std::move(bytes).value(), team);
+  return text ? internal::readPajek(*text, team) : std::nullopt;
 }
 
 bool areValidUtf8(std::initializer_list<std::string_view> texts) {
-  return std::all_of(texts.begin(), texts.end(), internal::isValidUtf8);
+  return std::all_of(texts.begin(), texts.end(),
+                     [](std::string_view text) { return internal::isValidUtf8(text); });
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/text_escapes.hpp"
 #include "veq/base/internal/text_scanner.hpp"
+#include "veq/formats/internal/lines_ahead.hpp"
 #include "veq/formats/internal/pajek.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/numeric/generic_array.hpp"
@@ -39,13 +40,91 @@ struct PositionEntry {
   std::array<float, 3> at;
 };
 
+/// The edges of all sections. Behind arcs an edge is two of them, one each way.
+class PublishedEdges : public TextTopology {
+ public:
+  PublishedEdges() : TextTopology(/*first=*/1) {}
+
+  /// Only the weights start afresh, so that those of earlier sections are lost.
+  void beginSection(PublishedSection section, std::string_view rest) {
+    if (weights) weights->clear();
+    if (!weights) weights.emplace();
+    reserveFor(rest);
+    if (section == PublishedSection::kArcs) setDirected(true);
+    const bool isOfEdges =
+        section == PublishedSection::kEdges || section == PublishedSection::kEdgesList;
+    isTwoArcs_ = isOfEdges && isDirected();
+  }
+
+  /// Reads lines of an edge each, up to the next header or an edge that lacks an end.
+  [[gnu::noinline]] void readWholeLines(TextScanner& scanner, std::uint64_t most) {
+    for (; most > 0 && !scanner.atEnd() && !scanner.startsWith('*'); --most) {
+      if (!scanner.startsWith('%')) {
+        if (!readEnds(scanner)) return;
+        finishEdge(scanner);
+      }
+      scanner.finishLine();
+    }
+  }
+  /// An end that is missing is that of the edge before.
+  void readLine(TextScanner& scanner) {
+    readSource(scanner);
+    readTarget(scanner);
+    finishEdge(scanner);
+  }
+  void readLineOfOneVertex(TextScanner& scanner) {
+    readSource(scanner);
+    while (readTarget(scanner)) append(1.0F);
+  }
+
+  /// Nothing where this is no network.
+  [[nodiscard]] std::optional<NetworkDraft> finish() {
+    if (!weighted_) weights.reset();
+    if (weighted_ && weights->size() != edgeCount()) return std::nullopt;
+    return TextTopology::finish();
+  }
+
+  // For LinesAhead
+
+  void begin(const PublishedEdges& whole) {
+    TextTopology::begin(whole);
+    isTwoArcs_ = whole.isTwoArcs_;
+    weighted_ = false;
+  }
+  void follow(const PublishedEdges& piece) {
+    TextTopology::follow(piece);
+    weighted_ |= piece.weighted_;
+  }
+
+ private:
+  void finishEdge(TextScanner& scanner) {
+    scanner.skipBlanks();
+    append(scanner.readFloat().value_or(1.0F));
+  }
+  void append(float weight) {
+    appendEdge();
+    weights->push_back(weight);
+    weighted_ |= weight != 1.0F;
+    if (!isTwoArcs_) return;
+    appendReverse();
+    weights->push_back(weight);
+  }
+
+  bool isTwoArcs_ = false;
+  bool weighted_ = false;
+};
+
 /// Each step answers false where the whole read fails.
 class PajekReader {
  public:
-  explicit PajekReader(std::string_view text) : scanner_(text) {}
+  PajekReader(std::string_view text, Team& team) : scanner_(text), ahead_(team) {}
 
   std::optional<NetworkDraft> read() {
     while (!scanner_.atEnd()) {
+      if (hasEdges() && !scanner_.startsWith('*')) {
+        readEdges();
+        continue;
+      }
       if (!readLine()) return std::nullopt;
       scanner_.finishLine();
     }
@@ -59,16 +138,14 @@ class PajekReader {
     scanner_.skipBlanks();
     switch (section_) {
       case PublishedSection::kNone:
+      case PublishedSection::kEdges:
+      case PublishedSection::kArcs:
         break;
       case PublishedSection::kVertices:
         return readVertex();
-      case PublishedSection::kEdges:
-      case PublishedSection::kArcs:
-        readEdge();
-        break;
       case PublishedSection::kArcList:
       case PublishedSection::kEdgesList:
-        readEdgesOfOneVertex();
+        edges_.readLineOfOneVertex(scanner_);
         break;
     }
     return true;
@@ -80,17 +157,14 @@ class PajekReader {
     for (const PublishedHeader& candidate : kEdgeSections) {
       if (!scanner_.matchPrefix(candidate.word)) continue;
       section_ = candidate.section;
-      // Only the weights start afresh, so that those of earlier sections are lost.
-      weights_.clear();
-      weights_.reserve(topology_.reserveFor(scanner_.rest()));
-      if (section_ == PublishedSection::kArcs) topology_.setDirected(true);
+      edges_.beginSection(section_, scanner_.rest());
       break;
     }
     return true;
   }
 
   bool readVerticesHeader() {
-    if (!topology_.readVertexCount(scanner_)) return false;
+    if (!edges_.readVertexCount(scanner_)) return false;
     names_.clear();
     positions_.clear();
     reserveNames();
@@ -100,9 +174,9 @@ class PajekReader {
 
   /// Once, as for the edges.
   void reserveNames() {
-    if (names_.capacity() != 0 || topology_.vertexCount() < 0) return;
+    if (names_.capacity() != 0 || edges_.vertexCount() < 0) return;
     names_.reserve(std::min(TextTopology::usualLines(scanner_.rest()),
-                            static_cast<std::size_t>(topology_.vertexCount())));
+                            static_cast<std::size_t>(edges_.vertexCount())));
   }
 
   bool readVertex() {
@@ -123,7 +197,7 @@ class PajekReader {
       hasPosition |= value.has_value();
     }
     positionsSeen_ |= hasPosition;
-    if (!number || *number < 1 || *number > topology_.vertexCount()) return !name && !hasPosition;
+    if (!number || *number < 1 || *number > edges_.vertexCount()) return !name && !hasPosition;
     const auto vertex = static_cast<std::uint64_t>(*number - 1);
     if (name) names_.push_back({vertex, *name});
     // From the first position on, a vertex without one is at the origin.
@@ -131,40 +205,35 @@ class PajekReader {
     return true;
   }
 
-  void readEdge() {
-    topology_.readSource(scanner_);
-    topology_.readTarget(scanner_);
+  /// Whether lines are of an edge each.
+  [[nodiscard]] bool hasEdges() const {
+    return section_ == PublishedSection::kEdges || section_ == PublishedSection::kArcs;
+  }
+
+  /// Lines that threads have read, or some others.
+  void readEdges() {
+    const std::size_t bytes = ahead_.read(scanner_.rest(), scanner_.position(), edges_, readPiece);
+    if (bytes > 0) return scanner_.goTo(scanner_.position() + bytes);
+    edges_.readWholeLines(scanner_, kLinesAtOnce);
+    if (scanner_.atEnd() || scanner_.startsWith('*') || scanner_.startsWith('%')) return;
     scanner_.skipBlanks();
-    append(scanner_.readFloat().value_or(1.0F), section_ == PublishedSection::kEdges);
+    edges_.readLine(scanner_);
+    scanner_.finishLine();
   }
-
-  void readEdgesOfOneVertex() {
-    topology_.readSource(scanner_);
-    while (topology_.readTarget(scanner_)) append(1.0F, section_ == PublishedSection::kEdgesList);
-  }
-
-  /// Behind arcs an edge is two of them, one each way.
-  void append(float weight, bool isEdge) {
-    topology_.append();
-    appendWeight(weight);
-    if (!isEdge || !topology_.isDirected()) return;
-    topology_.appendReverse();
-    appendWeight(weight);
-  }
-
-  void appendWeight(float weight) {
-    weights_.push_back(weight);
-    weighted_ |= weight != 1.0F;
+  static std::size_t readPiece(std::string_view text, PublishedEdges& edges) {
+    TextScanner scanner(text);
+    // Newlines that go on with those before the piece.
+    scanner.skipNewlines();
+    edges.readWholeLines(scanner, text.size());
+    return scanner.position();
   }
 
   std::optional<NetworkDraft> finish() {
-    if (weighted_ && weights_.size() != topology_.edgeCount()) return std::nullopt;
-    std::optional<NetworkDraft> draft = topology_.finish();
+    std::optional<NetworkDraft> draft = edges_.finish();
     if (!draft) return std::nullopt;
-    if (weighted_) draft->edgesWeights = std::move(weights_);
     // Only now is the file known to be good, and its number of vertices worth memory.
     if (const std::uint64_t bytes = bytesPerVertex(); bytes != 0) {
-      requireMemory(static_cast<std::uint64_t>(topology_.vertexCount()), bytes);
+      requireMemory(static_cast<std::uint64_t>(edges_.vertexCount()), bytes);
     }
     if (namesSeen_) draft->properties.vertices.set("Name", names());
     if (positionsSeen_) draft->properties.vertices.set("Position", positions());
@@ -177,14 +246,14 @@ class PajekReader {
   }
 
   [[nodiscard]] Shared<PropertyColumn> names() const {
-    std::vector<PropertyValue> values(static_cast<std::size_t>(topology_.vertexCount()),
+    std::vector<PropertyValue> values(static_cast<std::size_t>(edges_.vertexCount()),
                                       PropertyValue(std::string()));
     for (const NameEntry& entry : names_) values[entry.vertex] = unescaped(entry.escaped);
     return std::make_shared<GenericArray>(std::move(values));
   }
 
   [[nodiscard]] Shared<PropertyColumn> positions() const {
-    const auto count = static_cast<std::size_t>(topology_.vertexCount());
+    const auto count = static_cast<std::size_t>(edges_.vertexCount());
     auto column = VEQVector3dArray::initWithSize_precision(count, kDoublePrecision);
     // A header behind the vertices makes the range ten times as large.
     const double scale = section_ == PublishedSection::kVertices ? 1.0 : 10.0;
@@ -196,19 +265,23 @@ class PajekReader {
     return column;
   }
 
+  // As many as are read between two looks for what threads may read.
+  static constexpr std::uint64_t kLinesAtOnce = 4096;
+
   TextScanner scanner_;
+  LinesAhead<PublishedEdges> ahead_;
   PublishedSection section_ = PublishedSection::kNone;
-  TextTopology topology_{/*first=*/1};
+  PublishedEdges edges_;
   bool namesSeen_ = false;
   bool positionsSeen_ = false;
   std::vector<NameEntry> names_;
   std::vector<PositionEntry> positions_;
-  Weights weights_;
-  bool weighted_ = false;
 };
 
 }  // namespace
 
-std::optional<NetworkDraft> readPajek(std::string_view text) { return PajekReader(text).read(); }
+std::optional<NetworkDraft> readPajek(std::string_view text, Team& team) {
+  return PajekReader(text, team).read();
+}
 
 }  // namespace veq::internal

@@ -73,7 +73,8 @@ void requireXnetHeader(TextInput& text) {
 NetworkDraft readXnetText(TextInput& text, ReadContext& context) {
   requireXnetHeader(text);
   std::optional<Place> stopped;
-  std::optional<NetworkDraft> draft = internal::readXnet(text, &stopped, &context.pace);
+  std::optional<NetworkDraft> draft =
+      internal::readXnet(text, context.team, &stopped, &context.pace);
   if (stopped) internal::failAt(*stopped, "no number of vertices, or an empty name or key");
   if (!draft || draft->vertexCount > context.mostVertices()) {
     const internal::XnetNumber cause = internal::causeOfVertices(text);

@@ -8,6 +8,7 @@
 #include "veq/base/internal/text_escapes.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 #include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/lines_ahead.hpp"
 #include "veq/formats/internal/six_decimals.hpp"
 #include "veq/formats/internal/text_topology.hpp"
 #include "veq/formats/internal/xnet.hpp"
@@ -113,8 +114,8 @@ class ColumnDraft {
 /// Each step answers false where the whole read fails.
 class XnetReader {
  public:
-  XnetReader(TextInput& input, bool logs, Pace* pace)
-      : input_(input), pace_(pace), scanner_(input.piece(0)), logs_(logs) {}
+  XnetReader(TextInput& input, Team& team, bool logs, Pace* pace)
+      : input_(input), pace_(pace), scanner_(input.piece(0)), ahead_(team), logs_(logs) {}
 
   std::optional<NetworkDraft> read() {
     do {
@@ -208,12 +209,11 @@ class XnetReader {
 
   bool readEdgesHeader() {
     scanner_.skipBlanks();
-    renewWeights(edgesWeights_);
+    renewWeights(topology_.weights);
     scanner_.skipBlanks();
     if (scanner_.matchPrefix("directed")) topology_.setDirected(true);
     if (scanner_.matchPrefix("undirected")) topology_.setDirected(false);
-    const std::size_t edges = topology_.reserveFor(scanner_.rest());
-    if (edgesWeights_) edgesWeights_->reserve(edges);
+    topology_.reserveFor(scanner_.rest());
     section_ = XnetSection::kEdges;
     return true;
   }
@@ -261,20 +261,43 @@ class XnetReader {
     return true;
   }
 
-  /// So many lines, or those up to the next header.
+  /// So many lines and one more, or those up to the next header, or what threads have read.
   void readEdges(std::uint64_t most) {
-    Weights* const weights = edgesWeights_ ? &*edgesWeights_ : nullptr;
-    for (; most > 0 && !scanner_.atEnd() && !scanner_.startsWith('#'); --most) {
-      scanner_.skipBlanks();
-      topology_.readSource(scanner_);
-      topology_.readTarget(scanner_);
-      topology_.append();
-      if (weights) {
-        scanner_.skipBlanks();
-        weights->push_back(scanner_.readFloat().value_or(1.0F));
-      }
-      scanner_.finishLine();
+    const std::size_t bytes =
+        ahead_.read(scanner_.rest(), before_ + scanner_.position(), topology_, readPiece);
+    if (bytes > 0) return scanner_.goTo(scanner_.position() + bytes);
+    readWholeEdges(scanner_, most, topology_);
+    if (scanner_.atEnd() || scanner_.startsWith('#')) return;
+    // An end that is missing is that of the edge before.
+    scanner_.skipBlanks();
+    topology_.readSource(scanner_);
+    topology_.readTarget(scanner_);
+    topology_.appendEdge();
+    if (topology_.weights) readWeight(scanner_, *topology_.weights);
+    scanner_.finishLine();
+  }
+
+  /// Up to the next header or the next edge that lacks an end.
+  [[gnu::noinline]] static void readWholeEdges(TextScanner& scanner, std::uint64_t most,
+                                               TextTopology& edges) {
+    Weights* const weights = edges.weights ? &*edges.weights : nullptr;
+    for (; most > 0 && !scanner.atEnd() && !scanner.startsWith('#'); --most) {
+      if (!edges.readEnds(scanner)) return;
+      edges.appendEdge();
+      if (weights) readWeight(scanner, *weights);
+      scanner.finishLine();
     }
+  }
+  static void readWeight(TextScanner& scanner, Weights& weights) {
+    scanner.skipBlanks();
+    weights.push_back(scanner.readFloat().value_or(1.0F));
+  }
+  static std::size_t readPiece(std::string_view text, TextTopology& edges) {
+    TextScanner scanner(text);
+    // Newlines that go on with those before the piece.
+    scanner.skipNewlines();
+    readWholeEdges(scanner, text.size(), edges);
+    return scanner.position();
   }
 
   void closeSection() {
@@ -293,7 +316,6 @@ class XnetReader {
     std::optional<NetworkDraft> draft = topology_.finish();
     if (!draft) return std::nullopt;
     draft->verticesWeights = std::move(verticesWeights_);
-    draft->edgesWeights = std::move(edgesWeights_);
     draft->properties = std::move(properties_);
     return draft;
   }
@@ -304,6 +326,7 @@ class XnetReader {
   /// The bytes of the pieces before it.
   std::uint64_t before_ = 0;
   TextScanner scanner_;
+  LinesAhead<TextTopology> ahead_;
   bool logs_;
   bool stopped_ = false;
   XnetSection section_ = XnetSection::kNone;
@@ -311,14 +334,14 @@ class XnetReader {
   TextTopology topology_{/*first=*/0};
   std::vector<PropertyValue> names_;
   std::optional<Weights> verticesWeights_;
-  std::optional<Weights> edgesWeights_;
   NetworkProperties properties_;
 };
 
 }  // namespace
 
-std::optional<NetworkDraft> readXnet(TextInput& text, std::optional<Place>* stopped, Pace* pace) {
-  XnetReader reader(text, stopped == nullptr, pace);
+std::optional<NetworkDraft> readXnet(TextInput& text, Team& team, std::optional<Place>* stopped,
+                                     Pace* pace) {
+  XnetReader reader(text, team, stopped == nullptr, pace);
   std::optional<NetworkDraft> draft = reader.read();
   if (!draft && stopped) *stopped = reader.stoppedAt();
   return draft;

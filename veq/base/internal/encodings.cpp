@@ -1,5 +1,7 @@
 #include "veq/base/internal/encodings.hpp"
 
+#include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -75,6 +77,27 @@ bool isValidUtf8(std::string_view bytes) {
   return true;
 }
 
+bool isValidUtf8(std::string_view bytes, Team& team, std::size_t pieceSize) {
+  // A piece begins where a character may. Where none does for so many bytes nothing is valid.
+  const auto beginOf = [&](std::uint64_t piece) {
+    std::size_t at = static_cast<std::size_t>(piece) * pieceSize;
+    if (at == 0 || at >= bytes.size()) return std::min(at, bytes.size());
+    const std::size_t last = std::min(at + 3, bytes.size());
+    while (at < last && (byteAt(bytes, at) & 0xC0) == 0x80) ++at;
+    return at;
+  };
+  std::atomic<bool> isValid{true};
+  const std::uint64_t pieces = bytes.size() / pieceSize + 1;
+  team.forEachPiece(pieces, bytes.size(), [&](std::uint64_t piece) {
+    if (!isValid.load(std::memory_order_relaxed)) return;
+    const std::size_t begin = beginOf(piece);
+    if (!isValidUtf8(bytes.substr(begin, beginOf(piece + 1) - begin))) {
+      isValid.store(false, std::memory_order_relaxed);
+    }
+  });
+  return isValid.load(std::memory_order_relaxed);
+}
+
 std::string utf8FromLatin1(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size());
@@ -131,12 +154,12 @@ std::string_view withoutByteOrderMark(std::string_view text) {
   return startsWith(text, kUtf8Mark) ? text.substr(kUtf8Mark.size()) : text;
 }
 
-std::optional<std::string> decodeAutomatically(std::string bytes) {
+std::optional<std::string> decodeAutomatically(std::string bytes, Team& team) {
   const std::string_view all = bytes;
   if (startsWith(all, "\xFF\xFE")) return utf8FromUtf16(all.substr(2), ByteOrder::kLittleEndian);
   if (startsWith(all, "\xFE\xFF")) return utf8FromUtf16(all.substr(2), ByteOrder::kBigEndian);
   const bool isMarked = startsWith(all, kUtf8Mark);
-  if (!isValidUtf8(all)) {
+  if (!isValidUtf8(all, team)) {
     if (isMarked) return std::nullopt;
     return utf8FromLatin1(all);
   }

@@ -7,6 +7,8 @@
 #include <memory>
 #include <type_traits>
 
+#include "veq/base/export.hpp"
+
 namespace veq::internal {
 
 /// So many threads as somebody asked for, who may have meant as many as the process may use by 0.
@@ -15,7 +17,7 @@ namespace veq::internal {
 /// The threads of one operation: the one that makes the team, and helpers, which start when there
 /// is something to share and end with the team. Only one thread may use a team, but several may use
 /// alone().
-class Team {
+class VEQ_EXPORT Team {
  public:
   /// Fewer units of work, each of some nanoseconds, are not worth waking a thread for. Tests set it
   /// to 0, so that small work is shared.

@@ -55,6 +55,8 @@ class TextScanner {
   [[nodiscard]] std::string_view rest() const { return viewOf(at_, end_); }
   [[nodiscard]] bool startsWith(char character) const { return at_ != end_ && *at_ == character; }
 
+  /// Goes to where so many bytes are consumed, on or back.
+  void goTo(std::size_t position) { at_ = begin_ + position; }
   /// Consumes the character if it is next.
   bool match(char character) {
     if (!startsWith(character)) return false;
@@ -65,8 +67,8 @@ class TextScanner {
   /// directly behind it: "edges" matches in "#EdgesList" behind the "#".
   bool matchPrefix(std::string_view word);
 
-  void skipBlanks() { skip<kBlankByte>(); }
-  void skipNewlines() { skip<kNewlineByte>(); }
+  [[gnu::always_inline]] void skipBlanks() { skip<kBlankByte>(); }
+  [[gnu::always_inline]] void skipNewlines() { skip<kNewlineByte>(); }
   void skipBlanksAndNewlines() { skip<kBlankByte | kNewlineByte>(); }
   void skipToNewline() { skipUntil<kNewlineByte>(); }
   /// Goes to the next newline and over the whole run of them, so that no blank line is ever seen.
@@ -100,7 +102,7 @@ class TextScanner {
   }
 
   template <unsigned kClasses>
-  void skip() {
+  [[gnu::always_inline]] void skip() {
     for (; at_ != end_; ++at_) {
       const std::uint8_t found = classOf(*at_);
       if (found & kClasses) continue;

@@ -6,6 +6,7 @@
 #include <span>
 #include <string_view>
 
+#include "veq/base/internal/team.hpp"
 #include "veq/formats/internal/network_text.hpp"
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/internal/network_draft.hpp"
@@ -14,7 +15,7 @@ namespace veq::internal {
 
 /// What the text describes; nothing where it describes no network. O(length), and O(n) where it
 /// gives names or positions to n vertices.
-[[nodiscard]] std::optional<NetworkDraft> readPajek(std::string_view text);
+[[nodiscard]] std::optional<NetworkDraft> readPajek(std::string_view text, Team& team);
 
 /// The text of a network, in UTF-8.
 [[nodiscard]] NetworkText writePajek(const NetworkCore& core);

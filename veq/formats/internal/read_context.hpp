@@ -12,6 +12,8 @@
 
 #include "veq/base/export.hpp"
 #include "veq/base/internal/pace.hpp"
+#include "veq/base/internal/team.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/formats/reading.hpp"
 
 namespace veq::internal {
@@ -32,6 +34,7 @@ class VEQ_EXPORT ReadContext {
 
   const ReadOptions& options;
   Pace pace;
+  Team team{parallelism()};
   std::string title;
   /// For each key of columns that are several, the number of the last.
   std::map<std::pair<const void*, std::string>, std::uint64_t> furtherColumns;

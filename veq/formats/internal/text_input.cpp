@@ -1,5 +1,7 @@
 #include "veq/formats/internal/text_input.hpp"
 
+#include <algorithm>
+#include <atomic>
 #include <optional>
 #include <utility>
 
@@ -22,7 +24,7 @@ std::string decoded(std::string bytes, ReadContext& context) {
                  [&] { return std::string(why) + ": the text is taken for ISO-8859-1"; });
     return utf8FromLatin1(bytes);
   };
-  if (isValidUtf8(bytes)) {
+  if (isValidUtf8(bytes, context.team)) {
     const std::string_view text = withoutByteOrderMark(bytes);
     if (text.size() != bytes.size()) bytes.erase(0, bytes.size() - text.size());
     return bytes;
@@ -36,11 +38,31 @@ std::string decoded(std::string bytes, ReadContext& context) {
                         "what follows the byte-order mark is not what the mark says");
 }
 
-bool hasLoneReturn(std::string_view text) {
-  for (std::size_t at = text.find('\r'); at != text.npos; at = text.find('\r', at + 2)) {
+namespace {
+
+/// Whether one stands in a piece of the text.
+bool hasLoneReturn(std::string_view text, std::size_t begin, std::size_t end) {
+  const std::string_view piece = text.substr(0, end);
+  for (std::size_t at = piece.find('\r', begin); at != piece.npos; at = piece.find('\r', at + 1)) {
     if (at + 1 == text.size() || text[at + 1] != '\n') return true;
   }
   return false;
+}
+
+}  // namespace
+
+bool hasLoneReturn(std::string_view text) { return hasLoneReturn(text, 0, text.size()); }
+
+bool hasLoneReturn(std::string_view text, Team& team, std::size_t pieceSize) {
+  std::atomic<bool> has{false};
+  const std::uint64_t pieces = text.size() / pieceSize + 1;
+  team.forEachPiece(pieces, text.size(), [&](std::uint64_t piece) {
+    if (has.load(std::memory_order_relaxed)) return;
+    const std::size_t begin = static_cast<std::size_t>(piece) * pieceSize;
+    const std::size_t end = std::min(begin + pieceSize, text.size());
+    if (hasLoneReturn(text, begin, end)) has.store(true, std::memory_order_relaxed);
+  });
+  return has.load(std::memory_order_relaxed);
 }
 
 TextInput::TextInput(ByteStream& bytes, ReadContext& context) : context_(&context) {
@@ -69,7 +91,7 @@ void TextInput::append(std::string bytes, std::size_t mark) {
   Piece& piece = pieces_.emplace_back();
   piece.bytes = std::move(bytes);
   piece.text = std::string_view(piece.bytes).substr(mark);
-  piece.hasLoneReturns = hasLoneReturn(piece.text);
+  piece.hasLoneReturns = hasLoneReturn(piece.text, context_->team);
 }
 
 bool TextInput::readPiece() {
@@ -93,7 +115,7 @@ bool TextInput::readPiece() {
     piece.resize(filled + end + 1);
   }
   if (piece.empty()) return false;
-  const bool isValid = isValidUtf8(piece);
+  const bool isValid = isValidUtf8(piece, context_->team);
   const std::size_t mark = pieces_.empty() ? piece.size() - withoutByteOrderMark(piece).size() : 0;
   append(std::move(piece), mark);
   if (!isValid) throw NotUtf8{takeBytes()};

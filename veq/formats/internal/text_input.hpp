@@ -16,6 +16,9 @@ namespace veq::internal {
 
 /// Whether a CR stands there without an LF behind it.
 [[nodiscard]] bool hasLoneReturn(std::string_view text);
+/// The same on all threads of a team, in pieces of so many bytes.
+[[nodiscard]] bool hasLoneReturn(std::string_view text, Team& team,
+                                 std::size_t pieceSize = std::size_t{1} << 18);
 
 /// A text in UTF-8, whatever the file has. It is one piece where its size is known; what comes
 /// through a pipe comes in pieces of whole lines, each of which is read when it is asked for. All

@@ -2,6 +2,7 @@
 /// What text formats have in common in how they tell vertices and edges.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -15,11 +16,14 @@
 namespace veq::internal {
 
 /// The vertices and edges of a text on their way to a draft. An end that cannot be read is that of
-/// the edge before, also over sections.
+/// the edge before, also over sections. LinesAhead reads them, too.
 class TextTopology {
  public:
   /// The index that the format gives the first vertex.
-  explicit TextTopology(std::int64_t first) : first_(first) {}
+  explicit TextTopology(std::int64_t first = 0) : first_(first) {}
+
+  /// Of the edges of a section, where it has them.
+  std::optional<Weights> weights;
 
   /// Reads the number of vertices, from before its blanks; false where there is none.
   bool readVertexCount(TextScanner& scanner) {
@@ -39,26 +43,75 @@ class TextTopology {
     return target.has_value();
   }
 
-  /// Makes room for the edges of a text of which so much is left, and answers for how many; 0, and
-  /// nothing is done, from the second time on. Every doubling would touch new memory, while room
-  /// that nothing needs takes none.
-  std::size_t reserveFor(std::string_view rest) {
-    if (from_.capacity() != 0) return 0;
-    const std::size_t edges = usualLines(rest);
-    from_.reserve(edges);
-    to_.reserve(edges);
-    return edges;
+  /// Reads both ends from before their blanks. Where one is missing, it answers false and consumes
+  /// nothing.
+  bool readEnds(TextScanner& scanner) {
+    const std::size_t begin = scanner.position();
+    scanner.skipBlanks();
+    const std::optional<std::int64_t> source = scanner.readInteger();
+    scanner.skipBlanks();
+    const std::optional<std::int64_t> target = scanner.readInteger();
+    if (!source || !target) {
+      scanner.goTo(begin);
+      return false;
+    }
+    source_ = *source;
+    target_ = *target;
+    return true;
+  }
+
+  /// Makes room for the edges of a text of which so much is left, and for their weights. Nothing is
+  /// done from the second time on. Every doubling would touch new memory, while room that nothing
+  /// needs takes none.
+  void reserveFor(std::string_view rest) {
+    if (from_.capacity() == 0) reserve(usualLines(rest));
   }
   /// How many lines there are if they are not short.
   [[nodiscard]] static std::size_t usualLines(std::string_view text) { return text.size() / 16; }
 
   /// Appends the edge between the ends read last, or the one in the opposite direction.
-  void append() { append(source_, target_); }
+  void appendEdge() { append(source_, target_); }
   void appendReverse() { append(target_, source_); }
   [[nodiscard]] std::uint64_t edgeCount() const { return from_.size(); }
 
   void setDirected(bool directed) { directed_ = directed; }
   [[nodiscard]] bool isDirected() const { return directed_; }
+
+  // For LinesAhead
+
+  void begin(const TextTopology& whole) {
+    first_ = whole.first_;
+    directed_ = whole.directed_;
+    from_.clear();
+    to_.clear();
+    if (!whole.weights) return weights.reset();
+    if (!weights) weights.emplace();
+    weights->clear();
+  }
+  [[nodiscard]] std::uint64_t count() const { return edgeCount(); }
+  void reserve(std::uint64_t edges) {
+    const auto more = static_cast<std::size_t>(edges) - from_.size();
+    from_.reserve(from_.size() + more);
+    to_.reserve(to_.size() + more);
+    if (weights) weights->reserve(weights->size() + more);
+  }
+  void resize(std::uint64_t edges) {
+    // Of earlier sections there may be no weights.
+    if (weights) weights->resize(weights->size() + (edges - edgeCount()));
+    from_.resize(edges);
+    to_.resize(edges);
+  }
+  void copy(const TextTopology& piece, std::uint64_t at) {
+    const auto behind = static_cast<std::ptrdiff_t>(edgeCount() - at);
+    std::copy(piece.from_.begin(), piece.from_.end(), from_.end() - behind);
+    std::copy(piece.to_.begin(), piece.to_.end(), to_.end() - behind);
+    if (weights) std::copy(piece.weights->begin(), piece.weights->end(), weights->end() - behind);
+  }
+  void follow(const TextTopology& piece) {
+    if (piece.edgeCount() == 0) return;
+    source_ = piece.source_;
+    target_ = piece.target_;
+  }
 
   /// Nothing where this is no network.
   [[nodiscard]] std::optional<NetworkDraft> finish() {
@@ -71,6 +124,7 @@ class TextTopology {
     draft.from = std::move(from_);
     draft.to = std::move(to_);
     draft.directed = directed_;
+    draft.edgesWeights = std::move(weights);
     return draft;
   }
 

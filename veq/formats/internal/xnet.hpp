@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "veq/base/internal/pace.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/formats/internal/network_text.hpp"
 #include "veq/formats/internal/text_input.hpp"
 #include "veq/network/internal/network_core.hpp"
@@ -17,12 +18,13 @@ namespace veq::internal {
 /// given, is the place of the header or name that ended the reading, or nothing where a number was
 /// wrong. Without it this is the published reader, which tells the diagnostic log of vectors in
 /// space. Whoever gives a pace may stop it. O(length).
-[[nodiscard]] std::optional<NetworkDraft> readXnet(TextInput& text,
+[[nodiscard]] std::optional<NetworkDraft> readXnet(TextInput& text, Team& team,
                                                    std::optional<Place>* stopped = nullptr,
                                                    Pace* pace = nullptr);
-[[nodiscard]] inline std::optional<NetworkDraft> readXnet(std::string_view text) {
+[[nodiscard]] inline std::optional<NetworkDraft> readXnet(std::string_view text,
+                                                          Team& team = Team::alone()) {
   TextInput input(text);
-  return readXnet(input);
+  return readXnet(input, team);
 }
 
 /// A number of vertices, or the end of an edge, as it stands in the text.
