@@ -91,8 +91,8 @@ class PublishedEdges : public TextTopology {
     isTwoArcs_ = whole.isTwoArcs_;
     weighted_ = false;
   }
-  void follow(const PublishedEdges& piece) {
-    TextTopology::follow(piece);
+  void follow(const PublishedEdges& piece, std::uint64_t at) {
+    TextTopology::follow(piece, at);
     weighted_ |= piece.weighted_;
   }
 

@@ -133,6 +133,20 @@ class LineReader {
     take(input.piece(0), input.hasLoneReturns(0));
   }
 
+  /// Of a piece of a text in which a CR alone ends lines or does not.
+  LineReader(std::string_view text, bool loneReturns) { take(text, loneReturns); }
+
+  /// What lies ahead in this piece of the text, from the beginning of a line on.
+  [[nodiscard]] std::string_view rest() const {
+    return {at_, static_cast<std::size_t>(end_ - at_)};
+  }
+  [[nodiscard]] bool hasLoneReturns() const { return loneReturns_; }
+  /// Goes on behind so many bytes, which were so many lines.
+  void skip(std::size_t bytes, std::uint64_t lines) {
+    at_ += bytes;
+    number_ += lines;
+  }
+
   /// Goes to the next line; false behind the last one.
   bool next() {
     if (at_ == end_ && !nextPiece()) return false;

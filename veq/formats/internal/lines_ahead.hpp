@@ -41,24 +41,26 @@ class TextPieces {
 /// such line of all counts, and there the reader goes on by itself; so neither cuts nor threads
 /// show in what comes out.
 ///
-/// Lines are kept in order by
-///   void begin(const Lines& whole)               empties them, to be read as those are now,
-///   std::uint64_t count() const                  how many entries there are,
-///   void reserve(std::uint64_t count)            expects so many,
-///   void resize(std::uint64_t count)             makes room for entries that are then
-///   void copy(const Lines& piece, std::uint64_t at)  set, on several threads, and
-///   void follow(const Lines& piece)              takes what is neither, in their order.
+/// What lines say has
+///   void begin(const Whole& whole)    to be empty, and read as the whole goes on,
+///   std::uint64_t count() const       to say how many entries there are;
+/// and the whole, which may be of the same class,
+///   std::uint64_t count() const       the same,
+///   void reserve(std::uint64_t count) to expect so many,
+///   void resize(std::uint64_t count)  to make room for entries, which are then
+///   void copy(const Lines& piece, std::uint64_t at)    set, from several threads, and
+///   void follow(const Lines& piece, std::uint64_t at)  to take the rest, piece by piece.
 template <class Lines>
 class LinesAhead {
  public:
   /// The team must outlive this.
   explicit LinesAhead(Team& team) : team_(team) {}
 
-  /// Appends lines from the beginning of a text on, which is that of a line and has so many bytes
-  /// of the whole before it. Answers how many bytes it has read. read(piece, lines) answers it for
-  /// one piece.
-  template <class Read>
-  std::size_t read(std::string_view text, std::uint64_t position, Lines& lines, Read read) {
+  /// Appends to the whole what lines from the beginning of a text on say, which is that of a line
+  /// and has so many bytes before it. Answers how many bytes it has read; read(piece, lines)
+  /// answers it for one piece.
+  template <class Whole, class Read>
+  std::size_t read(std::string_view text, std::uint64_t position, Whole& whole, Read read) {
     if (team_.threads() == 1 || position < waitsUntil_ || text.size() < Team::worthSharing) {
       return 0;
     }
@@ -66,10 +68,10 @@ class LinesAhead {
     if (cut_.count() < 2) return 0;
     if (pieces_.size() < cut_.count()) pieces_ = std::vector<Piece>(cut_.count());
     team_.forEachPiece(cut_.count(), cut_.size(), [&](std::uint64_t i) {
-      pieces_[i].lines.begin(lines);
+      pieces_[i].lines.begin(whole);
       pieces_[i].bytes = read(cut_.at(i), pieces_[i].lines);
     });
-    const std::size_t bytes = take(lines, text.size());
+    const std::size_t bytes = take(whole, text.size());
     waitAfter(bytes, position);
     return bytes;
   }
@@ -88,10 +90,11 @@ class LinesAhead {
   };
 
   /// Puts together what counts, of a text of which so much is left.
-  std::size_t take(Lines& lines, std::size_t left) {
+  template <class Whole>
+  std::size_t take(Whole& whole, std::size_t left) {
     std::size_t used = 0;
     std::size_t bytes = 0;
-    std::uint64_t count = lines.count();
+    std::uint64_t count = whole.count();
     bool isWhole = true;
     while (isWhole && used < cut_.count()) {
       Piece& piece = pieces_[used];
@@ -102,15 +105,15 @@ class LinesAhead {
     }
     if (!isReserved_ && bytes > 0) {
       // As many as come if the others are alike, and some more.
-      const double each = static_cast<double>(count - lines.count()) / static_cast<double>(bytes);
+      const double each = static_cast<double>(count - whole.count()) / static_cast<double>(bytes);
       const double more = each * static_cast<double>(left);
-      lines.reserve(lines.count() + static_cast<std::uint64_t>(more + more / 64));
+      whole.reserve(whole.count() + static_cast<std::uint64_t>(more + more / 64));
       isReserved_ = true;
     }
-    lines.resize(count);
+    whole.resize(count);
     team_.forEachPiece(used, bytes,
-                       [&](std::uint64_t i) { lines.copy(pieces_[i].lines, pieces_[i].at); });
-    for (std::size_t i = 0; i < used; ++i) lines.follow(pieces_[i].lines);
+                       [&](std::uint64_t i) { whole.copy(pieces_[i].lines, pieces_[i].at); });
+    for (std::size_t i = 0; i < used; ++i) whole.follow(pieces_[i].lines, pieces_[i].at);
     return bytes;
   }
 
@@ -118,7 +121,8 @@ class LinesAhead {
   void waitAfter(std::size_t bytes, std::uint64_t position) {
     const std::size_t all = cut_.size();
     wait_ = bytes == all ? 0 : bytes < all / 2 ? std::max<std::uint64_t>(2 * wait_, all) : wait_;
-    waitsUntil_ = position + bytes + wait_;
+    // The line where it stopped is the reader's in any case.
+    waitsUntil_ = position + bytes + std::max<std::uint64_t>(wait_, bytes == all ? 0 : 1);
   }
 
   Team& team_;

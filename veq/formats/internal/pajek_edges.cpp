@@ -26,6 +26,25 @@ void PajekEdges::reserve(std::uint64_t edges) {
   weights_.reserve(edges);
 }
 
+void PajekEdges::clear() {
+  from_.clear();
+  to_.clear();
+  weights_.clear();
+}
+
+void PajekEdges::resize(std::uint64_t edges) {
+  from_.resize(edges);
+  to_.resize(edges);
+  weights_.resize(edges);
+}
+
+void PajekEdges::copy(const PajekEdges& piece, std::uint64_t at) {
+  const auto begin = static_cast<std::ptrdiff_t>(at);
+  std::copy(piece.from_.begin(), piece.from_.end(), from_.begin() + begin);
+  std::copy(piece.to_.begin(), piece.to_.end(), to_.begin() + begin);
+  weights_.copy(piece.weights_, at);
+}
+
 bool PajekEdges::has(bool arcs) const {
   for (std::size_t run = 0; run < runs_.size(); ++run) {
     if (runs_[run].arcs == arcs && endOf(run) > runs_[run].first) return true;

@@ -31,6 +31,16 @@ class PajekEdges {
   void reserve(std::uint64_t edges);
   [[nodiscard]] std::uint64_t count() const { return from_.size(); }
 
+  // For LinesAhead, where no line has a layer
+  [[nodiscard]] bool hasLayers() const { return hasLayers_; }
+  void clear();
+  void resize(std::uint64_t edges);
+  void copy(const PajekEdges& piece, std::uint64_t at);
+  /// The places of the piece are those of the text behind so many lines.
+  void follow(const PajekEdges& piece, std::uint64_t at, std::uint64_t lines) {
+    weights_.follow(piece.weights_, at, lines);
+  }
+
   /// Gives the draft its edges with what belongs to them. Where there are arcs as well as
   /// undirected lines, each of these becomes two arcs, and a loop one, as a note says at the place.
   void finish(NetworkDraft& draft, ReadContext& context, Place mixed, unsigned mixedCode,

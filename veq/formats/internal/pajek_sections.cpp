@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "veq/formats/internal/lines.hpp"
+#include "veq/formats/internal/lines_ahead.hpp"
 #include "veq/formats/internal/pajek_columns.hpp"
 #include "veq/formats/internal/pajek_edges.hpp"
 #include "veq/formats/internal/pajek_matrix.hpp"
@@ -36,34 +37,132 @@ std::string_view withoutQuotes(std::string_view text) {
   return text;
 }
 
-bool isEmptyOrComment(const LineCursor& cursor) {
+inline bool isEmptyOrComment(const LineCursor& cursor) {
   if (cursor.atEnd()) return true;
   const char first = *cursor.at();
   return first == '%' || first == '#' || (first == '/' && cursor.rest().substr(0, 2) == "/*");
 }
 
+class PajekSections;
+
+/// A piece of the text whose lines are edges of which there is nothing to be said, or empty.
+class PlainEdges {
+ public:
+  void begin(const PajekSections& whole);
+  [[nodiscard]] std::uint64_t count() const { return edges.count(); }
+
+  /// How many bytes were such lines.
+  std::size_t read(std::string_view text) {
+    LineReader reader(text, loneReturns_);
+    do {
+      bytes = static_cast<std::size_t>(reader.position());
+      lines = reader.number();
+    } while (reader.next() && readLine(reader));
+    return bytes;
+  }
+
+  PajekEdges edges;
+  std::size_t bytes = 0;
+  std::uint64_t lines = 0;
+  /// The largest number of a vertex, and where it stands first.
+  std::uint64_t largestEnd = 0;
+  Place largestPlace;
+
+ private:
+  bool readLine(const LineReader& reader) {
+    LineCursor cursor = reader.cursor();
+    cursor.skipBlanks();
+    if (isEmptyOrComment(cursor)) return true;
+    const char* const first = cursor.at();
+    const std::int64_t from = cursor.readInteger().value_or(0);
+    cursor.skipBlanks();
+    const char* const second = cursor.at();
+    const std::int64_t to = cursor.readInteger().value_or(0);
+    cursor.skipBlanks();
+    const char* const third = cursor.at();
+    const double weight = cursor.readNumber().value_or(1.0);
+    const auto length = static_cast<std::size_t>(cursor.at() - third);
+    cursor.skipBlanks();
+    if (!isVertex(from) || !isVertex(to) || !cursor.atEnd()) return false;
+    takeEnd(from, first, reader);
+    takeEnd(to, second, reader);
+    const auto asIndex = [](std::int64_t number) { return static_cast<std::uint64_t>(number) - 1; };
+    if (edges.append(asIndex(from), asIndex(to), weight, length)) {
+      edges.setWeightPlace(reader.placeOf(third));
+    }
+    return true;
+  }
+  [[nodiscard]] bool isVertex(std::int64_t number) const {
+    return number >= 1 && static_cast<std::uint64_t>(number) <= most_;
+  }
+  void takeEnd(std::int64_t number, const char* at, const LineReader& reader) {
+    if (static_cast<std::uint64_t>(number) <= largestEnd) return;
+    largestEnd = static_cast<std::uint64_t>(number);
+    largestPlace = reader.placeOf(at);
+  }
+
+  bool loneReturns_ = false;
+  std::uint64_t most_ = 0;
+};
+
 class PajekSections {
  public:
   PajekSections(TextInput& text, ReadContext& context)
-      : lines_(text), context_(context), textSize_(text.expectedSize()) {
+      : lines_(text), context_(context), textSize_(text.expectedSize()), ahead_(context.team) {
     edges_.reserve(text.expectedSize() / 16);
   }
 
   NetworkDraft read() {
     while (!ended_ && lines_.next()) {
-      if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
       LineCursor cursor = lines_.cursor();
       cursor.skipBlanks();
       if (cursor.match('*')) {
         readHeader(cursor);
+        readAhead();
       } else if (!isEmptyOrComment(cursor)) {
         readLine(cursor);
       }
+      if (lines_.number() % kLinesAtOnce == 0) readAhead();
     }
     return finish();
   }
 
+  // For LinesAhead
+
+  [[nodiscard]] std::uint64_t count() const { return edges_.count(); }
+  void reserve(std::uint64_t edges) { edges_.reserve(edges); }
+  void resize(std::uint64_t edges) { edges_.resize(edges); }
+  void copy(const PlainEdges& piece, std::uint64_t at) { edges_.copy(piece.edges, at); }
+  void follow(const PlainEdges& piece, std::uint64_t at) {
+    edges_.follow(piece.edges, at, lines_.number());
+    if (piece.largestEnd > largestEnd_) {
+      largestEnd_ = piece.largestEnd;
+      largestPlace_ = {lines_.number() + piece.largestPlace.line, piece.largestPlace.column};
+    }
+    lines_.skip(piece.bytes, piece.lines);
+  }
+
  private:
+  friend class PlainEdges;
+
+  static constexpr std::uint64_t kLinesAtOnce = 4096;
+
+  /// Whether each line is an edge, and means the same wherever it stands.
+  [[nodiscard]] bool hasPlainEdges() const {
+    const bool ofStates = section_ == PajekSection::kLinks && !states_.empty();
+    return (section_ == PajekSection::kArcs || section_ == PajekSection::kEdges ||
+            section_ == PajekSection::kLinks || section_ == PajekSection::kBipartite) &&
+           !ofStates && !edges_.hasLayers();
+  }
+  void readAhead() {
+    context_.pace.reach(lines_.position());
+    if (!hasPlainEdges()) return;
+    const auto read = [](std::string_view text, PlainEdges& lines) { return lines.read(text); };
+    while (ahead_.read(lines_.rest(), lines_.position(), *this, read) > 0) {
+      context_.pace.reach(lines_.position());
+    }
+  }
+
   // Headers
 
   void readHeader(LineCursor cursor) {
@@ -398,7 +497,15 @@ class PajekSections {
   std::unordered_map<std::int64_t, std::int64_t> states_;
   PajekMatrix matrix_;
   PajekColumns columns_;
+  LinesAhead<PlainEdges> ahead_;
 };
+
+void PlainEdges::begin(const PajekSections& whole) {
+  edges.clear();
+  largestEnd = 0;
+  loneReturns_ = whole.lines_.hasLoneReturns();
+  most_ = whole.count_.value_or(UINT64_MAX);
+}
 
 }  // namespace
 

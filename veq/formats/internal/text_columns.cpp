@@ -110,6 +110,20 @@ bool WeightColumn::look(double weight) {
   return inexact_.size() == 1;
 }
 
+void WeightColumn::clear() {
+  weights_.clear();
+  inexact_.clear();
+  differsFromOne_ = false;
+}
+
+void WeightColumn::follow(const WeightColumn& piece, std::uint64_t at, std::uint64_t lines) {
+  differsFromOne_ |= piece.differsFromOne_;
+  if (inexact_.empty() && !piece.inexact_.empty()) {
+    place_ = {lines + piece.place_.line, piece.place_.column};
+  }
+  for (const Exact& other : piece.inexact_) inexact_.push_back({at + other.edge, other.weight});
+}
+
 double WeightColumn::at(std::uint64_t edge) const {
   const auto exact =
       std::lower_bound(inexact_.begin(), inexact_.end(), edge,

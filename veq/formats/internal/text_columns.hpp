@@ -102,6 +102,14 @@ class VEQ_EXPORT WeightColumn {
   void setPlace(Place place) { place_ = place; }
   [[nodiscard]] Place place() const { return place_; }
   void reserve(std::uint64_t edges) { weights_.reserve(edges); }
+  // For LinesAhead; the places of a piece are those of the text behind so many lines.
+  void clear();
+  void resize(std::uint64_t edges) { weights_.resize(edges); }
+  void copy(const WeightColumn& piece, std::uint64_t at) {
+    std::copy(piece.weights_.begin(), piece.weights_.end(),
+              weights_.begin() + static_cast<std::ptrdiff_t>(at));
+  }
+  void follow(const WeightColumn& piece, std::uint64_t at, std::uint64_t lines);
   [[nodiscard]] std::uint64_t size() const { return weights_.size(); }
   /// As the text says it where a float does not.
   [[nodiscard]] double at(std::uint64_t edge) const;

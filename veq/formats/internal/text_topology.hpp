@@ -107,7 +107,7 @@ class TextTopology {
     std::copy(piece.to_.begin(), piece.to_.end(), to_.end() - behind);
     if (weights) std::copy(piece.weights->begin(), piece.weights->end(), weights->end() - behind);
   }
-  void follow(const TextTopology& piece) {
+  void follow(const TextTopology& piece, std::uint64_t /*at*/) {
     if (piece.edgeCount() == 0) return;
     source_ = piece.source_;
     target_ = piece.target_;
