@@ -236,5 +236,61 @@ TEST(FailingSharedWork, ComponentsAreFoundOrNot) {
   });
 }
 
+// Many of one vertex, and some of two; each takes some ten allocations.
+TEST(FailingSharedWork, TheNetworksOfComponentsAreMadeOrNot) {
+  constexpr std::uint64_t kParts = 600;
+  const Network network = [] {
+    std::vector<std::uint64_t> from(50);
+    std::vector<std::uint64_t> to(50);
+    for (std::uint64_t e = 0; e < from.size(); ++e) to[e] = 600 + (from[e] = 12 * e);
+    BuildOptions options;
+    options.vertices = kParts + 600;
+    return Network::build(from, to, options).value();
+  }();
+  std::optional<std::vector<DerivedNetwork>> made;
+  const SharedWork shared(3, 100);
+  const std::uint64_t failures = forEachFailingAllocation(
+      [] { return 0; }, [&](int) { made = componentNetworks(network, Connection::kWeak).value(); },
+      [&](int, bool failed) {
+        EXPECT_EQ(failed, !made);
+        if (made) {
+          ASSERT_EQ(made->size(), kParts + 550);
+          EXPECT_EQ((*made)[12].vertices, (Indices{12, 612}));
+          EXPECT_EQ(made->back().vertices, Indices{1199});
+        }
+        made.reset();
+      },
+      97);
+  EXPECT_GE(failures, 50U);
+}
+
+// Edges that are counted in two pieces, and vertices that are filled in ranges.
+TEST(FailingSharedWork, ANetworkIsBuiltOrNot) {
+  constexpr std::uint64_t kCount = 40000;
+  std::vector<std::uint64_t> from(140000);
+  std::vector<std::uint64_t> to(from.size());
+  for (std::uint64_t e = 0; e < from.size(); ++e) {
+    from[e] = e * 7919 % kCount;
+    to[e] = (e + 1) % kCount;
+  }
+  std::optional<Network> built;
+  inBothWays([&] {
+    const std::uint64_t failures = forEachFailingAllocation(
+        [&] { built = Network::build(from, to).value(); },
+        [&](bool failed) {
+          EXPECT_EQ(failed, !built);
+          if (built) {
+            const Shared<const VEQNetwork> network = built->published();
+            EXPECT_EQ(network->countEdges(), from.size());
+            for (const std::uint64_t e : {0U, 77777U, 139999U}) {
+              EXPECT_EQ(network->edgeAtIndex(e)->fromVertex()->identification(), from[e]);
+            }
+          }
+          built.reset();
+        });
+    EXPECT_GE(failures, 8U);
+  });
+}
+
 }  // namespace
 }  // namespace veq::test

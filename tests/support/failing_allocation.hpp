@@ -43,13 +43,15 @@ class FailingAllocation {
 /// n = 0, 1, ... until it makes fewer than n, and then once more for all allocations from the n-th
 /// on. std::bad_alloc may come out; after it `check(fixture, failed)` is called with whether it did
 /// come out, and once the fixture has died all memory must have been given back. Gives the number
-/// of allocations that were made to fail in the first round.
+/// of allocations that were made to fail in the first round. Of an operation that makes very many
+/// each `stride`-th fails.
 template <class Make, class Operate, class Check>
-std::uint64_t forEachFailingAllocation(Make make, Operate operate, Check check) {
+std::uint64_t forEachFailingAllocation(Make make, Operate operate, Check check,
+                                       std::uint64_t stride = 1) {
   std::uint64_t failures = 0;
   for (const auto mode : {FailingAllocation::Mode::kOne, FailingAllocation::Mode::kAllFrom}) {
     bool happened = true;
-    for (std::uint64_t n = 0; happened && n < 100000; ++n) {
+    for (std::uint64_t n = 0; happened && n < 100000; n += stride) {
       SCOPED_TRACE("allocation " + std::to_string(n));
       const LiveMemory before = FailingAllocation::liveMemory();
       {
