@@ -168,49 +168,82 @@ TEST(ParallelWalk, OfAPublishedGroupIsThatOfOneThread) {
   for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(totals[i], totals[3 + i]) << i;
 }
 
-// 0 -> 1 -> ... -> 99 -> 0, where everybody goes on by a vertex in each step.
-Walkers walkersOnCycle() {
+// 0 -> 1 -> ... -> 99 -> 0, where everybody goes on by a vertex in each step, and a vertex that no
+// walk arrives at.
+Walkers walkersOnCycle(bool withMemory) {
   std::vector<std::pair<std::uint64_t, std::uint64_t>> edges;
   for (std::uint64_t v = 0; v < 100; ++v) edges.emplace_back(v, (v + 1) % 100);
-  return walkersOn(Network(networkOf(100, edges, true)), false);
+  const Network network(networkOf(101, edges, true));
+  std::vector<std::uint64_t> starts(kAgents);
+  std::iota(starts.begin(), starts.end(), 0);
+  MemoryOptions memory;
+  memory.sizes = {5};
+  return withMemory ? Walkers::withMemory(network, starts, memory).value()
+                    : Walkers::at(network, starts).value();
 }
 
 // That all agents have made so many steps.
 void expectSteps(const Walkers& walkers, std::uint64_t steps) {
   const std::vector<std::uint64_t> positions = walkers.positions();
   for (std::uint64_t a = 0; a < kAgents; ++a) ASSERT_EQ(positions[a], (a + steps) % 100) << a;
-  EXPECT_EQ(walkers.visits(), std::vector<std::uint64_t>(100, steps));
-  std::vector<std::uint64_t> visits(100, steps / 100);
+  std::vector<std::uint64_t> visits(100, steps);
+  visits.push_back(0);
+  EXPECT_EQ(walkers.visits(), visits);
+  visits.assign(100, steps / 100);
   for (std::uint64_t s = 1; s <= steps % 100; ++s) ++visits[(17 + s) % 100];
+  visits.push_back(0);
   EXPECT_EQ(walkers.visits(17), visits);
 }
 
-TEST(ParallelWalk, EndsAfterAWholeStepWhereItIsStopped) {
-  Walkers walkers = walkersOnCycle();
-  const StopSource source;
+// Walks that never end by themselves.
+struct Endless {
+  const char* name;
+  bool withMemory;
+  bool withTarget;
+  bool withPaths;  // and without a number of steps
+};
+constexpr Endless kEndless[] = {{"plain", false, false, false},
+                                {"to a target", false, true, false},
+                                {"with paths", false, true, true},
+                                {"with memory", true, true, false}};
+
+WalkOptions endlessly(const Endless& kind) {
   WalkOptions options;
-  options.steps = std::uint64_t{1} << 40;
+  if (!kind.withPaths) options.steps = std::uint64_t{1} << 40;
+  if (kind.withTarget) options.target = 1.0;
+  options.paths = kind.withPaths;
   options.threads = 3;
-  options.progress.stop = source.token();
-  options.progress.observer = [&](std::uint64_t, std::uint64_t) { source.requestStop(); };
-  const WalkOutcome outcome = walkers.walk(options).value();
-  EXPECT_EQ(outcome.end, WalkEnd::kStopped);
-  EXPECT_GT(outcome.steps, 0U);
-  expectSteps(walkers, outcome.steps);
+  return options;
+}
+
+TEST(ParallelWalk, EndsAfterAWholeStepWhereItIsStopped) {
+  for (const Endless& kind : kEndless) {
+    SCOPED_TRACE(kind.name);
+    Walkers walkers = walkersOnCycle(kind.withMemory);
+    const StopSource source;
+    WalkOptions options = endlessly(kind);
+    options.progress.stop = source.token();
+    options.progress.observer = [&](std::uint64_t, std::uint64_t) { source.requestStop(); };
+    const WalkOutcome outcome = walkers.walk(options).value();
+    EXPECT_EQ(outcome.end, WalkEnd::kStopped);
+    EXPECT_GT(outcome.steps, 0U);
+    expectSteps(walkers, outcome.steps);
+  }
 }
 
 TEST(ParallelWalk, PassesOnWhatAnObserverThrows) {
-  Walkers walkers = walkersOnCycle();
-  WalkOptions options;
-  options.steps = std::uint64_t{1} << 40;
-  options.threads = 3;
-  std::uint64_t done = 0;
-  options.progress.observer = [&](std::uint64_t steps, std::uint64_t) {
-    done = steps;
-    throw std::runtime_error("enough");
-  };
-  EXPECT_THROW((void)walkers.walk(options), std::runtime_error);
-  expectSteps(walkers, done);
+  for (const Endless& kind : kEndless) {
+    SCOPED_TRACE(kind.name);
+    Walkers walkers = walkersOnCycle(kind.withMemory);
+    WalkOptions options = endlessly(kind);
+    std::uint64_t done = 0;
+    options.progress.observer = [&](std::uint64_t steps, std::uint64_t) {
+      done = steps;
+      throw std::runtime_error("enough");
+    };
+    EXPECT_THROW((void)walkers.walk(options), std::runtime_error);
+    expectSteps(walkers, done);
+  }
 }
 
 // Several groups on one network, each with helpers of its own.

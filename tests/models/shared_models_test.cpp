@@ -42,8 +42,10 @@ TEST(SharedModels, ARandomNetworkIsThatOfOneThread) {
       const SharedWork shared(threads);
       EXPECT_TRUE(drawn(vertices, degree) == alone) << threads << " threads";
     }
-    const SharedWork reversed(3, SharedWork::InReverse());
-    EXPECT_TRUE(drawn(vertices, degree) == alone);
+    for (const std::uint64_t order : {1U, 4U, 23U}) {
+      const SharedWork ordered(3, SharedWork::InOrder{order});
+      EXPECT_TRUE(drawn(vertices, degree) == alone) << "order " << order;
+    }
   }
 }
 
