@@ -58,6 +58,8 @@ constexpr Reader kPublishedPajek{
     }};
 
 const std::vector<Reader> kXnetReaders{kPublishedXnet, {"xnet", readAs<FileFormat::kXnet>}};
+const std::vector<Reader> kListReaders{{"list", readAs<FileFormat::kList>},
+                                       {"strict list", readStrictly<FileFormat::kList>}};
 const std::vector<Reader> kPajekReaders{kPublishedPajek,
                                         {"Pajek", readAs<FileFormat::kPajek>},
                                         {"strict Pajek", readStrictly<FileFormat::kPajek>}};
@@ -100,6 +102,23 @@ class HostileText {
     }
     // A text may end without a newline.
     return text + (below(2) == 0 ? "2 3" : "");
+  }
+
+  /// Of lines that all have a weight or none, and of ids that lie near each other or far apart.
+  std::string list(const std::vector<std::string_view>& others, bool weighted) {
+    std::string text = weighted ? "1 2 0.5\n" : "3 5\n";
+    const std::string far = below(2) == 0 ? "000000000" : "";
+    for (std::uint64_t line = 0; line < 60; ++line) {
+      if (below(20) == 0) {
+        text += others[below(others.size())];
+      } else {
+        text += std::to_string(1 + below(30)) + far + (below(9) == 0 ? "\t-" : " ");
+        text += std::to_string(1 + below(30)) + far;
+        if (weighted) text += kWeights[below(kWeights.size())];
+      }
+      text += below(6) == 0 ? kEnds[below(2)] : "\n";
+    }
+    return text + (below(2) == 0 ? "" : weighted ? "2 3 4" : "2 3");
   }
 
  private:
@@ -173,6 +192,15 @@ TEST(SharedReading, Pajek) {
     const std::string vertices = round % 3 == 0 ? "" : "*Vertices 31\n";
     const std::string header = round % 2 == 0 ? "*Edges\n" : "*Arcs\n";
     expectTheSame(kPajekReaders, vertices + header + lines.lines(others));
+  }
+}
+
+TEST(SharedReading, Lists) {
+  const std::vector<std::string_view> comments{"# a comment", "% none", "", "// none"};
+  const std::vector<std::string_view> others{"# a comment", "a b", "1", "", "1 2 3 4", "9 \"x\""};
+  for (int round = 0; round < test::rounds(60); ++round) {
+    HostileText lines(static_cast<unsigned>(round));
+    expectTheSame(kListReaders, lines.list(round % 4 == 3 ? others : comments, round % 2 == 0));
   }
 }
 

@@ -123,7 +123,7 @@ void takeIntegerEnds(NetworkDraft& draft, RawVector<std::uint64_t> from,
     const auto take = list.shape.twoModes ? takeTwoModes : takeAsIndices;
     return take(draft, std::move(from), std::move(to), list, context);
   }
-  setIds(draft, numberVertices(from, to));
+  setIds(draft, numberVertices(from, to, context.team));
   list.requireVertices(draft.vertexCount, context);
   from.resize(edges);
   to.resize(edges);
