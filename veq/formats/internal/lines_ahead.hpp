@@ -57,10 +57,10 @@ class LinesAhead {
   explicit LinesAhead(Team& team) : team_(team) {}
 
   /// Appends to the whole what lines from the beginning of a text on say, which is that of a line
-  /// and has so many bytes before it. Answers how many bytes it has read; read(piece, lines)
-  /// answers it for one piece.
+  /// and has so many bytes before it. Answers how many bytes it has read; readPiece(piece,
+  /// lines) answers it for one piece.
   template <class Whole, class Read>
-  std::size_t read(std::string_view text, std::uint64_t position, Whole& whole, Read read) {
+  std::size_t read(std::string_view text, std::uint64_t position, Whole& whole, Read readPiece) {
     if (team_.threads() == 1 || position < waitsUntil_ || text.size() < Team::worthSharing) {
       return 0;
     }
@@ -69,7 +69,7 @@ class LinesAhead {
     if (pieces_.size() < cut_.count()) pieces_ = std::vector<Piece>(cut_.count());
     team_.forEachPiece(cut_.count(), cut_.size(), [&](std::uint64_t i) {
       pieces_[i].lines.begin(whole);
-      pieces_[i].bytes = read(cut_.at(i), pieces_[i].lines);
+      pieces_[i].bytes = readPiece(cut_.at(i), pieces_[i].lines);
     });
     const std::size_t bytes = take(whole, text.size());
     waitAfter(bytes, position);
