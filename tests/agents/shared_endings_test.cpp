@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "tests/support/observers.hpp"
 #include "tests/support/rounds.hpp"
 #include "tests/support/shared_work.hpp"
+#include "tests/support/small_pieces.hpp"
 #include "veq/veq.hpp"
 
 namespace veq::test {
@@ -55,6 +57,23 @@ Operation building(const Ends& ends, std::uint64_t vertices) {
             append(all, built.value());
             return all;
           }};
+}
+
+Operation reading(const char* name, const std::string& text) {
+  return {name, [&text](const Progress& progress) -> Result<Numbers> {
+            const SmallPieces pieces(1000);
+            ReadOptions options;
+            options.progress = progress;
+            const Reading read = readNetworkText(text, options);
+            if (!read) return read.error();
+            Numbers all;
+            append(all, read.value());
+            return all;
+          }};
+}
+
+std::string textOf(const Network& network, FileFormat format) {
+  return networkText(network, format).value();
 }
 
 Operation labelling(const Network& network) {
@@ -117,9 +136,13 @@ class SharedOperations : public testing::Test {
   const Ends ends_ = someEnds(kVertices, 150000);
   const Network linked_ = gnmNetwork(3000, 6000).value();
   const Network parts_ = gnmNetwork(3000, 1000).value();
-  const std::vector<Operation> operations_ = {building(ends_, kVertices), labelling(linked_),
-                                              separating(parts_), walking(linked_, false),
-                                              walking(linked_, true)};
+  const std::string xnet_ = textOf(linked_, FileFormat::kXnet);
+  const std::string pajek_ = textOf(linked_, FileFormat::kPajek);
+  const std::string list_ = textOf(linked_, FileFormat::kList);
+  const std::vector<Operation> operations_ = {building(ends_, kVertices),  labelling(linked_),
+                                              reading("xnet", xnet_),      reading("Pajek", pajek_),
+                                              reading("edge list", list_), separating(parts_),
+                                              walking(linked_, false),     walking(linked_, true)};
 };
 
 // Four pieces, as of a walk by four threads, have 24 orders.

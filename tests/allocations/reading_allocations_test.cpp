@@ -58,8 +58,13 @@ TEST(ReadingAllocations, EveryFormatGivesTheNetworkOrSaysThatMemoryIsLacking) {
   for (const std::string& text : texts) {
     SCOPED_TRACE(text);
     expectNetworkOrLackOfMemory(text);
-    // Also in what would be other threads' pieces.
     const SmallPieces pieces(1);
+    {
+      SCOPED_TRACE("on three threads");
+      const SharedWork work(3);
+      expectNetworkOrLackOfMemory(text);
+    }
+    SCOPED_TRACE("in reverse");
     const SharedWork work(2, SharedWork::InReverse());
     expectNetworkOrLackOfMemory(text);
   }

@@ -290,7 +290,7 @@ TEST(FailingSharedWork, ANetworkIsBuiltOrNot) {
           built.reset();
         },
         static_cast<std::uint64_t>(share()));
-    EXPECT_GE(failures, 3U);
+    EXPECT_GE(failures, 1U);
   });
 }
 
