@@ -105,6 +105,7 @@ struct Team::Crew {
   Crew(const Crew&) = delete;
   Crew& operator=(const Crew&) = delete;
 
+  /// The first piece is this thread's, as it keeps the lock until it has taken it.
   void run(std::uint64_t count, Task shared) {
     std::unique_lock held(lock);
     task = shared;
@@ -193,9 +194,12 @@ void Team::Dismissal::operator()(Crew* crew) const {
 
 Team& Team::alone() { return lasting<Team>(1U); }
 
-void Team::share(std::uint64_t pieces, Task task) {
+void Team::share(std::uint64_t pieces, Task task, bool firstIsMine) {
   if (const Shared<const ParallelRunner> runner = currentRunner()) {
-    return shareBy(*runner, pieces, task);
+    if (!firstIsMine) return shareBy(*runner, pieces, task);
+    task(0);
+    task.first = 1;
+    return shareBy(*runner, pieces - 1, task);
   }
   if (crew_ && crew_->process != processNumber()) crew_.reset();
   if (!crew_) {

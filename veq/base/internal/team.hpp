@@ -42,9 +42,22 @@ class VEQ_EXPORT Team {
       for (std::uint64_t i = 0; i < pieces; ++i) piece(i);
       return;
     }
-    using Function = std::remove_reference_t<Piece>;
-    share(pieces, {[](void* function, std::uint64_t i) { (*static_cast<Function*>(function))(i); },
-                   const_cast<void*>(static_cast<const void*>(&piece))});
+    share(pieces, taskOf(piece), false);
+  }
+  /// The same, while this thread first does something else, whose exception comes before all.
+  template <class Piece, class Meanwhile>
+  void forEachPieceWhile(std::uint64_t pieces, std::uint64_t work, Piece&& piece,
+                         Meanwhile&& meanwhile) {
+    if (threads_ == 1 || pieces == 0 || work < worthSharing) {
+      meanwhile();
+      for (std::uint64_t i = 0; i < pieces; ++i) piece(i);
+      return;
+    }
+    const auto both = [&](std::uint64_t i) {
+      if (i == 0) return meanwhile();
+      piece(i - 1);
+    };
+    share(pieces + 1, taskOf(both), true);
   }
 
  private:
@@ -55,11 +68,19 @@ class VEQ_EXPORT Team {
   struct Task {
     void (*call)(void* function, std::uint64_t piece) = nullptr;
     void* function = nullptr;
+    std::uint64_t first = 0;
 
-    void operator()(std::uint64_t piece) const { call(function, piece); }
+    void operator()(std::uint64_t piece) const { call(function, first + piece); }
   };
 
-  void share(std::uint64_t pieces, Task task);
+  template <class Piece>
+  static Task taskOf(Piece& piece) {
+    return {[](void* function, std::uint64_t i) { (*static_cast<Piece*>(function))(i); },
+            const_cast<void*>(static_cast<const void*>(&piece))};
+  }
+
+  /// The first piece may be one for this thread alone.
+  void share(std::uint64_t pieces, Task task, bool firstIsMine);
 
   unsigned threads_;
   std::unique_ptr<Crew, Dismissal> crew_;
