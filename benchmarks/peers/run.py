@@ -231,7 +231,7 @@ def archives():
                [Peer("veq", "build m=1e7", 1.2, "build")])
 
 
-def shared(threads):
+def shared(work, threads):
     """What several threads share, by the clock on the wall, beside one of them: the bar is what two are to
     gain."""
     def line(name, call, gain):
@@ -247,6 +247,12 @@ def shared(threads):
     yield line("walk with memory, 1e6", "walk m=1e6 A=256 S=2000 memory=10", 1.7)
     yield line("random network, n = 2e4", "gnp n=2e4 k=10", 1.8)
     yield line("weak components, 1e6", "labels kind=un n=1e6 m=1e6", 1.4)
+    yield line("read Pajek, 1e7", f"read_pajek file={work}/1e7.net", 1.6)
+    yield line("read xnet, 1e7", f"read_xnet file={work}/1e7.xnet", 1.6)
+    yield line("read any Pajek, 1e7", f"read_any file={work}/1e7.net", 1.6)
+    yield line("read any list, 1e7", f"read_any file={work}/1e7.el", 1.4)
+    yield line("write Pajek, 1e7", f"write_pajek m=1e7 out={work}/written", 1.6)
+    yield line("write xnet, 1e7", f"write_xnet m=1e7 out={work}/written", 1.6)
 
 
 def files(runner, work, lines):
@@ -259,7 +265,8 @@ def files(runner, work, lines):
         runner.once("veq", f"write_archive_file m={size} out={work}/{size}.veqa reps=1")
         for suffix in ("el", "graphml", "gml", "mtx"):
             named = int(suffix in ("graphml", "gml"))
-            runner.once("veq", f"write_any m={size} named={named} out={work}/{size}.{suffix} reps=1")
+            if any(f"{work}/{size}.{suffix}" in line.call for line in lines):
+                runner.once("veq", f"write_any m={size} named={named} out={work}/{size}.{suffix} reps=1")
 
 
 class Runner:
@@ -354,7 +361,7 @@ def main():
         os.makedirs(work, exist_ok=True)
         if options.threads:
             runner.pin = []
-            lines = [*shared(options.threads.split(","))]
+            lines = [*shared(work, options.threads.split(","))]
         else:
             lines = [*building(), *questions(), *components(), *structure(), *models(), *walks(),
                      *texts(work), *any_file(work), *archives()]
