@@ -34,7 +34,8 @@ struct Reader {
 
 std::string readNaturally(const std::string& text, const ReadOptions& options) {
   const Reading reading = readNetworkText(text, options);
-  std::string all = reading ? test::dump(reading.value().published().get()) : summaryOf(reading);
+  std::string all =
+      reading ? test::dump(reading.value().published().get()) : test::summaryOf(reading);
   for (const std::string& note : test::notesOf(reading)) all += "\n" + note;
   return all;
 }
@@ -77,7 +78,7 @@ void expectTheSame(const std::vector<Reader>& readers, const std::string& text) 
       const SharedWork work(threads);
       look(threads % 3 == 0 ? 9 : 1);
     }
-    for (const std::size_t size : {1, 9, 40}) {
+    for (const std::size_t size : {1U, 9U, 40U}) {
       const SharedWork work(7, SharedWork::InReverse());
       look(size);
     }
