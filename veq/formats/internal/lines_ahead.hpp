@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "veq/base/internal/team.hpp"
@@ -103,18 +105,25 @@ class LinesAhead {
       bytes += piece.bytes;
       isWhole = piece.bytes == cut_.at(used++).size();
     }
-    if (!isReserved_ && bytes > 0) {
-      // As many as come if the others are alike, and some more.
-      const double each = static_cast<double>(count - whole.count()) / static_cast<double>(bytes);
-      const double more = each * static_cast<double>(left);
-      whole.reserve(whole.count() + static_cast<std::uint64_t>(more + more / 64));
-      isReserved_ = true;
+    if (bytes > 0) {
+      reserveOnce(whole, static_cast<double>(count - whole.count()) * static_cast<double>(left) /
+                             static_cast<double>(bytes));
     }
     whole.resize(count);
     team_.forEachPiece(used, bytes,
                        [&](std::uint64_t i) { whole.copy(pieces_[i].lines, pieces_[i].at); });
     for (std::size_t i = 0; i < used; ++i) whole.follow(pieces_[i].lines, pieces_[i].at);
     return bytes;
+  }
+
+  /// For as many more entries as come if all lines are alike, and for some that are shorter.
+  template <class Whole>
+  void reserveOnce(Whole& whole, double more) {
+    if (std::exchange(isReserved_, true)) return;
+    try {
+      whole.reserve(whole.count() + static_cast<std::uint64_t>(more + more / 64));
+    } catch (const std::exception&) {  // They may be longer, and then there is no need of it.
+    }
   }
 
   /// Where most was read in vain, a reader by itself is better for a while.
