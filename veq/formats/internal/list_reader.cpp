@@ -89,7 +89,7 @@ class IntegerEdges {
     const auto begin = static_cast<std::ptrdiff_t>(at);
     std::copy(piece.from.begin(), piece.from.end(), from.begin() + begin);
     std::copy(piece.to.begin(), piece.to.end(), to.begin() + begin);
-    weights.copy(piece.weights, at);
+    if (weighted_) weights.copy(piece.weights, at);
   }
   void follow(const IntegerEdges& piece, std::uint64_t at) {
     weights.follow(piece.weights, at, lines);
