@@ -106,6 +106,7 @@ class VEQ_EXPORT WeightColumn {
   void clear();
   void resize(std::uint64_t edges) { weights_.resize(edges); }
   void copy(const WeightColumn& piece, std::uint64_t at) {
+    if (piece.weights_.empty()) return;  // nor has this one a place `at`
     std::copy(piece.weights_.begin(), piece.weights_.end(),
               weights_.begin() + static_cast<std::ptrdiff_t>(at));
   }
