@@ -77,9 +77,11 @@ class EntryBuckets {
     const auto forEach = [&](auto f) {
       forEachSharedTile(entries.edges, kEdgesAtOnce, team, pace,
                         [&](std::uint64_t begin, std::uint64_t end) {
-                          Places& places = places_[begin / kEdgesAtOnce];
-                          entries.forEach(begin, end, [&](Index vertex, Index to, Index edge) {
-                            f(places[vertex >> shift_], vertex, to, edge);
+                          // Copies, which no write to the items can change.
+                          std::uint64_t* const places = places_[begin / kEdgesAtOnce].data();
+                          const unsigned shift = shift_;
+                          entries.forEach(begin, end, [=](Index vertex, Index to, Index edge) {
+                            f(places[vertex >> shift], vertex, to, edge);
                           });
                         });
     };
