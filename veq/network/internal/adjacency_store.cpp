@@ -78,11 +78,12 @@ class EntryBuckets {
       forEachSharedTile(entries.edges, kEdgesAtOnce, team, pace,
                         [&](std::uint64_t begin, std::uint64_t end) {
                           // Copies, which no write to the items can change.
-                          std::uint64_t* const places = places_[begin / kEdgesAtOnce].data();
+                          Places places = places_[begin / kEdgesAtOnce];
                           const unsigned shift = shift_;
-                          entries.forEach(begin, end, [=](Index vertex, Index to, Index edge) {
+                          entries.forEach(begin, end, [&](Index vertex, Index to, Index edge) {
                             f(places[vertex >> shift], vertex, to, edge);
                           });
+                          places_[begin / kEdgesAtOnce] = places;
                         });
     };
     forEach([](std::uint64_t& count, Index, Index, Index) { ++count; });
