@@ -277,9 +277,11 @@ class XnetReader {
     scanner_.finishLine();
   }
 
-  /// Up to the next header or the next edge that lacks an end.
-  [[gnu::noinline]] static void readWholeEdges(TextScanner& scanner, std::uint64_t most,
-                                               TextTopology& edges) {
+  /// Up to the next header or the next edge that lacks an end. Most of the time goes here, and what
+  /// a compiler takes in depends on what else it has in hand.
+  [[gnu::noinline, gnu::flatten]] static void readWholeEdges(TextScanner& scanner,
+                                                             std::uint64_t most,
+                                                             TextTopology& edges) {
     Weights* const weights = edges.weights ? &*edges.weights : nullptr;
     for (; most > 0 && !scanner.atEnd() && !scanner.startsWith('#'); --most) {
       if (!edges.readEnds(scanner)) return;

@@ -115,18 +115,24 @@ class ComponentForest {
   Block<Index> parents_;
 };
 
+/// The same as a search gives. By itself, so that a search is compiled as if it stood alone.
+template <class Index>
+[[nodiscard, gnu::noinline]] Components<Index> linkedComponents(const AdjacencyStore& store,
+                                                                const Topology<Index>& topology,
+                                                                unsigned threads, Pace* pace) {
+  Team team(threads);
+  return ComponentForest<Index>(topology, store.vertexCount(), store.edgeCount(), team, pace).run();
+}
+
 /// As many threads look for them as parallelism() says, by searching or by linking: what comes out
 /// is the same.
 template <class Index>
 [[nodiscard]] Components<Index> weakComponents(const AdjacencyStore& store,
                                                const Topology<Index>& topology,
                                                Pace* pace = nullptr) {
-  const std::uint64_t edges = store.edgeCount();
-  Team team(edges >= Team::worthSharing ? parallelism() : 1);
-  if (team.threads() == 1) {
-    return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
-  }
-  return ComponentForest<Index>(topology, store.vertexCount(), edges, team, pace).run();
+  const unsigned threads = store.edgeCount() >= Team::worthSharing ? parallelism() : 1;
+  if (threads > 1) return linkedComponents(store, topology, threads, pace);
+  return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
 }
 
 }  // namespace veq::internal

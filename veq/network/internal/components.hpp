@@ -37,7 +37,8 @@ class ComponentSearch {
     reached_.resize(vertices);
   }
 
-  Components<Index> run() && {
+  // Compiled by itself, as it needs all registers.
+  [[gnu::noinline]] Components<Index> run() && {
     std::vector<std::uint64_t> sizes;
     for (std::uint64_t start = 0; start < labels_.size(); ++start) {
       if (labels_[start] == 0) sizes.push_back(labelFrom(start, sizes.size() + 1));
