@@ -57,7 +57,7 @@ class PublishedEdges : public TextTopology {
   }
 
   /// Reads lines of an edge each, up to the next header or an edge that lacks an end.
-  [[gnu::noinline]] void readWholeLines(TextScanner& scanner, std::uint64_t most) {
+  [[gnu::noinline, gnu::flatten]] void readWholeLines(TextScanner& scanner, std::uint64_t most) {
     for (; most > 0 && !scanner.atEnd() && !scanner.startsWith('*'); --most) {
       if (!scanner.startsWith('%')) {
         if (!readEnds(scanner)) return;
