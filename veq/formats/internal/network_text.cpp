@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/base/parallelism.hpp"
 
 namespace veq::internal {
@@ -25,9 +26,8 @@ char* write(char* at, std::string_view text) { return std::copy(text.begin(), te
 NetworkText::NetworkText(const NetworkCore& core, const EdgeLineStyle& style)
     : core_(core), style_(style) {
   const std::uint64_t edges = core.store.edgeCount();
-  const unsigned threads = edges * kUsualLine < Team::worthSharing ? 1 : parallelism();
-  if (threads > 1) team_ = std::make_unique<Team>(threads);
-  const std::uint64_t side = threads > 1 ? 2 * kPiecesEach * threads : 1;
+  threads_ = edges * kUsualLine < Team::worthSharing ? 1 : parallelism();
+  const std::uint64_t side = threads_ > 1 ? 2 * kPiecesEach * threads_ : 1;
   if (edges != 0) lengths_.resize(std::min(side, kMostPieces));
   roomOfPiece_ = std::min(edges, edgesOfPiece) * kLongestLine;
   pieces_.resize(lengths_.size() * roomOfPiece_);
@@ -52,7 +52,7 @@ bool NetworkText::giveTo(const ByteSink& sink) {
 bool NetworkText::giveEdgesTo(const ByteSink& sink) {
   const std::uint64_t edges = core_.store.edgeCount();
   if (edges == 0) return true;
-  Team& team = team_ ? *team_ : Team::alone();
+  Team team(threads_);
   const std::uint64_t atOnce = std::max<std::uint64_t>(lengths_.size() / 2, 1);
   Batch made;
   bool isTaken = true;

@@ -2,13 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "veq/base/internal/memory.hpp"
-#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/whole_files.hpp"
 #include "veq/network/internal/network_core.hpp"
 
@@ -67,8 +65,7 @@ class NetworkText {
 
   const NetworkCore& core_;
   EdgeLineStyle style_;
-  /// Null for this thread alone.
-  std::unique_ptr<Team> team_;
+  unsigned threads_ = 1;
   /// Pieces that are made side by side, with room for the longest lines, and their bytes.
   std::uint64_t roomOfPiece_ = 0;
   Block<char> pieces_;
