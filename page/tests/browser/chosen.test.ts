@@ -76,8 +76,8 @@ test("the table has the same as the picture, and sorts", async () => {
   assert.equal(await page.locator("#legend .ticks span").last().textContent(), most.toLocaleString("en-GB"));
   await page.click("#show-table");
   await page.click("#table-body button >> nth=0");
-  assert.equal(await page.isVisible("#vertex"), true);
-  assert.equal(await page.locator("#table-body tr.marked").count(), 1);
+  await page.waitForSelector("#vertex", { state: "visible" });
+  await page.waitForFunction(() => document.querySelectorAll("#table-body tr.marked").length === 1);
   await close();
 });
 

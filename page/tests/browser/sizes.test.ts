@@ -21,7 +21,11 @@ for (const [name, content] of Object.entries(smallSamples)) {
       await page.click("#zoom-in");
       await page.click("#zoom-fit");
       await page.click("#show-table");
-      assert.equal(await page.locator("#table-body tr:not(.space)").count(), content.n);
+      // Rows come with the next picture.
+      await page.waitForFunction(
+        (n) => document.querySelectorAll("#table-body tr:not(.space)").length === n,
+        content.n,
+      );
       await page.click("#show-picture");
       if (content.walk) assert.match(await checked(page), /: agrees$/);
       assert.deepEqual(watch.faults, []);

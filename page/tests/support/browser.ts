@@ -4,7 +4,7 @@ import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { pathToFileURL } from "node:url";
 import { chromium } from "playwright-core";
-import type { Browser, BrowserContextOptions, Page } from "playwright-core";
+import type { Browser, BrowserContextOptions, Locator, Page } from "playwright-core";
 import { fromBase64 } from "../../src/bytes.ts";
 import { encode } from "./encode.ts";
 import type { Content } from "./encode.ts";
@@ -104,10 +104,35 @@ export async function open(
   // A machine may be busy with other things, and a page of 10^5 vertices takes a second to draw on a free one.
   page.setDefaultTimeout(120_000);
   const watch = new Watch(page, address);
+  settleAfterActions(page);
   await page.goto(address);
   await page.waitForFunction(() => !document.getElementById("app")?.hidden || !document.getElementById("failure")?.hidden);
   await settle(page);
   return { page, watch, close: () => context.close() };
+}
+
+const settling = new WeakSet<object>();
+
+function settleAfter(target: object, actions: readonly string[], pageFor: (self: unknown) => Page): void {
+  if (settling.has(target)) return;
+  settling.add(target);
+  for (const name of actions) {
+    const act = Reflect.get(target, name) as (...values: unknown[]) => Promise<unknown>;
+    Reflect.set(target, name, async function (this: unknown, ...values: unknown[]): Promise<unknown> {
+      const result = await Reflect.apply(act, this, values);
+      // A page that an action has left shows nothing more.
+      await settle(pageFor(this)).catch(() => undefined);
+      return result;
+    });
+  }
+}
+
+/** Has actions wait until the page shows what they did: most questions of tests wait for nothing. */
+function settleAfterActions(page: Page): void {
+  const onElements = ["click", "fill", "press", "selectOption"];
+  settleAfter(page, onElements, () => page);
+  settleAfter(Object.getPrototypeOf(page.locator("html")) as object, onElements, (self) => (self as Locator).page());
+  settleAfter(page.keyboard, ["press", "type"], () => page);
 }
 
 /** Waits for two frames, after which what was asked for is drawn. */
