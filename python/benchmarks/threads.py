@@ -24,7 +24,8 @@ SHOWN = range(0, VERTICES, 100)
 THREADS = (1, 2)
 
 ends = veq.gnm(VERTICES, EDGES, seed=1).edges.T.copy()
-path = Path(tempfile.mkdtemp()) / "edges.txt"
+folder = tempfile.TemporaryDirectory()  # goes when the program ends, in whatever way
+path = Path(folder.name) / "edges.txt"
 np.savetxt(path, ends.T, "%d")
 
 
@@ -141,5 +142,3 @@ for name, libraries in TASKS.items():
         cells += [f"{one * 1e3:.1f} ms", f"{two * 1e3:.1f} ms", f"{two / one:.2f}"]
     cells += same(results[1, 1], results[1, 2]) if 1 in sides else ["-"] * 5
     row(name, *cells)
-path.unlink()
-path.parent.rmdir()

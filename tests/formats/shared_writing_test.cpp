@@ -11,6 +11,7 @@
 
 #include "tests/formats/format_support.hpp"
 #include "tests/support/shared_work.hpp"
+#include "tests/support/temporarily.hpp"
 #include "tests/support/temporary_folder.hpp"
 #include "veq/formats/internal/network_text.hpp"
 #include "veq/formats/reading.hpp"
@@ -23,16 +24,9 @@ namespace {
 using internal::NetworkText;
 
 /// As long as it lives, pieces have so many edges.
-class SmallPiecesOfEdges {
- public:
+struct SmallPiecesOfEdges : Temporarily<std::uint64_t> {
   explicit SmallPiecesOfEdges(std::uint64_t edges)
-      : usual_(std::exchange(NetworkText::edgesOfPiece, edges)) {}
-  ~SmallPiecesOfEdges() { NetworkText::edgesOfPiece = usual_; }
-  SmallPiecesOfEdges(const SmallPiecesOfEdges&) = delete;
-  SmallPiecesOfEdges& operator=(const SmallPiecesOfEdges&) = delete;
-
- private:
-  std::uint64_t usual_;
+      : Temporarily(NetworkText::edgesOfPiece, edges) {}
 };
 
 /// 100 edges from e to e + 1, with the weight e / 2.

@@ -25,23 +25,8 @@ std::vector<std::uint64_t> ends(std::uint64_t vertices, std::uint64_t step) {
   return result;
 }
 
-// Calls work(pace) with one that is told at every look, and stops it at the given one; the number
-// of looks.
-template <class Work>
-std::uint64_t looks(std::optional<std::uint64_t> stopAt, Work work) {
-  const ObserverInterval none;
-  std::uint64_t count = 0;
-  const StopSource source;
-  Progress progress;
-  progress.stop = source.token();
-  progress.observer = climbing([&](std::uint64_t look) {
-    count = look + 1;
-    if (look == stopAt) source.requestStop();
-  });
-  Pace pace(progress, 10 * kEdges);
-  work(pace);
-  return count;
-}
+// More than is told of in any of these.
+constexpr std::uint64_t kAllWork = 10 * kEdges;
 
 void expectStoppable(std::uint64_t vertices, bool directed) {
   const auto from = ends(vertices, 7919);
@@ -53,17 +38,25 @@ void expectStoppable(std::uint64_t vertices, bool directed) {
   };
   // At least the ends of 2^18 edges at a time, which is 4 looks at each of two lists of ends, and
   // at the entries, of which there are as many again, twice.
-  const std::uint64_t all = looks(std::nullopt, make);
+  const std::uint64_t all = looks(kAllWork, std::nullopt, make);
   EXPECT_GE(all, 4U * 2 + 4U * 2 * (directed ? 2 : 1));
   AdjacencyStore grown(vertices, IndexList(std::span(from).first(10)),
                        IndexList(std::span(to).first(10)), directed);
   for (const std::uint64_t stopAt : {std::uint64_t{0}, all / 3, all - 1}) {
-    EXPECT_THROW(looks(stopAt, make), Stopped);
-    EXPECT_THROW(looks(stopAt, [&](Pace& pace) { grown.insert({from, to}, &pace); }), Stopped);
+    EXPECT_THROW(looks(kAllWork, stopAt, make), Stopped);
+    EXPECT_THROW(looks(kAllWork, stopAt,
+                       [&](Pace& pace) {
+                         grown.insert({from, to}, &pace);
+                       }),
+                 Stopped);
     EXPECT_EQ(grown.edgeCount(), 10U);
   }
   // More for the ends that are there.
-  EXPECT_GT(looks(std::nullopt, [&](Pace& pace) { grown.insert({from, to}, &pace); }), all);
+  EXPECT_GT(looks(kAllWork, std::nullopt,
+                  [&](Pace& pace) {
+                    grown.insert({from, to}, &pace);
+                  }),
+            all);
   EXPECT_EQ(grown.edgeCount(), kEdges + 10);
   EXPECT_EQ(grown.from(kEdges + 9), from[kEdges - 1]);
 }
@@ -84,8 +77,16 @@ TEST(BuildingProgress, OfASmallInsertionIsNone) {
   const auto to = ends(1000, 104729);
   AdjacencyStore store(1000, IndexList(std::span(from)), IndexList(std::span(to)), true);
   const std::span some = std::span(from).first(kEdges / 4);
-  EXPECT_EQ(looks(std::nullopt, [&](Pace& pace) { store.insert({some, some}, &pace); }), 0U);
-  EXPECT_GT(looks(std::nullopt, [&](Pace& pace) { store.insert({from, to}, &pace); }), 0U);
+  EXPECT_EQ(looks(kAllWork, std::nullopt,
+                  [&](Pace& pace) {
+                    store.insert({some, some}, &pace);
+                  }),
+            0U);
+  EXPECT_GT(looks(kAllWork, std::nullopt,
+                  [&](Pace& pace) {
+                    store.insert({from, to}, &pace);
+                  }),
+            0U);
 }
 
 }  // namespace

@@ -132,24 +132,15 @@ TEST(SharedBuilding, OfMoreEdgesGivesTheListsOfAll) {
 TEST(SharedBuilding, StopsWhereItIsAsked) {
   const Ends ends;
   const SharedWork shared(3);
-  const ObserverInterval none;
-  const auto looks = [&](std::optional<std::uint64_t> stopAt) {
-    std::uint64_t count = 0;
-    const StopSource source;
-    Progress progress;
-    progress.stop = source.token();
-    progress.observer = climbing([&](std::uint64_t look) {
-      count = look + 1;
-      if (look == stopAt) source.requestStop();
+  const auto built = [&](std::optional<std::uint64_t> stopAt) {
+    return looks(10 * kEdges, stopAt, [&](Pace& pace) {
+      const AdjacencyStore store = storeOf(ends, true, AdjacencyStore::kNarrowLimit, &pace);
+      EXPECT_EQ(store.edgeCount(), kEdges);
     });
-    Pace pace(progress, 10 * kEdges);
-    const AdjacencyStore store = storeOf(ends, true, AdjacencyStore::kNarrowLimit, &pace);
-    EXPECT_EQ(store.edgeCount(), kEdges);
-    return count;
   };
-  const std::uint64_t all = looks(std::nullopt);
+  const std::uint64_t all = built(std::nullopt);
   EXPECT_GT(all, 10U);
-  for (std::uint64_t stopAt = 0; stopAt < all; ++stopAt) EXPECT_THROW(looks(stopAt), Stopped);
+  for (std::uint64_t stopAt = 0; stopAt < all; ++stopAt) EXPECT_THROW(built(stopAt), Stopped);
 }
 
 }  // namespace

@@ -108,7 +108,7 @@ void expectRingAndPairs(const Network& network) {
 TEST(SharedComponents, AreMadeIntoNetworksInTheirOrder) {
   const Network network = ringAndPairs();
   expectRingAndPairs(network);
-  for (const std::uint64_t worthSharing : {std::uint64_t{0}, std::uint64_t{50}}) {
+  for (const std::uint64_t worthSharing : {0U, 50U}) {
     const SharedWork shared(3, worthSharing);
     expectRingAndPairs(network);
   }

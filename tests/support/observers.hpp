@@ -7,24 +7,19 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <utility>
 
+#include "tests/support/temporarily.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/base/progress.hpp"
 
 namespace veq::test {
 
 /// As long as it lives, observers are left alone for so long between two calls.
-class ObserverInterval {
- public:
+struct ObserverInterval : Temporarily<std::chrono::milliseconds> {
   explicit ObserverInterval(std::chrono::milliseconds interval = std::chrono::milliseconds(0))
-      : usual_(std::exchange(internal::Pace::usualInterval, interval)) {}
-  ~ObserverInterval() { internal::Pace::usualInterval = usual_; }
-  ObserverInterval(const ObserverInterval&) = delete;
-  ObserverInterval& operator=(const ObserverInterval&) = delete;
-
- private:
-  std::chrono::milliseconds usual_;
+      : Temporarily(internal::Pace::usualInterval, interval) {}
 };
 
 /// Expects that what is done never becomes less, nor more than all. Calls then(k) with the number
@@ -37,6 +32,24 @@ inline auto climbing(std::function<void(std::uint64_t)> then) {
     before = done;
     then(calls++);
   };
+}
+
+/// Calls work(pace) with one that is told of so much work at every look, and has it stop at the
+/// given look; answers the number of looks.
+template <class Work>
+std::uint64_t looks(std::uint64_t all, std::optional<std::uint64_t> stopAt, Work work) {
+  const ObserverInterval none;
+  std::uint64_t count = 0;
+  const StopSource source;
+  Progress progress;
+  progress.stop = source.token();
+  progress.observer = climbing([&](std::uint64_t look) {
+    count = look + 1;
+    if (look == stopAt) source.requestStop();
+  });
+  internal::Pace pace(progress, all);
+  work(pace);
+  return count;
 }
 
 }  // namespace veq::test

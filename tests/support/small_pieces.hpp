@@ -1,23 +1,15 @@
 #pragma once
 
 #include <cstddef>
-#include <utility>
 
+#include "tests/support/temporarily.hpp"
 #include "veq/formats/internal/lines_ahead.hpp"
 
 namespace veq::test {
 
 /// As long as it lives, texts are cut behind the first line feed after so many bytes.
-class SmallPieces {
- public:
-  explicit SmallPieces(std::size_t size)
-      : usual_(std::exchange(internal::TextPieces::pieceSize, size)) {}
-  ~SmallPieces() { internal::TextPieces::pieceSize = usual_; }
-  SmallPieces(const SmallPieces&) = delete;
-  SmallPieces& operator=(const SmallPieces&) = delete;
-
- private:
-  std::size_t usual_;
+struct SmallPieces : Temporarily<std::size_t> {
+  explicit SmallPieces(std::size_t size) : Temporarily(internal::TextPieces::pieceSize, size) {}
 };
 
 }  // namespace veq::test

@@ -14,8 +14,8 @@
 namespace veq::internal {
 
 /// Calls make(number, pace) for each part, on as many threads as parallelism() says where there is
-/// enough to do. A pace is told of as many units as `told`, and only this thread's pace is; on
-/// other threads parts are small.
+/// enough to do. The pace that large parts are given is this thread's, which is told of as many
+/// units as `told` for the others; small ones are given one that nobody follows.
 template <class Make>
 void forEachPart(const Partition& parts, Pace& pace, std::uint64_t told, Make make) {
   // In vertices and edges, and what any network takes.
