@@ -6,3 +6,4 @@
 #include "veq/natural/network.hpp"
 #include "veq/natural/network_builder.hpp"
 #include "veq/natural/sharing.hpp"
+#include "veq/natural/walk_network.hpp"

@@ -30,6 +30,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/models/random_state.hpp"
 #include "veq/natural/choice.hpp"
+#include "veq/natural/walk_network.hpp"
 #include "veq/network.hpp"
 #include "veq/network/network.hpp"
 #include "veq/numeric/generic_array.hpp"

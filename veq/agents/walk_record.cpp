@@ -99,6 +99,9 @@ const WalkOutcome& WalkRecord::outcome() const { return parts_->outcome; }
 std::uint64_t WalkRecord::countAgents() const { return parts_->countAgents(); }
 
 Result<WalkRecord> Walkers::record(const WalkOptions& options) {
+  if (state_->walkOnly) {
+    return Error(ErrorKind::kUnsupported, "a record is of a Network, not of a walk-only one");
+  }
   const internal::GroupState& group = GroupAccess::of(*state_->published);
   const DynamicState* const memories = GroupAccess::memoriesOf(*state_->published);
   const auto walk = std::make_shared<RecordedWalk>();

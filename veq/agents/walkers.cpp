@@ -10,6 +10,7 @@
 
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/internal/group_state.hpp"
+#include "veq/agents/internal/walk_only_group.hpp"
 #include "veq/agents/internal/walks.hpp"
 #include "veq/agents/internal/weight_sums.hpp"
 #include "veq/base/internal/memory.hpp"
@@ -22,9 +23,12 @@
 namespace veq {
 namespace {
 
+using internal::AgentsState;
 using internal::GroupAccess;
 using internal::GroupState;
 using internal::RandomSource;
+using internal::WalkOnlyGroup;
+using internal::WalkRowsAccess;
 
 Error wrong(std::string text) { return {ErrorKind::kArgument, std::move(text)}; }
 
@@ -44,7 +48,9 @@ std::string text(Uint128 value) {
   return digits;
 }
 
-std::uint64_t requireAgent(const GroupState& group, std::uint64_t agent) {
+Error lacking(std::string text) { return {ErrorKind::kUnsupported, std::move(text)}; }
+
+std::uint64_t requireAgent(const AgentsState& group, std::uint64_t agent) {
   if (agent >= group.agents) throw std::out_of_range("The group has no agent of this number.");
   return agent;
 }
@@ -77,7 +83,8 @@ std::optional<std::vector<T>> forEachAgent(const std::vector<T>& values, std::ui
   return values;
 }
 
-std::optional<Error> optionsError(const GroupState& group, const WalkOptions& options) {
+std::optional<Error> optionsError(const AgentsState& group, std::uint64_t vertices,
+                                  const WalkOptions& options) {
   if (!options.steps && !options.target) return wrong("neither steps nor target");
   if (options.target && !(*options.target > 0.0 && *options.target <= 1.0)) {
     return wrong("target " + text(*options.target) + ": give more than 0, up to 1");
@@ -89,8 +96,7 @@ std::optional<Error> optionsError(const GroupState& group, const WalkOptions& op
       *options.steps > UINT64_MAX / group.agents) {
     return wrong("paths of 2^64 entries or more");
   }
-  return placeError("agent", std::span(group.positions->data(), group.agents),
-                    group.network->countVertices());
+  return placeError("agent", std::span(group.positions->data(), group.agents), vertices);
 }
 
 // Calls walk(choice) with the choice that is asked for; the sums are those of a weighted one.
@@ -114,13 +120,59 @@ Result<std::vector<std::uint64_t>> drawStarts(std::uint64_t agents, RandomState*
   return starts;
 }
 
+Result<std::vector<std::uint64_t>> drawUniformStarts(std::uint64_t vertices, std::uint64_t agents,
+                                                     RandomState* random) {
+  if (vertices == 0) return wrong("the network has no vertices");
+  return drawStarts(agents, random,
+                    [vertices](RandomState& state) { return state.nextBelow(vertices); });
+}
+
+// The request for the options of a walk, whose draws are there.
+Result<internal::WalkRequest> requestFor(const WalkOptions& options, Uint128 draws,
+                                         std::span<const std::uint64_t> starts) {
+  internal::WalkRequest request;
+  request.returnPath = options.paths;
+  request.untilReach = options.target.value_or(0.0);
+  request.source = RandomSource(options.random);
+  request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)), starts};
+  request.progress = &options.progress;
+  request.threads = options.threads ? internal::resolvedThreads(*options.threads) : parallelism();
+  request.endless = !options.steps;
+  if (options.steps) {
+    request.steps = *options.steps;
+    if (auto error = drawsError(options.random, draws)) return *error;
+  } else {
+    const auto left = options.random ? options.random->drawsLeft() : std::nullopt;
+    request.steps = left && draws != 0 ? static_cast<std::uint64_t>(*left / draws) : UINT64_MAX;
+  }
+  return request;
+}
+
+// Walks by walk(), which makes a WalkResult, and tells what it led to but for paths.
+template <class Walk>
+std::pair<WalkOutcome, std::optional<VEQVertexPaths>> outcomeOf(internal::WalkRequest& request,
+                                                                const WalkOptions& options,
+                                                                std::uint64_t vertices, Walk walk) {
+  std::optional<internal::ArrivalRecord> arrivals;
+  if (options.firstArrivals) request.arrivals = &arrivals.emplace(vertices);
+  internal::WalkResult walked = walk();
+  WalkOutcome outcome;
+  const bool allSteps = walked.end == WalkEnd::kSteps;
+  outcome.end = allSteps && request.endless ? WalkEnd::kDraws : walked.end;
+  outcome.steps = walked.steps;
+  if (arrivals) outcome.firstArrivals = arrivals->takeSteps();
+  return {std::move(outcome), std::move(walked.paths)};
+}
+
 }  // namespace
 
 Walkers::Walkers(Shared<VEQNetworkAgentsGroup> published) {
   if (!published) throw std::invalid_argument("There is no group of agents.");
   auto starts = GroupAccess::of(*published).positions;
-  state_ = std::make_shared<const State>(State{std::move(published), std::move(starts)});
+  state_ = std::make_shared<const State>(State{std::move(published), std::move(starts), nullptr});
 }
+
+Walkers::Walkers(State state) : state_(std::make_shared<const State>(std::move(state))) {}
 
 Result<Walkers> Walkers::at(const Network& network, std::span<const std::uint64_t> starts) {
   if (auto error = placeError("start", starts, network.countVertices())) return *error;
@@ -128,6 +180,18 @@ Result<Walkers> Walkers::at(const Network& network, std::span<const std::uint64_
       network.published(), VEQNumberArray::ofIndices(starts));
   if (!group) return noMemory();
   return Walkers(std::move(group));
+}
+
+Result<Walkers> Walkers::at(const WalkNetwork& network, std::span<const std::uint64_t> starts) {
+  if (auto error = placeError("start", starts, network.countVertices())) return *error;
+  try {
+    auto group = std::make_shared<WalkOnlyGroup>(
+        network, AgentsState::Positions(starts.begin(), starts.end()));
+    Shared<const std::vector<std::uint64_t>> positions = group->positions;
+    return Walkers(State{nullptr, std::move(positions), std::move(group)});
+  } catch (const std::bad_alloc&) {
+    return noMemory();
+  }
 }
 
 Result<Walkers> Walkers::withMemory(const Network& network, std::span<const std::uint64_t> starts,
@@ -160,9 +224,13 @@ Result<Walkers> Walkers::withMemory(const Network& network, std::span<const std:
 Result<std::vector<std::uint64_t>> Walkers::uniformStarts(const Network& network,
                                                           std::uint64_t agents,
                                                           RandomState* random) {
-  const std::uint64_t n = network.countVertices();
-  if (n == 0) return wrong("the network has no vertices");
-  return drawStarts(agents, random, [n](RandomState& state) { return state.nextBelow(n); });
+  return drawUniformStarts(network.countVertices(), agents, random);
+}
+
+Result<std::vector<std::uint64_t>> Walkers::uniformStarts(const WalkNetwork& network,
+                                                          std::uint64_t agents,
+                                                          RandomState* random) {
+  return drawUniformStarts(network.countVertices(), agents, random);
 }
 
 Result<std::vector<std::uint64_t>> Walkers::startsByDegree(const Network& network,
@@ -182,68 +250,98 @@ Result<std::vector<std::uint64_t>> Walkers::startsByDegree(const Network& networ
   });
 }
 
+Result<std::vector<std::uint64_t>> Walkers::startsByDegree(const WalkNetwork& network,
+                                                           std::uint64_t agents,
+                                                           RandomState* random) {
+  if (network.size().entries == 0) return wrong("the network has no edges");
+  const auto* const rows = WalkRowsAccess::of(network).rows();
+  return drawStarts(agents, random, [&](RandomState& state) {
+    // Lists lie one behind the other, so that the next one begins where all entries so far end.
+    const auto* const next = std::upper_bound(
+        rows + 1, rows + network.countVertices(), state.nextBelow(network.size().entries),
+        [](std::uint64_t entry, const auto& row) { return entry < row.start; });
+    return static_cast<std::uint64_t>(next - rows - 1);
+  });
+}
+
 Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
+  if (state_->walkOnly) return walkOnWalkNetwork(options);
   VEQNetworkAgentsGroup& published = *state_->published;
   GroupState& group = GroupAccess::of(published);
-  if (auto error = optionsError(group, options)) return *error;
+  const std::uint64_t vertices = group.network->countVertices();
+  if (auto error = optionsError(group, vertices, options)) return *error;
   const internal::NetworkCore& core = internal::CoreAccess::of(*group.network);
   Shared<const internal::WeightSums> sums;
   if (options.choice == Choice::kWeighted && !(sums = internal::WeightSums::of(core))) {
     const std::uint64_t edge = *internal::WeightSums::wrongWeight(core);
     return wrong("edge " + std::to_string(edge) + ": weight " + text((*core.edgesWeights)[edge]));
   }
-
-  internal::WalkRequest request;
-  request.returnPath = options.paths;
-  request.untilReach = options.target.value_or(0.0);
-  request.source = RandomSource(options.random);
-  request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)),
-                      *state_->starts};
-  request.progress = &options.progress;
-  request.threads = options.threads ? internal::resolvedThreads(*options.threads) : parallelism();
-  request.endless = !options.steps;
-  const Uint128 draws = drawsOfWalk(options).all();
-  if (options.steps) {
-    request.steps = *options.steps;
-    if (auto error = drawsError(options.random, draws)) return *error;
-  } else {
-    const auto left = options.random ? options.random->drawsLeft() : std::nullopt;
-    request.steps = left && draws != 0 ? static_cast<std::uint64_t>(*left / draws) : UINT64_MAX;
-  }
-  std::optional<internal::ArrivalRecord> arrivals;
-  if (options.firstArrivals) request.arrivals = &arrivals.emplace(group.network->countVertices());
-
+  auto request = requestFor(options, drawsOfWalk(options).all(), *state_->starts);
+  if (!request) return request.error();
   std::vector<std::uint64_t> starts;
   if (options.paths) starts = positions();
   internal::DynamicState* const memories = GroupAccess::memoriesOf(published);
-  internal::WalkResult walked = withChoice(options.choice, sums.get(), [&](auto choice) {
-    return memories ? internal::walkWithMemory(group, *memories, request, choice)
-                    : internal::walkPlainly(group, request, choice);
+  auto outcome = outcomeOf(request.value(), options, vertices, [&] {
+    return withChoice(options.choice, sums.get(), [&](auto choice) {
+      return memories ? internal::walkWithMemory(group, *memories, request.value(), choice)
+                      : internal::walkPlainly(group, request.value(), choice);
+    });
   });
+  if (outcome.second) outcome.first.paths.emplace(std::move(*outcome.second), std::move(starts));
+  return std::move(outcome.first);
+}
 
-  WalkOutcome outcome;
-  const bool allSteps = walked.end == WalkEnd::kSteps;
-  outcome.end = allSteps && request.endless ? WalkEnd::kDraws : walked.end;
-  outcome.steps = walked.steps;
-  if (walked.paths) outcome.paths.emplace(std::move(*walked.paths), std::move(starts));
-  if (arrivals) outcome.firstArrivals = arrivals->takeSteps();
-  return outcome;
+Result<WalkOutcome> Walkers::walkOnWalkNetwork(const WalkOptions& options) {
+  WalkOnlyGroup& group = *state_->walkOnly;
+  const std::uint64_t vertices = group.network.countVertices();
+  if (auto error = optionsError(group, vertices, options)) return *error;
+  if (options.paths) {
+    return lacking(
+        "paths are histories of single agents, which are not kept on a walk-only network");
+  }
+  if (options.choice == Choice::kWeighted) {
+    return lacking("a walk-only network has no weights to choose by");
+  }
+  auto request = requestFor(options, drawsOfWalk(options).all(), *state_->starts);
+  if (!request) return request.error();
+  auto outcome = outcomeOf(request.value(), options, vertices, [&] {
+    return options.choice == Choice::kEven
+               ? internal::walkOnRows(group, request.value(), internal::EvenChoice())
+               : internal::walkOnRows(group, request.value(), internal::PublishedChoice());
+  });
+  return std::move(outcome.first);
 }
 
 DrawCount Walkers::drawsOfWalk(const WalkOptions& options) const {
-  std::uint64_t purposes = GroupAccess::memoriesOf(*state_->published) ? 3 : 1;
+  const bool haveMemory = state_->published && GroupAccess::memoriesOf(*state_->published);
+  std::uint64_t purposes = haveMemory ? 3 : 1;
   if (options.restart > 0.0) ++purposes;
   return DrawCount::of(Uint128{countAgents()} * options.steps.value_or(1) * purposes);
 }
 
-std::uint64_t Walkers::countAgents() const { return GroupAccess::of(*state_->published).agents; }
+AgentsState& Walkers::agents() const {
+  if (state_->walkOnly) return *state_->walkOnly;
+  return GroupAccess::of(*state_->published);
+}
+
+const Shared<VEQNetworkAgentsGroup>& Walkers::published() const {
+  if (state_->walkOnly) throw lacking("agents on a walk-only network are no published group");
+  return state_->published;
+}
+
+std::uint64_t Walkers::countAgents() const { return agents().agents; }
 
 std::vector<std::uint64_t> Walkers::positions() const {
-  const GroupState& group = GroupAccess::of(*state_->published);
+  const AgentsState& group = agents();
   return {group.positions->data(), group.positions->data() + group.agents};
 }
 
+bool Walkers::forget() {
+  return state_->walkOnly ? state_->walkOnly->forget() : state_->published->flushWalkHistory();
+}
+
 std::vector<std::uint64_t> Walkers::visits() const {
+  if (state_->walkOnly) return state_->walkOnly->visits();
   GroupState& group = GroupAccess::of(*state_->published);
   const std::lock_guard guard(group.historyLock);
   internal::Team team(parallelism());
@@ -251,21 +349,28 @@ std::vector<std::uint64_t> Walkers::visits() const {
 }
 
 std::vector<std::uint64_t> Walkers::visits(std::uint64_t agent) const {
+  requireAgent(agents(), agent);
+  requireHistories();
   GroupState& group = GroupAccess::of(*state_->published);
-  requireAgent(group, agent);
   const std::lock_guard guard(group.historyLock);
   return std::visit([agent](auto& history) { return history.visitsOf(agent); }, group.history);
 }
 
 Shared<const VEQNumberArray> Walkers::liveVisits(std::uint64_t agent) const {
-  const GroupState& group = GroupAccess::of(*state_->published);
-  return state_->published->visitFrequencyOfVerticesForAgent(
-      static_cast<std::int64_t>(requireAgent(group, agent)));
+  requireAgent(agents(), agent);
+  requireHistories();
+  return state_->published->visitFrequencyOfVerticesForAgent(static_cast<std::int64_t>(agent));
+}
+
+void Walkers::requireHistories() const {
+  if (!state_->walkOnly) return;
+  throw lacking("visits of single agents are not kept on a walk-only network, only those of all");
 }
 
 std::vector<std::uint64_t> Walkers::remembered(std::uint64_t agent) const {
-  requireAgent(GroupAccess::of(*state_->published), agent);
+  requireAgent(agents(), agent);
   std::vector<std::uint64_t> vertices;
+  if (state_->walkOnly) return vertices;
   if (const internal::DynamicState* dynamic = GroupAccess::memoriesOf(*state_->published)) {
     std::visit(
         [&](const auto& memories) {

@@ -16,8 +16,14 @@
 #include "veq/models/random_state.hpp"
 #include "veq/natural/choice.hpp"
 #include "veq/natural/network.hpp"
+#include "veq/natural/walk_network.hpp"
 
 namespace veq {
+
+namespace internal {
+struct AgentsState;
+struct WalkOnlyGroup;
+}  // namespace internal
 
 class WalkRecord;
 
@@ -62,6 +68,11 @@ struct MemoryOptions {
 
 /// A share of a group of agents. Copies are the same agents. Never empty, except after it was moved
 /// from. What was said of VEQNetworkAgentsGroup about threads holds here, too.
+///
+/// On a walk-only network they draw, move and end as on the Network of the same edges, and keep
+/// where they stand, totals and, on request, first arrivals, but nothing of single agents. What
+/// they lack for that reason says so by an Error of kind kUnsupported, which walk() and record()
+/// give and others throw.
 /// \ingroup walks
 class VEQ_EXPORT Walkers {
  public:
@@ -76,6 +87,8 @@ class VEQ_EXPORT Walkers {
   /// @{
   [[nodiscard]] static Result<Walkers> at(const Network& network,
                                           std::span<const std::uint64_t> starts);
+  [[nodiscard]] static Result<Walkers> at(const WalkNetwork& network,
+                                          std::span<const std::uint64_t> starts);
   [[nodiscard]] static Result<Walkers> withMemory(const Network& network,
                                                   std::span<const std::uint64_t> starts,
                                                   const MemoryOptions& memory);
@@ -89,8 +102,12 @@ class VEQ_EXPORT Walkers {
   /// @{
   [[nodiscard]] static Result<std::vector<std::uint64_t>> uniformStarts(
       const Network& network, std::uint64_t agents, RandomState* random = nullptr);
+  [[nodiscard]] static Result<std::vector<std::uint64_t>> uniformStarts(
+      const WalkNetwork& network, std::uint64_t agents, RandomState* random = nullptr);
   [[nodiscard]] static Result<std::vector<std::uint64_t>> startsByDegree(
       const Network& network, std::uint64_t agents, RandomState* random = nullptr);
+  [[nodiscard]] static Result<std::vector<std::uint64_t>> startsByDegree(
+      const WalkNetwork& network, std::uint64_t agents, RandomState* random = nullptr);
   /// @}
 
   /// Walks. Every agent moves in every step to a vertex of its vertex's out-list by the choice; one
@@ -109,7 +126,9 @@ class VEQ_EXPORT Walkers {
   /// "edge 3: weight -1" where weights choose, "the substream has 2 draws left, not 3", "paths of
   /// 2^64 entries or more"; kMemory where the paths have no room. If memory runs out later, the
   /// walk ends after a whole step and throws std::bad_alloc. Paths of a walk without a number of
-  /// steps grow with it, and are lost then.
+  /// steps grow with it, and are lost then. Errors of kind kUnsupported on a walk-only network:
+  /// "paths are histories of single agents, which are not kept on a walk-only network"; "a
+  /// walk-only network has no weights to choose by".
   [[nodiscard]] Result<WalkOutcome> walk(const WalkOptions& options);
   /// Walks as walk() does, and keeps what it takes to walk the same way again, as a page does: of
   /// agents with memory their moves, and so they need a number of steps. Nobody else should draw
@@ -135,7 +154,7 @@ class VEQ_EXPORT Walkers {
   /// The group's own array, which walks change.
   [[nodiscard]] Shared<const VEQNumberArray> liveVisits(std::uint64_t agent) const;
   /// Forgets all visits and what has been reached. False while a walk runs.
-  bool forget() { return state_->published->flushWalkHistory(); }
+  bool forget();
   /// @}
 
   /// What the agent remembers, from the oldest entry on; a vertex that stands there several times
@@ -143,13 +162,18 @@ class VEQ_EXPORT Walkers {
   [[nodiscard]] std::vector<std::uint64_t> remembered(std::uint64_t agent) const;
 
   /// The group with its published operations, in O(1).
-  [[nodiscard]] const Shared<VEQNetworkAgentsGroup>& published() const { return state_->published; }
+  [[nodiscard]] const Shared<VEQNetworkAgentsGroup>& published() const;
 
  private:
   struct State {
-    Shared<VEQNetworkAgentsGroup> published;
+    Shared<VEQNetworkAgentsGroup> published;  // null on a walk-only network
     Shared<const std::vector<std::uint64_t>> starts;
+    Shared<internal::WalkOnlyGroup> walkOnly;  // there
   };
+  explicit Walkers(State state);
+  [[nodiscard]] internal::AgentsState& agents() const;
+  void requireHistories() const;
+  Result<WalkOutcome> walkOnWalkNetwork(const WalkOptions& options);
   Shared<const State> state_;
 };
 

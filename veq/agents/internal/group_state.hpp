@@ -20,24 +20,15 @@ namespace veq::internal {
 /// In words that hold the vertices of the network, whatever it takes to hold its edges.
 using GroupHistory = std::variant<WalkHistory<std::uint32_t>, WalkHistory<std::uint64_t>>;
 
-struct GroupState {
+/// Agents of whatever network, and what walks of theirs tell.
+struct AgentsState {
   using Positions = std::vector<std::uint64_t>;
 
-  GroupState(Shared<const VEQNetwork> onNetwork, Positions initial)
-      : network(std::move(onNetwork)),
-        agents(initial.size()),
+  AgentsState(std::uint64_t vertices, Positions initial)
+      : agents(initial.size()),
         positions(std::make_shared<Positions>(std::move(initial))),
-        reached(network->countVertices()),
-        history(makeHistory(network->countVertices() > UINT32_MAX, 0)) {}
+        reached(vertices) {}
 
-  /// A history of nothing, whose first arrivals are stamped `firstStamp`.
-  [[nodiscard]] GroupHistory makeHistory(bool wide, std::uint64_t firstStamp) const {
-    const std::uint64_t vertices = network->countVertices();
-    if (wide) return WalkHistory<std::uint64_t>(vertices, agents, firstStamp);
-    return WalkHistory<std::uint32_t>(vertices, agents, firstStamp);
-  }
-
-  const Shared<const VEQNetwork> network;
   const std::uint64_t agents;
   /// At least one for each agent. Walkers keep a share of what is to be led back to.
   Shared<Positions> positions;
@@ -50,8 +41,24 @@ struct GroupState {
   ReachRecord reached;
   /// Held while moves are counted, which may take long: nobody who watches a walk waits for it.
   mutable std::mutex historyLock;
-  GroupHistory history;             // guarded by the lock
   std::uint64_t walksUnderWay = 0;  // guarded by the lock; until then the history is not forgotten
+};
+
+struct GroupState : AgentsState {
+  GroupState(Shared<const VEQNetwork> onNetwork, Positions initial)
+      : AgentsState(onNetwork->countVertices(), std::move(initial)),
+        network(std::move(onNetwork)),
+        history(makeHistory(network->countVertices() > UINT32_MAX, 0)) {}
+
+  /// A history of nothing, whose first arrivals are stamped `firstStamp`.
+  [[nodiscard]] GroupHistory makeHistory(bool wide, std::uint64_t firstStamp) const {
+    const std::uint64_t vertices = network->countVertices();
+    if (wide) return WalkHistory<std::uint64_t>(vertices, agents, firstStamp);
+    return WalkHistory<std::uint32_t>(vertices, agents, firstStamp);
+  }
+
+  const Shared<const VEQNetwork> network;
+  GroupHistory history;  // guarded by the lock
   Shared<AgentsPropertyTable> properties = std::make_shared<AgentsPropertyTable>();
 };
 
@@ -71,7 +78,7 @@ struct GroupAccess {
 /// Keeps the history from being forgotten as long as a walk needs it.
 class WalkUnderWay {
  public:
-  explicit WalkUnderWay(GroupState& group) : group_(group) { count(1); }
+  explicit WalkUnderWay(AgentsState& group) : group_(group) { count(1); }
   ~WalkUnderWay() { count(UINT64_MAX); }
   WalkUnderWay(const WalkUnderWay&) = delete;
   WalkUnderWay& operator=(const WalkUnderWay&) = delete;
@@ -81,7 +88,7 @@ class WalkUnderWay {
     const std::lock_guard guard(group_.historyLock);
     group_.walksUnderWay += more;
   }
-  GroupState& group_;
+  AgentsState& group_;
 };
 
 /// The vertices named by indices or handles.

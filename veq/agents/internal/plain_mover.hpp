@@ -20,8 +20,10 @@ class PlainMover {
   static constexpr bool kCanRewind = true;
   static constexpr Meetings kMeetings = Meetings::kSeldom;
 
-  PlainMover(const AdjacencyLists<Index>& lists, std::uint64_t agents, std::uint64_t steps,
-             Choice choice, Restarts restarts, Team& team)
+  /// On whatever has rows and a pool of neighbours.
+  template <class Lists>
+  PlainMover(const Lists& lists, std::uint64_t agents, std::uint64_t steps, Choice choice,
+             Restarts restarts, Team& team)
       : rows_(lists.rows()),
         neighbours_(lists.neighbourPool()),
         agents_(agents),

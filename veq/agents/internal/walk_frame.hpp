@@ -5,6 +5,7 @@
 #include <exception>
 #include <new>
 #include <optional>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -59,12 +60,12 @@ struct WalkResult {
 ///   step where each agent arrived, or kStayed; bool skip(steps): if it can, brings itself at once
 ///   to where so many further steps would bring
 ///     it in which nobody moves, as nobody did in the last one; must not fail.
-template <class Word, class Mover>
+/// Where they are written is a Log's, as MoveLog is one; paths are asked of no other.
+template <class Word, class Mover, class Log = MoveLog<Word>>
 class WalkFrame {
  public:
   /// Throws before anything is changed or drawn.
-  WalkFrame(GroupState& group, WalkHistory<Word>& history, const WalkRequest& request, Mover& mover,
-            Team& team)
+  WalkFrame(AgentsState& group, Log& log, const WalkRequest& request, Mover& mover, Team& team)
       : group_(group),
         request_(request),
         mover_(mover),
@@ -72,8 +73,7 @@ class WalkFrame {
         positions_(group.ownPositions().begin(),
                    group.ownPositions().begin() + static_cast<std::ptrdiff_t>(group.agents)),
         hasTarget_(request.untilReach > 0.0),
-        log_(group, history, request.steps, request.returnPath && !request.endless,
-             hasTarget_ || request.endless, team) {
+        log_(log) {
     if (hasTarget_ || request.arrivals) newMoves_.emplace(group.agents, longestTile_, team);
     if (request.returnPath && request.endless) grown_ = std::make_shared<Block<Word>>();
     if (!hasTarget_) return;
@@ -95,7 +95,9 @@ class WalkFrame {
     finish(failure || end_ == WalkEnd::kStopped);
     if (failure) std::rethrow_exception(failure);
     WalkResult result{std::nullopt, done_, end_};
-    if (request_.returnPath) result.paths = grown_ ? log_.pathsIn(grown_) : log_.paths();
+    if constexpr (std::is_same_v<Log, MoveLog<Word>>) {
+      if (request_.returnPath) result.paths = grown_ ? log_.pathsIn(grown_) : log_.paths();
+    }
     return result;
   }
 
@@ -186,20 +188,28 @@ class WalkFrame {
     group_.work.end(request_.endless ? done_ : request_.steps);
   }
 
-  GroupState& group_;
+  AgentsState& group_;
   WalkRequest request_;
   Mover& mover_;
   std::uint64_t longestTile_;
   std::vector<Word> positions_;
   std::vector<Word> before_;  // the positions at a tile's beginning
   bool hasTarget_;
-  MoveLog<Word> log_;
+  Log& log_;
   std::optional<NewMoves<Word>> newMoves_;  // where a record takes them
   /// The paths of a walk without a number of steps.
   Shared<Block<Word>> grown_;
   std::uint64_t done_ = 0;
   WalkEnd end_ = WalkEnd::kSteps;
 };
+
+/// How many threads a walk is worth.
+[[nodiscard]] inline unsigned threadsWorthSharing(const AgentsState& group,
+                                                  const WalkRequest& request) {
+  const bool isLarge = group.agents > kAgentsPerLine<std::uint32_t> &&
+                       request.steps >= Team::worthSharing / group.agents;
+  return isLarge ? request.threads : 1;
+}
 
 /// Walks with the movers that `makeMover(topology, history, team)` makes for the network's lists
 /// and the group's history in their widths.
@@ -208,14 +218,14 @@ WalkResult runWalk(GroupState& group, const WalkRequest& request, MakeMover make
   const WalkUnderWay walk(group);
   requireAgentsWithin(group);
   const auto& store = CoreAccess::of(*group.network).store;
-  const bool isLarge = group.agents > kAgentsPerLine<std::uint32_t> &&
-                       request.steps >= Team::worthSharing / group.agents;
-  Team team(isLarge ? request.threads : 1);
+  Team team(threadsWorthSharing(group, request));
   return std::visit(
       [&]<class Word>(WalkHistory<Word>& history) {
         return store.visit([&](const auto& topology) {
           auto mover = makeMover(topology, history, team);
-          return WalkFrame<Word, decltype(mover)>(group, history, request, mover, team).run();
+          MoveLog<Word> log(group, history, request.steps, request.returnPath && !request.endless,
+                            request.untilReach > 0.0 || request.endless, team);
+          return WalkFrame<Word, decltype(mover)>(group, log, request, mover, team).run();
         });
       },
       group.history);
