@@ -21,6 +21,7 @@
 #include "veq/formats/coder.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/formats/reading.hpp"
+#include "veq/formats/walk_reading.hpp"
 #include "veq/formats/writing.hpp"
 #include "veq/handles/edge.hpp"
 #include "veq/handles/handle_array.hpp"

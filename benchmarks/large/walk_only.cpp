@@ -26,7 +26,7 @@ using namespace veq;
 
 constexpr std::uint64_t kArcsAtOnce = std::uint64_t{1} << 18;
 
-// Both ends of each arc are any vertex; always the same ones.
+// One arc leaves each vertex, so that no agent is ever stuck, and the others any; all lead to any.
 EdgeSource arcsBetween(std::uint64_t vertices, std::uint64_t arcs) {
   return [=](const EdgeReceiver& receiver) {
     WorkloadRandom random(1);
@@ -36,7 +36,7 @@ EdgeSource arcsBetween(std::uint64_t vertices, std::uint64_t arcs) {
       from.resize(std::min(kArcsAtOnce, arcs - first));
       to.resize(from.size());
       for (std::size_t i = 0; i < from.size(); ++i) {
-        from[i] = random.below(vertices);
+        from[i] = first + i < vertices ? first + i : random.below(vertices);
         to[i] = random.below(vertices);
       }
       receiver(from, to);

@@ -13,6 +13,7 @@
 #include "tests/support/child_process.hpp"
 #include "tests/support/temporary_folder.hpp"
 #include "tests/support/writers.hpp"
+#include "veq/base/internal/file_calls.hpp"
 #include "veq/base/internal/whole_files.hpp"
 #include "veq/network/network.hpp"
 
@@ -123,6 +124,17 @@ TEST(SmallDisk, HasNoNameForATemporaryFile) {
     EXPECT_EQ(bytesOf(file), "old");
     EXPECT_TRUE(internal::writeWholeFile(file, "new", false));
     EXPECT_EQ(bytesOf(file), "new");
+  });
+}
+
+TEST(SmallDisk, HasNoRoomForALargeSpool) {
+  const TemporaryFolder folder;
+  onDisk(folder, "size=64k", [&] {
+    internal::SpoolFile spool(folder.path("."));
+    EXPECT_TRUE(spool.write(std::string(40000, 's')));
+    EXPECT_FALSE(spool.write(std::string(40000, 's')));
+    EXPECT_EQ(spool.error(), std::errc::no_space_on_device);
+    EXPECT_EQ(folder.names(), Names());
   });
 }
 

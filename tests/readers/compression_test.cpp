@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tests/formats/reading_support.hpp"
+#include "tests/support/temporary_folder.hpp"
 #include "veq/readers/reading.hpp"
 
 namespace veq::test {
@@ -109,6 +110,28 @@ TEST(ReadingCompressed, NamesWhatItDoesNotRead) {
             "error 1:1 compressed by bzip2, which is not read; decompress it first");
   EXPECT_EQ(summaryOf(readNetworkText(zipped("1 2\n"))),
             "error 1:1 compressed by gzip, which the library veq::readers reads");
+}
+
+// What is compressed is decompressed twice.
+TEST(ReadingCompressed, ReadsWalkOnlyNetworks) {
+  const TemporaryFolder folder;
+  std::string text;
+  for (int line = 0; line < 500'000; ++line) text += "1 2\n2 0\n";
+  for (const std::string& bytes : {zipped(text), zstded(text)}) {
+    const auto network = readers::readWalkNetwork(folder.write("file", bytes));
+    ASSERT_TRUE(network) << network.error().text();
+    EXPECT_EQ(network.value().size(), (WalkNetworkSize{3, 1'000'000, 2'000'000}));
+    EXPECT_EQ(network.value().degree(2), 1'000'000U);
+    const auto cut =
+        readers::readWalkNetwork(folder.write("file", bytes.substr(0, bytes.size() / 2)));
+    ASSERT_FALSE(cut);
+    EXPECT_EQ(cut.error().kind(), ErrorKind::kFormat);
+  }
+  EXPECT_EQ(readers::readWalkNetwork(folder.write("file", zipped(zipped("1 2\n")))).error().text(),
+            "compressed twice; decompress it first");
+  EXPECT_EQ(readers::readWalkNetwork(folder.write("file", "BZh9")).error().text(),
+            "compressed by bzip2, which is not read; decompress it first");
+  EXPECT_EQ(readers::readWalkNetwork(folder.write("file", "0 1\n")).value().countEdges(), 1U);
 }
 
 }  // namespace

@@ -64,14 +64,22 @@ Banner readBanner(const LineReader& lines) {
 
 class MatrixReader {
  public:
-  MatrixReader(TextInput& text, ReadContext& context) : lines_(text), context_(context) {}
+  /// Edges go to the receiver, if there is one, and otherwise into a draft.
+  MatrixReader(TextInput& text, ReadContext& context, const EdgeReceiver* receiver = nullptr)
+      : lines_(text), context_(context), receiver_(receiver) {}
 
-  NetworkDraft read() {
+  MatrixHead readHead() {
     lines_.next();
     banner_ = readBanner(lines_);
     if (!nextLine()) failAt(lines_.place(), "no line with the size of the matrix");
     readSize();
-    from_.reserve(std::min<std::uint64_t>(entries_, context_.mostVertices()));
+    return {vertices(), isDirected(), !banner_.pattern};
+  }
+
+  NetworkDraft read() {
+    readHead();
+    from_.reserve(receiver_ ? kEdgesAtOnce
+                            : std::min<std::uint64_t>(entries_, context_.mostVertices()));
     to_.reserve(from_.capacity());
     while (nextLine()) {
       if (lines_.number() % 4096 == 0) context_.pace.reach(lines_.position());
@@ -197,10 +205,25 @@ class MatrixReader {
   void appendEdge(std::uint64_t from, std::uint64_t to, double value, std::size_t length) {
     from_.push_back(from);
     to_.push_back(to);
+    if (receiver_) {
+      if (from_.size() == kEdgesAtOnce) give();
+      return;
+    }
     if (!banner_.pattern && weights_.append(value, length)) weights_.setPlace(lines_.place());
   }
 
+  void give() {
+    (*receiver_)(from_, to_);
+    from_.clear();
+    to_.clear();
+  }
+
+  [[nodiscard]] bool isDirected() const {
+    return !twoModes_ && banner_.symmetry != Symmetry::kSymmetric;
+  }
+
   NetworkDraft finish() {
+    if (receiver_) give();
     context_.requireVertices(vertices(), sizePlace_);
     if (banner_.coordinate && read_ != entries_) {
       failAt(sizePlace_, std::to_string(read_) + " entries instead of " + std::to_string(entries_));
@@ -210,8 +233,9 @@ class MatrixReader {
       failAt(sizePlace_, "fewer numbers than those of " + size());
     }
     NetworkDraft draft;
+    if (receiver_) return draft;
     draft.vertexCount = vertices();
-    draft.directed = !twoModes_ && banner_.symmetry != Symmetry::kSymmetric;
+    draft.directed = isDirected();
     if (twoModes_) draft.properties.vertices.set("Mode", modeColumn(rows_, draft.vertexCount));
     if (!banner_.pattern) weights_.finish(draft, context_, kRounded);
     draft.from = std::move(from_);
@@ -219,8 +243,12 @@ class MatrixReader {
     return draft;
   }
 
+  // Of those that go to a receiver.
+  static constexpr std::uint64_t kEdgesAtOnce = std::uint64_t{1} << 17;
+
   LineReader lines_;
   ReadContext& context_;
+  const EdgeReceiver* receiver_;
   Banner banner_;
   std::uint64_t rows_ = 0;
   std::uint64_t columns_ = 0;
@@ -239,6 +267,14 @@ class MatrixReader {
 
 NetworkDraft readMatrixMarket(TextInput& text, ReadContext& context) {
   return MatrixReader(text, context).read();
+}
+
+MatrixHead readMatrixHead(TextInput& text, ReadContext& context) {
+  return MatrixReader(text, context).readHead();
+}
+
+void readMatrixEdges(TextInput& text, ReadContext& context, const EdgeReceiver& receiver) {
+  static_cast<void>(MatrixReader(text, context, &receiver).read());
 }
 
 }  // namespace veq::internal

@@ -157,15 +157,6 @@ Result<Network> readArchive(std::string bytes, ReadContext& context) {
   return networkOf(std::move(*draft), context);
 }
 
-Error compressed(std::string_view how) {
-  const bool known = how == "gzip" || how == "zstd";
-  return Error(ErrorKind::kUnsupported,
-               "compressed by " + std::string(how) +
-                   (known ? ", which the library veq::readers reads"
-                          : ", which is not read; decompress it first"),
-               kBeginning);
-}
-
 /// Only the suffix tells such a file from a list.
 bool isLgl(std::string_view name) {
   return name.size() > 4 && internal::sameWord(name.substr(name.size() - 4), ".lgl");
@@ -175,7 +166,7 @@ Result<Network> readAny(ByteStream& bytes, std::string_view name, ReadContext& c
                         std::optional<FileFormat>& format) {
   const std::string_view head = bytes.head();
   if (const std::string_view how = internal::compressionOf(head); !how.empty()) {
-    return compressed(how);
+    return internal::compressedBy(how);
   }
   if (!format && internal::isArchive(head)) format = FileFormat::kArchive;
   if (format == FileFormat::kArchive) {

@@ -6,6 +6,7 @@
 
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/guarded_reading.hpp"
+#include "veq/formats/internal/walk_file.hpp"
 #include "veq/readers/internal/decompression.hpp"
 #include "veq/readers/internal/graphml_reader.hpp"
 #include "veq/readers/internal/reading_stream.hpp"
@@ -27,6 +28,18 @@ bool isXml(std::string_view bytes, const ReadOptions& options) {
   return first != bytes.npos && bytes[first] == '<';
 }
 
+/// What is compressed, or nothing where it is not, or not so that it is read here. Throws Error.
+std::optional<ByteStream> whatIsInside(ByteStream& bytes, std::optional<std::uint64_t> most) {
+  const std::string_view how = internal::compressionOf(bytes.head());
+  if (how != "gzip" && how != "zstd") return std::nullopt;
+  ByteStream inside = decompressed(how, bytes, most);
+  // There are files that hold nothing but themselves.
+  if (!internal::compressionOf(inside.head()).empty()) {
+    throw Error(ErrorKind::kUnsupported, "compressed twice; decompress it first", Place{1, 1});
+  }
+  return inside;
+}
+
 Reading readXml(ByteStream& bytes, const ReadOptions& options) {
   return internal::guardedReading(
       options, bytes.expected(),
@@ -42,20 +55,8 @@ Reading readStream(ByteStream& bytes, const ReadOptions& options, std::string_vi
   std::optional<ByteStream> inside;
   bool xml = false;
   try {
-    const std::string_view how = internal::compressionOf(bytes.head());
-    if (how == "gzip" || how == "zstd") {
-      inside = decompressed(how, bytes, options.mostBytes);
-      name = name.substr(0, name.rfind('.'));  // the suffix before that of the compression
-      // There are files that hold nothing but themselves.
-      if (!internal::compressionOf(inside->head()).empty()) {
-        return {
-            Error(ErrorKind::kUnsupported, "compressed twice; decompress it first", Place{1, 1}),
-            {},
-            {},
-            0,
-            {}};
-      }
-    }
+    inside = whatIsInside(bytes, options.mostBytes);
+    if (inside) name = name.substr(0, name.rfind('.'));  // the suffix before that of compression
     xml = isXml((inside ? *inside : bytes).head(), options);
   } catch (const Error& error) {
     return {error, {}, {}, 0, {}};
@@ -76,6 +77,16 @@ Reading readNetwork(const std::string& path, const ReadOptions& options) {
   Result<ByteStream> bytes = internal::openedInput(path);
   if (!bytes) return {bytes.error(), {}, {}, 0, {}};
   return readers::readStream(bytes.value(), options, path);
+}
+
+WalkReading readWalkNetwork(const std::string& path, const WalkReadOptions& options) {
+  return internal::readWalkFile(path, options, [&](ByteStream& bytes) {
+    std::optional<ByteStream> inside = whatIsInside(bytes, options.reading.mostBytes);
+    if (inside) return inside;
+    const std::string_view how = internal::compressionOf(bytes.head());
+    if (!how.empty()) throw internal::compressedBy(how);
+    return inside;
+  });
 }
 
 }  // namespace veq::readers

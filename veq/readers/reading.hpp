@@ -7,6 +7,7 @@
 
 #include "veq/base/export.hpp"
 #include "veq/formats/reading.hpp"
+#include "veq/formats/walk_reading.hpp"
 
 namespace veq::readers {
 
@@ -24,5 +25,10 @@ namespace veq::readers {
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT Reading readNetworkText(std::string bytes, const ReadOptions& options = {},
                                                  std::string_view name = {});
+
+/// As veq::readWalkNetwork, also of what is compressed by gzip or zstd, which is decompressed
+/// twice. \ingroup files
+[[nodiscard]] VEQ_EXPORT WalkReading readWalkNetwork(const std::string& path,
+                                                     const WalkReadOptions& options = {});
 
 }  // namespace veq::readers

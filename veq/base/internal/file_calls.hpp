@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 
 #include "veq/base/files.hpp"
@@ -36,6 +37,29 @@ class ReadableFile {
   std::uint64_t expectedSize() const;
   /// The number of bytes read, 0 at the end and where that fails.
   std::size_t read(char* into, std::size_t capacity);
+
+ private:
+  struct State;
+  std::unique_ptr<State> state_;
+};
+
+/// What has to be read more than once, in a file that no path names and that vanishes with this.
+class SpoolFile {
+ public:
+  /// In that folder, or in the system's for temporary files where it is empty.
+  explicit SpoolFile(const std::string& folder);
+  ~SpoolFile();
+  SpoolFile(const SpoolFile&) = delete;
+  SpoolFile& operator=(const SpoolFile&) = delete;
+
+  /// Of making it, or of writing or reading.
+  const std::error_code& error() const;
+  /// The folder in which it takes room.
+  const std::string& folder() const;
+  /// Appends the bytes; false where that fails.
+  bool write(std::string_view bytes);
+  /// The number of bytes read from that place on, 0 at the end and where that fails.
+  std::size_t readAt(std::uint64_t place, char* into, std::size_t capacity);
 
  private:
   struct State;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -166,6 +167,43 @@ struct Destination {
 };
 
 }  // namespace
+
+struct SpoolFile::State {
+  std::string folder;
+  std::error_code error;
+  Stream file;
+};
+
+// The standard library makes it where it likes.
+SpoolFile::SpoolFile(const std::string& /*folder*/) : state_(std::make_unique<State>()) {
+  state_->folder = fs::temp_directory_path(state_->error).string();
+  errno = 0;
+  state_->file = Stream(std::tmpfile());
+  state_->error = state_->file ? std::error_code() : lastError();
+}
+
+SpoolFile::~SpoolFile() = default;
+
+const std::error_code& SpoolFile::error() const { return state_->error; }
+const std::string& SpoolFile::folder() const { return state_->folder; }
+
+bool SpoolFile::write(std::string_view bytes) {
+  errno = 0;
+  const bool isWritten =
+      std::fwrite(bytes.data(), 1, bytes.size(), state_->file.get()) == bytes.size();
+  if (!isWritten) state_->error = lastError();
+  return isWritten;
+}
+
+std::size_t SpoolFile::readAt(std::uint64_t place, char* into, std::size_t capacity) {
+  errno = 0;
+  std::FILE* const file = state_->file.get();
+  const bool isThere =
+      place <= LONG_MAX && std::fseek(file, static_cast<long>(place), SEEK_SET) == 0;
+  const std::size_t count = isThere ? std::fread(into, 1, capacity, file) : 0;
+  if (!isThere || std::ferror(file) != 0) state_->error = lastError();
+  return count;
+}
 
 std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically) {
   const Destination destination(path);

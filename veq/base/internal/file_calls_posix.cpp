@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "veq/base/internal/descriptor.hpp"
+#include "veq/base/internal/entropy.hpp"
 #include "veq/base/internal/quiet_write_signals.hpp"
 #include "veq/base/internal/replacement.hpp"
 #include "veq/base/internal/whole_files.hpp"
@@ -61,6 +62,21 @@ std::error_code writePiece(int file, std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return {};
+}
+
+/// A file that no path names, or none.
+Descriptor openedWithoutName(const std::string& folder) {
+#ifdef O_TMPFILE
+  if (Descriptor file = openedAt(AT_FDCWD, folder.c_str(), O_TMPFILE | O_RDWR, 0600);
+      file.isOpen()) {
+    return file;
+  }
+#endif
+  const std::string path = folder + "/.veq-" + std::to_string(systemEntropy()) +
+                           std::to_string(systemEntropy()) + ".spool";
+  Descriptor file = openedAt(AT_FDCWD, path.c_str(), O_RDWR | O_CREAT | O_EXCL, 0600);
+  if (file.isOpen()) ::unlink(path.c_str());
+  return file;
 }
 
 std::error_code writeAll(int file, const ByteSource& bytes) {
@@ -194,6 +210,40 @@ struct Destination {
 using Way = Destination::Way;
 
 }  // namespace
+
+struct SpoolFile::State {
+  std::string folder;
+  std::error_code error;
+  Descriptor file;
+};
+
+SpoolFile::SpoolFile(const std::string& folder) : state_(std::make_unique<State>()) {
+  state_->folder = folder;
+  if (folder.empty()) state_->folder = fs::temp_directory_path(state_->error).string();
+  if (state_->error) return;
+  state_->file = openedWithoutName(state_->folder);
+  if (!state_->file.isOpen()) state_->error = lastError();
+}
+
+SpoolFile::~SpoolFile() = default;
+
+const std::error_code& SpoolFile::error() const { return state_->error; }
+const std::string& SpoolFile::folder() const { return state_->folder; }
+
+bool SpoolFile::write(std::string_view bytes) {
+  const QuietWriteSignals quiet;
+  state_->error = writePiece(state_->file.number(), bytes);
+  return !state_->error;
+}
+
+std::size_t SpoolFile::readAt(std::uint64_t place, char* into, std::size_t capacity) {
+  const ssize_t count = uninterrupted([&] {
+    return ::pread(state_->file.number(), into, std::min(capacity, kLargestPiece),
+                   static_cast<off_t>(place));
+  });
+  if (count < 0) state_->error = lastError();
+  return static_cast<std::size_t>(std::max<ssize_t>(count, 0));
+}
 
 std::error_code writeBytes(const std::string& path, const ByteSource& bytes, bool atomically) {
   const QuietWriteSignals quiet;

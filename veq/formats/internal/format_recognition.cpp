@@ -88,6 +88,15 @@ std::string_view compressionOf(std::string_view bytes) {
   return "";
 }
 
+Error compressedBy(std::string_view how) {
+  const bool known = how == "gzip" || how == "zstd";
+  return Error(ErrorKind::kUnsupported,
+               "compressed by " + std::string(how) +
+                   (known ? ", which the library veq::readers reads"
+                          : ", which is not read; decompress it first"),
+               Place{1, 1});
+}
+
 bool isArchive(std::string_view bytes) {
   if (bytes.empty()) return false;
   const unsigned majorType = static_cast<unsigned char>(bytes.front()) >> 5;

@@ -13,6 +13,9 @@ namespace veq::internal {
 /// How the bytes of a file are compressed, "" where they are not: "gzip", "zstd", "bzip2", "xz".
 [[nodiscard]] VEQ_EXPORT std::string_view compressionOf(std::string_view bytes);
 
+/// Why the core does not read what is compressed so.
+[[nodiscard]] VEQ_EXPORT Error compressedBy(std::string_view how);
+
 /// Whether the bytes are an archive, which is no text.
 [[nodiscard]] bool isArchive(std::string_view bytes);
 

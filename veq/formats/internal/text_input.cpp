@@ -115,7 +115,8 @@ bool TextInput::readPiece() {
     piece.resize(filled + end + 1);
   }
   if (piece.empty()) return false;
-  const bool isValid = isValidUtf8(piece, context_->team);
+  if (passesThrough_ && !pieces_.empty()) pieces_.back() = {};
+  const bool isValid = passesThrough_ || isValidUtf8(piece, context_->team);
   const std::size_t mark = pieces_.empty() ? piece.size() - withoutByteOrderMark(piece).size() : 0;
   append(std::move(piece), mark);
   if (!isValid) throw NotUtf8{takeBytes()};

@@ -37,6 +37,9 @@ class VEQ_EXPORT TextInput {
   [[nodiscard]] bool hasLoneReturns(std::size_t index) const {
     return index < pieces_.size() ? pieces_[index].hasLoneReturns : hasLoneReturn(only_);
   }
+  /// From now on pieces are passed through: each is forgotten when one behind it is asked for, and
+  /// whether it is UTF-8 does not matter.
+  void passThrough() { passesThrough_ = true; }
   /// How long the text is, as far as that is known; 0 where it is not.
   [[nodiscard]] std::uint64_t expectedSize() const {
     return bytes_ ? 0 : pieces_.empty() ? only_.size() : pieces_.front().text.size();
@@ -60,6 +63,7 @@ class VEQ_EXPORT TextInput {
   ByteStream* bytes_ = nullptr;
   ReadContext* context_ = nullptr;
   std::deque<Piece> pieces_;
+  bool passesThrough_ = false;
   /// The beginning of a line whose end has not come.
   std::string begun_;
 };
