@@ -9,9 +9,10 @@
 // - An edge list has lines of edges and nothing else. What reads it takes the indices for names, so
 //   that a name of its own is there, but not the one that was; it cannot say that edges are
 //   directed, and the reader has to; and vertex 3 stands on no line.
-// - An archive keeps every number to the last bit, but not the number of vertices, which follows
-//   from the edges; with the weights of vertex 3 nothing comes back at all, and so it is left out
-//   here.
+// - An archive keeps every number to the last bit, and weights where vertices and edges both have
+//   some, as here, or neither; weights of one kind alone change sides. It does not keep the number
+//   of vertices, which follows from the edges; with the weights of vertex 3 nothing comes back at
+//   all, and so it is left out here.
 #include <array>
 #include <cstdint>
 #include <iomanip>
