@@ -7,6 +7,7 @@ dumps anew, for somebody to look at.
 """
 
 import pathlib
+import re
 import sys
 import warnings
 
@@ -16,13 +17,18 @@ warnings.filterwarnings("ignore")
 
 
 def verdicts_in(path):
-    """FILE PEER VERDICT REASON, of which the verdict is "differs" or "refuses"."""
+    """FILE PEER VERDICT REASON, of which the verdict is "differs" or "refuses". The peer may be one of
+    older or newer versions alone: igraph<0.11, igraph>=0.11."""
     verdicts = {}
     for line in path.read_text("utf-8").splitlines():
         if line and not line.startswith("#"):
             file, peer, verdict, reason = line.split(None, 3)
             assert verdict in ("differs", "refuses") and reason, line
-            verdicts[file, peer] = verdict
+            name, order, bound = re.fullmatch(r"([a-z]+)(?:(<|>=)([0-9.]+))?", peer).groups()
+            older = order and peers.version_of(name) < tuple(map(int, bound.split(".")))
+            if not order or older == (order == "<"):
+                assert (file, name) not in verdicts, line
+                verdicts[file, name] = verdict
     return verdicts
 
 

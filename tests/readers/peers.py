@@ -8,6 +8,7 @@ import json
 import math
 import os
 import pickle
+import re
 import struct
 import subprocess
 
@@ -20,6 +21,12 @@ Form = collections.namedtuple("Form", "directed vertices edges attributes")
 
 class Refused(Exception):
     """A reader does not read the file."""
+
+
+def version_of(peer):
+    """(0, 10, 2), of "igraph" or "networkx"."""
+    version = {"igraph": igraph, "networkx": nx}[peer].__version__
+    return tuple(int(number) for number in re.findall("[0-9]+", version))
 
 
 def single(value):
@@ -58,8 +65,9 @@ def form(directed, names, edges, attributes=None):
 # Ours -----------------------------------------------------------------------------------------------
 
 def dumps_of(program, files, options=()):
-    """What reading_sample says of each file, as text."""
-    text = subprocess.run([program, "dump", *options, *files], check=True, capture_output=True).stdout
+    """What reading_sample says of each file, read by these options, as text."""
+    each = [word for file in files for word in (*options, file)]
+    text = subprocess.run([program, "dump", *each], check=True, capture_output=True).stdout
     parts = text.decode("utf-8", "surrogateescape").split("}\n{")
     assert len(parts) == len(files), (len(parts), len(files))
     return [("" if i == 0 else "{") + part + ("" if i == len(parts) - 1 else "}\n")
