@@ -3,3 +3,4 @@
 #pragma once
 
 #include "veq/formats/reading.hpp"
+#include "veq/formats/walk_reading.hpp"

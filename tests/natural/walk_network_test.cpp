@@ -132,6 +132,12 @@ TEST(WalkNetwork, RefusesWhatTakesMoreMemoryThanThereIs) {
   options.vertices = 12;
   EXPECT_EQ(errorOf(sourceOf({}), options),
             "memory: 12 vertices and 0 list entries take 104 bytes, and there are 96");
+  options.vertices = 3;
+  options.bytesBeside = 16;
+  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}}), options), "none");
+  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}, {2, 0}}), options),
+            "memory: 3 vertices and 6 list entries take 56 bytes, walks on them 48 more, and there "
+            "are 96");
 }
 
 // A source that gives the first edges at first, and then the others.

@@ -58,6 +58,7 @@ TEST(Documentation, EveryExampleInEveryHelpWorks) {
   directory.write("network.xnet", "#vertices 3\n#edges\n0 1\n");
   directory.write("citations.txt", "a b\nb c\n");
   directory.write("numbers.el", "10 20\n20 30\n");
+  directory.write("links.txt", "0 1\n1 2\n");
   directory.write("degrees.txt", "3\n3\n2\n2\n2\n");
   // Ensembles are Python's, whose package has tests of its own of what is handed to it.
   const std::string python = directory.write("python", "#!/bin/sh\nexit 0\n");

@@ -2,6 +2,7 @@
 
 #include <iostream>
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include "data.hpp"
@@ -32,7 +33,8 @@ std::string placeIn(const std::string& file, const std::optional<Place>& place) 
   return place && place->line > 0 ? file + ":" + std::to_string(place->line) : file;
 }
 
-void printNotes(const Reading& reading, const std::string& file) {
+template <class AnyReading>
+void printNotes(const AnyReading& reading, const std::string& file) {
   for (const Note& note : reading.notes()) {
     std::cerr << printable(placeIn(file, note.place)) << ": " << printable(note.text);
     if (note.count > 1) std::cerr << " (" << note.count << " times)";
@@ -53,6 +55,35 @@ Reading readWatched(const std::string& file, const std::string& name, ReadOption
     reading = reader::readNetwork(file, options);
   });
   return std::move(*reading);
+}
+
+std::uint64_t notesToKeep(const Input& input) {
+  constexpr std::uint64_t kUsualNotes = 10;
+  return input.allNotes ? UINT64_MAX : input.quiet ? 0 : kUsualNotes;
+}
+
+ReadOptions readOptions(const Input& input, std::uint64_t mostNotes) {
+  ReadOptions options;
+  if (input.from) options.format = static_cast<FileFormat>(*input.from);
+  if (input.directed) options.directed = true;
+  options.strict = input.strict;
+  options.mostNotes = mostNotes;
+  return options;
+}
+
+/// Throws why there is nothing, or what does not go with the format. Of memory that a walk-only
+/// network cannot have the error says how much that is.
+template <class AnyReading>
+void requireRead(const Input& input, const AnyReading& reading, const std::string& name) {
+  if (!reading) {
+    const Error& error = reading.error();
+    constexpr bool kTellsMemory = std::is_same_v<AnyReading, WalkReading>;
+    if (!kTellsMemory && error.kind() == ErrorKind::kMemory) throw std::bad_alloc();
+    throw Failure(placeIn(name, error.place()), error.text());
+  }
+  if (input.directed && reading.format() != FileFormat::kList) {
+    throw WrongUsage("--directed is for edge lists, and " + name + " is none");
+  }
 }
 
 /// Names the nameless, and says so.
@@ -105,32 +136,39 @@ void addAnswer(Command& command, std::optional<std::size_t>& format) {
 ReadFile readInput(const Input& input, std::uint64_t mostNotes) {
   const std::string file = fileFor(input.file);
   const std::string name = inputName(file);
-  ReadOptions options;
-  if (input.from) options.format = static_cast<FileFormat>(*input.from);
-  if (input.directed) options.directed = true;
-  options.strict = input.strict;
-  options.mostNotes = mostNotes;
-  return {readWatched(file, name, std::move(options)), name};
+  return {readWatched(file, name, readOptions(input, mostNotes)), name};
 }
 
 void requireRead(const Input& input, const ReadFile& file) {
-  if (!file.reading) {
-    const Error& error = file.reading.error();
-    if (error.kind() == ErrorKind::kMemory) throw std::bad_alloc();
-    throw Failure(placeIn(file.name, error.place()), error.text());
-  }
-  if (input.directed && file.reading.format() != FileFormat::kList) {
-    throw WrongUsage("--directed is for edge lists, and " + file.name + " is none");
-  }
+  requireRead(input, file.reading, file.name);
 }
 
 LoadedNetwork loadNetwork(const Input& input) {
-  constexpr std::uint64_t kUsualNotes = 10;
-  const std::uint64_t mostNotes = input.allNotes ? UINT64_MAX : input.quiet ? 0 : kUsualNotes;
-  const ReadFile file = readInput(input, mostNotes);
+  const ReadFile file = readInput(input, notesToKeep(input));
   if (!input.quiet) printNotes(file.reading, file.name);
   requireRead(input, file);
   return {file.reading.value().published(), file.name};
+}
+
+LoadedWalkNetwork loadWalkNetwork(const Input& input, std::uint64_t walkBytes) {
+  const std::string file = fileFor(input.file);
+  const std::string name = inputName(file);
+  WalkReadOptions options;
+  options.reading = readOptions(input, notesToKeep(input));
+  options.bytesBeside = walkBytes;
+  options.announce = [&](const WalkNetworkSize& size) {
+    if (input.quiet) return;
+    note(name, "rows and neighbours take " + bytesText(size.bytes()) + ", the walk " +
+                   bytesText(walkBytes * size.vertices));
+  };
+  std::optional<WalkReading> reading;
+  watch("reading " + printable(name), [&](const Progress& progress) {
+    options.reading.progress = progress;
+    reading = reader::readWalkNetwork(file, options);
+  });
+  if (!input.quiet) printNotes(*reading, name);
+  requireRead(input, *reading, name);
+  return {reading->value(), name};
 }
 
 void saveNetwork(const Shared<VEQNetwork>& network, const Output& output) {
@@ -162,10 +200,13 @@ void note(const std::string& file, std::string_view text) {
   std::cerr << "veq: " << printable(file) << ": " << printable(text) << '\n';
 }
 
+std::string sizeText(std::uint64_t vertices, std::uint64_t edges, bool directed) {
+  return counted(vertices, "vertex", "vertices") + ", " + counted(edges, "edge", "edges") + ", " +
+         (directed ? "directed" : "undirected");
+}
+
 std::string sizeText(const VEQNetwork& network) {
-  return counted(network.countVertices(), "vertex", "vertices") + ", " +
-         counted(network.countEdges(), "edge", "edges") + ", " +
-         (network.isDirected() ? "directed" : "undirected");
+  return sizeText(network.countVertices(), network.countEdges(), network.isDirected());
 }
 
 }  // namespace veq::tool

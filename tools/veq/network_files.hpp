@@ -68,6 +68,17 @@ struct LoadedNetwork {
 /// with the program, which is said as well.
 [[nodiscard]] LoadedNetwork loadNetwork(const Input& input);
 
+struct LoadedWalkNetwork {
+  WalkNetwork network;
+  /// The file that was read; "standard input" for that.
+  std::string name;
+};
+
+/// The same for a network that keeps rows and neighbours alone, and on which a walk takes so many
+/// further bytes for each vertex. The memory for both is said before it is taken, and is too much
+/// where there is less.
+[[nodiscard]] LoadedWalkNetwork loadWalkNetwork(const Input& input, std::uint64_t walkBytes);
+
 /// Writes a network atomically, and says on standard error what the format does not keep. Failure,
 /// and nothing is written, where the file could not be read back, cannot be written, or loses what
 /// it may not. Changes the names of the network where it numbers them.
@@ -81,6 +92,7 @@ void requireWritable(const Output& output);
 void note(const std::string& file, std::string_view text);
 
 /// "34 vertices, 78 edges, undirected".
+[[nodiscard]] std::string sizeText(std::uint64_t vertices, std::uint64_t edges, bool directed);
 [[nodiscard]] std::string sizeText(const VEQNetwork& network);
 
 }  // namespace veq::tool

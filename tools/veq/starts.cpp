@@ -20,8 +20,9 @@ namespace {
 /// Finds vertices by name or id, else by index.
 class VertexFinder {
  public:
-  explicit VertexFinder(const VEQNetwork& network) : count_(network.countVertices()) {
-    const auto names = columnOfNames(network);
+  explicit VertexFinder(const WalkNetwork& network) : count_(network.countVertices()) {}
+  explicit VertexFinder(const Network& network) : count_(network.countVertices()) {
+    const auto names = columnOfNames(*network.published());
     if (!names) return;
     for (std::uint64_t i = 0; i < std::min(count_, names->count()); ++i) {
       const PropertyValue name = names->objectAtIndex(i);
@@ -108,18 +109,17 @@ std::vector<std::uint64_t> drawn(Result<std::vector<std::uint64_t>> starts,
   throw Failure(file, starts.error().text());
 }
 
-}  // namespace
-
-std::vector<std::uint64_t> startVertices(const Network& network, const std::string& file,
-                                         const std::string& value, std::uint64_t agents,
-                                         RandomState* random) {
+template <class AnyNetwork>
+std::vector<std::uint64_t> startsOn(const AnyNetwork& network, const std::string& file,
+                                    const std::string& value, std::uint64_t agents,
+                                    RandomState* random) {
   const std::uint64_t n = network.countVertices();
   if (n == 0) throw Failure(file, "has no vertices to walk on");
   if (agents > std::vector<std::uint64_t>().max_size()) throw std::bad_alloc();
   if (value == "uniform") return drawn(Walkers::uniformStarts(network, agents, random), file);
   if (value == "degree") return drawn(Walkers::startsByDegree(network, agents, random), file);
   std::vector<std::uint64_t> listed;
-  if (!value.empty()) listed = startsOf(VertexFinder(*network.published()), file, value);
+  if (!value.empty()) listed = startsOf(VertexFinder(network), file, value);
   if (listed.size() > agents) {
     throw WrongUsage("--start has " + std::to_string(listed.size()) + " vertices for " +
                      counted(agents, "agent", "agents"));
@@ -129,6 +129,20 @@ std::vector<std::uint64_t> startVertices(const Network& network, const std::stri
     starts[i] = listed.empty() ? i % n : listed[i % listed.size()];
   }
   return starts;
+}
+
+}  // namespace
+
+std::vector<std::uint64_t> startVertices(const Network& network, const std::string& file,
+                                         const std::string& value, std::uint64_t agents,
+                                         RandomState* random) {
+  return startsOn(network, file, value, agents, random);
+}
+
+std::vector<std::uint64_t> startVertices(const WalkNetwork& network, const std::string& file,
+                                         const std::string& value, std::uint64_t agents,
+                                         RandomState* random) {
+  return startsOn(network, file, value, agents, random);
 }
 
 }  // namespace veq::tool

@@ -20,5 +20,10 @@ namespace veq::tool {
                                                        const std::string& file,
                                                        const std::string& value,
                                                        std::uint64_t agents, RandomState* random);
+/// The same where vertices have no names.
+[[nodiscard]] std::vector<std::uint64_t> startVertices(const WalkNetwork& network,
+                                                       const std::string& file,
+                                                       const std::string& value,
+                                                       std::uint64_t agents, RandomState* random);
 
 }  // namespace veq::tool

@@ -54,6 +54,15 @@ std::string shortNumber(double value) { return formatted("%.6g", value); }
 
 std::string fixedNumber(double value, int decimals) { return formatted("%.*f", decimals, value); }
 
+std::string bytesText(std::uint64_t bytes) {
+  constexpr const char* kUnits[] = {" kB", " MB", " GB", " TB", " PB", " EB"};
+  if (bytes < 1000) return counted(bytes, "byte", "bytes");
+  double amount = static_cast<double>(bytes) / 1000;
+  std::size_t unit = 0;
+  for (; amount >= 999.5; amount /= 1000) ++unit;
+  return fixedNumber(amount, amount < 9.95 ? 1 : 0) + kUnits[unit];
+}
+
 std::string percentage(double part, double whole) {
   return whole == 0 ? "-" : fixedNumber(100 * part / whole, 2) + " %";
 }

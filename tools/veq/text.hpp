@@ -25,6 +25,9 @@ namespace veq::tool {
 /// With a fixed number of decimals.
 [[nodiscard]] std::string fixedNumber(double value, int decimals);
 
+/// "999 bytes", "4.8 GB", "48 GB": units of a thousand.
+[[nodiscard]] std::string bytesText(std::uint64_t bytes);
+
 /// "7.09 %", or "-" where the whole is 0.
 [[nodiscard]] std::string percentage(double part, double whole);
 

@@ -50,6 +50,7 @@ struct WalkArguments {
   Showing showing;
   Output output;
   bool force = false;
+  bool walkOnly = false;
   std::optional<std::size_t> format;
 };
 
@@ -97,6 +98,13 @@ constexpr auto kWalkExamples = R"(  veq walk data/lesmis.xnet --agents 5 --steps
   veq walk data/karate.xnet --agents 3 --steps 50 --output walked.xnet
       Also writes the network with the visits as the vertex property "Visits".
       If it has such a property already, that is kept, and --force is needed.
+  veq walk links.txt --walk-only --agents 1000 --steps 1000
+      Keeps no more of the network than walks read, 4 bytes for each entry of a
+      list and 8 for each vertex, and of the agents where they stand and how
+      often they arrived at each vertex. The file is a list of edges between
+      integers, which are the indices, a matrix or an archive. It is read twice
+      and never held, what comes through a pipe going to a temporary file, and
+      the memory is told before it is taken.
   veq walk data/karate.xnet --agents 3 --steps 50 --format csv
       The table for other programs, with all vertices; what else is said goes to
       standard error. --format json has everything.
@@ -123,6 +131,21 @@ std::vector<NamedFile> outputsOf(const WalkArguments& arguments) {
           {"--output", arguments.output.file}};
 }
 
+/// What needs more than rows and neighbours.
+void requireEnoughToWalkOnly(const WalkArguments& arguments) {
+  const std::pair<std::string_view, bool> needing[] = {
+      {"--choice weighted", arguments.choice == static_cast<std::size_t>(Choice::kWeighted)},
+      {"--memory", arguments.memory.has_value()},
+      {"--paths", !arguments.pathsFile.empty()},
+      {"--page", !arguments.pageFile.empty()},
+      {"--output", !arguments.output.file.empty()}};
+  for (const auto& [option, given] : needing) {
+    if (!given) continue;
+    throw WrongUsage(std::string(option) +
+                     " needs a whole network, and --walk-only keeps rows and neighbours alone");
+  }
+}
+
 void checkOptions(const WalkArguments& arguments) {
   const auto requireOption = [](bool given, std::string_view option, bool neededGiven,
                                 std::string_view needed) {
@@ -136,6 +159,7 @@ void checkOptions(const WalkArguments& arguments) {
                 "--output");
   requireOption(arguments.force, "--force", !arguments.output.file.empty(), "--output");
   requireShown(arguments.showing, !arguments.pageFile.empty(), "--page");
+  if (arguments.walkOnly) requireEnoughToWalkOnly(arguments);
   requireDistinct({arguments.input.file, arguments.agentsFile, arguments.starts},
                   outputsOf(arguments));
   if (isStandardStream(arguments.input.file) && isStandardStream(arguments.starts)) {
@@ -248,11 +272,10 @@ Walked walk(Walkers& walkers, const WalkArguments& arguments, RandomState* rando
   return {recorded.outcome(), std::move(recorded)};
 }
 
-WalkReport reportOf(const LoadedNetwork& loaded, const Walkers& walkers, const WalkOutcome& outcome,
-                    const WalkArguments& arguments, std::uint64_t seed) {
-  WalkReport report;
-  report.network = loaded.network;
-  report.networkFile = loaded.name;
+WalkReport reportOf(WalkedOn network, const std::string& file, const Walkers& walkers,
+                    const WalkOutcome& outcome, const WalkArguments& arguments,
+                    std::uint64_t seed) {
+  WalkReport report(std::move(network), file);
   report.agents = arguments.agents;
   report.starts = arguments.starts;
   report.choice = choiceWords()[arguments.choice.value_or(0)];
@@ -307,8 +330,43 @@ void writeFiles(const LoadedNetwork& loaded, const WalkOutcome& outcome,
   endByInterrupt();
 }
 
+/// Answers, and ends there where the walk was interrupted.
+void tell(const WalkReport& report, const WalkArguments& arguments) {
+  std::ostream& out = reportFor(outputsOf(arguments));
+  writeReport(report, static_cast<Answer>(arguments.format.value_or(0)), arguments.top, out,
+              std::cerr);
+  out.flush();
+  if (report.end == WalkEnd::kStopped) endInterrupted(arguments);
+}
+
+/// What a walk and its report take for each vertex: totals, a copy of them and their order, and
+/// what only some ask for.
+std::uint64_t walkBytes(const WalkArguments& arguments) {
+  const std::uint64_t coverage = arguments.coverageFile.empty() ? 0 : 8 + sizeof(Coverage);
+  return 3 * sizeof(std::uint64_t) + coverage + (arguments.target ? 1 : 0);
+}
+
+void runWalkOnly(const WalkArguments& arguments) {
+  const LoadedWalkNetwork loaded = loadWalkNetwork(arguments.input, walkBytes(arguments));
+  const std::uint64_t seed = useSeed(arguments.seed);
+  std::optional<RandomState> state;
+  if (arguments.substream) state = stateOf(seed, arguments.substream);
+  RandomState* const random = state ? &*state : nullptr;
+  Walkers walkers =
+      given(Walkers::at(loaded.network, startVertices(loaded.network, loaded.name, arguments.starts,
+                                                      arguments.agents, random)),
+            loaded.name);
+  const Walked walked = walk(walkers, arguments, random, loaded.name);
+  tell(reportOf(WalkedOn(loaded.network), loaded.name, walkers, walked.outcome, arguments, seed),
+       arguments);
+  if (!arguments.coverageFile.empty()) {
+    writeCoverage(arguments.coverageFile, walked.outcome.coverage());
+  }
+}
+
 void runWalk(const WalkArguments& arguments) {
   checkOptions(arguments);
+  if (arguments.walkOnly) return runWalkOnly(arguments);
   const LoadedNetwork loaded = loadNetwork(arguments.input);
   requireNoVisits(loaded, arguments);
   const Network network(loaded.network);
@@ -325,12 +383,9 @@ void runWalk(const WalkArguments& arguments) {
   const Walked walked = walk(walkers, arguments, random, loaded.name);
   const WalkOutcome& outcome = walked.outcome;
 
-  const WalkReport report = reportOf(loaded, walkers, outcome, arguments, seed);
-  std::ostream& out = reportFor(outputsOf(arguments));
-  writeReport(report, static_cast<Answer>(arguments.format.value_or(0)), arguments.top, out,
-              std::cerr);
-  out.flush();
-  if (outcome.end == WalkEnd::kStopped) endInterrupted(arguments);
+  const WalkReport report =
+      reportOf(WalkedOn(network), loaded.name, walkers, outcome, arguments, seed);
+  tell(report, arguments);
   if (walked.record) writeWalkPage(loaded, *walked.record, seed, arguments);
   writeFiles(loaded, outcome, report.visits, arguments);
 }
@@ -378,6 +433,8 @@ void addWalk(CommandLine& commandLine) {
   addOutputFormat(command, arguments->output);
   command.addThreads();
   command.addFlag("--force", arguments->force, "Let --output replace a property \"Visits\"");
+  command.addFlag("--walk-only", arguments->walkOnly,
+                  "Keep no more of the network than walks read, for very large ones");
   addAnswer(command, arguments->format);
   command.onRun([arguments] { runWalk(*arguments); });
 }

@@ -70,7 +70,7 @@ std::string lawText(const WalkReport& report) {
 }
 
 std::string reachText(const WalkReport& report) {
-  const std::uint64_t n = report.network->countVertices();
+  const std::uint64_t n = report.network.vertices;
   const double share = static_cast<double>(reachedBy(report)) / static_cast<double>(n);
   std::string text = std::to_string(reachedBy(report)) + " of " + counted(n, "vertex", "vertices") +
                      " (" + percentage(share, 1) + ")";
@@ -81,7 +81,8 @@ std::string reachText(const WalkReport& report) {
 }
 
 void writeSummary(const WalkReport& report, std::ostream& out) {
-  out << "network  " << printable(report.networkFile) << ": " << sizeText(*report.network) << '\n'
+  out << "network  " << printable(report.networkFile) << ": "
+      << sizeText(report.network.vertices, report.network.edges, report.network.directed) << '\n'
       << "agents   " << report.agents << ", " << startsText(report) << '\n'
       << "memory   " << memoryText(report) << '\n'
       << "walk     " << stepsText(report) << lawText(report) << '\n'
@@ -106,21 +107,34 @@ double sumOf(const std::vector<std::uint64_t>& visits) {
   return std::accumulate(visits.begin(), visits.end(), 0.0);
 }
 
+/// The columns between what a vertex is called and its visits.
+std::vector<std::string> degreeColumns(const WalkedOn& network, const char* out, const char* in,
+                                       const char* only) {
+  if (!network.directed) return {only};
+  if (!network.inDegree) return {out};
+  return {out, in};
+}
+
 void writeTable(const WalkReport& report, std::uint64_t top, std::ostream& out) {
-  const VEQNetwork& network = *report.network;
-  const bool directed = network.isDirected();
+  const WalkedOn& network = report.network;
   const double all = sumOf(report.visits);
-  const double ends = 2 * static_cast<double>(network.countEdges());
-  Table table(directed
-                  ? std::vector<std::string>{"vertex", "out-degree", "in-degree", "visits", "share"}
-                  : std::vector<std::string>{"vertex", "degree", "visits", "share", "degree/2m"});
+  const double ends = 2 * static_cast<double>(network.edges);
+  std::vector<std::string> columns{"vertex"};
+  for (std::string& column : degreeColumns(network, "out-degree", "in-degree", "degree")) {
+    columns.push_back(std::move(column));
+  }
+  columns.insert(columns.end(), {"visits", "share"});
+  if (!network.directed) columns.emplace_back("degree/2m");
+  Table table(columns);
   for (const std::uint64_t vertex : mostVisited(report.visits, top)) {
-    const std::uint64_t degree = network.countEdgesOfVertexAtIndex(vertex);
-    std::vector<std::string> row{printable(vertexName(network, vertex)), std::to_string(degree)};
-    if (directed) row.push_back(std::to_string(network.countInEdgesOfVertexAtIndex(vertex)));
+    const std::uint64_t degree = network.degree(vertex);
+    std::vector<std::string> row{printable(network.name(vertex)), std::to_string(degree)};
+    if (network.directed && network.inDegree) {
+      row.push_back(std::to_string(network.inDegree(vertex)));
+    }
     row.push_back(std::to_string(report.visits[vertex]));
     row.push_back(percentage(static_cast<double>(report.visits[vertex]), all));
-    if (!directed) row.push_back(percentage(static_cast<double>(degree), ends));
+    if (!network.directed) row.push_back(percentage(static_cast<double>(degree), ends));
     table.addRow(std::move(row));
   }
   out << '\n' << table;
@@ -129,21 +143,23 @@ void writeTable(const WalkReport& report, std::uint64_t top, std::ostream& out) 
 Data share(double part, double whole) { return whole == 0 ? Data() : Data(part / whole); }
 
 Records recordsOf(const WalkReport& report, std::uint64_t top) {
-  const VEQNetwork& network = *report.network;
-  const bool directed = network.isDirected();
+  const WalkedOn& network = report.network;
   const double all = sumOf(report.visits);
-  const double ends = 2 * static_cast<double>(network.countEdges());
-  Records records(
-      directed
-          ? std::vector<std::string>{"index", "name", "outDegree", "inDegree", "visits", "share"}
-          : std::vector<std::string>{"index", "name", "degree", "visits", "share", "degreeShare"});
+  const double ends = 2 * static_cast<double>(network.edges);
+  std::vector<std::string> columns{"index", "name"};
+  for (std::string& column : degreeColumns(network, "outDegree", "inDegree", "degree")) {
+    columns.push_back(std::move(column));
+  }
+  columns.insert(columns.end(), {"visits", "share"});
+  if (!network.directed) columns.emplace_back("degreeShare");
+  Records records(columns);
   for (const std::uint64_t vertex : mostVisited(report.visits, top)) {
-    const std::uint64_t degree = network.countEdgesOfVertexAtIndex(vertex);
-    std::vector<Data> row{vertex, vertexName(network, vertex), degree};
-    if (directed) row.emplace_back(network.countInEdgesOfVertexAtIndex(vertex));
+    const std::uint64_t degree = network.degree(vertex);
+    std::vector<Data> row{vertex, network.name(vertex), degree};
+    if (network.directed && network.inDegree) row.emplace_back(network.inDegree(vertex));
     row.emplace_back(report.visits[vertex]);
     row.push_back(share(static_cast<double>(report.visits[vertex]), all));
-    if (!directed) row.push_back(share(static_cast<double>(degree), ends));
+    if (!network.directed) row.push_back(share(static_cast<double>(degree), ends));
     records.add(std::move(row));
   }
   return records;
@@ -152,9 +168,9 @@ Records recordsOf(const WalkReport& report, std::uint64_t top) {
 Data dataOf(const WalkReport& report, std::uint64_t top) {
   return Data::object()
       .set("network", report.networkFile)
-      .set("vertices", report.network->countVertices())
-      .set("edges", report.network->countEdges())
-      .set("directed", report.network->isDirected())
+      .set("vertices", report.network.vertices)
+      .set("edges", report.network.edges)
+      .set("directed", report.network.directed)
       .set("agents", report.agents)
       .set("starts", report.starts.empty() ? Data() : Data(report.starts))
       .set("memory", report.memory ? Data(*report.memory) : Data())
@@ -173,6 +189,21 @@ Data dataOf(const WalkReport& report, std::uint64_t top) {
 }
 
 }  // namespace
+
+WalkedOn::WalkedOn(const Network& network)
+    : vertices(network.countVertices()),
+      edges(network.countEdges()),
+      directed(network.isDirected()),
+      name([network](std::uint64_t v) { return vertexName(*network.published(), v); }),
+      degree([network](std::uint64_t v) { return network.degree(v); }),
+      inDegree([network](std::uint64_t v) { return network.degree(v, Direction::kIn); }) {}
+
+WalkedOn::WalkedOn(const WalkNetwork& network)
+    : vertices(network.countVertices()),
+      edges(network.countEdges()),
+      directed(network.isDirected()),
+      name([](std::uint64_t v) { return std::to_string(v); }),
+      degree([network](std::uint64_t v) { return network.degree(v); }) {}
 
 void writeReport(const WalkReport& report, Answer answer, std::optional<std::uint64_t> top,
                  std::ostream& out, std::ostream& aside) {

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <veq/veq.hpp>
@@ -14,9 +16,26 @@
 
 namespace veq::tool {
 
+/// What a report tells of the network that was walked on.
+struct WalkedOn {
+  explicit WalkedOn(const Network& network);
+  explicit WalkedOn(const WalkNetwork& network);
+
+  std::uint64_t vertices;
+  std::uint64_t edges;
+  bool directed;
+  /// Of a vertex; a walk-only network knows no in-degrees.
+  std::function<std::string(std::uint64_t)> name;
+  std::function<std::uint64_t(std::uint64_t)> degree;
+  std::function<std::uint64_t(std::uint64_t)> inDegree;
+};
+
 /// Everything that is needed to repeat the walk, and its visits.
 struct WalkReport {
-  Shared<const VEQNetwork> network;
+  WalkReport(WalkedOn on, std::string file)
+      : network(std::move(on)), networkFile(std::move(file)) {}
+
+  WalkedOn network;
   std::string networkFile;
   std::uint64_t agents = 0;
   std::string starts;  // as they were given; empty for all vertices in turn

@@ -68,6 +68,7 @@ class WalkFile {
     WalkNetworkOptions how;
     how.announce = options_.announce;
     how.mostBytes = options_.mostMemory;
+    how.bytesBeside = options_.bytesBeside;
     std::uint64_t vertices = 0;
     if (format_ == FileFormat::kMatrixMarket) {
       how.vertices = vertices = matrix_.vertices;

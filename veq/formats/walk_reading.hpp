@@ -27,6 +27,8 @@ struct WalkReadOptions {
   /// A network that takes more bytes is an error. By default what this machine has, or the control
   /// groups of this process are allowed.
   std::optional<std::uint64_t> mostMemory{};
+  /// So many further bytes for each vertex are to fit into that, for walks on it.
+  std::uint64_t bytesBeside = 0;
   /// Where the bytes of a pipe go until all is read, by default the system's folder for temporary
   /// files.
   std::string spoolFolder{};

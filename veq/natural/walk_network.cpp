@@ -40,9 +40,10 @@ void pass(const EdgeSource& source, Take take) {
 
 WalkNetwork built(const EdgeSource& source, const WalkNetworkOptions& options) {
   Team team(options.threads ? internal::resolvedThreads(*options.threads) : parallelism());
-  WalkRowsBuilder builder(options.directed,
-                          {options.vertices, options.mostBytes.value_or(internal::memoryLimit())},
-                          team);
+  WalkRowsBuilder builder(
+      options.directed,
+      {options.vertices, options.mostBytes.value_or(internal::memoryLimit()), options.bytesBeside},
+      team);
   Pace counting(options.progress, 0);
   counting.ask();
   pass(source, [&](const EdgeBlock& edges) {

@@ -60,6 +60,8 @@ struct WalkNetworkOptions {
   /// A network that takes more bytes is an error. By default what this machine has, or the control
   /// groups of this process are allowed.
   std::optional<std::uint64_t> mostBytes{};
+  /// So many further bytes for each vertex are to fit into that, for walks on it.
+  std::uint64_t bytesBeside = 0;
   /// How many threads share each pass, 0 being as many as the process may use; without it as many
   /// as parallelism() says. What is built does not depend on it.
   std::optional<unsigned> threads{};

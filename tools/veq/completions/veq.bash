@@ -37,7 +37,8 @@ _veq() {
       info) words="$reading --all --raw --matrix --format" ;;
       check) words="$reading --format" ;;
       walk) words="$reading --agents --steps --until-reach --seed --substream --start --choice --restart --top --memory
-                   --errors --agents-network --paths --coverage --page $showing --output --to --force --format --threads" ;;
+                   --errors --agents-network --paths --coverage --page $showing --output --to --force --walk-only --format
+                   --threads" ;;
       convert) words="$reading --to --lossy --number-names --vertices" ;;
       generate) words="--vertices --edges --degree --degrees --simple --probability --probabilities --links --neighbours
                        --sizes --periodic --radius --dimensions --network --tries --directed --seed --substream --to" ;;

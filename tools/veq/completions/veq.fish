@@ -57,6 +57,7 @@ complete -c veq -n '__veq_command walk' -l paths -r -d 'Write the path of every 
 complete -c veq -n '__veq_command walk' -l page -r -d 'Write a page that walks again in a browser'
 complete -c veq -n '__veq_command walk' -l output -r -d 'Write the network with its visits'
 complete -c veq -n '__veq_command walk' -l force -d 'Replace a property Visits'
+complete -c veq -n '__veq_command walk' -l walk-only -d 'Keep no more than walks read'
 complete -c veq -n '__veq_command walk' -l threads -x -d 'How many threads may work'
 
 complete -c veq -n '__veq_command generate' -l vertices -x -d 'How many vertices'

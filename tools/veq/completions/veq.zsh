@@ -44,7 +44,8 @@ _veq() {
         '--coverage[write how many vertices were reached by when]:file:_files' \
         '--page[write a page that walks again in a browser]:file:_files' \
         '--output[write the network with its visits]:file:_files' \
-        '--force[replace a property Visits]' ;;
+        '--force[replace a property Visits]' \
+        '--walk-only[keep no more than walks read]' ;;
     convert)
       _arguments $help $reading $writing '1: :' '2:network:_files' '3:output:_files' \
         '--lossy[write also what loses something]' \

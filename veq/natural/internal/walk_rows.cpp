@@ -75,10 +75,13 @@ WalkRowsBuilder::WalkRowsBuilder(bool directed, const Limits& limits, Team& team
 
 void WalkRowsBuilder::requireBytes() const {
   const WalkNetworkSize& size = rows_.size;
-  if (size.bytes() <= limits_.bytes) return;
+  const std::uint64_t beside = limits_.besideEachVertex * size.vertices;
+  if (size.bytes() + beside <= limits_.bytes) return;
+  std::string walks;
+  if (beside != 0) walks = ", walks on them " + text(beside) + " more";
   throw Error(ErrorKind::kMemory, counted(size.vertices, Item::kVertex) + " and " +
                                       text(size.entries) + " list entries take " +
-                                      text(size.bytes()) + " bytes, and there are " +
+                                      text(size.bytes()) + " bytes" + walks + ", and there are " +
                                       text(limits_.bytes));
 }
 

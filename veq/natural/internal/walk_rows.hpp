@@ -55,6 +55,7 @@ class WalkRowsBuilder {
   struct Limits {
     std::optional<std::uint64_t> vertices;
     std::uint64_t bytes = UINT64_MAX;
+    std::uint64_t besideEachVertex = 0;
   };
 
   /// Throws Error, as all that follows.
