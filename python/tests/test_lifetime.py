@@ -28,6 +28,12 @@ def walked():
     return walkers, walkers.walk(50, paths=True, first_arrivals=True, seed=1)
 
 
+def walked_on_rows():
+    walkers = veq.Walkers(veq.WalkNetwork(ring()), [0, 500])
+    walkers.walk(50, seed=1)
+    return walkers
+
+
 def sealed():
     return veq.ensemble.SealedNetwork(ring()).network
 
@@ -65,6 +71,8 @@ KINDS = {
     "starts": (lambda: walked()[1].paths.starts, [0, 500]),
     "first arrivals": (lambda: walked()[1].first_arrivals[1:51], np.arange(1, 51)),
     "coverage": (lambda: walked()[1].coverage.vertices, np.arange(2, 101, 2)),
+    "neighbors of rows": (lambda: veq.WalkNetwork(ring()).neighbors(5), [6]),
+    "visits on rows": (lambda: walked_on_rows().visits()[:52], [0, *[1] * 50, 0]),
     "rows of a law": (lambda: law().matrix()[0], np.arange(N + 1)),
     "targets of a law": (lambda: law().matrix()[1], (np.arange(N) + 1) % N),
     "shares of a law": (lambda: law().matrix()[2], np.ones(N)),

@@ -2,57 +2,12 @@
 #include <nanobind/stl/optional.h>
 #include <nanobind/stl/string_view.h>
 
+#include "reader.hpp"
 #include "support.hpp"
 #include "veq/writing.hpp"
-#ifdef VEQ_WITH_READERS
-#include "veq/readers/reading.hpp"
-#else
-#include "veq/reading.hpp"
-#endif
 
 namespace veq::python {
 namespace {
-
-// GraphML and what is compressed can be read where the library for them was built, too.
-#ifdef VEQ_WITH_READERS
-namespace reader = veq::readers;
-#else
-namespace reader = veq;
-#endif
-
-std::optional<FileFormat> formatNamed(std::optional<std::string_view> name) {
-  if (!name) return std::nullopt;
-  return named<FileFormat>(*name, "format",
-                           {{"xnet", FileFormat::kXnet},
-                            {"pajek", FileFormat::kPajek},
-                            {"list", FileFormat::kList},
-                            {"matrix-market", FileFormat::kMatrixMarket},
-                            {"gml", FileFormat::kGml},
-                            {"graphml", FileFormat::kGraphMl},
-                            {"archive", FileFormat::kArchive},
-                            {"csv", FileFormat::kCsv}});
-}
-
-const char* wordOf(NoteKind kind) {
-  switch (kind) {
-    case NoteKind::kTaken:
-      return "taken";
-    case NoteKind::kRepaired:
-      return "repaired";
-    case NoteKind::kLeftOut:
-      break;
-  }
-  return "left out";
-}
-
-using NoteTuple = Tuple<nb::str, nb::str, std::uint64_t, std::uint64_t>;
-nb::typed<nb::list, NoteTuple> notesOf(const Reading& reading) {
-  nb::typed<nb::list, NoteTuple> notes;
-  for (const Note& note : reading.notes()) {
-    notes.append(nb::make_tuple(wordOf(note.kind), textOf(note.text), note.place.line, note.count));
-  }
-  return notes;
-}
 
 // (network, notes)
 using ReadTuple = Tuple<BoundNetwork, nb::typed<nb::list, NoteTuple>>;

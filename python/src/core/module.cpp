@@ -14,6 +14,7 @@ NB_MODULE(_core, m) {
   bindQuestions(m);
   bindDistances(m);
   bindModels(m);
+  bindWalkNetwork(m);
   bindWalkers(m);
   bindWalkLaw(m);
   bindFormats(m);

@@ -191,6 +191,11 @@ struct BoundNetwork {
   std::shared_ptr<Use> use;
 };
 
+/// A network that never changes.
+struct BoundWalkNetwork {
+  WalkNetwork network;
+};
+
 /// What f(network) gives, computed without the interpreter's lock.
 template <class F>
 auto reading(const BoundNetwork& bound, F&& f) {
@@ -326,6 +331,7 @@ void bindParallelism(nb::module_& m);
 void bindRandom(nb::module_& m);
 void bindWalkers(nb::module_& m);
 void bindWalkLaw(nb::module_& m);
+void bindWalkNetwork(nb::module_& m);
 void bindFormats(nb::module_& m);
 void bindDrawing(nb::module_& m);
 void bindSharing(nb::module_& m);

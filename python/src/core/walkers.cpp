@@ -11,10 +11,10 @@ namespace {
 
 constexpr const char* kWalking = "the agents are walking";
 
-/// Agents with the networks that their walks read.
+/// Agents with the networks that their walks read, of which a walk-only one never changes.
 struct BoundWalkers {
   Walkers walkers;
-  BoundNetwork network;
+  std::optional<BoundNetwork> network;
   std::optional<BoundNetwork> listeners;
   std::shared_ptr<Use> use = std::make_shared<Use>();
 };
@@ -43,6 +43,25 @@ void place(BoundWalkers* at, const BoundNetwork& bound, const AnyArray& starts,
         .value();
   });
   new (at) BoundWalkers{std::move(made), bound, std::move(told)};
+}
+
+void placeOnRows(BoundWalkers* at, const BoundWalkNetwork& bound, const AnyArray& starts) {
+  const std::vector<std::uint64_t> where = indices(starts);
+  const nb::gil_scoped_release released;
+  new (at) BoundWalkers{Walkers::at(bound.network, where).value(), std::nullopt, std::nullopt};
+}
+
+IntArray startsOnRows(const BoundWalkNetwork& bound, std::uint64_t agents, bool byDegree,
+                      BoundRandom* random) {
+  const Drawing drawing(random);
+  std::vector<std::uint64_t> made;
+  {
+    const nb::gil_scoped_release released;
+    made = (byDegree ? Walkers::startsByDegree(bound.network, agents, drawing.state())
+                     : Walkers::uniformStarts(bound.network, agents, drawing.state()))
+               .value();
+  }
+  return arrayOf(std::move(made));
 }
 
 IntArray starts(const BoundNetwork& bound, std::uint64_t agents, bool byDegree,
@@ -132,7 +151,8 @@ auto walked(BoundWalkers& bound, WalkOptions options, BoundRandom* random, nb::o
   const Drawing drawing(random);
   options.random = drawing.state();
   const nb::gil_scoped_release released;
-  const ReadingUse network(*bound.network.use);
+  std::optional<ReadingUse> network;
+  if (bound.network) network.emplace(*bound.network->use);
   std::optional<ReadingUse> listeners;
   if (bound.listeners) listeners.emplace(*bound.listeners->use);
   return go(bound.walkers, options).value();
@@ -216,6 +236,7 @@ void bindWalkers(nb::module_& m) {
   nb::class_<BoundWalkers>(m, "Walkers", nb::type_slots(slots))
       .def("__init__", &place, nb::arg("network"), nb::arg("starts"), nb::arg("memory").none(),
            nb::arg("errors").none(), nb::arg("listeners").none())
+      .def("__init__", &placeOnRows, nb::arg("network"), nb::arg("starts"))
       .def("_walk", &walk, nb::arg("steps").none(), nb::arg("until").none(), nb::arg("paths"),
            nb::arg("first_arrivals"), nb::arg("choice"), nb::arg("restart"),
            nb::arg("random").none(), nb::arg("progress").none(), nb::arg("threads").none())
@@ -228,6 +249,8 @@ void bindWalkers(nb::module_& m) {
       .def("_remembered", &remembered, nb::arg("agent"))
       .def("_forget", &forget);
   m.def("starts", &starts, nb::arg("network"), nb::arg("agents"), nb::arg("by_degree"),
+        nb::arg("random").none());
+  m.def("starts", &startsOnRows, nb::arg("network"), nb::arg("agents"), nb::arg("by_degree"),
         nb::arg("random").none());
 }
 

@@ -36,6 +36,7 @@ from ._models import (
 from ._network import Adjacency, Edge, Network, Vertex
 from ._parallelism import parallelism, set_parallelism
 from ._random import RandomState, random_state, seed, set_random_state
+from ._walk_network import WalkNetwork, WalkNetworkSize
 from ._walkers import Coverage, HittingTimes, Paths, Walk, Walkers, WalkLaw, WalkRecord
 
 __version__ = _core.version
@@ -64,6 +65,8 @@ __all__ = [
     "Vertex",
     "Walk",
     "WalkLaw",
+    "WalkNetwork",
+    "WalkNetworkSize",
     "WalkRecord",
     "Walkers",
     "barabasi_albert",

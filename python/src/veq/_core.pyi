@@ -1,4 +1,4 @@
-from typing import Annotated, Any
+from typing import Annotated, Any, overload
 
 import numpy
 import numpy.typing
@@ -209,8 +209,47 @@ def preferential_attachment(n: int, degree: int, random: RandomState | None, pro
 
 def random_network(n: int, degree: float, random: RandomState | None, progress: object | None) -> Network: ...
 
+class WalkNetwork:
+    def __init__(self, other: WalkNetwork) -> None: ...
+
+    @property
+    def num_vertices(self) -> int:
+        """How many vertices there are."""
+
+    @property
+    def num_edges(self) -> int:
+        """How many edges there are."""
+
+    @property
+    def num_entries(self) -> int:
+        """How many entries all lists have."""
+
+    @property
+    def nbytes(self) -> int:
+        """What rows and neighbours take."""
+
+    @property
+    def directed(self) -> bool:
+        """Whether edges lead from their source to their target alone."""
+
+    def _degree(self, vertex: int) -> int: ...
+
+    def _neighbors(self, vertex: int) -> numpy.typing.NDArray[numpy.int64]: ...
+
+    def _bytes_to_walk(self, agents: int, first_arrivals: bool, until: bool) -> int: ...
+
+def walk_network_of(network: Network, most_bytes: int | None, announce: object | None, progress: object | None, threads: int | None) -> WalkNetwork: ...
+
+def walk_network_from(source: object, vertices: int | None, directed: bool, most_bytes: int | None, announce: object | None, progress: object | None, threads: int | None) -> WalkNetwork: ...
+
+def read_walk_network(path: bytes, format: str | None, directed: bool | None, strict: bool, most_vertices: int | None, most_text: int | None, most_bytes: int | None, spool_folder: bytes, announce: object | None, progress: object | None) -> tuple[WalkNetwork, list[tuple[str, str, int, int]]]: ...
+
 class Walkers:
+    @overload
     def __init__(self, network: Network, starts: Annotated[NDArray, dict(device='cpu', writable=False)], memory: Annotated[NDArray, dict(device='cpu', writable=False)] | None, errors: Annotated[NDArray, dict(device='cpu', writable=False)] | None, listeners: Network | None) -> None: ...
+
+    @overload
+    def __init__(self, network: WalkNetwork, starts: Annotated[NDArray, dict(device='cpu', writable=False)]) -> None: ...
 
     @property
     def num_agents(self) -> int:
@@ -230,7 +269,11 @@ class Walkers:
 
     def _forget(self) -> None: ...
 
+@overload
 def starts(network: Network, agents: int, by_degree: bool, random: RandomState | None) -> numpy.typing.NDArray[numpy.int64]: ...
+
+@overload
+def starts(network: WalkNetwork, agents: int, by_degree: bool, random: RandomState | None) -> numpy.typing.NDArray[numpy.int64]: ...
 
 class WalkLaw:
     def __init__(self, network: Network, choice: str, restart: float, start: int) -> None: ...

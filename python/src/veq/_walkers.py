@@ -12,10 +12,12 @@ from numpy.typing import ArrayLike, NDArray
 from . import _arrays, _core
 from ._ask import FloatArray
 from ._derive import IntArray
+from ._errors import UnsupportedError
 from ._network import Network
 from ._parallelism import of_threads
 from ._progress import Progress, following
 from ._random import RandomState, Seed, drawn_from
+from ._walk_network import WalkNetwork
 
 Choice = Literal["published", "even", "weighted"]
 End = Literal["steps", "target", "stopped", "stuck", "draws"]
@@ -222,6 +224,9 @@ class Walkers(_core.Walkers):
 
     Parameters
     ----------
+    network : Network or WalkNetwork
+        On a walk-only one they keep where they stand, totals and, on request, first arrivals; what
+        needs more raises an `UnsupportedError`.
     starts : array_like of integers, or of names
         Where the agents stand, one for each.
     memory : int or array_like of integers, optional
@@ -248,9 +253,11 @@ class Walkers(_core.Walkers):
 
     __slots__ = ("__weakref__", "network")
 
+    network: Network | WalkNetwork
+
     def __init__(
         self,
-        network: Network,
+        network: Network | WalkNetwork,
         starts: ArrayLike | Sequence[str],
         *,
         memory: ArrayLike | None = None,
@@ -262,6 +269,15 @@ class Walkers(_core.Walkers):
         where: Any = [starts] if isinstance(starts, str) else _arrays.given(starts)
         if not isinstance(where, list):
             where = np.asarray(where)
+        if isinstance(network, WalkNetwork):
+            if memory is not None:
+                raise UnsupportedError(
+                    "what agents remember is a history of each, which is not kept on a walk-only "
+                    "network"
+                )
+            super().__init__(network, _arrays.counts(where, "start"))
+            self.network = network
+            return
         if isinstance(where, list) or where.dtype.kind in "UO":
             where = [network.index(v) if isinstance(v, str) else v for v in where]
         super().__init__(
@@ -274,7 +290,9 @@ class Walkers(_core.Walkers):
         self.network = network
 
     @classmethod
-    def uniform(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
+    def uniform(
+        cls, network: Network | WalkNetwork, agents: int, *, seed: Seed = None, **more: Any
+    ) -> Self:
         """So many agents at vertices drawn each alike.
 
         Examples
@@ -286,7 +304,9 @@ class Walkers(_core.Walkers):
         return cls(network, _core.starts(network, count, False, drawn_from(seed)), **more)
 
     @classmethod
-    def by_degree(cls, network: Network, agents: int, *, seed: Seed = None, **more: Any) -> Self:
+    def by_degree(
+        cls, network: Network | WalkNetwork, agents: int, *, seed: Seed = None, **more: Any
+    ) -> Self:
         """So many agents at vertices drawn by the lengths of their lists.
 
         Examples
