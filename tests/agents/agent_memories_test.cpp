@@ -12,7 +12,7 @@
 
 #include "tests/support/rounds.hpp"
 
-namespace veq::test {
+namespace veq::test::agent_memories_test {
 namespace {
 
 using internal::AgentAbility;
@@ -164,4 +164,4 @@ TEST(AgentMemories, DoNotOfferWhatTheirOwnVisitOverwrites) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::agent_memories_test

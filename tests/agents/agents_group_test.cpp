@@ -13,7 +13,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/agents/agent_information.hpp"
 
-namespace veq::test {
+namespace veq::test::agents_group_test {
 namespace {
 
 // 0 -> 1 -> 2 -> 0.
@@ -201,4 +201,4 @@ TEST(AgentInformation, BeginsEmptyAndIsReleasedByValue) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::agents_group_test

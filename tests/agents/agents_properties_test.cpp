@@ -9,7 +9,7 @@
 #include "veq/agents/agents_property_table.hpp"
 #include "veq/numeric/generic_array.hpp"
 
-namespace veq::test {
+namespace veq::test::agents_properties_test {
 namespace {
 
 Owned<VEQNetworkAgentsGroup> threeAgents() {
@@ -151,4 +151,4 @@ TEST(AgentsProperties, ACopyOfAFrozenTableCanBeChanged) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::agents_properties_test

@@ -6,7 +6,7 @@
 #include "gtest/gtest.h"
 #include "tests/support/rounds.hpp"
 
-namespace veq::internal {
+namespace veq::internal::choice_test {
 namespace {
 
 constexpr std::uint32_t kLargestDraw = 2147483647;
@@ -67,4 +67,4 @@ TEST(EntryChoice, AgreesWithRoundingAroundTheLimitOfTheIntegerForm) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::choice_test

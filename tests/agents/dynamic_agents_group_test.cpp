@@ -16,7 +16,7 @@
 #include "tests/support/agents.hpp"
 #include "tests/support/network_drawing.hpp"
 
-namespace veq::test {
+namespace veq::test::dynamic_agents_group_test {
 namespace {
 
 using Paths = std::vector<Indices>;
@@ -432,4 +432,4 @@ static_assert(!MadeFromIndicesAlone<VEQNetworkDynamicAgentsGroup>);
 static_assert(!MadeFromHandlesAlone<VEQNetworkDynamicAgentsGroup>);
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::dynamic_agents_group_test

@@ -16,7 +16,7 @@
 #include "tests/support/shared_work.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 
-namespace veq::test {
+namespace veq::test::dynamic_walk_oracle_test {
 namespace {
 
 using Draw = std::mt19937_64;
@@ -255,4 +255,4 @@ TEST(DynamicWalkOracle, AgreesWhereStuckAgentsGoOnSharing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::dynamic_walk_oracle_test

@@ -10,7 +10,7 @@
 #include "tests/support/limits.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 
-namespace veq::test {
+namespace veq::test::limits_test {
 namespace {
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -158,4 +158,4 @@ TEST(AgentsLimits, ANumberThatIsUsedForNothingIsKept) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::limits_test

@@ -20,7 +20,7 @@
 #include "veq/walkers.hpp"
 #include "veq/writing.hpp"
 
-namespace veq::test {
+namespace veq::test::observers_test {
 namespace {
 
 /// An operation that takes a Progress; what it gives is of no interest.
@@ -228,4 +228,4 @@ TEST_F(Observers, EndQuestionsAndWalks) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::observers_test

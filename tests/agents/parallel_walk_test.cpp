@@ -18,7 +18,7 @@
 #include "veq/models/random_state.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::parallel_walk_test {
 namespace {
 
 constexpr std::uint64_t kAgents = 100;
@@ -258,4 +258,4 @@ TEST(ParallelWalk, SeveralMayRunAtOnce) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::parallel_walk_test

@@ -16,7 +16,7 @@
 #include "tests/support/small_pieces.hpp"
 #include "veq/veq.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_endings_test {
 namespace {
 
 using Numbers = std::vector<std::uint64_t>;
@@ -188,4 +188,4 @@ TEST_F(SharedOperations, EndWhereTheyAreStoppedOrAnObserverThrows) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_endings_test

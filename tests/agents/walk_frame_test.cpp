@@ -13,7 +13,7 @@
 #include "tests/support/agents.hpp"
 #include "veq/agents/internal/group_state.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_frame_test {
 namespace {
 
 /// Sends all agents to the next vertex of a cycle, and asks before each call of the frame.
@@ -237,4 +237,4 @@ TEST(WalkThreads, SeveralMayAskAGroupForItsHistoryAtOnce) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_frame_test

@@ -10,7 +10,7 @@
 #include "gtest/gtest.h"
 #include "tests/support/agents.hpp"
 
-namespace veq::internal {
+namespace veq::internal::walk_history_test {
 namespace {
 
 using test::Integers;
@@ -258,4 +258,4 @@ TEST(WalkHistory, WritesABlockAgainUnlessItIsHeld) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::walk_history_test

@@ -14,7 +14,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/questions/walk_law.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_laws_test {
 namespace {
 
 using Counts = std::vector<std::uint64_t>;
@@ -205,4 +205,4 @@ TEST(WalkLaws, VisitsTendToTheStationaryShares) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_laws_test

@@ -16,7 +16,7 @@
 #include "tests/support/walkers.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_only_test {
 namespace {
 
 Walkers onSixLinks(const Indices& starts) {
@@ -236,4 +236,4 @@ TEST(WalkOnly, WalksBitByBitAsOnTheWholeNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_only_test

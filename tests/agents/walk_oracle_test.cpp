@@ -11,7 +11,7 @@
 #include "tests/support/shared_work.hpp"
 #include "veq/agents/internal/group_state.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_oracle_test {
 namespace {
 
 using Draw = std::mt19937_64;
@@ -239,4 +239,4 @@ TEST(WalkOracle, AgreesForMoreAgentsThanATileHasMoves) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_oracle_test

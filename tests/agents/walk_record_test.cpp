@@ -11,7 +11,7 @@
 #include "veq/random.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_record_test {
 namespace {
 
 using Vertices = std::vector<std::uint64_t>;
@@ -127,4 +127,4 @@ TEST(WalkRecord, IsRefusedAsTheWalkIs) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_record_test

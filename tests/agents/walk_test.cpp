@@ -11,7 +11,7 @@
 #include "tests/support/agents.hpp"
 #include "veq/models/internal/random_engine.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_test {
 namespace {
 
 constexpr std::uint64_t kMost = std::numeric_limits<std::uint64_t>::max();
@@ -376,4 +376,4 @@ TEST(WorkControl, OutsideAWalkIsAsTheLastWalkLeftIt) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_test

@@ -13,7 +13,7 @@
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/agents/internal/group_state.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_threads_test {
 namespace {
 
 using Group = VEQNetworkAgentsGroup;
@@ -314,4 +314,4 @@ TEST(TwoGroups, OfDifferentKindsWalkAtOnce) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_threads_test

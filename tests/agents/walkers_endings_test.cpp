@@ -11,7 +11,7 @@
 #include "tests/support/observers.hpp"
 #include "tests/support/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::walkers_endings_test {
 namespace {
 
 // On a directed ring of 4 from vertex 0 the fourth step comes back, and all have been arrived at.
@@ -160,4 +160,4 @@ TEST(WalkersEndings, TellThePathsOfAWalkWithoutANumberOfSteps) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walkers_endings_test

@@ -16,7 +16,7 @@
 #include "tests/support/shared_work.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::walkers_oracle_test {
 namespace {
 
 using Draw = std::mt19937_64;
@@ -141,4 +141,4 @@ TEST(WalkersOracle, AgreesForEveryChoiceWithAndWithoutMemoryAndRestarts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walkers_oracle_test

@@ -21,7 +21,7 @@
 #include "tests/support/walkers.hpp"
 #include "veq/natural/sharing.hpp"
 
-namespace veq::test {
+namespace veq::test::walkers_test {
 namespace {
 
 constexpr std::uint64_t kN = kNever;
@@ -392,4 +392,4 @@ TEST(Walkers, SayWhoStandsOutsideTheNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walkers_test

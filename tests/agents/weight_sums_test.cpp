@@ -9,7 +9,7 @@
 
 #include "tests/support/agents.hpp"
 
-namespace veq::test {
+namespace veq::test::weight_sums_test {
 namespace {
 
 using internal::CoreAccess;
@@ -67,4 +67,4 @@ TEST(WeightSums, AreNotMadeOfAWrongWeight) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::weight_sums_test

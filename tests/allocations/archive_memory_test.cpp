@@ -10,7 +10,7 @@
 #include "tests/support/hex.hpp"
 #include "veq/formats/keyed_archiver.hpp"
 
-namespace veq::test {
+namespace veq::test::archive_memory_test {
 namespace {
 
 constexpr std::size_t kMany = 20000;
@@ -94,4 +94,4 @@ TEST(ArchiveMemory, FollowsTheBytesAndNotTheirPromises) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::archive_memory_test

@@ -17,7 +17,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::constructors_allocations_test {
 namespace {
 
 using Network = Shared<VEQNetwork>;
@@ -348,4 +348,4 @@ TEST(ArchiveAllocations, OfAnUnarchiverThrowAndOfItsNetworkGiveNone) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::constructors_allocations_test

@@ -9,7 +9,7 @@
 #include "veq/base/diagnostic_log.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::copies_allocations_test {
 namespace {
 
 Shared<VEQNetwork> source() {
@@ -90,4 +90,4 @@ TEST(FailingAllocations, OfANetworkOfEndsGiveNoNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::copies_allocations_test

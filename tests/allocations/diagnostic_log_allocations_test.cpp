@@ -9,7 +9,7 @@
 #include "tests/support/failing_allocation.hpp"
 #include "veq/base/diagnostic_log.hpp"
 
-namespace veq::test {
+namespace veq::test::diagnostic_log_allocations_test {
 namespace {
 
 /// Too large to lie within a sink, so that every copy of the sink takes memory.
@@ -57,4 +57,4 @@ TEST(DiagnosticLogAllocations, LeaveTheSinkAsItWas) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::diagnostic_log_allocations_test

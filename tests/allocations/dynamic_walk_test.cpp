@@ -12,7 +12,7 @@
 #include "tests/support/failing_allocation.hpp"
 #include "veq/agents/dynamic_agents_group.hpp"
 
-namespace veq::test {
+namespace veq::test::dynamic_walk_test {
 namespace {
 
 constexpr std::uint64_t kVertices = 6000;
@@ -160,4 +160,4 @@ TEST(DynamicWalkMemory, FollowsTheRingsAndNotTheNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::dynamic_walk_test

@@ -12,7 +12,7 @@
 #include "veq/agents/dynamic_agents_group.hpp"
 #include "veq/numeric/generic_array.hpp"
 
-namespace veq::test {
+namespace veq::test::groups_allocations_test {
 namespace {
 
 using Group = VEQNetworkAgentsGroup;
@@ -225,4 +225,4 @@ TEST(GroupAllocations, OfShortWalksWithPathsChangeNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::groups_allocations_test

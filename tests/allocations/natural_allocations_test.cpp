@@ -13,7 +13,7 @@
 #include "veq/network.hpp"
 #include "veq/questions.hpp"
 
-namespace veq::test {
+namespace veq::test::natural_allocations_test {
 namespace {
 
 constexpr const char* kLongName = "a name that does not fit into the string itself";
@@ -148,4 +148,4 @@ TEST(NaturalAllocations, OfQuestionsLeaveNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::natural_allocations_test

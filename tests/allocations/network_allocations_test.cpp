@@ -13,7 +13,7 @@
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::network_allocations_test {
 namespace {
 
 // A network with what an operation could spoil: weights, edge columns of three kinds, handles.
@@ -315,4 +315,4 @@ TEST(FailingAllocations, OfTheCapacityConstructorGiveNoNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::network_allocations_test

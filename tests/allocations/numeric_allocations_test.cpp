@@ -18,7 +18,7 @@
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::numeric_allocations_test {
 namespace {
 
 using testing::ElementsAre;
@@ -251,4 +251,4 @@ TEST(NumericAllocations, OfConstructorsAndTextsThrow) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::numeric_allocations_test

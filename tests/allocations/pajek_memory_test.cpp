@@ -14,7 +14,7 @@
 #include "veq/network/network.hpp"
 #include "veq/numeric/property_value.hpp"
 
-namespace veq::test {
+namespace veq::test::pajek_memory_test {
 namespace {
 
 constexpr std::uint64_t kLittle = std::uint64_t{1} << 20;
@@ -88,4 +88,4 @@ TEST_F(PajekMemory, ColumnsAreNotAskedForBeforeTheTextHasEndedWell) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::pajek_memory_test

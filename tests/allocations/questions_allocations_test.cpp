@@ -17,7 +17,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::questions_allocations_test {
 namespace {
 
 using N = const VEQNetwork&;
@@ -268,4 +268,4 @@ TEST(GeneratorAllocations, OfAnArrayLeaveTheSequenceWhereItWas) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::questions_allocations_test

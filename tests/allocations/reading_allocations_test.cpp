@@ -13,7 +13,7 @@
 #include "veq/formats/reading.hpp"
 #include "veq/formats/writing.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_allocations_test {
 namespace {
 
 const std::string kLongName = "a name that is too long to lie within the string";
@@ -71,4 +71,4 @@ TEST(ReadingAllocations, EveryFormatGivesTheNetworkOrSaysThatMemoryIsLacking) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_allocations_test

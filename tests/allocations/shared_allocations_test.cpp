@@ -16,7 +16,7 @@
 #include "veq/questions.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_allocations_test {
 namespace {
 
 // Shared by three threads, where the n-th allocation is another one each time, and by one thread
@@ -295,4 +295,4 @@ TEST(FailingSharedWork, ANetworkIsBuiltOrNot) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_allocations_test

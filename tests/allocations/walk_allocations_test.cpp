@@ -14,7 +14,7 @@
 #include "veq/agents/internal/group_state.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_allocations_test {
 namespace {
 
 constexpr std::uint64_t kVertices = 50;
@@ -212,4 +212,4 @@ TEST(FailingWalk, ItsGroupStaysAsItIsWhenItCannotBePlacedOrDescribed) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_allocations_test

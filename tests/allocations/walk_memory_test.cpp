@@ -10,7 +10,7 @@
 #include "tests/support/agents.hpp"
 #include "tests/support/failing_allocation.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_memory_test {
 namespace {
 
 constexpr std::int64_t kDuring = std::int64_t{16} << 20;
@@ -89,4 +89,4 @@ TEST(WalkMemory, WithPathsFollowsThePathsAndIsGivenBackWithThem) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_memory_test

@@ -12,7 +12,7 @@
 #include "veq/formats/keyed_archiver.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::writers_allocations_test {
 namespace {
 
 class EveryWriter : public testing::TestWithParam<Writer> {};
@@ -90,4 +90,4 @@ TEST(ArchiveAllocations, OfOneEntryLeaveTheArchiveAsItWas) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::writers_allocations_test

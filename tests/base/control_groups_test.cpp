@@ -9,7 +9,7 @@
 #include "veq/base/internal/memory_limit.hpp"
 #include "veq/base/internal/processors.hpp"
 
-namespace veq::internal {
+namespace veq::internal::control_groups_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -103,4 +103,4 @@ TEST(MemoryLimit, IsWhatAnObjectCanHaveAtMost) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::control_groups_test

@@ -9,7 +9,7 @@
 #include "tests/support/child_process.hpp"
 #include "tests/support/log_capture.hpp"
 
-namespace veq {
+namespace veq::diagnostic_log_test {
 namespace {
 
 TEST(DiagnosticLog, GivesEveryLineToTheSink) {
@@ -66,4 +66,4 @@ TEST(DiagnosticLog, OutlivesTheStaticObjectsThatWriteToIt) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::diagnostic_log_test

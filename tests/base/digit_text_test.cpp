@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace veq::internal {
+namespace veq::internal::digit_text_test {
 namespace {
 
 class DigitText : public testing::Test {
@@ -78,4 +78,4 @@ TEST_F(DigitText, WritesEveryFourDigits) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::digit_text_test

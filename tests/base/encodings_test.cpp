@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace veq::internal {
+namespace veq::internal::encodings_test {
 namespace {
 
 using namespace std::string_view_literals;
@@ -116,4 +116,4 @@ TEST(Encodings, BytesThatBreakTheirMarkAreNoText) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::encodings_test

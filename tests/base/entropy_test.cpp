@@ -6,7 +6,7 @@
 
 #include "gtest/gtest.h"
 
-namespace veq::internal {
+namespace veq::internal::entropy_test {
 namespace {
 
 TEST(SystemEntropy, DiffersFromCallToCall) {
@@ -17,4 +17,4 @@ TEST(SystemEntropy, DiffersFromCallToCall) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::entropy_test

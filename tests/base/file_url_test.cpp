@@ -2,7 +2,7 @@
 
 #include "veq/base/internal/file_url.hpp"
 
-namespace veq::internal {
+namespace veq::internal::file_url_test {
 namespace {
 
 using namespace std::string_view_literals;
@@ -47,4 +47,4 @@ TEST(FileUrls, AnythingWithoutASchemeIsAPath) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::file_url_test

@@ -13,7 +13,7 @@
 #include "tests/support/child_process.hpp"
 #include "tests/support/temporary_folder.hpp"
 
-namespace veq {
+namespace veq::files_test {
 namespace {
 
 using test::bytesOf;
@@ -119,4 +119,4 @@ TEST(WholeFiles, AreCheckedWithoutATrace) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::files_test

@@ -6,7 +6,7 @@
 #include <span>
 #include <utility>
 
-namespace veq::internal {
+namespace veq::internal::memory_test {
 namespace {
 
 using Number = std::uint32_t;
@@ -105,4 +105,4 @@ TEST(Arena, ABlockMayBeMoved) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::memory_test

@@ -9,7 +9,7 @@
 
 #include "veq/formats/internal/distinct_ends.hpp"
 
-namespace veq::internal {
+namespace veq::internal::name_table_test {
 namespace {
 
 TEST(NameTable, KeepsTheFirstIndexOfAName) {
@@ -83,4 +83,4 @@ TEST(DistinctEnds, MayBeMany) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::name_table_test

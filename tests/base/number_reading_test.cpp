@@ -16,7 +16,7 @@
 #include "veq/base/internal/number_text.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 
-namespace veq::internal {
+namespace veq::internal::number_reading_test {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -289,4 +289,4 @@ TEST(NumberReading, ACommaLocaleChangesNothing) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::number_reading_test

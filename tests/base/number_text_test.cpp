@@ -12,7 +12,7 @@
 #include "tests/support/rounds.hpp"
 #include "veq/base/internal/text_scanner.hpp"
 
-namespace veq::internal {
+namespace veq::internal::number_text_test {
 namespace {
 
 template <class Number>
@@ -155,4 +155,4 @@ TEST(NumberText, SixDecimalsAgreeWithPrintf) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::number_text_test

@@ -11,7 +11,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
-namespace veq::test {
+namespace veq::test::open_descriptors_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -105,4 +105,4 @@ TEST_F(OpenDescriptors, AreNotMeantByFilesWhoseNameIsANumber) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::open_descriptors_test

@@ -10,7 +10,7 @@
 
 #include "veq/base/internal/pace.hpp"
 
-namespace veq {
+namespace veq::progress_test {
 namespace {
 
 using internal::Pace;
@@ -53,4 +53,4 @@ TEST(Progress, WrapsWhatTheObserverThrows) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::progress_test

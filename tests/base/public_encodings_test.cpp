@@ -2,7 +2,7 @@
 
 #include "veq/base/encodings.hpp"
 
-namespace veq::test {
+namespace veq::test::public_encodings_test {
 namespace {
 
 TEST(PublicEncodings, TellUtf8FromOtherBytes) {
@@ -13,4 +13,4 @@ TEST(PublicEncodings, TellUtf8FromOtherBytes) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::public_encodings_test

@@ -5,7 +5,7 @@
 
 #include "veq/base/internal/memory.hpp"
 
-namespace veq::internal {
+namespace veq::internal::required_memory_test {
 namespace {
 
 TEST(RequiredMemory, SmallSizesPass) {
@@ -20,4 +20,4 @@ TEST(RequiredMemory, MoreThanAMachineHasThrows) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::required_memory_test

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-namespace veq {
+namespace veq::result_test {
 namespace {
 
 Result<int> half(int number) {
@@ -46,4 +46,4 @@ TEST(Result, OfNothingOnlySucceedsOrFails) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::result_test

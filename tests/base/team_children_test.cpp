@@ -13,7 +13,7 @@
 #include "tests/support/limits.hpp"
 #include "veq/base/internal/team.hpp"
 
-namespace veq::test {
+namespace veq::test::team_children_test {
 namespace {
 
 using internal::Team;
@@ -87,4 +87,4 @@ TEST(TeamInAChild, DoesWithoutThreadsThatTheSystemDoesNotGive) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::team_children_test

@@ -19,7 +19,7 @@
 #include "veq/base/internal/processors.hpp"
 #include "veq/base/parallelism.hpp"
 
-namespace veq::test {
+namespace veq::test::team_test {
 namespace {
 
 using internal::Team;
@@ -201,4 +201,4 @@ TEST(ParallelRunner, TheLowestPieceThatThrewIsTold) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::team_test

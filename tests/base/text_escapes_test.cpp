@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace veq::internal {
+namespace veq::internal::text_escapes_test {
 namespace {
 
 std::string escaped(std::string_view text) {
@@ -46,4 +46,4 @@ TEST(TextEscapes, AQuoteMarkInTheTextItselfBecomesAQuote) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::text_escapes_test

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace veq::internal {
+namespace veq::internal::text_scanner_test {
 namespace {
 
 using namespace std::string_view_literals;
@@ -232,4 +232,4 @@ TEST(TextScanner, ReadsNoIntegerWhereThereIsNone) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::text_scanner_test

@@ -7,7 +7,7 @@
 
 #include "veq/base/internal/portable_uint128.hpp"
 
-namespace veq::internal {
+namespace veq::internal::uint128_test {
 namespace {
 
 using Wide = PortableUint128;
@@ -123,4 +123,4 @@ TEST(PortableUint128, AgreesWithTheTypeOfTheCompiler) {
 #endif
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::uint128_test

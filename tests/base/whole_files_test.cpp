@@ -16,7 +16,7 @@
 #include "tests/support/child_process.hpp"
 #include "veq/base/internal/file_calls.hpp"
 
-namespace veq::internal {
+namespace veq::internal::whole_files_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -421,4 +421,4 @@ TEST_F(Files, ManyWritersOfOneFileLeaveOneOfTheirFiles) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::whole_files_test

@@ -13,7 +13,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
-namespace veq::test {
+namespace veq::test::failing_calls_test {
 namespace {
 
 using testing::ContainsRegex;
@@ -174,4 +174,4 @@ std::string nameOf(const testing::TestParamInfo<WritePlace>& info) { return info
 INSTANTIATE_TEST_SUITE_P(Places, FailingCalls, testing::ValuesIn(kPlaces), nameOf);
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::failing_calls_test

@@ -17,7 +17,7 @@
 #include "veq/base/internal/whole_files.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::full_disk_test {
 namespace {
 
 using Names = std::vector<std::string>;
@@ -139,4 +139,4 @@ TEST(SmallDisk, HasNoRoomForALargeSpool) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::full_disk_test

@@ -13,7 +13,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
-namespace veq::test {
+namespace veq::test::kept_permissions_test {
 namespace {
 
 struct User {
@@ -143,4 +143,4 @@ TEST_F(KeptPermissions, AFolderThatMayOnlyBeWrittenTakesFiles) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::kept_permissions_test

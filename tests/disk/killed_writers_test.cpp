@@ -16,7 +16,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
-namespace veq::test {
+namespace veq::test::killed_writers_test {
 namespace {
 
 using testing::ElementsAre;
@@ -148,4 +148,4 @@ std::string nameOf(const testing::TestParamInfo<bool>& info) {
 INSTANTIATE_TEST_SUITE_P(Files, KilledWriter, testing::Bool(), nameOf);
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::killed_writers_test

@@ -15,7 +15,7 @@
 #include "tests/support/writers.hpp"
 #include "veq/base/internal/whole_files.hpp"
 
-namespace veq::test {
+namespace veq::test::refused_writes_test {
 namespace {
 
 using Names = std::vector<std::string>;
@@ -160,4 +160,4 @@ TEST(VanishingFolder, ThatIsRemovedLeavesNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::refused_writes_test

@@ -16,7 +16,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/base/files.hpp"
 
-namespace veq::test {
+namespace veq::test::temporary_files_test {
 namespace {
 
 namespace fs = std::filesystem;
@@ -191,4 +191,4 @@ std::string nameOf(const testing::TestParamInfo<bool>& info) {
 INSTANTIATE_TEST_SUITE_P(Files, TemporaryFile, testing::Bool(), nameOf);
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::temporary_files_test

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-namespace veq::test {
+namespace veq::test::checksum_test {
 namespace {
 
 TEST(Checksum, IsThatOfGzip) {
@@ -24,4 +24,4 @@ TEST(Checksum, TakesNumbersInEightBytes) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::checksum_test

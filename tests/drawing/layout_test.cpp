@@ -18,7 +18,7 @@
 #include "veq/drawing/internal/repulsion.hpp"
 #include "veq/models.hpp"
 
-namespace veq::test {
+namespace veq::test::layout_test {
 namespace {
 
 using internal::Point;
@@ -427,4 +427,4 @@ TEST(LayoutGraph, CoarserOnesHaveAboutHalfTheVertices) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::layout_test

@@ -19,7 +19,7 @@
 #include "veq/numeric/number_array.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::page_block_test {
 namespace {
 
 Network named(Network network, const std::string& key, std::vector<PropertyValue> values) {
@@ -264,4 +264,4 @@ TEST(PageBlock, TellsOfTheWalk) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::page_block_test

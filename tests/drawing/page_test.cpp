@@ -14,7 +14,7 @@
 #include "veq/numeric/vector_arrays.hpp"
 #include "veq/walkers.hpp"
 
-namespace veq::test {
+namespace veq::test::page_test {
 namespace {
 
 Network path() { return Network::build({{0, 1}, {1, 2}, {2, 3}}).value(); }
@@ -246,4 +246,4 @@ TEST(Page, IsWrittenWholeOrNotAtAll) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::page_test

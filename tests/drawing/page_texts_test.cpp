@@ -6,7 +6,7 @@
 
 #include "veq/base/encodings.hpp"
 
-namespace veq::test {
+namespace veq::test::page_texts_test {
 namespace {
 
 using internal::appendJsonText;
@@ -71,4 +71,4 @@ TEST(PageTexts, Base64IsThatOfTheStandard) {  // RFC 4648, section 10
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::page_texts_test

@@ -10,7 +10,7 @@
 #include "veq/drawing/internal/colors.hpp"
 #include "veq/numeric/generic_array.hpp"
 
-namespace veq::test {
+namespace veq::test::picture_test {
 namespace {
 
 Network withColumn(Network network, const std::string& key, std::vector<PropertyValue> values) {
@@ -117,4 +117,4 @@ TEST(Picture, IsWrittenToAFile) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::picture_test

@@ -10,7 +10,7 @@
 #include "tests/support/archives.hpp"
 #include "veq/formats/archive_file.hpp"
 
-namespace veq {
+namespace veq::archive_file_test {
 namespace {
 
 using namespace test;
@@ -69,4 +69,4 @@ TEST_F(ArchiveFile, IsNotTouchedWhereAPropertyIsRefused) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::archive_file_test

@@ -11,7 +11,7 @@
 #include "tests/support/archives.hpp"
 #include "tests/support/rounds.hpp"
 
-namespace veq {
+namespace veq::archive_robustness_test {
 namespace {
 
 using namespace test;
@@ -146,4 +146,4 @@ TEST(Archive, RandomNetworksComeBackWithTheKnownLosses) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::archive_robustness_test

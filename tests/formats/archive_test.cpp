@@ -10,7 +10,7 @@
 
 #include "tests/support/archives.hpp"
 
-namespace veq {
+namespace veq::archive_test {
 namespace {
 
 using namespace test;
@@ -344,4 +344,4 @@ TEST(Archive, MalformedPropertiesGiveNoNetwork) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::archive_test

@@ -6,7 +6,7 @@
 
 #include "tests/support/hex.hpp"
 
-namespace veq::test {
+namespace veq::test::cbor_reader_test {
 namespace {
 
 using internal::CborReader;
@@ -31,4 +31,4 @@ TEST(CborReader, AMapOfHalfOfAllCountsIsRefused) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::cbor_reader_test

@@ -10,7 +10,7 @@
 #include "veq/formats/archive_file.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::concurrent_files_test {
 namespace {
 
 // Two networks are written over each other, one of them by two threads; whoever reads meanwhile
@@ -44,4 +44,4 @@ TEST(ConcurrentFiles, AlwaysHoldOneWholeNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::concurrent_files_test

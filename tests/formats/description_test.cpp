@@ -7,7 +7,7 @@
 
 #include "veq/network/network.hpp"
 
-namespace veq {
+namespace veq::description_test {
 namespace {
 
 Owned<VEQNetwork> pairOf(bool directed) {
@@ -167,4 +167,4 @@ TEST(MatrixDump, OfVerticesWithoutEdgesIsZero) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::description_test

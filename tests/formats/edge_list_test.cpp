@@ -5,7 +5,7 @@
 
 #include "tests/formats/format_support.hpp"
 
-namespace veq::test {
+namespace veq::test::edge_list_test {
 namespace {
 
 Owned<VEQNetwork> read(std::string_view text, bool directed = false) {
@@ -153,4 +153,4 @@ TEST(EdgeList, DamagedTextsEnd) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::edge_list_test

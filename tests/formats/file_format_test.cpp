@@ -9,7 +9,7 @@
 #include "tests/formats/reading_support.hpp"
 #include "veq/formats/writing.hpp"
 
-namespace veq::test {
+namespace veq::test::file_format_test {
 namespace {
 
 constexpr auto kNone = static_cast<FileFormat>(99);
@@ -59,4 +59,4 @@ TEST(FileFormats, ANumberThatIsNoFormatIsRefused) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::file_format_test

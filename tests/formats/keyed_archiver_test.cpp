@@ -14,7 +14,7 @@
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq {
+namespace veq::keyed_archiver_test {
 namespace {
 
 using test::fromHex;
@@ -231,4 +231,4 @@ TEST(KeyedArchiver, DoesNotDecode) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::keyed_archiver_test

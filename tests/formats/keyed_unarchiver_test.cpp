@@ -15,7 +15,7 @@
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq {
+namespace veq::keyed_unarchiver_test {
 namespace {
 
 using test::fromHex;
@@ -294,4 +294,4 @@ TEST(KeyedUnarchiver, ATableWithAKeyTwiceGivesNothing) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::keyed_unarchiver_test

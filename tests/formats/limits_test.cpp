@@ -14,7 +14,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::limits_test {
 namespace {
 
 using N = VEQNetwork;
@@ -174,4 +174,4 @@ TEST(FormatLimits, UnusualPositionsAreReadWithoutHarm) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::limits_test

@@ -13,7 +13,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::locale_test {
 namespace {
 
 using N = VEQNetwork;
@@ -73,4 +73,4 @@ TEST(Locale, WithADecimalCommaChangesNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::locale_test

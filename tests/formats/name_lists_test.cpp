@@ -5,7 +5,7 @@
 
 #include "tests/formats/format_support.hpp"
 
-namespace veq::test {
+namespace veq::test::name_lists_test {
 namespace {
 
 using Maybe = std::optional<std::string_view>;
@@ -207,4 +207,4 @@ TEST(NameLists, ManyNamesAreFound) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::name_lists_test

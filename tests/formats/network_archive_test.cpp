@@ -16,7 +16,7 @@
 #include "veq/formats/archive_file.hpp"
 #include "veq/formats/writing.hpp"
 
-namespace veq {
+namespace veq::network_archive_test {
 namespace {
 
 using namespace test;
@@ -336,4 +336,4 @@ TEST(PublishedArchive, CannotAskForManyVerticesEither) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::network_archive_test

@@ -13,7 +13,7 @@
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::network_text_test {
 namespace {
 
 using internal::CoreAccess;
@@ -108,4 +108,4 @@ TEST(NetworkText, AFullDeviceRefusesIt) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::network_text_test

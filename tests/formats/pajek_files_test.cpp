@@ -5,7 +5,7 @@
 #include "tests/formats/format_support.hpp"
 #include "veq/base/internal/encodings.hpp"
 
-namespace veq::test {
+namespace veq::test::pajek_files_test {
 namespace {
 
 std::string dataPath(std::string_view name) {
@@ -156,4 +156,4 @@ TEST(PajekFiles, DamagedFilesEndInANetworkOrNone) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::pajek_files_test

@@ -5,7 +5,7 @@
 #include "tests/formats/format_support.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::pajek_reader_test {
 namespace {
 
 Owned<VEQNetwork> read(std::string_view text) {
@@ -313,4 +313,4 @@ TEST(PajekReader, DamagedTextsEndInANetworkOrNone) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::pajek_reader_test

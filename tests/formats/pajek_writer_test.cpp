@@ -7,7 +7,7 @@
 #include "tests/formats/format_support.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::pajek_writer_test {
 namespace {
 
 Shared<PropertyColumn> vectors(std::string_view text) {
@@ -197,4 +197,4 @@ TEST(PajekRoundTrip, RandomNetworksSurvive) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::pajek_writer_test

@@ -5,7 +5,7 @@
 
 #include "tests/formats/reading_support.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_gml_test {
 namespace {
 
 Reading read(std::string text) { return readNetworkText(std::move(text)); }
@@ -191,4 +191,4 @@ TEST(ReadingGml, SurvivesDamagedTexts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_gml_test

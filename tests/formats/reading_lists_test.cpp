@@ -5,7 +5,7 @@
 
 #include "tests/formats/reading_support.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_lists_test {
 namespace {
 
 Reading read(std::string text, const ReadOptions& options = {}) {
@@ -419,4 +419,4 @@ TEST(ReadingLists, SurvivesDamagedTexts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_lists_test

@@ -5,7 +5,7 @@
 
 #include "tests/formats/reading_support.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_matrix_market_test {
 namespace {
 
 Reading read(const std::string& banner, const std::string& rest) {
@@ -112,4 +112,4 @@ TEST(ReadingMatrixMarket, SurvivesDamagedTexts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_matrix_market_test

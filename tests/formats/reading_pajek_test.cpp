@@ -5,7 +5,7 @@
 
 #include "tests/formats/reading_support.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_pajek_test {
 namespace {
 
 Reading read(std::string text, const ReadOptions& options = {}) {
@@ -290,4 +290,4 @@ TEST(ReadingPajek, SurvivesDamagedTexts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_pajek_test

@@ -11,7 +11,7 @@
 #include "veq/base/internal/byte_stream.hpp"
 #include "veq/formats/internal/guarded_reading.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_pieces_test {
 namespace {
 
 using internal::ByteStream;
@@ -124,4 +124,4 @@ TEST(ReadingByPieces, IsNeverFarAheadOfTheReader) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_pieces_test

@@ -24,7 +24,7 @@
 #include "veq/formats/walk_reading.hpp"
 #include "veq/formats/writing.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_walk_networks_test {
 namespace {
 
 /// "directed: 0>1,1 1> 2>0" of the lists in order, or the error with its kind and line.
@@ -304,4 +304,4 @@ TEST(SpoolFile, GivesWhatWasWrittenFromAnyPlace) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_walk_networks_test

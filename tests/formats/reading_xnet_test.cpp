@@ -5,7 +5,7 @@
 
 #include "tests/formats/reading_support.hpp"
 
-namespace veq::test {
+namespace veq::test::reading_xnet_test {
 namespace {
 
 std::string xnetSummary(std::string text, const ReadOptions& options = {}) {
@@ -73,4 +73,4 @@ TEST(ReadingXnet, CountsLinesThatEndWithCarriageReturns) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::reading_xnet_test

@@ -20,7 +20,7 @@
 #include "veq/formats/internal/lines_ahead.hpp"
 #include "veq/formats/internal/text_input.hpp"
 
-namespace veq {
+namespace veq::shared_reading_test {
 namespace {
 
 using internal::TextPieces;
@@ -267,4 +267,4 @@ TEST(SharedReading, LoneReturnsAreFoundInPiecesOfAnySize) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::shared_reading_test

@@ -18,7 +18,7 @@
 #include "veq/formats/writing.hpp"
 #include "veq/network/internal/network_core.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_writing_test {
 namespace {
 
 using internal::NetworkText;
@@ -130,4 +130,4 @@ TEST(SharedWriting, ASinkThatTakesNoMoreOrThrowsEndsIt) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_writing_test

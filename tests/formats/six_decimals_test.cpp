@@ -9,7 +9,7 @@
 #include "tests/support/rounds.hpp"
 #include "veq/base/internal/number_text.hpp"
 
-namespace veq::internal {
+namespace veq::internal::six_decimals_test {
 namespace {
 
 double throughText(double value) {
@@ -70,4 +70,4 @@ TEST(SixDecimals, FloatsAgreeWithTheirTexts) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::six_decimals_test

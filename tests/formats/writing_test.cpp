@@ -19,7 +19,7 @@
 #include "veq/base/files.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::writing_test {
 namespace {
 
 Network networkOf(Owned<VEQNetwork> network) {
@@ -266,4 +266,4 @@ TEST(Writing, GmlWeightsOfVerticesComeBack) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::writing_test

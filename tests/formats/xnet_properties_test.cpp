@@ -4,7 +4,7 @@
 #include "tests/support/log_capture.hpp"
 #include "veq/formats/reading.hpp"
 
-namespace veq::test {
+namespace veq::test::xnet_properties_test {
 namespace {
 
 Owned<VEQNetwork> read(std::string_view text) {
@@ -105,4 +105,4 @@ TEST(XnetProperties, AnEmptyValueOfAnEdgeCountsTwice) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::xnet_properties_test

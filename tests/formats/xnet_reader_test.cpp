@@ -5,7 +5,7 @@
 #include "tests/formats/format_support.hpp"
 #include "tests/support/log_capture.hpp"
 
-namespace veq::test {
+namespace veq::test::xnet_reader_test {
 namespace {
 
 using testing::FloatEq;
@@ -343,4 +343,4 @@ TEST(XnetReader, DamagedTextsEndInANetworkOrNone) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::xnet_reader_test

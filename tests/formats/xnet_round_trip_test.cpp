@@ -9,7 +9,7 @@
 #include "tests/support/log_capture.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::xnet_round_trip_test {
 namespace {
 
 Owned<VEQNetwork> throughText(const VEQNetwork& network) {
@@ -170,4 +170,4 @@ TEST(XnetRoundTrip, RandomNetworksSurvive) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::xnet_round_trip_test

@@ -7,7 +7,7 @@
 #include "tests/formats/format_support.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::xnet_writer_test {
 namespace {
 
 using internal::CoreAccess;
@@ -214,4 +214,4 @@ TEST(XnetWriter, WhatCannotBeReadIsNoNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::xnet_writer_test

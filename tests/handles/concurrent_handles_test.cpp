@@ -8,7 +8,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::concurrent_handles_test {
 namespace {
 
 // All threads ask for the same handles at the same time; each must get the one object.
@@ -58,4 +58,4 @@ TEST(ConcurrentHandles, QuestionsMayBeAskedAtOnce) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::concurrent_handles_test

@@ -12,7 +12,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::edge_test {
 namespace {
 
 using testing::ElementsAre;
@@ -171,4 +171,4 @@ TEST(Edge, EveryOperationOfAnInvalidHandleRaisesItsOwnText) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::edge_test

@@ -10,7 +10,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::handle_array_test {
 namespace {
 
 using testing::ElementsAre;
@@ -88,4 +88,4 @@ TEST(HandleArray, ReadsStridedEntriesAndAMarkAsZero) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::handle_array_test

@@ -11,7 +11,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::identity_test {
 namespace {
 
 constexpr const char* kVertexText = "The Related Network of this vertex is not valid.";
@@ -247,4 +247,4 @@ TEST(AddressReuse, AStaleHandleDoesNotPassForOneOfTheNewNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::identity_test

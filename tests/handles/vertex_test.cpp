@@ -13,7 +13,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::vertex_test {
 namespace {
 
 using testing::ElementsAre;
@@ -216,4 +216,4 @@ TEST(Vertex, EveryOperationOfAnInvalidHandleRaises) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::vertex_test

@@ -8,7 +8,7 @@
 #include "tests/support/network_dump.hpp"
 #include "tests/support/rounds.hpp"
 
-namespace veq {
+namespace veq::connected_components_test {
 namespace {
 
 using Indices = std::vector<std::uint64_t>;
@@ -282,4 +282,4 @@ TEST(ConnectedComponents, EqualThoseFoundByMergingSetsOnRandomNetworks) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::connected_components_test

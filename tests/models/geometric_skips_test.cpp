@@ -9,7 +9,7 @@
 #include "tests/support/chi_square.hpp"
 #include "veq/models/random_state.hpp"
 
-namespace veq::internal {
+namespace veq::internal::geometric_skips_test {
 namespace {
 
 constexpr std::uint64_t kMany = std::uint64_t{1} << 62;
@@ -128,4 +128,4 @@ TEST(GeometricSkips, TheTestNoticesAProbabilityOffByOnePercent) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::geometric_skips_test

@@ -17,7 +17,7 @@
 #include "veq/models/model_networks.hpp"
 #include "veq/network/internal/network_core.hpp"
 
-namespace veq {
+namespace veq::model_laws_test {
 namespace {
 
 using Counts = std::vector<std::uint64_t>;
@@ -308,4 +308,4 @@ TEST_F(ModelLaws, Blocks) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::model_laws_test

@@ -13,7 +13,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq {
+namespace veq::model_networks_test {
 namespace {
 
 using Edges = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
@@ -531,4 +531,4 @@ TEST(EdgeSet, CountsEdgesLikeASlowOne) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::model_networks_test

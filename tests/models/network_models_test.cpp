@@ -13,7 +13,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq {
+namespace veq::network_models_test {
 namespace {
 
 using test::EdgeList;
@@ -335,4 +335,4 @@ TEST(Merging, FailsAtOnce) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::network_models_test

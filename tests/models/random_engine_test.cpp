@@ -11,7 +11,7 @@
 #include "veq/base/internal/wide_vectors.hpp"
 #include "veq/models/internal/random_blocks.hpp"
 
-namespace veq::internal {
+namespace veq::internal::random_engine_test {
 namespace {
 
 constexpr std::uint32_t kSeeds[] = {0,          1,          2,           42,         123456789,
@@ -242,4 +242,4 @@ TEST(RandomBlocks, BothFormsGiveThePlainSequence) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::random_engine_test

@@ -13,7 +13,7 @@
 #include "veq/models/internal/random_engine.hpp"
 #include "veq/models/internal/random_range.hpp"
 
-namespace veq {
+namespace veq::random_generator_test {
 namespace {
 
 using internal::integerInRange;
@@ -289,4 +289,4 @@ TEST(RandomGenerator, EveryDrawAppearsOnceWhenThreadsRace) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::random_generator_test

@@ -9,7 +9,7 @@
 
 #include "gtest/gtest.h"
 
-namespace veq::internal {
+namespace veq::internal::random_hits_test {
 namespace {
 
 std::vector<std::uint64_t> slowHits(RandomStream& stream, std::uint64_t total,
@@ -128,4 +128,4 @@ TEST(HitsBelow, LeavesTheStreamWhereItWasWhenTheSinkThrows) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::random_hits_test

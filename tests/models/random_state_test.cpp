@@ -10,7 +10,7 @@
 #include "veq/models/internal/random_source.hpp"
 #include "veq/models/random_generator.hpp"
 
-namespace veq {
+namespace veq::random_state_test {
 namespace {
 
 constexpr std::uint64_t kSpacing = RandomState::kSubstreamSpacing;
@@ -231,4 +231,4 @@ TEST(RandomSource, TakesFromAStateOrFromTheProcess) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::random_state_test

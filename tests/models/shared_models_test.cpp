@@ -9,7 +9,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_models_test {
 namespace {
 
 // The ends of its edges, and the draw that comes next.
@@ -50,4 +50,4 @@ TEST(SharedModels, ARandomNetworkIsThatOfOneThread) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_models_test

@@ -7,7 +7,7 @@
 #include "gtest/gtest.h"
 #include "veq/models/internal/random_engine.hpp"
 
-namespace veq::internal {
+namespace veq::internal::shared_random_sequence_test {
 namespace {
 
 // The first `count` draws after a seed, sorted.
@@ -105,4 +105,4 @@ TEST(SharedRandomSequence, SeedsItselfFromTheSystem) {
 }
 
 }  // namespace
-}  // namespace veq::internal
+}  // namespace veq::internal::shared_random_sequence_test

@@ -12,7 +12,7 @@
 #include "tests/support/network_comparison.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::build_test {
 namespace {
 
 using testing::ElementsAre;
@@ -295,4 +295,4 @@ TEST(NetworkBuilderTest, IsAsItWasWhereAVertexIsOneTooMany) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::build_test

@@ -11,7 +11,7 @@
 #include "tests/support/observers.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::building_stops_test {
 namespace {
 
 using internal::Pace;
@@ -126,4 +126,4 @@ TEST(BuildingStops, ObserversAreLeftAloneForAWhile) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::building_stops_test

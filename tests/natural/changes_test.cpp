@@ -10,7 +10,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::changes_test {
 namespace {
 
 using testing::ElementsAre;
@@ -370,4 +370,4 @@ TEST(UnitedTest, SaysWhatCannotBeUnited) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::changes_test

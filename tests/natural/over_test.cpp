@@ -12,7 +12,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "veq/natural/network.hpp"
 
-namespace veq::test {
+namespace veq::test::over_test {
 namespace {
 
 using testing::ElementsAre;
@@ -326,4 +326,4 @@ TEST(NetworkOver, EndsByAStop) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::over_test

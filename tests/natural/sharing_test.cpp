@@ -23,7 +23,7 @@
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::sharing_test {
 namespace {
 
 using testing::ElementsAre;
@@ -323,4 +323,4 @@ TEST(NetworkImage, CanLieInAMappedFile) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::sharing_test

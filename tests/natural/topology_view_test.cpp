@@ -16,7 +16,7 @@
 #include "veq/natural/network.hpp"
 #include "veq/network/internal/network_core.hpp"
 
-namespace veq::test {
+namespace veq::test::topology_view_test {
 namespace {
 
 using testing::ElementsAre;
@@ -286,4 +286,4 @@ TEST(TopologyView, IsTakenReadAndLetGoOfWhileAnotherThreadInserts) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::topology_view_test

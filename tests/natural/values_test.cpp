@@ -10,7 +10,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::values_test {
 namespace {
 
 using testing::ElementsAre;
@@ -180,4 +180,4 @@ TEST(ValuesTest, ColumnsAreAsLongAsTheNetwork) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::values_test

@@ -17,7 +17,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_network_test {
 namespace {
 
 using Lists = std::vector<std::vector<std::uint64_t>>;
@@ -254,4 +254,4 @@ TEST(WalkNetwork, HasTheListsOfWholeNetworks) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_network_test

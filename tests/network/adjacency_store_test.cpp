@@ -9,7 +9,7 @@
 
 #include "tests/support/network_drawing.hpp"
 
-namespace veq::test {
+namespace veq::test::adjacency_store_test {
 namespace {
 
 using internal::AdjacencyStore;
@@ -254,4 +254,4 @@ TEST(AdjacencyStore, InListsAloneOutgrowTheNarrowWidth) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::adjacency_store_test

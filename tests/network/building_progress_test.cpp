@@ -8,7 +8,7 @@
 #include "tests/support/observers.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
 
-namespace veq::test {
+namespace veq::test::building_progress_test {
 namespace {
 
 using internal::AdjacencyStore;
@@ -90,4 +90,4 @@ TEST(BuildingProgress, OfASmallInsertionIsNone) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::building_progress_test

@@ -15,7 +15,7 @@
 #include "veq/models/random_generator.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::concurrent_questions_test {
 namespace {
 
 constexpr int kThreads = 4;
@@ -145,4 +145,4 @@ TEST(ConcurrentQuestions, TheSinkOfTheLogMayBeReplacedMeanwhile) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::concurrent_questions_test

@@ -9,7 +9,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::construction_test {
 namespace {
 
 using testing::ElementsAre;
@@ -268,4 +268,4 @@ TEST(NetworkConstruction, TheMutableNetworkIsAnEmptyClassOfItsOwn) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::construction_test

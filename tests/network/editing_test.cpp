@@ -9,7 +9,7 @@
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::editing_test {
 namespace {
 
 using testing::Each;
@@ -273,4 +273,4 @@ TEST(ReLinking, ChecksItsVerticesAndDoesNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::editing_test

@@ -7,7 +7,7 @@
 #include "tests/support/network_dump.hpp"
 #include "tests/support/rounds.hpp"
 
-namespace veq {
+namespace veq::handle_construction_random_test {
 namespace {
 
 using test::LiteralHandleConstruction;
@@ -164,4 +164,4 @@ TEST(HandleConstructionAgainstLiteralForm, FromLinksBetweenVerticesOfSeveralNetw
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::handle_construction_random_test

@@ -4,7 +4,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "tests/support/network_dump.hpp"
 
-namespace veq {
+namespace veq::handle_construction_test {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -426,4 +426,4 @@ TEST(NetworkCopies, ACopyIsEditableWhenItsSourceIsBlocked) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::handle_construction_test

@@ -10,7 +10,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::matrix_test {
 namespace {
 
 using testing::Each;
@@ -77,4 +77,4 @@ TEST(AdjacencyMatrix, OfNoVerticesIsABufferThatCanBeFreed) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::matrix_test

@@ -16,7 +16,7 @@
 #include "veq/network/internal/network_core.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::numbers_test {
 namespace {
 
 constexpr std::uint64_t kTwoTo53 = std::uint64_t{1} << 53;
@@ -330,4 +330,4 @@ TEST(Limits, UnusualWeightsAreKeptBitForBit) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::numbers_test

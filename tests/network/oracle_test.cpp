@@ -9,7 +9,7 @@
 #include "tests/support/slow_network.hpp"
 #include "veq/network/internal/network_core.hpp"
 
-namespace veq::test {
+namespace veq::test::oracle_test {
 namespace {
 
 using internal::AdjacencyStore;
@@ -272,4 +272,4 @@ TEST_P(OracleTest, RandomEditingLeavesWhatTheSlowOneHas) {
 INSTANTIATE_TEST_SUITE_P(AllFlags, OracleTest, testing::Range(0, 8));
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::oracle_test

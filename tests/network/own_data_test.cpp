@@ -10,7 +10,7 @@
 #include "tests/support/network_drawing.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::own_data_test {
 namespace {
 
 using testing::ElementsAre;
@@ -133,4 +133,4 @@ TEST(OwnData, AValueMayComeFromItsOwnColumnAndNameTheKey) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::own_data_test

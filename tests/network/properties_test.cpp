@@ -9,7 +9,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::properties_test {
 namespace {
 
 using Kind = PropertyColumn::Kind;
@@ -309,4 +309,4 @@ TEST(VertexNames, ThatAreNumbersAreNoText) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::properties_test

@@ -9,7 +9,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::queries_test {
 namespace {
 
 using testing::ElementsAre;
@@ -259,4 +259,4 @@ TEST_F(Strengths, AreAddedInDoubleAndInListOrder) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::queries_test

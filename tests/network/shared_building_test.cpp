@@ -10,7 +10,7 @@
 #include "tests/support/shared_work.hpp"
 #include "veq/network/internal/adjacency_store.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_building_test {
 namespace {
 
 using internal::AdjacencyStore;
@@ -144,4 +144,4 @@ TEST(SharedBuilding, StopsWhereItIsAsked) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_building_test

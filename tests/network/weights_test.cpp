@@ -9,7 +9,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq::test {
+namespace veq::test::weights_test {
 namespace {
 
 using testing::Each;
@@ -114,4 +114,4 @@ TEST(Weights, HoldEveryFloat) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::weights_test

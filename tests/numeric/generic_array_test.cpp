@@ -11,7 +11,7 @@
 
 #include "veq/numeric/number_array.hpp"
 
-namespace veq {
+namespace veq::generic_array_test {
 namespace {
 
 using testing::Each;
@@ -84,4 +84,4 @@ TEST(GenericArray, SubarraysKeepOrderAndRepetitions) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::generic_array_test

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace veq {
+namespace veq::keyed_table_test {
 namespace {
 
 using testing::ElementsAre;
@@ -183,4 +183,4 @@ TEST(KeyedTable, ForgetsKeysUntilFewAreLeftAndTakesNewOnes) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::keyed_table_test

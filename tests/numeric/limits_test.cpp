@@ -18,7 +18,7 @@
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq::test {
+namespace veq::test::limits_test {
 namespace {
 
 using A = VEQNumberArray;
@@ -142,4 +142,4 @@ TEST(NumericLimits, UnusualValuesAreWrittenAndReadAsTheyAre) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::limits_test

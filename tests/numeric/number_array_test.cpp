@@ -18,7 +18,7 @@
 
 #include "veq/numeric/generic_array.hpp"
 
-namespace veq {
+namespace veq::number_array_test {
 namespace {
 
 using testing::Each;
@@ -428,4 +428,4 @@ TEST(ForeignNumberArray, IsCopiedAndMovedAsAValue) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::number_array_test

@@ -9,7 +9,7 @@
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
 
-namespace veq {
+namespace veq::number_array_text_test {
 namespace {
 
 using testing::ElementsAre;
@@ -158,4 +158,4 @@ TEST(NumberArrayText, StringArrayHoldsOneStringAnElement) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::number_array_text_test

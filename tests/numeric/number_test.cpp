@@ -7,7 +7,7 @@
 #include <limits>
 #include <type_traits>
 
-namespace veq {
+namespace veq::number_test {
 namespace {
 
 constexpr double kTwoTo63 = 9223372036854775808.0;
@@ -98,4 +98,4 @@ TEST(NumberConversion, LargeIntegersRoundToTheNearestFloat) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::number_test

@@ -17,7 +17,7 @@
 #include "veq/numeric/number_array.hpp"
 #include "veq/numeric/vector_arrays.hpp"
 
-namespace veq {
+namespace veq::property_column_test {
 namespace {
 
 using testing::ElementsAre;
@@ -323,4 +323,4 @@ TEST(MovedNumberArray, IntoAnotherLeavesAFixedOneWhole) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::property_column_test

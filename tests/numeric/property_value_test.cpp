@@ -8,7 +8,7 @@
 #include <string_view>
 #include <type_traits>
 
-namespace veq {
+namespace veq::property_value_test {
 namespace {
 
 class Colour final : public PropertyObject {
@@ -104,4 +104,4 @@ TEST(PropertyValue, ValuesOfDifferentKindsDiffer) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::property_value_test

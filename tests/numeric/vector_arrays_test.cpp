@@ -12,7 +12,7 @@
 #include "veq/numeric/generic_array.hpp"
 #include "veq/numeric/number_array.hpp"
 
-namespace veq {
+namespace veq::vector_arrays_test {
 namespace {
 
 using testing::ElementsAre;
@@ -190,4 +190,4 @@ TEST(VectorArrayComponents, StayWhereTheyAreWithinReservedRoom) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::vector_arrays_test

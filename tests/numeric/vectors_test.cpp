@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace veq {
+namespace veq::vectors_test {
 namespace {
 
 TEST(Vectors, ADefaultVectorIsZeroAndOfDoublePrecision) {
@@ -33,4 +33,4 @@ TEST(Vectors, EqualityLooksAtTheComponentsAlone) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::vectors_test

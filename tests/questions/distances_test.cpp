@@ -12,7 +12,7 @@
 #include "veq/network.hpp"
 #include "veq/questions.hpp"
 
-namespace veq::test {
+namespace veq::test::distances_test {
 namespace {
 
 using testing::ElementsAre;
@@ -166,4 +166,4 @@ TEST(DiameterTest, LiesBetweenItsBounds) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::distances_test

@@ -15,7 +15,7 @@
 #include "veq/questions.hpp"
 #include "veq/questions/internal/strong_components.hpp"
 
-namespace veq::test {
+namespace veq::test::questions_test {
 namespace {
 
 using testing::DoubleEq;
@@ -295,4 +295,4 @@ TEST(QuestionsTest, ComponentsAreFollowedWhileTheyAreFound) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::questions_test

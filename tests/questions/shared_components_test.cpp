@@ -18,7 +18,7 @@
 #include "veq/models.hpp"
 #include "veq/questions.hpp"
 
-namespace veq::test {
+namespace veq::test::shared_components_test {
 namespace {
 
 TEST(SharedComponents, AreThoseOfOneThread) {
@@ -126,4 +126,4 @@ TEST(SharedComponents, CanBeStopped) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::shared_components_test

@@ -14,7 +14,7 @@
 #include "tests/support/thrown_text.hpp"
 #include "veq/network/network.hpp"
 
-namespace veq {
+namespace veq::walk_law_test {
 namespace {
 
 using Edges = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
@@ -495,4 +495,4 @@ TEST(CoverTime, IsBoundedForLargerNetworks) {
 }
 
 }  // namespace
-}  // namespace veq
+}  // namespace veq::walk_law_test

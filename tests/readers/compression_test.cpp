@@ -11,7 +11,7 @@
 #include "tests/support/temporary_folder.hpp"
 #include "veq/readers/reading.hpp"
 
-namespace veq::test {
+namespace veq::test::compression_test {
 namespace {
 
 std::string zipped(std::string_view text) {
@@ -135,4 +135,4 @@ TEST(ReadingCompressed, ReadsWalkOnlyNetworks) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::compression_test

@@ -12,7 +12,7 @@
 #include "veq/readers/internal/reading_stream.hpp"
 #include "veq/readers/reading.hpp"
 
-namespace veq::test {
+namespace veq::test::graphml_test {
 namespace {
 
 Reading read(std::string text) { return readers::readNetworkText(std::move(text)); }
@@ -326,4 +326,4 @@ TEST(ReadingGraphMl, BringsBackAllThatIsWritten) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::graphml_test

@@ -4,7 +4,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::check_test {
 namespace {
 
 /// A network that xnet keeps whole; Pajek and others do not.
@@ -107,4 +107,4 @@ TEST(CheckCommand, SaysWhyAFileCannotBeRead) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::check_test

@@ -6,7 +6,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::components_test {
 namespace {
 
 // Three components: 0-2-5 in a row, 1-4, and 3 alone.
@@ -153,4 +153,4 @@ TEST(ComponentsCommand, TheLargestToStandardOutputPutsTheTableAside) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::components_test

@@ -8,7 +8,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::convert_test {
 namespace {
 
 const std::string kLesMis = VEQ_DATA "/lesmis.xnet";
@@ -343,4 +343,4 @@ TEST(ConvertCommand, WritesFormatsForOtherPrograms) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::convert_test

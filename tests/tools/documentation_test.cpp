@@ -8,7 +8,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::documentation_test {
 namespace {
 
 const std::vector<std::vector<std::string>> kCommands = {{"info"},
@@ -194,4 +194,4 @@ TEST(Documentation, ZshCompletesEveryOptionAndNoOther) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::documentation_test

@@ -5,7 +5,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::edge_list_test {
 namespace {
 
 struct ProgramReading {
@@ -65,4 +65,4 @@ TEST(EdgeLists, ThatAreNoneSayWhy) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::edge_list_test

@@ -8,7 +8,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::errors_test {
 namespace {
 
 std::string errorOf(const std::vector<std::string>& arguments, int expectedCode) {
@@ -253,4 +253,4 @@ TEST(ProgramHelp, VersionIsOneLine) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::errors_test

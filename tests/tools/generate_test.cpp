@@ -9,7 +9,7 @@
 #include "tests/tools/program.hpp"
 #include "veq/veq.hpp"
 
-namespace veq::test {
+namespace veq::test::generate_test {
 namespace {
 
 std::string xnetOf(std::uint64_t vertices, const EdgeList& edges) {
@@ -242,4 +242,4 @@ TEST(GenerateCommand, OutputIsCheckedBeforehand) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::generate_test

@@ -5,7 +5,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::info_test {
 namespace {
 
 const std::string kData = VEQ_DATA;
@@ -328,4 +328,4 @@ TEST(InfoCommand, KeysCannotSteerTheTerminal) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::info_test

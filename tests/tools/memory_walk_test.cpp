@@ -5,7 +5,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::memory_walk_test {
 namespace {
 
 const std::string kKarate = VEQ_DATA "/karate.xnet";
@@ -106,4 +106,4 @@ TEST(MemoryWalk, RingsThatMemoryCannotHoldAreAFailure) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::memory_walk_test

@@ -12,7 +12,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::output_files_test {
 namespace {
 
 /// How often names have appeared in a folder and vanished from it.
@@ -104,4 +104,4 @@ TEST(Signals, EndTheProgramUnlessItWasStartedToIgnoreThem) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::output_files_test

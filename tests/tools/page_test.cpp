@@ -7,7 +7,7 @@
 #include "tests/support/page_reader.hpp"
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::page_test {
 namespace {
 
 const std::string kKarate = VEQ_DATA "/karate.xnet";
@@ -164,4 +164,4 @@ TEST(WalkCommand, ShowsNothingWithoutAPage) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::page_test

@@ -17,7 +17,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::progress_test {
 namespace {
 
 /// Variables of the environment, as "NAME=value".
@@ -208,4 +208,4 @@ TEST(ProgressLine, IsPlainTextAndOnDumbTerminalsNothing) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::progress_test

@@ -7,7 +7,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_arguments_test {
 namespace {
 
 const std::string kKarate = VEQ_DATA "/karate.xnet";
@@ -215,4 +215,4 @@ TEST(WalkArguments, MoreThanMemoryCanHoldIsAFailureThatLeavesNothingBehind) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_arguments_test

@@ -7,7 +7,7 @@
 
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_only_test {
 namespace {
 
 // Each vertex from 0 on first stands where it would be counted, so that ids and indices are one.
@@ -110,4 +110,4 @@ TEST(WalkOnlyProgram, SaysWhatItLacks) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_only_test

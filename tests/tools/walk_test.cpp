@@ -13,7 +13,7 @@
 #include "tests/support/literal_walk.hpp"
 #include "tests/tools/program.hpp"
 
-namespace veq::test {
+namespace veq::test::walk_test {
 namespace {
 
 const std::string kKarate = VEQ_DATA "/karate.xnet";
@@ -524,4 +524,4 @@ TEST(WalkCommand, TellsTheSeedThatItChoseSoThatTheWalkCanBeRepeated) {
 }
 
 }  // namespace
-}  // namespace veq::test
+}  // namespace veq::test::walk_test
