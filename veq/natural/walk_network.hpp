@@ -37,6 +37,7 @@ using EdgeSource = std::function<void(const EdgeReceiver& receiver)>;
 /// \ingroup build
 struct WalkNetworkSize {
   std::uint64_t vertices = 0;
+  /// An undirected one counts once.
   std::uint64_t edges = 0;
   /// All entries of all lists: one for each directed edge, two for each other one.
   std::uint64_t entries = 0;
@@ -101,6 +102,7 @@ class VEQ_EXPORT WalkNetwork {
   [[nodiscard]] std::uint64_t countVertices() const { return size_.vertices; }
   [[nodiscard]] std::uint64_t countEdges() const { return size_.edges; }
   [[nodiscard]] bool isDirected() const;
+  /// All that tells what it takes.
   [[nodiscard]] const WalkNetworkSize& size() const VEQ_LIFETIME_BOUND { return size_; }
   /// What Walkers on it take beside it: 8 bytes a vertex for totals, 8 for first arrivals and 1 for
   /// a target where these are asked for, and some for each agent. A copy of the totals takes as
