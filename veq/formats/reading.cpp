@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "veq/base/internal/byte_stream.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/formats/internal/archive_keys.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/gml.hpp"
@@ -211,6 +212,7 @@ Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context) {
 Reading guardedReading(
     const ReadOptions& options, std::uint64_t bytes,
     const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read) {
+  const OwnParallelism own(options.threads);
   ReadContext context(options, bytes);
   std::optional<FileFormat> format = options.format;
   Result<Network> result = untilStopped([&]() -> Result<Network> {

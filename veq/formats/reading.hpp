@@ -39,7 +39,9 @@ struct ReadOptions {
   /// A compressed file that holds more is an error. By default 64 times its size and a GiB.
   std::optional<std::uint64_t> mostBytes{};
   Progress progress{};
-  unsigned threads = 1;
+  /// How many threads share the work, 0 being as many as the process may use; without it as many as
+  /// parallelism() says. What comes of it does not depend on it.
+  std::optional<unsigned> threads{};
 };
 
 /// What kind of thing a note tells.

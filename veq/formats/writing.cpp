@@ -7,6 +7,7 @@
 
 #include "veq/base/files.hpp"
 #include "veq/base/internal/encodings.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/formats/internal/edge_list.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
 #include "veq/formats/internal/network_archive.hpp"
@@ -135,6 +136,7 @@ Outcome writeNetwork(const Network& network, const std::string& path, const Writ
     for (const FileFormat each : fileFormats()) known.append(" ").append(suffixOf(each));
     return Error(ErrorKind::kArgument, "no format goes with this name; known are" + known);
   }
+  const internal::OwnParallelism own(options.threads);
   return withSource(network, writerOf(*format), options.progress,
                     [&](const ByteSource& source) { return writeFile(path, source); });
 }

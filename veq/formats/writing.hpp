@@ -19,7 +19,9 @@ struct WriteOptions {
   /// By default that of the file's suffix.
   std::optional<FileFormat> format{};
   Progress progress{};
-  unsigned threads = 1;
+  /// How many threads share the work, 0 being as many as the process may use; without it as many as
+  /// parallelism() says. What comes of it does not depend on it.
+  std::optional<unsigned> threads{};
 };
 
 /// Writes a network to a file, atomically; "-" is standard output. What the formats keep:

@@ -26,8 +26,8 @@ struct ModelOptions {
   RandomState* random = nullptr;
   /// Draws from a state of its own, RandomState::seeded(seed).
   std::optional<std::uint64_t> seed{};
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   Progress progress{};
 };
 

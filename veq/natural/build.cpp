@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "veq/base/internal/name_table.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
@@ -201,6 +202,7 @@ std::optional<Error> lengthsError(std::span<const std::string> sources,
 
 Result<Network> Network::build(const IndexSpan& sources, const IndexSpan& targets,
                                const BuildOptions& options) {
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&] {
     Pace pace(options.progress, internal::kBuildingPasses * sources.count());
     return built(sources, targets, options, pace);
@@ -211,6 +213,7 @@ Result<Network> Network::fromNames(std::span<const std::string> sources,
                                    std::span<const std::string> targets,
                                    const BuildOptions& options) {
   if (auto error = lengthsError(sources, targets)) return *error;
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&] {
     Pace pace(options.progress, (kNamePasses + internal::kBuildingPasses) * sources.size());
     pace.reach(0);
@@ -223,6 +226,7 @@ Result<Network> Network::fromNames(std::span<const std::string> sources,
                                    std::span<const std::string> allNames,
                                    const BuildOptions& options) {
   if (auto error = lengthsError(sources, targets)) return *error;
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<Network> {
     const std::uint64_t named = sources.size() + allNames.size();
     Pace pace(options.progress, kNamePasses * named + internal::kBuildingPasses * sources.size());

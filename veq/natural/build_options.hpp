@@ -39,8 +39,9 @@ struct BuildOptions {
   bool keepExactWeights = false;
   /// Filled where given.
   BuildNotes* notes = nullptr;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// How many threads share the work, 0 being as many as the process may use; without it as many as
+  /// parallelism() says. What comes of it does not depend on it.
+  std::optional<unsigned> threads{};
   /// Of all that is done with edges and names.
   Progress progress{};
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "veq/base/progress.hpp"
 
@@ -16,8 +17,8 @@ enum class Direction { kOut, kIn, kAll };
 /// What a change that makes a new network may be given.
 /// \ingroup edit
 struct ChangeOptions {
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   /// How to follow it, and to stop it.
   Progress progress{};
 };
@@ -39,8 +40,8 @@ struct SimplifyOptions {
   /// unweighted network then weighs as many as it stands for.
   ParallelEdges parallels = ParallelEdges::kSum;
   bool dropLoops = true;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   /// How to follow it, and to stop it.
   Progress progress{};
 };
@@ -50,8 +51,8 @@ struct SimplifyOptions {
 struct EdgeSubnetworkOptions {
   /// All of them instead of the ends of the chosen edges.
   bool keepAllVertices = false;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   /// How to follow it, and to stop it.
   Progress progress{};
 };
@@ -62,8 +63,8 @@ struct NeighbourhoodOptions {
   /// How many edges away at most, and along which edges.
   std::uint64_t distance = 1;
   Direction direction = Direction::kAll;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   /// How to follow it, and to stop it.
   Progress progress{};
 };
@@ -81,8 +82,8 @@ enum class UnionBy {
 struct UnionOptions {
   /// Which vertices become one.
   UnionBy by = UnionBy::kNothing;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   /// How to follow it, and to stop it.
   Progress progress{};
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
@@ -36,6 +37,7 @@ std::optional<Weights> firstWeights(const NetworkCore& core,
 template <class ChangeEnds>
 Result<Network> withEnds(const Network& network, const ChangeOptions& options, bool directed,
                          ChangeEnds changeEnds) {
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<Network> {
     Pace pace(options.progress, internal::kBuildingPasses * network.countEdges());
     pace.reach(0);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
 
@@ -98,6 +99,7 @@ internal::OwnEnds endsAt(const AdjacencyStore& store, const std::vector<std::uin
 }  // namespace
 
 Result<DerivedNetwork> Network::simplified(const SimplifyOptions& options) const {
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
     Pace pace(options.progress, internal::kBuildingPasses * countEdges());
     pace.reach(0);

@@ -4,6 +4,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/network.hpp"
@@ -122,6 +123,7 @@ DerivedNetwork ofEdges(const NetworkCore& core, std::vector<std::uint64_t> edges
 
 Result<DerivedNetwork> Network::subnetwork(const IndexSpan& vertices,
                                            const ChangeOptions& options) const {
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
     Pace pace(options.progress, internal::kBuildingPasses * countEdges());
     pace.reach(0);
@@ -133,6 +135,7 @@ Result<DerivedNetwork> Network::subnetwork(const IndexSpan& vertices,
 
 Result<DerivedNetwork> Network::subnetworkOfEdges(const IndexSpan& edges,
                                                   const EdgeSubnetworkOptions& options) const {
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
     Pace pace(options.progress, internal::kBuildingPasses * edges.count());
     pace.reach(0);
@@ -146,6 +149,7 @@ Result<DerivedNetwork> Network::subnetworkOfEdges(const IndexSpan& edges,
 Result<DerivedNetwork> Network::neighbourhood(std::uint64_t vertex,
                                               const NeighbourhoodOptions& options) const {
   internal::requireVertex(vertex, countVertices());
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
     Pace pace(options.progress, internal::kBuildingPasses * countVertices());
     const NetworkCore& core = CoreAccess::of(*published_);

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "veq/base/internal/name_table.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/complaints.hpp"
 #include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
@@ -238,6 +239,7 @@ UnitedNetwork unitedNetwork(std::span<const Network> networks, const UnionOption
 Result<UnitedNetwork> Network::united(std::span<const Network> networks,
                                       const UnionOptions& options) {
   if (auto error = directionError(networks)) return *error;
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped(
       [&]() -> Result<UnitedNetwork> { return unitedNetwork(networks, options); });
 }

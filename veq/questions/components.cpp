@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/network/internal/components.hpp"
@@ -73,6 +74,7 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
                                                       const ChangeOptions& options) {
   const NetworkCore& core = coreOf(network);
   const bool strong = connection == Connection::kStrong;
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<std::vector<DerivedNetwork>> {
     Pace pace(options.progress, core.store.vertexCount() + core.store.edgeCount());
     pace.reach(0);
@@ -95,6 +97,7 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
 Result<DerivedNetwork> largestComponent(const Network& network, Connection connection,
                                         const ChangeOptions& options) {
   const NetworkCore& core = coreOf(network);
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DerivedNetwork> {
     Pace pace(options.progress, core.store.vertexCount() + core.store.edgeCount());
     pace.reach(0);

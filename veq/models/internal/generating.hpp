@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/models/internal/draw_blocks.hpp"
 #include "veq/models/model_networks.hpp"
@@ -66,6 +67,7 @@ template <class Make>
     if (!seeded) return seeded.error();
     state = seeded.value();
   }
+  const OwnParallelism own(options.threads);
   try {
     Network network(CoreAccess::buildShared(make(state ? &*state : nullptr)));
     if (options.random) *options.random = *state;
