@@ -3,10 +3,16 @@
 #include "veq/questions/distances.hpp"
 
 #include <algorithm>
+#include <cstdint>
+#include <deque>
 #include <limits>
 #include <utility>
+#include <vector>
 
+#include "veq/base/internal/own_parallelism.hpp"
+#include "veq/base/internal/team.hpp"
 #include "veq/base/internal/uint128.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/natural/internal/sides.hpp"
@@ -22,6 +28,7 @@ using internal::BreadthFirst;
 using internal::coreOf;
 using internal::NetworkCore;
 using internal::Pace;
+using internal::Team;
 using internal::Topology;
 
 namespace {
@@ -70,28 +77,68 @@ double meanOf(const std::vector<std::uint64_t>& pairs) {
   return count == 0 ? std::numeric_limits<double>::quiet_NaN() : sum / count;
 }
 
+// Searches from some of the sources, one after the other, and what they found together.
+template <class Index>
+class SomeSources {
+ public:
+  SomeSources(const AdjacencyStore& store, const Topology<Index>& topology, Direction direction)
+      : vertices_(store.vertexCount()), search_(store, topology, direction) {}
+
+  void searchFrom(std::uint64_t source) {
+    search_.search(source, [this](std::uint64_t distance, auto reached) {
+      if (distance == pairs_.size()) pairs_.push_back(0);
+      pairs_[distance] += reached.size();
+    });
+    unreachable_ += vertices_ - search_.reached().size();
+  }
+  void addTo(DistanceHistogram& all) const {
+    all.pairs.resize(std::max(all.pairs.size(), pairs_.size()));
+    for (std::size_t d = 0; d < pairs_.size(); ++d) all.pairs[d] += pairs_[d];
+    all.unreachablePairs += unreachable_;
+  }
+
+ private:
+  std::uint64_t vertices_;
+  BreadthFirst<Index> search_;
+  std::vector<std::uint64_t> pairs_;
+  std::uint64_t unreachable_ = 0;
+};
+
 template <class Index>
 DistanceHistogram histogramOf(const AdjacencyStore& store, const Topology<Index>& topology,
                               const DistanceOptions& options) {
   const std::uint64_t n = store.vertexCount();
-  const std::uint64_t affordable =
-      n == 0 ? 0 : options.mostVisits / visitsOfOne(store, options.direction);
+  const std::uint64_t visits = visitsOfOne(store, options.direction);
   DistanceHistogram result;
-  result.sources = std::min(n, std::max<std::uint64_t>(1, affordable));
+  result.sources =
+      n == 0 ? 0 : std::min(n, std::max<std::uint64_t>(1, options.mostVisits / visits));
   result.sampled = result.sources < n;
   Pace pace(options.progress, result.sources);
   VertexSample sample(result.sources, n, options.seed);
-  BreadthFirst<Index> search(store, topology, options.direction);
+  Team team(parallelism());
+  std::deque<SomeSources<Index>> ofThread;
+  while (ofThread.size() < std::min<std::uint64_t>(team.threads(), result.sources)) {
+    ofThread.emplace_back(store, topology, options.direction);
+  }
+  // Enough for all threads, between one look of the pace and the next.
+  const std::uint64_t atOnce =
+      ofThread.size() < 2 ? 1 : ofThread.size() * (1 + Team::worthSharing / visits);
+  std::vector<std::uint64_t> next;
   std::uint64_t done = 0;
   for (std::uint64_t v = 0; v < n; ++v) {
     if (!sample.takesNext()) continue;
-    pace.reach(done++);
-    search.search(v, [&result](std::uint64_t distance, auto vertices) {
-      if (distance == result.pairs.size()) result.pairs.push_back(0);
-      result.pairs[distance] += vertices.size();
+    next.push_back(v);
+    if (next.size() < std::min(atOnce, result.sources - done)) continue;
+    pace.reach(done);
+    team.forEachPiece(ofThread.size(), next.size() * visits, [&](std::uint64_t i) {
+      for (std::uint64_t k = i; k < next.size(); k += ofThread.size()) {
+        ofThread[i].searchFrom(next[k]);
+      }
     });
-    result.unreachablePairs += n - search.reached().size();
+    done += next.size();
+    next.clear();
   }
+  for (const SomeSources<Index>& some : ofThread) some.addTo(result);
   result.meanDistance = meanOf(result.pairs);
   return result;
 }
@@ -201,6 +248,7 @@ class DiameterSearch {
 Result<DistanceHistogram> distanceHistogram(const Network& network,
                                             const DistanceOptions& options) {
   const AdjacencyStore& store = coreOf(network).store;
+  const internal::OwnParallelism own(options.threads);
   return internal::untilStopped([&]() -> Result<DistanceHistogram> {
     return store.visit([&](const auto& topology) { return histogramOf(store, topology, options); });
   });

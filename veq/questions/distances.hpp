@@ -70,8 +70,10 @@ struct DistanceOptions {
   std::uint64_t mostVisits = 10'000'000'000;
   /// Which vertices are taken where not all are.
   std::uint64_t seed = 1;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// How many threads share the sources of a histogram, 0 being as many as the process may use;
+  /// without it as many as parallelism() says. What comes of it does not depend on it. A diameter
+  /// is found by one, since each search follows from those before it.
+  std::optional<unsigned> threads{};
   Progress progress{};
 };
 

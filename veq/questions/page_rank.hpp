@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "veq/base/export.hpp"
@@ -26,8 +27,8 @@ struct PageRankOptions {
   double tolerance = 1e-10;
   /// How often at most all ranks are computed anew.
   std::uint64_t mostSweeps = 1000;
-  /// Taken as 1.
-  unsigned threads = 1;
+  /// As in BuildOptions.
+  std::optional<unsigned> threads{};
   Progress progress{};
 };
 
@@ -47,8 +48,8 @@ struct PageRank {
 /// ones twice. Errors: "restart 0: not above 0 and at most 1"; "tolerance 0: not above 0"; "4
 /// weights for 5 vertices"; "vertex 3: personalisation -1"; "the personalisation sums to 0"; "edge
 /// 7: weight -1"; a stop. All sums are formed in a fixed order, so that the result is the same on
-/// every machine. (Page and others, 1999; by Gauss-Seidel sweeps over vertices in their order, the
-/// whole rescaled after each.) O((n + m) sweeps).
+/// every machine. (Page and others, 1999; by Gauss-Seidel sweeps over vertices in their order, of
+/// large networks some thousand at once, the whole rescaled after each.) O((n + m) sweeps).
 /// \ingroup ask
 [[nodiscard]] VEQ_EXPORT Result<PageRank> pageRank(const Network& network,
                                                    const PageRankOptions& options = {});
