@@ -84,8 +84,8 @@ Result<std::vector<DerivedNetwork>> componentNetworks(const Network& network, Co
                        strong ? Partition::CrossEdges::kPossible : Partition::CrossEdges::kNone);
     });
     std::vector<std::optional<DerivedNetwork>> made(parts.count());
-    internal::forEachPart(parts, pace, core.store.edgeCount(), [&](std::uint64_t c, Pace& own) {
-      made[c] = networkOf(core, parts[c], own);
+    internal::forEachPart(parts, pace, core.store.edgeCount(), [&](std::uint64_t c, Pace& ofPart) {
+      made[c] = networkOf(core, parts[c], ofPart);
     });
     std::vector<DerivedNetwork> result;
     result.reserve(made.size());
