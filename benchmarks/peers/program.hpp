@@ -104,6 +104,8 @@ class Measurement {
     const clockid_t clock =
         arguments_.count("threads") != 0 ? CLOCK_MONOTONIC : CLOCK_PROCESS_CPUTIME_ID;
     for (int i = repetitions == 1 ? 0 : -1; i < repetitions; ++i) {
+      // A file is written anew: to give back the memory of the one before is the system's work.
+      std::remove(arguments_.text("out", "").c_str());
       {
         const double begin = secondsBy(clock);
         auto result = measuredWork(work);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "veq/models/internal/random_jump.hpp"
@@ -25,7 +27,7 @@ constexpr std::uint64_t kFewestRounds = 64;
 constexpr std::uint32_t kRare = std::uint32_t{1} << 26;
 // What a thread draws at once: so much that the jump there costs little, and so little that its
 // hits take some megabytes at most.
-constexpr std::uint64_t kRareStretch = std::uint64_t{1} << 23;
+constexpr std::uint64_t kRareStretch = std::uint64_t{1} << 24;
 constexpr std::uint64_t kStretch = std::uint64_t{1} << 20;
 
 template <std::size_t kBytes>
@@ -181,34 +183,43 @@ void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshol
 
 void hitsBelow(RandomStream& stream, std::uint64_t total, std::uint32_t threshold,
                const HitSink& sink, Team& team) {
-  const std::uint64_t stretch = threshold <= kRare ? kRareStretch : kStretch;
-  if (team.threads() == 1 || total <= stretch) return hitsBelow(stream, total, threshold, sink);
+  const std::uint64_t most = threshold <= kRare ? kRareStretch : kStretch;
+  if (team.threads() == 1 || total <= most) return hitsBelow(stream, total, threshold, sink);
   RandomStream current = stream;
-  // So many that threads seldom wait for each other, and that hits are few at a time.
-  constexpr std::uint64_t kPiecesOfThread = 16;
+  // As many for each thread, and of equal length, so that none waits for another at the end.
+  const std::uint64_t stretches = (total / most / team.threads() + 1) * team.threads();
+  const std::uint64_t stretch = total / stretches + 1;
+  // So many at once that threads seldom wait for each other, and that hits are few at a time.
+  constexpr std::uint64_t kPiecesOfThread = 4;
   std::vector<std::vector<std::uint64_t>> hits(kPiecesOfThread * team.threads());
+  std::vector<std::vector<std::uint64_t>> earlier(hits.size());
+  // This thread passes on what was found before while others find more.
+  const auto passOn = [&] {
+    for (std::vector<std::uint64_t>& found : earlier) {
+      if (!found.empty()) sink(found);
+      found.clear();
+    }
+  };
   for (std::uint64_t done = 0; done < total;) {
     const std::uint64_t left = total - done;
     const std::uint64_t pieces =
         std::min<std::uint64_t>(hits.size(), left / stretch + (left % stretch != 0 ? 1 : 0));
-    team.forEachPiece(pieces, pieces * stretch, [&](std::uint64_t piece) {
+    const auto find = [&](std::uint64_t piece) {
       const std::uint64_t skipped = piece * stretch;
-      std::vector<std::uint64_t>& found = hits[piece];
-      found.clear();
       RandomStream own = current;
       own.advance(skipped);
       hitsBelow(own, std::min(stretch, left - skipped), threshold,
                 [&](std::span<const std::uint64_t> some) {
-                  for (const std::uint64_t hit : some) found.push_back(done + skipped + hit);
+                  for (const std::uint64_t hit : some) hits[piece].push_back(done + skipped + hit);
                 });
-    });
-    for (std::uint64_t piece = 0; piece < pieces; ++piece) {
-      if (!hits[piece].empty()) sink(hits[piece]);
-    }
+    };
+    team.forEachPieceWhile(pieces, pieces * stretch, find, passOn);
+    std::swap(hits, earlier);
     const std::uint64_t drawn = std::min(left, pieces * stretch);
     current.advance(drawn);
     done += drawn;
   }
+  passOn();
   stream = current;
 }
 
