@@ -1,5 +1,5 @@
 /// \file
-/// Weakly connected components by several threads.
+/// Weakly connected components of large networks, by several threads.
 #pragma once
 
 #include <atomic>
@@ -115,23 +115,23 @@ class ComponentForest {
   Block<Index> parents_;
 };
 
-/// The same as a search gives. By itself, so that a search is compiled as if it stood alone.
+/// The same as a search gives, by as many threads as parallelism() says. By itself, so that a
+/// search is compiled as if it stood alone.
 template <class Index>
 [[nodiscard, gnu::noinline]] Components<Index> linkedComponents(const AdjacencyStore& store,
                                                                 const Topology<Index>& topology,
-                                                                unsigned threads, Pace* pace) {
-  Team team(threads);
+                                                                Pace* pace) {
+  Team team(parallelism());
   return ComponentForest<Index>(topology, store.vertexCount(), store.edgeCount(), team, pace).run();
 }
 
-/// As many threads look for them as parallelism() says, by searching or by linking: what comes out
-/// is the same.
+/// By searching, or by linking where that is faster even on one thread: a search waits for lists
+/// that lie anywhere, whereas edges are read in their order.
 template <class Index>
 [[nodiscard]] Components<Index> weakComponents(const AdjacencyStore& store,
                                                const Topology<Index>& topology,
                                                Pace* pace = nullptr) {
-  const unsigned threads = store.edgeCount() >= Team::worthSharing ? parallelism() : 1;
-  if (threads > 1) return linkedComponents(store, topology, threads, pace);
+  if (store.edgeCount() >= 4 * Team::worthSharing) return linkedComponents(store, topology, pace);
   return ComponentSearch<Index>(topology, store.vertexCount(), pace).run();
 }
 
