@@ -5,6 +5,9 @@
 #include <utility>
 
 #include "veq/base/internal/own_parallelism.hpp"
+#include "veq/base/internal/team.hpp"
+#include "veq/base/internal/tiled_work.hpp"
+#include "veq/base/parallelism.hpp"
 #include "veq/natural/internal/core_of.hpp"
 #include "veq/natural/internal/making.hpp"
 #include "veq/network/internal/components.hpp"
@@ -17,10 +20,12 @@ namespace veq {
 using internal::Components;
 using internal::componentsOf;
 using internal::coreOf;
+using internal::forEachSharedTile;
 using internal::NetworkCore;
 using internal::Pace;
 using internal::Part;
 using internal::Partition;
+using internal::Team;
 
 namespace {
 
@@ -64,7 +69,13 @@ Result<ComponentLabels> components(const Network& network, Connection connection
       ComponentLabels labels;
       labels.sizes = std::move(found.sizes);
       labels.labels.resize(store.vertexCount());
-      for (std::uint64_t v = 0; v < labels.labels.size(); ++v) labels.labels[v] = found.of(v);
+      constexpr std::uint64_t kTile = std::uint64_t{1} << 16;
+      Team team(parallelism());
+      forEachSharedTile(labels.labels.size(), kTile, team, nullptr,
+                        [&](std::uint64_t begin, std::uint64_t end) {
+                          for (std::uint64_t v = begin; v < end; ++v)
+                            labels.labels[v] = found.of(v);
+                        });
       return labels;
     });
   });

@@ -79,17 +79,29 @@ class ComponentForest {
     }
   }
 
+  // Climbs from the one whose parent is higher. That one gets the other's parent, since both will
+  // be in one tree, and the parent that it had is linked next (Rem's algorithm, in Dijkstra's book
+  // of 1976). Whoever replaces a parent links it with the new one, so that what threads do at once
+  // to one vertex loses no link.
   void link(Index a, Index b) {
     for (;;) {
-      a = rootOf(a);
-      b = rootOf(b);
-      if (a == b) return;
-      if (a < b) std::swap(a, b);
-      Index root = a;  // unless another thread has linked it meanwhile
-      if (AtomicRef<Index>(parents_[a])
-              .compare_exchange_strong(root, b, std::memory_order_relaxed)) {
-        return;
+      Index above = parentOf(a);
+      Index other = parentOf(b);
+      if (above == other) return;
+      if (above < other) {
+        std::swap(a, b);
+        std::swap(above, other);
       }
+      if (above == a) {
+        Index root = a;  // unless another thread has linked it meanwhile
+        if (AtomicRef<Index>(parents_[a])
+                .compare_exchange_strong(root, other, std::memory_order_relaxed)) {
+          return;
+        }
+        continue;
+      }
+      set(a, other);
+      a = above;
     }
   }
 
