@@ -21,7 +21,7 @@ namespace {
 
 Walkers onSixLinks(const Indices& starts) {
   const WalkNetwork network =
-      WalkNetwork::fromEdges(sourceOf({{0, 1}, {0, 2}, {1, 2}, {2, 3}, {3, 0}, {1, 3}})).value();
+      WalkNetwork::fromEdges(edgesFrom({{0, 1}, {0, 2}, {1, 2}, {2, 3}, {3, 0}, {1, 3}})).value();
   return Walkers::at(network, starts).value();
 }
 
@@ -108,14 +108,14 @@ TEST(WalkOnly, SaysWhatItLacks) {
 }
 
 TEST(WalkOnly, HasTheErrorsOfOtherWalks) {
-  const WalkNetwork network = WalkNetwork::fromEdges(sourceOf({{0, 4}})).value();
+  const WalkNetwork network = WalkNetwork::fromEdges(edgesFrom({{0, 4}})).value();
   EXPECT_EQ(errorText(Walkers::at(network, Indices{1, 7})), "start 1: vertex 7 of 5");
   Walkers walkers = Walkers::at(network, Indices{0}).value();
   EXPECT_EQ(errorText(walkers.walk({})), "neither steps nor target");
   WalkOptions options;
   options.target = 2.0;
   EXPECT_EQ(errorText(walkers.walk(options)), "target 2: give more than 0, up to 1");
-  const WalkNetwork none = WalkNetwork::fromEdges(sourceOf({})).value();
+  const WalkNetwork none = WalkNetwork::fromEdges(edgesFrom({})).value();
   EXPECT_EQ(errorText(Walkers::uniformStarts(none, 1)), "the network has no vertices");
   EXPECT_EQ(errorText(Walkers::startsByDegree(none, 1)), "the network has no edges");
 }
@@ -129,7 +129,7 @@ TEST(WalkOnly, WalksWithoutAgentsAndWithoutEdges) {
   WalkNetworkOptions five;
   five.vertices = 5;
   Walkers stuck =
-      Walkers::at(WalkNetwork::fromEdges(sourceOf({}), five).value(), Indices{3}).value();
+      Walkers::at(WalkNetwork::fromEdges(edgesFrom({}), five).value(), Indices{3}).value();
   EXPECT_EQ(stuck.walk(options).value().steps, 7U);
   EXPECT_EQ(stuck.positions(), (Indices{3}));
   EXPECT_EQ(stuck.visits(), (Indices{0, 0, 0, 0, 0}));

@@ -55,7 +55,7 @@ const EdgePairs kEdges = {{3, 0}, {0, 1}, {3, 3}, {1, 3}, {0, 1}, {3, 2}, {0, 0}
 
 TEST(WalkNetwork, HasTheListsInTheOrderOfTheEdges) {
   for (const std::size_t atOnce : {1U, 3U, 100U}) {
-    const auto network = WalkNetwork::fromEdges(sourceOf(kEdges, atOnce), directed()).value();
+    const auto network = WalkNetwork::fromEdges(edgesFrom(kEdges, atOnce), directed()).value();
     EXPECT_EQ(listsOf(network), (Lists{{1, 1, 0}, {3}, {}, {0, 3, 2}}));
     EXPECT_TRUE(network.isDirected());
     EXPECT_EQ(network.countVertices(), 4U);
@@ -66,76 +66,77 @@ TEST(WalkNetwork, HasTheListsInTheOrderOfTheEdges) {
 }
 
 TEST(WalkNetwork, HasUndirectedEdgesAtBothEndsAndLoopsTwice) {
-  const auto network = WalkNetwork::fromEdges(sourceOf(kEdges)).value();
+  const auto network = WalkNetwork::fromEdges(edgesFrom(kEdges)).value();
   EXPECT_EQ(listsOf(network), (Lists{{3, 1, 1, 0, 0}, {0, 3, 0}, {3}, {0, 3, 3, 1, 2}}));
   EXPECT_FALSE(network.isDirected());
   EXPECT_EQ(network.size(), (WalkNetworkSize{4, 7, 14}));
 }
 
 TEST(WalkNetwork, HasVerticesWithoutEdgesWhereTheyAreAskedFor) {
-  const auto six = WalkNetwork::fromEdges(sourceOf({{1, 0}}), ofVertices(6)).value();
+  const auto six = WalkNetwork::fromEdges(edgesFrom({{1, 0}}), ofVertices(6)).value();
   EXPECT_EQ(listsOf(six), (Lists{{1}, {0}, {}, {}, {}, {}}));
-  const auto gap = WalkNetwork::fromEdges(sourceOf({{5, 3}, {0, 1}}, 1)).value();
+  const auto gap = WalkNetwork::fromEdges(edgesFrom({{5, 3}, {0, 1}}, 1)).value();
   EXPECT_EQ(listsOf(gap), (Lists{{1}, {0}, {}, {5}, {}, {3}}));
-  EXPECT_EQ(WalkNetwork::fromEdges(sourceOf({})).value().countVertices(), 0U);
-  EXPECT_EQ(listsOf(WalkNetwork::fromEdges(sourceOf({}), ofVertices(2)).value()), (Lists{{}, {}}));
+  EXPECT_EQ(WalkNetwork::fromEdges(edgesFrom({})).value().countVertices(), 0U);
+  EXPECT_EQ(listsOf(WalkNetwork::fromEdges(edgesFrom({}), ofVertices(2)).value()), (Lists{{}, {}}));
 }
 
 TEST(WalkNetwork, TellsItsSizeBeforeItTakesMemoryForTheLists) {
   std::vector<WalkNetworkSize> told;
   WalkNetworkOptions options;
   options.announce = [&](const WalkNetworkSize& size) { told.push_back(size); };
-  EXPECT_TRUE(WalkNetwork::fromEdges(sourceOf(kEdges), options));
+  EXPECT_TRUE(WalkNetwork::fromEdges(edgesFrom(kEdges), options));
   EXPECT_EQ(told, (std::vector<WalkNetworkSize>{{4, 7, 14}}));
   options.announce = [](const WalkNetworkSize&) { throw std::runtime_error("too large for me"); };
   EXPECT_EQ(thrownText<std::runtime_error>(
-                [&] { (void)WalkNetwork::fromEdges(sourceOf(kEdges), options); }),
+                [&] { (void)WalkNetwork::fromEdges(edgesFrom(kEdges), options); }),
             "too large for me");
 }
 
 TEST(WalkNetwork, TellsWhatWalkersTakeBesideIt) {
-  const auto network = WalkNetwork::fromEdges(sourceOf({{0, 999}})).value();
+  const auto network = WalkNetwork::fromEdges(edgesFrom({{0, 999}})).value();
   EXPECT_EQ(network.bytesToWalk(0), 8000U);
   EXPECT_EQ(network.bytesToWalk(10, true), 16640U);
   EXPECT_EQ(network.bytesToWalk(10, true, true), 17640U);
 }
 
 TEST(WalkNetwork, SaysWhatIsWrongWithItsEdges) {
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {2, 12}, {13, 1}}, 1), ofVertices(10)),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {2, 12}, {13, 1}}, 1), ofVertices(10)),
             "argument: edge 1: target 12 of 10 vertices");
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {2, 9}, {10, 11}}), ofVertices(10)),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {2, 9}, {10, 11}}), ofVertices(10)),
             "argument: edge 2: source 10 of 10 vertices");
-  EXPECT_EQ(errorOf(sourceOf({{0, 0}}), ofVertices(0)), "argument: edge 0: source 0 of 0 vertices");
+  EXPECT_EQ(errorOf(edgesFrom({{0, 0}}), ofVertices(0)),
+            "argument: edge 0: source 0 of 0 vertices");
   EXPECT_EQ(errorOf([](const EdgeReceiver& receiver) {
               receiver(std::vector<std::uint64_t>{1, 2, 3}, std::vector<std::uint64_t>{1, 2});
             }),
             "argument: 3 sources for 2 targets");
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {0, UINT64_MAX}})),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {0, UINT64_MAX}})),
             "unsupported: edge 1: target 18446744073709551615: a walk-only network has up to "
             "4294967295 vertices");
-  EXPECT_EQ(errorOf(sourceOf({{UINT32_MAX, 0}})),
+  EXPECT_EQ(errorOf(edgesFrom({{UINT32_MAX, 0}})),
             "unsupported: edge 0: source 4294967295: a walk-only network has up to 4294967295 "
             "vertices");
-  EXPECT_EQ(errorOf(sourceOf({}), ofVertices(std::uint64_t{1} << 32)),
+  EXPECT_EQ(errorOf(edgesFrom({}), ofVertices(std::uint64_t{1} << 32)),
             "unsupported: 4294967296 vertices: a walk-only network has up to 4294967295");
 }
 
 TEST(WalkNetwork, RefusesWhatTakesMoreMemoryThanThereIs) {
   WalkNetworkOptions options;
   options.mostBytes = 96;  // 5 vertices and 12 entries
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 0}, {0, 0}}), options), "none");
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 0}, {0, 0}, {1, 1}}), options),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 0}, {0, 0}}), options), "none");
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {1, 2}, {2, 3}, {3, 4}, {4, 0}, {0, 0}, {1, 1}}), options),
             "memory: 5 vertices and 14 list entries take 104 bytes, and there are 96");
   // Rows alone may be too many: for one edge, whose ends say how many there are.
-  EXPECT_EQ(errorOf(sourceOf({{0, 99}}), options),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 99}}), options),
             "memory: 100 vertices and 0 list entries take 808 bytes, and there are 96");
   options.vertices = 12;
-  EXPECT_EQ(errorOf(sourceOf({}), options),
+  EXPECT_EQ(errorOf(edgesFrom({}), options),
             "memory: 12 vertices and 0 list entries take 104 bytes, and there are 96");
   options.vertices = 3;
   options.bytesBeside = 16;
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}}), options), "none");
-  EXPECT_EQ(errorOf(sourceOf({{0, 1}, {1, 2}, {2, 0}}), options),
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {1, 2}}), options), "none");
+  EXPECT_EQ(errorOf(edgesFrom({{0, 1}, {1, 2}, {2, 0}}), options),
             "memory: 3 vertices and 6 list entries take 56 bytes, walks on them 48 more, and there "
             "are 96");
 }
@@ -143,7 +144,7 @@ TEST(WalkNetwork, RefusesWhatTakesMoreMemoryThanThereIs) {
 // A source that gives the first edges at first, and then the others.
 EdgeSource changing(const EdgePairs& first, const EdgePairs& then) {
   return [first, then, calls = 0](const EdgeReceiver& receiver) mutable {
-    sourceOf(calls++ == 0 ? first : then, 2)(receiver);
+    edgesFrom(calls++ == 0 ? first : then, 2)(receiver);
   };
 }
 
@@ -192,7 +193,7 @@ TEST(WalkNetwork, CanBeStoppedInBothPasses) {
     int calls = 0;
     const auto source = [&](const EdgeReceiver& receiver) {
       if (calls++ == pass) stop.requestStop();
-      sourceOf(kEdges)(receiver);
+      edgesFrom(kEdges)(receiver);
     };
     EXPECT_EQ(errorOf(source, options), "stopped: stopped");
     EXPECT_EQ(calls, pass + 1);
@@ -212,7 +213,7 @@ TEST(WalkNetwork, IsOfANetworkAsItIs) {
 }
 
 TEST(WalkNetwork, ThrowsForVerticesThatItDoesNotHave) {
-  const auto network = WalkNetwork::fromEdges(sourceOf({{0, 9}})).value();
+  const auto network = WalkNetwork::fromEdges(edgesFrom({{0, 9}})).value();
   EXPECT_EQ(thrownText<std::out_of_range>([&] { (void)network.degree(12); }), "vertex 12 of 10");
   EXPECT_EQ(thrownText<std::out_of_range>([&] { (void)network.neighbours(10); }),
             "vertex 10 of 10");
@@ -240,7 +241,7 @@ TEST(WalkNetwork, HasTheListsOfWholeNetworks) {
     like.directed = options.directed;
     if (draw() % 2 == 0) like.vertices = vertices;
     const auto network =
-        WalkNetwork::fromEdges(sourceOf(pairs, 1 + draw() % (edges + 2)), like).value();
+        WalkNetwork::fromEdges(edgesFrom(pairs, 1 + draw() % (edges + 2)), like).value();
     ASSERT_EQ(network.countEdges(), edges);
     ASSERT_LE(network.countVertices(), vertices);
     for (std::uint64_t v = 0; v < vertices; ++v) {

@@ -13,7 +13,7 @@ namespace veq::test {
 using EdgePairs = std::vector<std::pair<std::uint64_t, std::uint64_t>>;
 
 /// A source of these edges, so many at a time.
-inline EdgeSource sourceOf(EdgePairs edges, std::size_t atOnce = 3) {
+inline EdgeSource edgesFrom(EdgePairs edges, std::size_t atOnce = 3) {
   return [edges = std::move(edges), atOnce](const EdgeReceiver& receiver) {
     for (std::size_t first = 0; first < edges.size(); first += atOnce) {
       std::vector<std::uint64_t> from;

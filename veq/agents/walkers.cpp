@@ -127,14 +127,17 @@ Result<std::vector<std::uint64_t>> drawUniformStarts(std::uint64_t vertices, std
                     [vertices](RandomState& state) { return state.nextBelow(vertices); });
 }
 
-// The request for the options of a walk, whose draws are there.
-Result<internal::WalkRequest> requestFor(const WalkOptions& options, Uint128 draws,
-                                         std::span<const std::uint64_t> starts) {
+// Has walk(request) make the walk that the options describe, which takes so many draws, and tells
+// what it led to; `starts` are those of paths.
+template <class Walk>
+Result<WalkOutcome> outcomeOf(const WalkOptions& options, std::uint64_t vertices, Uint128 draws,
+                              std::span<const std::uint64_t> homes,
+                              std::vector<std::uint64_t> starts, Walk walk) {
   internal::WalkRequest request;
   request.returnPath = options.paths;
   request.untilReach = options.target.value_or(0.0);
   request.source = RandomSource(options.random);
-  request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)), starts};
+  request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)), homes};
   request.progress = &options.progress;
   request.threads = options.threads ? internal::resolvedThreads(*options.threads) : parallelism();
   request.endless = !options.steps;
@@ -145,23 +148,17 @@ Result<internal::WalkRequest> requestFor(const WalkOptions& options, Uint128 dra
     const auto left = options.random ? options.random->drawsLeft() : std::nullopt;
     request.steps = left && draws != 0 ? static_cast<std::uint64_t>(*left / draws) : UINT64_MAX;
   }
-  return request;
-}
-
-// Walks by walk(), which makes a WalkResult, and tells what it led to but for paths.
-template <class Walk>
-std::pair<WalkOutcome, std::optional<VEQVertexPaths>> outcomeOf(internal::WalkRequest& request,
-                                                                const WalkOptions& options,
-                                                                std::uint64_t vertices, Walk walk) {
   std::optional<internal::ArrivalRecord> arrivals;
   if (options.firstArrivals) request.arrivals = &arrivals.emplace(vertices);
-  internal::WalkResult walked = walk();
+
+  internal::WalkResult walked = walk(request);
   WalkOutcome outcome;
   const bool allSteps = walked.end == WalkEnd::kSteps;
   outcome.end = allSteps && request.endless ? WalkEnd::kDraws : walked.end;
   outcome.steps = walked.steps;
+  if (walked.paths) outcome.paths.emplace(std::move(*walked.paths), std::move(starts));
   if (arrivals) outcome.firstArrivals = arrivals->takeSteps();
-  return {std::move(outcome), std::move(walked.paths)};
+  return outcome;
 }
 
 }  // namespace
@@ -276,19 +273,16 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
     const std::uint64_t edge = *internal::WeightSums::wrongWeight(core);
     return wrong("edge " + std::to_string(edge) + ": weight " + text((*core.edgesWeights)[edge]));
   }
-  auto request = requestFor(options, drawsOfWalk(options).all(), *state_->starts);
-  if (!request) return request.error();
   std::vector<std::uint64_t> starts;
   if (options.paths) starts = positions();
   internal::DynamicState* const memories = GroupAccess::memoriesOf(published);
-  auto outcome = outcomeOf(request.value(), options, vertices, [&] {
-    return withChoice(options.choice, sums.get(), [&](auto choice) {
-      return memories ? internal::walkWithMemory(group, *memories, request.value(), choice)
-                      : internal::walkPlainly(group, request.value(), choice);
-    });
-  });
-  if (outcome.second) outcome.first.paths.emplace(std::move(*outcome.second), std::move(starts));
-  return std::move(outcome.first);
+  return outcomeOf(options, vertices, drawsOfWalk(options).all(), *state_->starts,
+                   std::move(starts), [&](const internal::WalkRequest& request) {
+                     return withChoice(options.choice, sums.get(), [&](auto choice) {
+                       return memories ? internal::walkWithMemory(group, *memories, request, choice)
+                                       : internal::walkPlainly(group, request, choice);
+                     });
+                   });
 }
 
 Result<WalkOutcome> Walkers::walkOnWalkNetwork(const WalkOptions& options) {
@@ -302,14 +296,12 @@ Result<WalkOutcome> Walkers::walkOnWalkNetwork(const WalkOptions& options) {
   if (options.choice == Choice::kWeighted) {
     return lacking("a walk-only network has no weights to choose by");
   }
-  auto request = requestFor(options, drawsOfWalk(options).all(), *state_->starts);
-  if (!request) return request.error();
-  auto outcome = outcomeOf(request.value(), options, vertices, [&] {
-    return options.choice == Choice::kEven
-               ? internal::walkOnRows(group, request.value(), internal::EvenChoice())
-               : internal::walkOnRows(group, request.value(), internal::PublishedChoice());
-  });
-  return std::move(outcome.first);
+  return outcomeOf(options, vertices, drawsOfWalk(options).all(), *state_->starts, {},
+                   [&](const internal::WalkRequest& request) {
+                     return options.choice == Choice::kEven
+                                ? internal::walkOnRows(group, request, internal::EvenChoice())
+                                : internal::walkOnRows(group, request, internal::PublishedChoice());
+                   });
 }
 
 DrawCount Walkers::drawsOfWalk(const WalkOptions& options) const {
