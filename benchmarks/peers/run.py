@@ -245,7 +245,8 @@ def shared(work, threads):
     yield line("walk with paths, 1e6", walk + " paths=1", 1.7)
     yield line("walk beyond the log, 1e4", "walk m=1e4 A=1024 S=39060", 1.7)
     yield line("walk with memory, 1e6", "walk m=1e6 A=256 S=2000 memory=10", 1.7)
-    yield line("random network, n = 2e4", "gnp n=2e4 k=10", 1.8)
+    for n in ("2e4", "1e5"):
+        yield line(f"random network, n = {n}", f"gnp n={n} k=10", 1.8)
     for size in ("1e6", "1e7"):
         yield line(f"build, {size}", f"build m={size}", 1.5)
     yield line("weak components, 1e6", "labels kind=un n=1e6 m=1e6", 1.4)
