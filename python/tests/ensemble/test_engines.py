@@ -45,6 +45,32 @@ def test_the_result_is_that_of_the_loop(everyone, expected, name):
     assert total.sum() == 30 * 2 * 500
 
 
+def slow_draws(context):
+    time.sleep(0.05)
+    return context.network.num_edges, context.state.draw()
+
+
+def test_workers_of_a_cluster_come_and_go():
+    from distributed import Client, LocalCluster
+
+    slow = ve.Ensemble(slow_draws, [{}] * 120, seed=9, networks=veq.lattice([40]))
+    expected = slow.run(workers=0).sha256()
+    cluster = LocalCluster(
+        n_workers=0, threads_per_worker=1, processes=True, dashboard_address=None
+    )
+    with cluster, Client(cluster, set_as_default=False) as client:
+        cluster.adapt(minimum=0, maximum=3, interval="100ms", wait_count=2)
+        for _ in range(2):
+            seen = []
+            results = slow.run(client, progress=lambda *_: seen.append(len(client.nthreads())))
+            assert results.sha256() == expected
+            assert max(seen) > 1
+            patience = time.monotonic() + 30
+            while client.nthreads() and time.monotonic() < patience:
+                time.sleep(0.05)
+            assert not client.nthreads()
+
+
 def test_mpi_s_ranks_have_the_same_result():
     assert mpi(3, "mpi_lists.py", 5).split() == [ensemble(5).run(workers=0).sha256()]
 
