@@ -60,8 +60,9 @@ def test_workers_of_a_cluster_come_and_go():
     )
     with cluster, Client(cluster, set_as_default=False) as client:
         cluster.adapt(minimum=0, maximum=3, interval="100ms", wait_count=2)
+        seen = []
         for _ in range(2):
-            seen = []
+            seen.clear()
             results = slow.run(client, progress=lambda *_: seen.append(len(client.nthreads())))
             assert results.sha256() == expected
             assert max(seen) > 1

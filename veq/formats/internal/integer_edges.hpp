@@ -27,7 +27,7 @@ class IntegerEdges {
   std::uint64_t lines = 0;
 
   /// Reads so many lines, or all; false where one is anything else.
-  [[gnu::noinline]] bool read(LineReader& reader, std::uint64_t most) {
+  [[gnu::noinline, gnu::flatten]] bool read(LineReader& reader, std::uint64_t most) {
     for (; most > 0 && reader.next(); --most) {
       if (!readLine(reader)) return false;
     }
