@@ -127,6 +127,14 @@ Result<std::vector<std::uint64_t>> drawUniformStarts(std::uint64_t vertices, std
                     [vertices](RandomState& state) { return state.nextBelow(vertices); });
 }
 
+// Of agents that take so many for a step, and one more where they restart.
+Uint128 drawsOf(std::uint64_t agents, std::uint64_t purposes, const WalkOptions& options) {
+  if (options.restart > 0.0) ++purposes;
+  return Uint128{agents} * options.steps.value_or(1) * purposes;
+}
+constexpr std::uint64_t kPlainPurposes = 1;
+constexpr std::uint64_t kMemoryPurposes = 3;
+
 // Has walk(request) make the walk that the options describe, which takes so many draws, and tells
 // what it led to; `starts` are those of paths.
 template <class Walk>
@@ -276,8 +284,9 @@ Result<WalkOutcome> Walkers::walk(const WalkOptions& options) {
   std::vector<std::uint64_t> starts;
   if (options.paths) starts = positions();
   internal::DynamicState* const memories = GroupAccess::memoriesOf(published);
-  return outcomeOf(options, vertices, drawsOfWalk(options).all(), *state_->starts,
-                   std::move(starts), [&](const internal::WalkRequest& request) {
+  const Uint128 draws = drawsOf(group.agents, memories ? kMemoryPurposes : kPlainPurposes, options);
+  return outcomeOf(options, vertices, draws, *state_->starts, std::move(starts),
+                   [&](const internal::WalkRequest& request) {
                      return withChoice(options.choice, sums.get(), [&](auto choice) {
                        return memories ? internal::walkWithMemory(group, *memories, request, choice)
                                        : internal::walkPlainly(group, request, choice);
@@ -296,8 +305,8 @@ Result<WalkOutcome> Walkers::walkOnWalkNetwork(const WalkOptions& options) {
   if (options.choice == Choice::kWeighted) {
     return lacking("a walk-only network has no weights to choose by");
   }
-  return outcomeOf(options, vertices, drawsOfWalk(options).all(), *state_->starts, {},
-                   [&](const internal::WalkRequest& request) {
+  return outcomeOf(options, vertices, drawsOf(group.agents, kPlainPurposes, options),
+                   *state_->starts, {}, [&](const internal::WalkRequest& request) {
                      return options.choice == Choice::kEven
                                 ? internal::walkOnRows(group, request, internal::EvenChoice())
                                 : internal::walkOnRows(group, request, internal::PublishedChoice());
@@ -306,9 +315,8 @@ Result<WalkOutcome> Walkers::walkOnWalkNetwork(const WalkOptions& options) {
 
 DrawCount Walkers::drawsOfWalk(const WalkOptions& options) const {
   const bool haveMemory = state_->published && GroupAccess::memoriesOf(*state_->published);
-  std::uint64_t purposes = haveMemory ? 3 : 1;
-  if (options.restart > 0.0) ++purposes;
-  return DrawCount::of(Uint128{countAgents()} * options.steps.value_or(1) * purposes);
+  return DrawCount::of(
+      drawsOf(countAgents(), haveMemory ? kMemoryPurposes : kPlainPurposes, options));
 }
 
 AgentsState& Walkers::agents() const {
