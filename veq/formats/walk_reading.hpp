@@ -64,13 +64,13 @@ class VEQ_EXPORT WalkReading : public Result<WalkNetwork> {
 /// readNetwork numbers them with ReadOptions::idsAreIndices. Weights and properties are left out,
 /// of which a note tells where there are any.
 ///
-/// The file is read twice and never held, beside some tens of megabytes of it; what comes through a pipe or standard input ("-") goes
-/// into a temporary file without a name, whose folder and size a note tells. Errors are those of
-/// readNetwork and of WalkNetwork::fromEdges, and of kind kUnsupported for what only a whole
-/// network holds: "\"Ada Bob\" is not two integers, with or without a weight: a walk-only network
-/// has neither names nor columns"; "gml is read as a whole network: a walk-only one is read from
-/// lists of integers, Matrix Market and archives"; "two kinds of vertices are read as a whole
-/// network". Spooling: "spooling to /tmp: No space left on device".
+/// The file is read twice and never held, beside some tens of megabytes of it; what comes through a
+/// pipe or standard input ("-") goes into a temporary file without a name, whose folder and size a
+/// note tells. Errors are those of readNetwork and of WalkNetwork::fromEdges, and of kind
+/// kUnsupported for what only a whole network holds: "\"Ada Bob\" is not two integers, with or
+/// without a weight: a walk-only network has neither names nor columns"; "gml is read as a whole
+/// network: a walk-only one is read from lists of integers, Matrix Market and archives"; "two kinds
+/// of vertices are read as a whole network". Spooling: "spooling to /tmp: No space left on device".
 /// \ingroup files
 [[nodiscard]] VEQ_EXPORT WalkReading readWalkNetwork(const std::string& path,
                                                      const WalkReadOptions& options = {});
