@@ -59,7 +59,8 @@ def test_workers_of_a_cluster_come_and_go():
         n_workers=0, threads_per_worker=1, processes=True, dashboard_address=None
     )
     with cluster, Client(cluster, set_as_default=False) as client:
-        cluster.adapt(minimum=0, maximum=3, interval="100ms", wait_count=2)
+        # As many workers as are to make what waits in so short a time.
+        cluster.adapt(minimum=0, maximum=3, interval="100ms", wait_count=2, target_duration="100ms")
         seen = []
         for _ in range(2):
             seen.clear()
