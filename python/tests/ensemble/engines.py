@@ -50,7 +50,7 @@ def dask(workers):
     from distributed import Client, LocalCluster
 
     cluster = LocalCluster(
-        n_workers=workers, threads_per_worker=2, processes=True, dashboard_address=None
+        n_workers=workers, threads_per_worker=2, processes=True, dashboard_address=":0"
     )
     with cluster, Client(cluster, set_as_default=False) as client:
         client.run(sys.path.append, str(HERE))

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # hosts.sh PYTHON: three hosts, each a network namespace, on one bridge: a scheduler of Dask's with the
 # coordinator, and two workers. An ensemble gives the result of a plain loop while all is well, while the
-# link of a worker is cut for 30 seconds, and when it is cut for good. This wants to be root.
+# link of a worker is cut for 30 seconds, and when that of the other is cut for good. This wants to be root.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 python=$1 name=veq$$
@@ -37,9 +37,20 @@ on() {
 }
 export DASK_DISTRIBUTED__WORKER__MEMORY__TERMINATE=false
 on 0 distributed.cli.dask_scheduler --host 10.77.0.10 --port 8786 --no-dashboard
+
+# A worker that has lost its scheduler ends, and whoever looks after the host starts another one.
+look_after() {
+  trap 'kill "$!" 2>/dev/null; exit' TERM
+  while true; do
+    PYTHONPATH=$here ip netns exec "$name-$1" "$python" -m distributed.cli.dask_worker \
+      tcp://10.77.0.10:8786 --host "10.77.0.1$1" --nthreads 1 --no-dashboard >>"$scratch/host$1.log" 2>&1 &
+    wait "$!" || true
+    sleep 1
+  done
+}
 for host in 1 2; do
-  on "$host" distributed.cli.dask_worker tcp://10.77.0.10:8786 --host "10.77.0.1$host" --nthreads 1 \
-    --no-dashboard
+  look_after "$host" &
+  started+=($!)
 done
 
 # cut HOST SECONDS: takes its link away while tasks run there, for good without a number.
@@ -62,4 +73,4 @@ started+=($!)
 run "one of them gone for 30 seconds"
 cut 2 &
 started+=($!)
-run "one of them gone for good"
+run "the other one gone for good"

@@ -56,7 +56,7 @@ def test_workers_of_a_cluster_come_and_go():
     slow = ve.Ensemble(slow_draws, [{}] * 120, seed=9, networks=veq.lattice([40]))
     expected = slow.run(workers=0).sha256()
     cluster = LocalCluster(
-        n_workers=0, threads_per_worker=1, processes=True, dashboard_address=None
+        n_workers=0, threads_per_worker=1, processes=True, dashboard_address=":0"
     )
     with cluster, Client(cluster, set_as_default=False) as client:
         # As many workers as are to make what waits in so short a time.

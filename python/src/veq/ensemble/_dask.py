@@ -2,10 +2,12 @@
 
 from __future__ import annotations
 
+import asyncio
 import math
 import time
 from collections.abc import Sequence
-from concurrent.futures import BrokenExecutor, Future
+from concurrent.futures import BrokenExecutor, CancelledError, Future
+from functools import partial
 from typing import Any
 from uuid import uuid4
 
@@ -36,6 +38,21 @@ def _perform(
     return perform(work, pack, there, lambda: run in _stopped)
 
 
+def _settle(here: Future[Done], there: Any) -> None:
+    """Hands on what came of a future of Dask's.
+
+    Its own executors do not hear of one whose result, or network, was lost with its worker.
+    """
+    if not here.set_running_or_notify_cancel():
+        return
+    try:
+        here.set_result(there.result())
+    except (asyncio.CancelledError, CancelledError) as error:
+        here.set_exception(BrokenExecutor(f"{type(error).__name__}: {error}"))
+    except BaseException as error:
+        here.set_exception(error)
+
+
 class Dask(Engine):
     """A cluster of Dask's, however it grows and shrinks."""
 
@@ -45,7 +62,6 @@ class Dask(Engine):
         super().__init__(work, networks)
         self._client = client
         self._own = own
-        self._executor = client.get_executor(pure=False, retries=0)
         self._run = uuid4().hex
         self._names = list(networks)
         self._asked = -math.inf
@@ -68,10 +84,16 @@ class Dask(Engine):
                 self._scatter()
             except Exception as error:  # As many kinds as there are ways to lose a worker.
                 raise BrokenExecutor(f"{type(error).__name__}: {error}") from error
-        future: Future[Done] = self._executor.submit(
-            _perform, self.work, self._run, list(pack), self._names, *self._scattered
+        there = self._client.submit(
+            _perform,
+            *(self.work, self._run, list(pack), self._names, *self._scattered),
+            pure=False,
+            retries=0,
         )
-        return future
+        here: Future[Done] = Future()
+        here.add_done_callback(lambda future: there.cancel() if future.cancelled() else None)
+        there.add_done_callback(partial(_settle, here))
+        return here
 
     def renew(self) -> None:
         self._scattered = []
