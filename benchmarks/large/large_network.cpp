@@ -6,16 +6,15 @@
 
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "benchmarks/large/stages.hpp"
 #include "benchmarks/peers/workload.hpp"
 #include "veq/veq.hpp"
 
@@ -23,39 +22,6 @@ namespace bench {
 namespace {
 
 using namespace veq;
-
-/// Lets the kernel's account of the largest memory begin anew.
-void forgetPeak() { std::ofstream("/proc/self/clear_refs") << 5; }
-
-/// Runs the stages and tells of each.
-class Stages {
- public:
-  explicit Stages(double limitGib) : limitGib_(limitGib) {
-    std::printf("%-9s %10s %10s %10s %10s\n", "stage", "seconds", "processor", "GiB after",
-                "GiB peak");
-  }
-
-  template <class Work>
-  auto run(const char* name, Work work) {
-    malloc_trim(0);
-    forgetPeak();
-    const auto begin = std::chrono::steady_clock::now();
-    const double processor = processorSeconds();
-    auto result = work();
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    const double peak = gib(peakKilobytes());
-    std::printf("%-9s %10.2f %10.2f %10.2f %10.2f\n", name, seconds.count(),
-                processorSeconds() - processor, gib(residentKilobytes()), peak);
-    std::fflush(stdout);
-    if (peak > limitGib_) throw std::runtime_error("The memory exceeds its limit.");
-    return result;
-  }
-
- private:
-  static double gib(std::uint64_t kilobytes) { return static_cast<double>(kilobytes) * 0x1p-20; }
-
-  double limitGib_;
-};
 
 struct Ends {
   Shared<VEQNumberArray> from;
@@ -145,7 +111,7 @@ int goThroughStages(const Arguments& arguments) {
   const std::uint64_t walked = stages.run("walk", [&] { return walk(network); });
   require(stages.run("write", [&] { return network->writeToFile_atomically(file.path, true); }),
           "The file was not written.");
-  std::printf("%-9s %10.2f GB of text\n", "", bytesOfFile(file.path) * 1e-9);
+  std::printf("%-14s %10.2f GB of text\n", "", bytesOfFile(file.path) * 1e-9);
   network.reset();
   network = stages.run("read", [&] { return VEQNetwork::networkWithContentsOfFile(file.path); });
   require(network, "The file was not read.");
@@ -158,12 +124,6 @@ int goThroughStages(const Arguments& arguments) {
 }  // namespace
 }  // namespace bench
 
-int main(int count, char** values) try {
-  // As if behind the name of a task, which this program has none of.
-  std::vector<char*> arguments(values, values + count);
-  arguments.insert(arguments.begin(), values[0]);
-  return bench::goThroughStages(bench::Arguments(count + 1, arguments.data()));
-} catch (const std::exception& failure) {
-  std::fprintf(stderr, "%s\n", failure.what());
-  return 1;
+int main(int count, char** values) {
+  return bench::goingThrough(count, values, bench::goThroughStages);
 }

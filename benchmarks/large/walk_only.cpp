@@ -6,7 +6,6 @@
 //                   [arrivals=0] [limit_gib=16]
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <optional>
@@ -16,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "benchmarks/large/stages.hpp"
 #include "benchmarks/peers/workload.hpp"
 #include "veq/veq.hpp"
 
@@ -43,34 +43,6 @@ EdgeSource arcsBetween(std::uint64_t vertices, std::uint64_t arcs) {
     }
   };
 }
-
-// Runs the stages and tells of each.
-class Stages {
- public:
-  explicit Stages(double limitGib) : limitGib_(limitGib) {
-    std::printf("%-14s %10s %10s %10s %12s\n", "stage", "seconds", "processor", "GiB peak",
-                "ns a step");
-  }
-
-  template <class Work>
-  auto run(const char* name, std::uint64_t steps, Work work) {
-    const auto begin = std::chrono::steady_clock::now();
-    const double processor = processorSeconds();
-    auto result = work();
-    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - begin;
-    const double peak = static_cast<double>(peakKilobytes()) * 0x1p-20;
-    std::printf("%-14s %10.2f %10.2f %10.2f", name, seconds.count(), processorSeconds() - processor,
-                peak);
-    if (steps != 0) std::printf(" %12.2f", seconds.count() * 1e9 / static_cast<double>(steps));
-    std::printf("\n");
-    std::fflush(stdout);
-    if (peak > limitGib_) throw std::runtime_error("The memory exceeds its limit.");
-    return result;
-  }
-
- private:
-  double limitGib_;
-};
 
 struct Walked {
   std::uint64_t positions;
@@ -128,14 +100,13 @@ int goThroughStages(const Arguments& arguments) {
                 static_cast<double>(size.bytes()) * 0x1p-30);
   };
   std::optional<WalkNetwork> rows =
-      stages.run("build", 0, [&] { return WalkNetwork::fromEdges(source, options).value(); });
+      stages.run("build", [&] { return WalkNetwork::fromEdges(source, options).value(); });
   const Walked onRows = walked(*rows, arguments, stages, "walk");
   std::printf("# positions %llu, visits %llu\n", static_cast<unsigned long long>(onRows.positions),
               static_cast<unsigned long long>(onRows.visits));
   if (arguments.count("whole", 0) == 0) return 0;
   rows.reset();
-  const Network whole =
-      stages.run("build whole", 0, [&] { return wholeNetwork(source, vertices); });
+  const Network whole = stages.run("build whole", [&] { return wholeNetwork(source, vertices); });
   if (walked(whole, arguments, stages, "walk on whole") == onRows) return 0;
   throw std::runtime_error("The walks differ.");
 }
@@ -143,12 +114,6 @@ int goThroughStages(const Arguments& arguments) {
 }  // namespace
 }  // namespace bench
 
-int main(int count, char** values) try {
-  // As if behind the name of a task, which this program has none of.
-  std::vector<char*> arguments(values, values + count);
-  arguments.insert(arguments.begin(), values[0]);
-  return bench::goThroughStages(bench::Arguments(count + 1, arguments.data()));
-} catch (const std::exception& failure) {
-  std::fprintf(stderr, "%s\n", failure.what());
-  return 1;
+int main(int count, char** values) {
+  return bench::goingThrough(count, values, bench::goThroughStages);
 }

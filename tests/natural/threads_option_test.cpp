@@ -13,11 +13,14 @@
 #include "tests/support/temporarily.hpp"
 #include "tests/support/temporary_folder.hpp"
 #include "veq/formats/reading.hpp"
+#include "veq/formats/walk_reading.hpp"
 #include "veq/formats/writing.hpp"
 #include "veq/models.hpp"
 #include "veq/natural/network.hpp"
+#include "veq/natural/walk_network.hpp"
 #include "veq/questions.hpp"
 #include "veq/questions/internal/rank_waves.hpp"
+#include "veq/walkers.hpp"
 
 namespace veq::test {
 namespace {
@@ -114,6 +117,22 @@ std::vector<Operation> operations(const Rings& rings, const std::string& file) {
        [&](Threads t) { EXPECT_TRUE(gnmNetwork(kVertices, kVertices, with<ModelOptions>(t))); }},
       {"writing",
        [&, file](Threads t) { EXPECT_TRUE(writeNetwork(network, file, with<WriteOptions>(t))); }},
+      {"a walk-only network",
+       [&](Threads t) { EXPECT_TRUE(WalkNetwork::of(network, with<WalkNetworkOptions>(t))); }},
+      {"reading a walk-only network",
+       [&, list = file + ".txt"](Threads t) {
+         EXPECT_TRUE(writeNetwork(network, list, with<WriteOptions>(1)));
+         WalkReadOptions options;
+         options.reading.threads = t;
+         EXPECT_TRUE(readWalkNetwork(list, options));
+       }},
+      {"a walk",
+       [&](Threads t) {
+         Walkers walkers = Walkers::at(network, std::vector<std::uint64_t>(100, 0)).value();
+         auto options = with<WalkOptions>(t);
+         options.steps = 100;
+         EXPECT_TRUE(walkers.walk(options));
+       }},
       {"reading", [&, file](Threads t) { EXPECT_TRUE(readNetwork(file, with<ReadOptions>(t))); }},
   };
 }

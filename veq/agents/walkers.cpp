@@ -15,6 +15,7 @@
 #include "veq/agents/internal/weight_sums.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/number_text.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/base/internal/team.hpp"
 #include "veq/base/parallelism.hpp"
 #include "veq/models/internal/random_source.hpp"
@@ -141,13 +142,14 @@ template <class Walk>
 Result<WalkOutcome> outcomeOf(const WalkOptions& options, std::uint64_t vertices, Uint128 draws,
                               std::span<const std::uint64_t> homes,
                               std::vector<std::uint64_t> starts, Walk walk) {
+  const internal::OwnParallelism own(options.threads);
   internal::WalkRequest request;
   request.returnPath = options.paths;
   request.untilReach = options.target.value_or(0.0);
   request.source = RandomSource(options.random);
   request.restarts = {static_cast<std::uint32_t>(std::ceil(options.restart * 0x1p31)), homes};
   request.progress = &options.progress;
-  request.threads = options.threads ? internal::resolvedThreads(*options.threads) : parallelism();
+  request.threads = parallelism();
   request.endless = !options.steps;
   if (options.steps) {
     request.steps = *options.steps;

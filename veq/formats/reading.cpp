@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <memory>
-#include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "veq/base/internal/byte_stream.hpp"
@@ -215,17 +213,7 @@ Reading guardedReading(
   const OwnParallelism own(options.threads);
   ReadContext context(options, bytes);
   std::optional<FileFormat> format = options.format;
-  Result<Network> result = untilStopped([&]() -> Result<Network> {
-    try {
-      return read(context, format);
-    } catch (const Error& error) {
-      return error;
-    } catch (const std::bad_alloc&) {
-      return Error(ErrorKind::kMemory, "not enough memory");
-    } catch (const std::length_error&) {
-      return Error(ErrorKind::kMemory, "not enough memory");
-    }
-  });
+  Result<Network> result = readOrWhyNot([&] { return read(context, format); });
   return {std::move(result), format, context.takeNotes(), context.furtherNotes(),
           std::move(context.title)};
 }

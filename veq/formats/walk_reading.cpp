@@ -2,16 +2,16 @@
 
 #include <algorithm>
 #include <memory>
-#include <new>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/formats/internal/archive_pass.hpp"
 #include "veq/formats/internal/format_recognition.hpp"
+#include "veq/formats/internal/guarded_reading.hpp"
 #include "veq/formats/internal/integer_list_pass.hpp"
 #include "veq/formats/internal/list_shape.hpp"
 #include "veq/formats/internal/matrix_market.hpp"
@@ -196,21 +196,13 @@ class WalkFile {
 
 WalkReading readWalkFile(const std::string& path, const WalkReadOptions& options,
                          const Decompress& decompress) {
+  const OwnParallelism own(options.reading.threads);
   ReadOptions quiet = options.reading;
   quiet.progress = {};
   ReadContext context(quiet, 0);
   std::optional<FileFormat> format = options.reading.format;
-  Result<WalkNetwork> network = untilStopped([&]() -> Result<WalkNetwork> {
-    try {
-      return WalkFile(path, options, decompress, context, format).read();
-    } catch (const Error& error) {
-      return error;
-    } catch (const std::bad_alloc&) {
-      return Error(ErrorKind::kMemory, "not enough memory");
-    } catch (const std::length_error&) {
-      return Error(ErrorKind::kMemory, "not enough memory");
-    }
-  });
+  Result<WalkNetwork> network =
+      readOrWhyNot([&] { return WalkFile(path, options, decompress, context, format).read(); });
   return {std::move(network), format, context.takeNotes(), context.furtherNotes()};
 }
 

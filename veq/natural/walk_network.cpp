@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "veq/base/internal/memory_limit.hpp"
+#include "veq/base/internal/own_parallelism.hpp"
 #include "veq/base/internal/pace.hpp"
 #include "veq/base/internal/team.hpp"
 #include "veq/base/parallelism.hpp"
@@ -39,7 +40,8 @@ void pass(const EdgeSource& source, Take take) {
 }
 
 WalkNetwork built(const EdgeSource& source, const WalkNetworkOptions& options) {
-  Team team(options.threads ? internal::resolvedThreads(*options.threads) : parallelism());
+  const internal::OwnParallelism own(options.threads);
+  Team team(parallelism());
   WalkRowsBuilder builder(
       options.directed,
       {options.vertices, options.mostBytes.value_or(internal::memoryLimit()), options.bytesBeside},

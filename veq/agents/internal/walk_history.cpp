@@ -6,6 +6,8 @@
 #include <span>
 #include <utility>
 
+#include "veq/base/internal/tiled_work.hpp"
+
 namespace veq::internal {
 namespace {
 
@@ -16,8 +18,6 @@ constexpr std::uint64_t kSmallestLog = std::uint64_t{512} << 10;
 constexpr std::uint64_t kSmallestRun = std::uint64_t{1} << 20;
 // So many steps of the agents in a line of the cache are still near when all of these were counted.
 constexpr std::uint64_t kStepsAtOnce = 512;
-// How often all moves of a run are read at most, by threads that count some of them.
-constexpr std::uint64_t kMostReadings = 8;
 // A move waits longer for where it is counted than one among many agents takes.
 constexpr std::uint64_t kWorkOfCounting = 2;
 
@@ -286,14 +286,12 @@ template <class Word>
 std::uint64_t WalkHistory<Word>::countArrivalsOfRun(Team& team) noexcept {
   const MoveRun<Word>& run = log_[arrivalsCounted_++ - logBegin_];
   const std::uint64_t moves = run.steps * agents_;
-  const std::uint64_t pieces = std::min<std::uint64_t>(team.threads(), kMostReadings);
-  const std::uint64_t some = vertices_ / pieces + 1;
-  team.forEachPiece(pieces, kWorkOfCounting * moves, [&](std::uint64_t piece) {
+  const std::uint64_t work = kWorkOfCounting * moves;
+  forEachShare(vertices_, work, team, [&](std::uint64_t first, std::uint64_t some) {
     Arrivals* const arrivals = arrivals_.data();
     const std::uint64_t walk = run.walk;
-    const std::uint64_t first = std::min(piece * some, vertices_);
     const auto begin = static_cast<Word>(first);
-    const auto count = static_cast<Word>(std::min(some, vertices_ - first));
+    const auto count = static_cast<Word>(some);
     for (const Word* to = run.first; to != run.first + moves; ++to) {
       if (static_cast<Word>(*to - begin) >= count) continue;  // so it is where an agent stayed, too
       ++arrivals[*to].count;

@@ -15,6 +15,7 @@
 #include "veq/agents/internal/walk_frame.hpp"
 #include "veq/base/internal/memory.hpp"
 #include "veq/base/internal/team.hpp"
+#include "veq/base/internal/tiled_work.hpp"
 #include "veq/natural/internal/walk_rows.hpp"
 #include "veq/natural/walk_network.hpp"
 
@@ -53,8 +54,9 @@ class ArrivalCounter {
       : group_(group), team_(team), room_(steps) {
     moves_.resize(steps * group.agents);
     const std::lock_guard guard(group.historyLock);
-    if (group.arrivals.empty())
+    if (group.arrivals.empty()) {
       group.arrivals = Block<std::uint64_t>(group.network.countVertices());
+    }
   }
 
   [[nodiscard]] std::uint64_t roomFor(std::uint64_t wanted) const {
@@ -67,21 +69,15 @@ class ArrivalCounter {
   /// Each thread counts the arrivals at some of the vertices.
   void commit(std::uint64_t steps) {
     const std::uint64_t moves = steps * group_.agents;
-    const std::uint64_t vertices = group_.network.countVertices();
-    const std::uint64_t pieces =
-        moves < Team::worthSharing ? 1 : std::min<std::uint64_t>(team_.threads(), kMostReadings);
-    const std::uint64_t some = vertices / pieces + 1;
     const std::lock_guard guard(group_.historyLock);
-    team_.forEachPiece(pieces, moves, [&](std::uint64_t piece) {
-      const std::uint64_t first = std::min(piece * some, vertices);
-      count({moves_.data(), moves_.data() + moves}, static_cast<Word>(first),
-            static_cast<Word>(std::min(some, vertices - first)));
-    });
+    forEachShare(group_.network.countVertices(), moves, team_,
+                 [&](std::uint64_t begin, std::uint64_t some) {
+                   count({moves_.data(), moves_.data() + moves}, static_cast<Word>(begin),
+                         static_cast<Word>(some));
+                 });
   }
 
  private:
-  // How often all moves are read at most.
-  static constexpr std::uint64_t kMostReadings = 8;
   // So many that what was fetched ahead for them is still in the cache when it is used.
   static constexpr std::size_t kArrivalsAtOnce = 128;
 

@@ -58,4 +58,19 @@ template <class F>
   forEachSharedTile(TiledWork{elements, tile, elements, elements}, team, pace, f);
 }
 
+/// Calls f(begin, count) for parts of some elements, one for each thread where the work is worth
+/// it. For what is counted or put there from a list in no order, all of which is read for each
+/// part; so they are eight at most.
+template <class F>
+void forEachShare(std::uint64_t elements, std::uint64_t work, Team& team, F f) {
+  constexpr std::uint64_t kMostReadings = 8;
+  const std::uint64_t parts =
+      work < Team::worthSharing ? 1 : std::min<std::uint64_t>(team.threads(), kMostReadings);
+  const std::uint64_t some = elements / parts + 1;
+  team.forEachPiece(parts, work, [&](std::uint64_t part) {
+    const std::uint64_t begin = std::min(part * some, elements);
+    f(begin, std::min(some, elements - begin));
+  });
+}
+
 }  // namespace veq::internal

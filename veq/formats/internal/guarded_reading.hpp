@@ -4,11 +4,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <new>
 #include <optional>
+#include <stdexcept>
 #include <string_view>
 
 #include "veq/base/export.hpp"
 #include "veq/base/internal/byte_stream.hpp"
+#include "veq/base/internal/pace.hpp"
 #include "veq/formats/internal/read_context.hpp"
 #include "veq/formats/reading.hpp"
 #include "veq/network/internal/network_draft.hpp"
@@ -18,8 +21,24 @@ namespace veq::internal {
 /// The network of a draft, or why there is none.
 [[nodiscard]] VEQ_EXPORT Result<Network> networkOfDraft(NetworkDraft draft, ReadContext& context);
 
+/// What `read` makes, or why it is nothing: whatever it throws is the error.
+template <class Read>
+[[nodiscard]] auto readOrWhyNot(Read read) -> decltype(read()) {
+  try {
+    return read();
+  } catch (const Error& error) {
+    return error;
+  } catch (const std::bad_alloc&) {
+    return Error(ErrorKind::kMemory, "not enough memory");
+  } catch (const std::length_error&) {
+    return Error(ErrorKind::kMemory, "not enough memory");
+  } catch (...) {
+    return endOfWork();
+  }
+}
+
 /// Calls `read` with a context of so many bytes and the format that was asked for, which it
-/// replaces by the one that it recognises, and turns whatever it throws into the error.
+/// replaces by the one that it recognises.
 [[nodiscard]] VEQ_EXPORT Reading guardedReading(
     const ReadOptions& options, std::uint64_t bytes,
     const std::function<Result<Network>(ReadContext&, std::optional<FileFormat>&)>& read);

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "veq/base/internal/tiled_work.hpp"
 #include "veq/natural/internal/complaints.hpp"
 
 namespace veq::internal {
@@ -19,9 +20,6 @@ struct ListEntry {
 
 // So many that what was fetched ahead for them is still in the cache when it is used.
 constexpr std::size_t kEntriesAtOnce = 128;
-
-// How often all edges of a block are read at most, by threads that look after some vertices.
-constexpr std::uint64_t kMostReadings = 8;
 
 std::string text(std::uint64_t number) { return std::to_string(number); }
 
@@ -115,11 +113,7 @@ void WalkRowsBuilder::growTo(std::uint64_t vertices) {
 template <class Use>
 void WalkRowsBuilder::forEachEntry(const EdgeBlock& edges, Use use) {
   const std::uint64_t work = 2 * edges.count();
-  const std::uint64_t pieces =
-      work < Team::worthSharing ? 1 : std::min<std::uint64_t>(team_.threads(), kMostReadings);
-  const std::uint64_t some = rows_.size.vertices / pieces + 1;
-  team_.forEachPiece(pieces, work, [&](std::uint64_t piece) {
-    const std::uint64_t first = piece * some;
+  forEachShare(rows_.size.vertices, work, team_, [&](std::uint64_t first, std::uint64_t some) {
     std::array<ListEntry, kEntriesAtOnce> entries;
     std::size_t count = 0;
     const auto add = [&](std::uint64_t vertex, std::uint64_t neighbour) {
